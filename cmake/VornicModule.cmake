@@ -1,0 +1,35 @@
+# vornic_module(<folder> SOURCES a.cpp... HEADERS a.h... [PUBLIC deps] [PRIVATE deps])
+#
+# One static library per folder under src/. Headers go in a file set, so that
+# all_verify_interface_header_sets compiles each of them on its own.
+function(vornic_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
+  set(target "vornic_${name}")
+  add_library(${target} STATIC ${arg_SOURCES})
+  add_library(vornic::${name} ALIAS ${target})
+  target_sources(${target} PUBLIC
+    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} vornic::warnings)
+  set_target_properties(${target} PROPERTIES AUTOMOC ON VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
+# vornic_test(<tst_name.cpp> LIBS ... [LABELS ...] [TIMEOUT seconds])
+#
+# One GoogleTest executable a file, known to CTest as one test. Exit status 77 means skipped.
+function(vornic_test source)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "LIBS;LABELS")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
+  endif()
+  if(VORNIC_SANITIZE)
+    math(EXPR arg_TIMEOUT "${arg_TIMEOUT} * 6")
+  endif()
+  get_filename_component(name "${source}" NAME_WE)
+  add_executable(${name} ${source})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock GTest::gtest GTest::gtest_main vornic::warnings)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" SKIP_RETURN_CODE 77)
+endfunction()
