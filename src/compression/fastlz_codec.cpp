@@ -1,0 +1,80 @@
+#include "compression/codecs.h"
+#include "compression/framing.h"
+#include "platform/log.h"
+
+#include <fastlz.h>
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+namespace vornic {
+
+namespace {
+
+using Prefix = quint64;
+constexpr qsizetype prefixSize = sizeof(Prefix);
+constexpr qsizetype shortestFramed = 17;
+constexpr qsizetype largest = std::numeric_limits<int>::max(); // what the library can count
+
+// Bytes of content that a byte of a block stands for at most: each byte that lengthens a level 2 match adds
+// up to 255, and the two bytes that begin and end such a match add 9 (from the library's decoder).
+constexpr Prefix largestExpansion = 255;
+
+// In the middle of a damaged match the library's decoder reads on past its input: two bytes at most, when
+// what it finds there is zero.
+constexpr qsizetype readPastTheEnd = 2;
+
+// The room that the library's documentation asks for.
+qsizetype compressorRoom(qsizetype inputSize)
+{
+    return std::max<qsizetype>(inputSize + inputSize / 20 + 1, 66);
+}
+
+std::vector<char> paddedBlock(const QByteArray &framed)
+{
+    std::vector<char> block;
+    block.reserve(static_cast<std::size_t>(framed.size() - prefixSize + readPastTheEnd));
+    block.assign(framed.begin() + prefixSize, framed.end());
+    block.insert(block.end(), readPastTheEnd, '\0');
+    return block;
+}
+
+} // namespace
+
+QByteArray fastLZCompress(const QByteArray &input)
+{
+    if (input.size() < shortestFramed)
+        return input;
+    const qsizetype room = compressorRoom(input.size());
+    if (room <= largest) {
+        QByteArray framed(prefixSize + room, Qt::Uninitialized);
+        storeLength(framed, static_cast<Prefix>(input.size()));
+        const int blockSize
+            = fastlz_compress(input.constData(), static_cast<int>(input.size()), framed.data() + prefixSize);
+        if (blockSize < input.size())
+            return cutTo(std::move(framed), prefixSize + blockSize);
+    }
+    logMessage(QStringLiteral("Not compressed."));
+    return input;
+}
+
+QByteArray fastLZUnCompress(const QByteArray &input)
+{
+    if (input.size() < shortestFramed)
+        return input;
+    const auto length = storedLength<Prefix>(input);
+    const qsizetype blockSize = input.size() - prefixSize;
+    if (length == 0 || length > static_cast<Prefix>(blockSize) * largestExpansion)
+        return input;
+    if (length > static_cast<Prefix>(largest) || blockSize > largest)
+        return input;
+    // The decoder's answer does not count: what a damaged block leaves unwritten stays zero.
+    QByteArray output(static_cast<qsizetype>(length), '\0');
+    const std::vector<char> block = paddedBlock(input);
+    fastlz_decompress(
+        block.data(), static_cast<int>(blockSize), output.data(), static_cast<int>(output.size()));
+    return output;
+}
+
+} // namespace vornic
