@@ -1,0 +1,134 @@
+#pragma once
+
+#include "options/logo_font.h"
+#include "platform/observable_object.h"
+
+#include <QColor>
+#include <QImage>
+#include <QPointF>
+#include <QRectF>
+#include <QString>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace vornic {
+
+class KeyedArchiver;
+class KeyedUnarchiver;
+
+/// The user's logo: whether it is stamped, its text with font and colours or its picture, and its place.
+///
+/// Made by the options that own it, and lives on the main thread. LogoValidate, the text, the position and
+/// the colours may be read from any thread; the encoder's reads the first for every frame.
+class VNLogoContext : public ObservableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool LogoValidate READ LogoValidate WRITE setLogoValidate NOTIFY LogoValidateChanged)
+    Q_PROPERTY(int LogoType READ LogoType WRITE setLogoType NOTIFY LogoTypeChanged)
+    Q_PROPERTY(bool isLogoTypeText READ isLogoTypeText WRITE setIsLogoTypeText NOTIFY isLogoTypeTextChanged)
+    Q_PROPERTY(QString LogoText READ LogoText WRITE setLogoText NOTIFY LogoTextChanged)
+    Q_PROPERTY(QPointF LogoPosition READ LogoPosition WRITE setLogoPosition NOTIFY LogoPositionChanged)
+    Q_PROPERTY(double logoPositionX READ logoPositionX WRITE setLogoPositionX NOTIFY logoPositionXChanged)
+    Q_PROPERTY(double logoPositionY READ logoPositionY WRITE setLogoPositionY NOTIFY logoPositionYChanged)
+    Q_PROPERTY(qint64 LogoTransparency READ LogoTransparency WRITE setLogoTransparency NOTIFY
+                   LogoTransparencyChanged)
+    Q_PROPERTY(double LogoScale READ LogoScale WRITE setLogoScale NOTIFY LogoScaleChanged)
+    Q_PROPERTY(qint64 LogoRotation READ LogoRotation WRITE setLogoRotation NOTIFY LogoRotationChanged)
+    Q_PROPERTY(QColor LogoFontFillColor READ LogoFontFillColor WRITE setLogoFontFillColor NOTIFY
+                   LogoFontFillColorChanged)
+    Q_PROPERTY(QColor LogoFontStrokeColor READ LogoFontStrokeColor WRITE setLogoFontStrokeColor NOTIFY
+                   LogoFontStrokeColorChanged)
+public:
+    VNLogoContext();
+    ~VNLogoContext() override;
+
+    /// Never null: what the archive does not hold is zero, not the default.
+    [[nodiscard]] static std::unique_ptr<VNLogoContext> createWithCoder(const KeyedUnarchiver &coder);
+    void encodeWithCoder(KeyedArchiver &coder) const;
+
+    [[nodiscard]] bool LogoValidate() const { return mLogoValidate; }
+    void setLogoValidate(bool validate);
+    /// 0 is a text logo, anything else a picture.
+    [[nodiscard]] int LogoType() const { return mLogoType; }
+    void setLogoType(int type);
+    [[nodiscard]] bool isLogoTypeText() const { return mLogoType == 0; }
+    void setIsLogoTypeText(bool isText);
+    /// Null when the archive it came from held none.
+    [[nodiscard]] QString LogoText() const;
+    void setLogoText(const QString &text);
+    /// From the lower left of the surface that is drawn on, y up: the picture's lower left, or the start of
+    /// the text's baseline.
+    [[nodiscard]] QPointF LogoPosition() const;
+    void setLogoPosition(QPointF position);
+    [[nodiscard]] double logoPositionX() const { return LogoPosition().x(); }
+    void setLogoPositionX(double x);
+    [[nodiscard]] double logoPositionY() const { return LogoPosition().y(); }
+    void setLogoPositionY(double y);
+    /// 0 is invisible, 255 opaque.
+    [[nodiscard]] qint64 LogoTransparency() const { return mLogoTransparency; }
+    void setLogoTransparency(qint64 transparency);
+    [[nodiscard]] double LogoScale() const { return mLogoScale; }
+    void setLogoScale(double scale);
+    /// Whole degrees, counter-clockwise with y up.
+    [[nodiscard]] qint64 LogoRotation() const { return mLogoRotation; }
+    void setLogoRotation(qint64 rotation);
+    /// Invalid when the archive it came from held none; so is the stroke colour.
+    [[nodiscard]] QColor LogoFontFillColor() const;
+    void setLogoFontFillColor(const QColor &color);
+    [[nodiscard]] QColor LogoFontStrokeColor() const;
+    void setLogoFontStrokeColor(const QColor &color);
+
+    /// Created with the default font at the first call.
+    [[nodiscard]] TextAttributes fontAttrs();
+    void setFontAttrs(const TextAttributes &attributes);
+
+    /// The picture at one pixel a point, or a null image.
+    [[nodiscard]] QImage getNSImage() const { return mLogoImage; }
+    /// Keeps the picture's pixels; a null image changes nothing.
+    void setNSImage(const QImage &image);
+
+    /// The unrotated logo, scaled, in the coordinates of LogoPosition. A text logo's is twice as wide as the
+    /// text measures: its letters are drawn with extra space between them. Needs a QGuiApplication.
+    [[nodiscard]] QRectF getLogoRect() const;
+
+    [[nodiscard]] static QByteArrayList keyPathsForValuesAffectingValueForKey(const QByteArray &key);
+
+signals:
+    void LogoValidateChanged();
+    void LogoTypeChanged();
+    void isLogoTypeTextChanged();
+    void LogoTextChanged();
+    void LogoPositionChanged();
+    void logoPositionXChanged();
+    void logoPositionYChanged();
+    void LogoTransparencyChanged();
+    void LogoScaleChanged();
+    void LogoRotationChanged();
+    void LogoFontFillColorChanged();
+    void LogoFontStrokeColorChanged();
+
+private:
+    explicit VNLogoContext(const KeyedUnarchiver &coder);
+
+    void declareDependencies();
+    /// The stored font, or the default one where none is stored, at its size times LogoScale times \a scale.
+    [[nodiscard]] ScaledFont scaledLogoFont(double scale) const;
+
+    mutable std::mutex m_atomicProperties; ///< guards the text, the position and the two colours
+    std::atomic<bool> mLogoValidate = false;
+    int mLogoType = 0;
+    QString mLogoText;
+    QImage mLogoImage;
+    qint64 mLogoTransparency = 0;
+    QPointF mLogoPosition;
+    double mLogoScale = 0;
+    qint64 mLogoRotation = 0;
+    std::optional<TextAttributes> mLogoFontAttr;
+    QColor mLogoFontFillColor;
+    QColor mLogoFontStrokeColor;
+};
+
+} // namespace vornic

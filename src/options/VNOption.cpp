@@ -1,0 +1,233 @@
+#include "options/VNOption.h"
+
+#include "platform/keyed_archive.h"
+#include "platform/screen_geometry.h"
+
+namespace vornic {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The upper bound is applied last, and so wins where the bounds cross.
+double clamped(double value, double lower, double upper)
+{
+    if (lower > value)
+        value = lower;
+    if (value > upper)
+        value = upper;
+    return value;
+}
+
+double flippedAboutMainDisplay(double y)
+{
+    const QRectF frame = VNOption::screenFrame();
+    return (frame.y() + frame.height()) - y;
+}
+
+} // namespace
+
+VNOption::VNOption()
+    : _selectedRect((screenWidth() - 800) * 0.5, (screenHeight() - 600) * 0.5, 800, 600)
+    , _showInFinder(true)
+{
+    declareDependencies();
+}
+
+VNOption::VNOption(const KeyedUnarchiver &coder)
+    : _recordRegion(coder.decodeInt32("_recordRegion"_L1))
+    , _selectedRect(coder.decodeRect("_recordBounds"_L1))
+    , _enableAudio(coder.decodeBool("_enableAudio"_L1))
+    , _showInFinder(coder.decodeBool("_showInFinder"_L1))
+    , _openRecorded(coder.decodeBool("_openRecorded"_L1))
+    , _recordQuality(coder.decodeInt32("_recordQuality"_L1))
+{
+    if (const auto logoContext = coder.decodeObject("_logoContext"_L1))
+        _logoContext = VNLogoContext::createWithCoder(*logoContext);
+    declareDependencies();
+}
+
+VNOption::~VNOption() = default;
+
+std::unique_ptr<VNOption> VNOption::createWithCoder(const KeyedUnarchiver &coder)
+{
+    return std::unique_ptr<VNOption>(new VNOption(coder));
+}
+
+void VNOption::encodeWithCoder(KeyedArchiver &coder) const
+{
+    if (_logoContext)
+        coder.encodeObject("_logoContext"_L1,
+                           [this](KeyedArchiver &logo) { _logoContext->encodeWithCoder(logo); });
+    coder.encodeRect("_recordBounds"_L1, _selectedRect);
+    coder.encodeInt32("_recordQuality"_L1, _recordQuality);
+    coder.encodeInt32("_recordRegion"_L1, _recordRegion);
+    coder.encodeBool("_enableAudio"_L1, _enableAudio);
+    coder.encodeBool("_showInFinder"_L1, _showInFinder);
+    coder.encodeBool("_openRecorded"_L1, _openRecorded);
+}
+
+void VNOption::declareDependencies()
+{
+    declareDependency("isRecordFullScreen", keyPathsForValuesAffectingIsRecordFullScreen());
+    declareDependency("width", keyPathsForValuesAffectingWidth());
+    declareDependency("height", keyPathsForValuesAffectingHeight());
+    declareDependency("offsetX", keyPathsForValuesAffectingOffsetX());
+    declareDependency("offsetY", keyPathsForValuesAffectingOffsetY());
+    declareDependency("maxWidth", keyPathsForValuesAffectingMaxWidth());
+    declareDependency("maxHeight", keyPathsForValuesAffectingMaxHeight());
+    declareDependency("maxOffsetX", keyPathsForValuesAffectingMaxOffsetX());
+    declareDependency("maxOffsetY", keyPathsForValuesAffectingMaxOffsetY());
+    declareDependency("selectedRect", keyPathsForValuesAffectingSelectedRect());
+}
+
+QByteArrayList VNOption::keyPathsForValuesAffectingIsRecordFullScreen()
+{
+    return { "recordRegion" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingWidth()
+{
+    return { "selectedRect" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingHeight()
+{
+    return { "selectedRect" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingOffsetX()
+{
+    return { "selectedRect" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingOffsetY()
+{
+    return { "selectedRect" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingMaxWidth()
+{
+    return { "offsetX" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingMaxHeight()
+{
+    return { "offsetY" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingMaxOffsetX()
+{
+    return { "width" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingMaxOffsetY()
+{
+    return { "height" };
+}
+QByteArrayList VNOption::keyPathsForValuesAffectingSelectedRect()
+{
+    return { "height", "width", "offsetX", "offsetY" };
+}
+
+void VNOption::setRecordRegion(int region)
+{
+    _recordRegion = region;
+    notifyChanged({ "recordRegion" });
+}
+
+void VNOption::setIsRecordFullScreen(bool fullScreen)
+{
+    setRecordRegion(fullScreen ? 0 : 1);
+}
+
+void VNOption::setRecordQuality(int quality)
+{
+    _recordQuality = quality;
+    notifyChanged({ "recordQuality" });
+}
+
+void VNOption::setEnableAudio(bool enable)
+{
+    _enableAudio = enable;
+    notifyChanged({ "enableAudio" });
+}
+
+void VNOption::setShowInFinderWhenFinished(bool show)
+{
+    _showInFinder = show;
+    notifyChanged({ "showInFinderWhenFinished" });
+}
+
+void VNOption::setOpenRecordedWhenFinished(bool open)
+{
+    _openRecorded = open;
+    notifyChanged({ "openRecordedWhenFinished" });
+}
+
+VNLogoContext *VNOption::logoContext()
+{
+    if (!_logoContext)
+        _logoContext = std::make_unique<VNLogoContext>();
+    return _logoContext.get();
+}
+
+void VNOption::setSelectedRect(const QRectF &rectangle)
+{
+    _selectedRect = rectangle;
+    notifyChanged({ "selectedRect" });
+}
+
+void VNOption::setOffsetX(double x)
+{
+    _selectedRect.moveLeft(clamped(x, minOffsetX(), maxOffsetX()));
+    notifyChanged({ "offsetX" });
+}
+
+void VNOption::setOffsetY(double y)
+{
+    _selectedRect.moveTop(clamped(y, minOffsetY(), maxOffsetY()));
+    notifyChanged({ "offsetY" });
+}
+
+void VNOption::setWidth(double width)
+{
+    _selectedRect.setWidth(clamped(width, minWidth(), maxWidth()));
+    notifyChanged({ "width" });
+}
+
+void VNOption::setHeight(double height)
+{
+    _selectedRect.setHeight(clamped(height, minHeight(), maxHeight()));
+    notifyChanged({ "height" });
+}
+
+QRectF VNOption::screenFrame()
+{
+    return mainDisplayFrame();
+}
+
+double VNOption::screenWidth()
+{
+    return screenFrame().width();
+}
+
+double VNOption::screenHeight()
+{
+    return screenFrame().height();
+}
+
+QPointF VNOption::convertScreenPointToQuartz(QPointF point)
+{
+    return { point.x(), flippedAboutMainDisplay(point.y()) };
+}
+
+QPointF VNOption::convertScreenPointFromQuartz(QPointF point)
+{
+    return convertScreenPointToQuartz(point);
+}
+
+QRectF VNOption::convertScreenRectToQuartz(const QRectF &rectangle)
+{
+    const double top = rectangle.y() + rectangle.height();
+    return { rectangle.x(), flippedAboutMainDisplay(top), rectangle.width(), rectangle.height() };
+}
+
+QRectF VNOption::convertScreenRectFromQuartz(const QRectF &rectangle)
+{
+    return convertScreenRectToQuartz(rectangle);
+}
+
+} // namespace vornic

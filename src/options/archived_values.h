@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QImage>
+#include <QLatin1StringView>
+
+#include <optional>
+
+namespace vornic {
+
+class KeyedArchiver;
+class KeyedUnarchiver;
+
+/// Colours, fonts and pictures as objects of a keyed archive, on any one thread. Whatever an archive holds is
+/// safe to read: what is not such an object reads as none.
+
+/// An invalid colour is not written. Colours come back as red, green, blue and alpha.
+void encodeColor(KeyedArchiver &archiver, QLatin1StringView key, const QColor &color);
+[[nodiscard]] QColor decodeColor(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
+
+/// Family, size, weight, style and lines.
+void encodeFont(KeyedArchiver &archiver, QLatin1StringView key, const QFont &font);
+/// None without a family and a size that can be drawn.
+[[nodiscard]] std::optional<QFont> decodeFont(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
+
+/// As a PNG; a null picture is not written.
+void encodePicture(KeyedArchiver &archiver, QLatin1StringView key, const QImage &picture);
+/// Null also for a picture of more pixels than an 8192 by 4096 one, told from its header before memory is
+/// taken.
+[[nodiscard]] QImage decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
+
+} // namespace vornic

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+namespace vornic::user_defaults {
+
+/// The user's stored settings: QSettings, native format, organisation "kavlor", application "Vornic".
+/// Main thread only.
+
+/// An invalid variant when the key is absent.
+[[nodiscard]] QVariant value(const QString &key);
+void setValue(const QString &key, const QVariant &value);
+void remove(const QString &key);
+/// Writes to disk now; false when that failed.
+bool synchronize();
+
+} // namespace vornic::user_defaults

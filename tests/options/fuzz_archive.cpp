@@ -1,0 +1,191 @@
+/// Feeds random bytes and damaged archives to the reader of stored options: fuzz_archive [count] [seed].
+///
+/// Prints how many gave an object, the slowest archive and the most memory; a crash or a sanitizer's report
+/// is the failure. Deterministic for a seed.
+
+#include "options/VNOption.h"
+#include "platform/display/fake_display.h"
+#include "platform/keyed_archive.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QRandomGenerator>
+
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstring>
+
+using namespace vornic;
+
+namespace {
+
+using Random = QRandomGenerator;
+
+int below(Random &random, qsizetype limit)
+{
+    return random.bounded(static_cast<int>(limit));
+}
+
+QByteArray randomBytes(Random &random, int most)
+{
+    QByteArray bytes(below(random, most + 1), '\0');
+    for (char &byte : bytes)
+        byte = static_cast<char>(below(random, 256));
+    return bytes;
+}
+
+QByteArray validArchive(bool withPicture)
+{
+    VNOption options;
+    VNLogoContext *logo = options.logoContext();
+    logo->setLogoText(QStringLiteral("Größe €"));
+    (void)logo->fontAttrs();
+    if (withPicture) {
+        QImage picture(24, 16, QImage::Format_ARGB32);
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixel(x, y, qRgba(x * 10, y * 15, x * y % 256, 255 - x));
+        logo->setNSImage(picture);
+    }
+    return archivedData(options);
+}
+
+/// Changes the values of the archive while its frame stays whole, so that the damage reaches the readers.
+QByteArray withForeignHeads(QByteArray bytes, Random &random)
+{
+    static const QByteArray heads[] = {
+        QByteArray::fromHex("f97e00"),             // NaN
+        QByteArray::fromHex("fb7ff0000000000000"), // infinity
+        QByteArray::fromHex("fb7e37e43c8800759c"), // 1e300
+        QByteArray::fromHex("1bffffffffffffffff"), // beyond 64 bits with a sign
+        QByteArray::fromHex("3b7fffffffffffffff"), // the least of 64 bits
+        QByteArray::fromHex("9b00000000ffffffff"), // a long array
+        QByteArray::fromHex("bb00000000ffffffff"), // a long map
+        QByteArray::fromHex("5b000000007fffffff"), // long bytes
+        QByteArray::fromHex("7f60ff"),             // text in pieces
+        QByteArray::fromHex("c1c1c1c1f6"),         // tags
+        QByteArray::fromHex("a0"),                 // an empty object
+        QByteArray::fromHex("60"),                 // empty text
+    };
+    const QByteArray &head = heads[below(random, std::size(heads))];
+    const int at = below(random, bytes.size());
+    return bytes.replace(at, random.bounded(2) == 0 ? head.size() : 1, head);
+}
+
+QByteArray damaged(QByteArray bytes, Random &random)
+{
+    for (int times = 1 + below(random, 4); times > 0 && !bytes.isEmpty(); --times) {
+        const int at = below(random, bytes.size());
+        switch (random.bounded(6)) {
+        case 0:
+            bytes[at] = static_cast<char>(below(random, 256));
+            break;
+        case 1:
+            bytes[at] = static_cast<char>(bytes[at] ^ (1 << below(random, 8)));
+            break;
+        case 2:
+            bytes.truncate(at);
+            break;
+        case 3:
+            bytes.remove(at, 1 + below(random, 8));
+            break;
+        case 4:
+            bytes.insert(at, bytes.mid(below(random, bytes.size()), below(random, 64)));
+            break;
+        default:
+            bytes = withForeignHeads(bytes, random);
+        }
+    }
+    return bytes;
+}
+
+/// A PNG's header with another size declared, and the checksum made right, inside the archive.
+QByteArray withOtherPictureSize(QByteArray bytes, Random &random)
+{
+    const qsizetype header = bytes.indexOf("IHDR");
+    if (header < 0)
+        return bytes;
+    for (const qsizetype at : { header + 4, header + 8 })
+        for (int i = 0; i < 4; ++i)
+            bytes[at + i] = static_cast<char>(i < 2 && random.bounded(4) != 0 ? 0 : below(random, 256));
+    quint32 crc = 0xffffffff;
+    for (qsizetype i = header; i < header + 17; ++i) {
+        crc ^= static_cast<quint8>(bytes[i]);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xedb88320 : 0);
+    }
+    for (int i = 0; i < 4; ++i)
+        bytes[header + 17 + i] = static_cast<char>(~crc >> (24 - 8 * i));
+    return bytes;
+}
+
+/// Reads the archive and uses what came of it; true when there was an object.
+bool isReadable(const QByteArray &bytes)
+{
+    const auto coder = KeyedUnarchiver::create(bytes);
+    if (!coder)
+        return false;
+    const auto options = VNOption::createWithCoder(*coder);
+    VNLogoContext *logo = options->logoContext();
+    options->setWidth(options->width());
+    options->setOffsetY(options->offsetY());
+    (void)logo->getLogoRect();
+    logo->setIsLogoTypeText(!logo->isLogoTypeText());
+    (void)logo->getLogoRect();
+    (void)logo->fontAttrs();
+    const auto again = KeyedUnarchiver::create(archivedData(*options));
+    if (!again)
+        qFatal("What was read cannot be archived again.");
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Damaged pictures make the image plugins talk.
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
+        if (type == QtFatalMsg)
+            std::fprintf(stderr, "%s\n", qPrintable(message));
+    });
+    const QGuiApplication application(argc, argv);
+    setMainDisplay(std::make_shared<FakeDisplay>(QSize(1440, 900)));
+    const int count = argc > 1 ? QByteArray(argv[1]).toInt() : 2000;
+    Random random(argc > 2 ? QByteArray(argv[2]).toUInt() : 1U);
+    const QByteArray plain = validArchive(false);
+    const QByteArray withPicture = validArchive(true);
+
+    int readable = 0;
+    qint64 slowestNs = 0;
+    for (int i = 0; i < count; ++i) {
+        QByteArray bytes;
+        switch (random.bounded(6)) {
+        case 0:
+            bytes = randomBytes(random, 200);
+            break;
+        case 1:
+            bytes = withOtherPictureSize(withPicture, random);
+            break;
+        case 2:
+            bytes = damaged(plain, random);
+            break;
+        default:
+            bytes = damaged(withPicture, random);
+        }
+        QElapsedTimer timer;
+        timer.start();
+        readable += isReadable(bytes) ? 1 : 0;
+        slowestNs = std::max(slowestNs, timer.nsecsElapsed());
+    }
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%d archives, %d gave an object, slowest %.1f ms, at most %ld MB\n",
+                count,
+                readable,
+                static_cast<double>(slowestNs) / 1e6,
+                usage.ru_maxrss / 1024);
+    return readable > 0 && readable < count ? 0 : 1;
+}

@@ -1,0 +1,85 @@
+#include "platform/assertion.h"
+#include "platform/clock.h"
+#include "platform/free_space.h"
+#include "platform/log.h"
+#include "platform/user_defaults.h"
+
+#include <QFile>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/statvfs.h>
+
+#include <thread>
+
+namespace vornic {
+namespace {
+
+TEST(LogTest, TheSinkGetsTheLinesUntilItIsReplaced)
+{
+    QStringList lines;
+    setLogSink([&](const QString &line) { lines += line; });
+    logMessage("first");
+    setLogSink({});
+    EXPECT_EQ(lines, QStringList { "first" });
+}
+
+TEST(LogTest, WithoutASinkLinesGoToStandardError)
+{
+    testing::internal::CaptureStderr();
+    logMessage(QStringLiteral("Größe"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vornic: Größe\n");
+}
+
+TEST(AssertionTest, TheStandardHandlerLogsAndGoesOn)
+{
+    QStringList lines;
+    setLogSink([&](const QString &line) { lines += line; });
+    reportAssertionFailure({ "init", "VNCGDisplay", 24, "Failed to find main display." });
+    setLogSink({});
+    EXPECT_EQ(lines, QStringList { "Assertion failure in init, VNCGDisplay:24: Failed to find main display." });
+}
+
+TEST(ClockTest, ItOnlyGrows)
+{
+    double last = absoluteTimeSeconds();
+    EXPECT_GT(last, 0.0);
+    for (int i = 0; i < 1000; ++i) {
+        const double now = absoluteTimeSeconds();
+        EXPECT_GE(now, last);
+        last = now;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_GE(absoluteTimeSeconds() - last, 0.02);
+}
+
+TEST(FreeSpaceTest, ItIsWhatTheFileSystemTellsAUser)
+{
+    const QTemporaryDir folder;
+    struct statvfs volume { };
+    ASSERT_EQ(::statvfs(folder.path().toUtf8().constData(), &volume), 0);
+    const double expected = static_cast<double>(volume.f_bavail) * static_cast<double>(volume.f_frsize);
+    // Others write to the same volume meanwhile.
+    EXPECT_NEAR(static_cast<double>(freeSpaceBytes(folder.path())), expected, 2e9);
+    EXPECT_EQ(freeSpaceBytes("/none/such"), 0U);
+}
+
+TEST(UserDefaultsTest, ValuesReachTheFileOfTheProgram)
+{
+    const QTemporaryDir home;
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    EXPECT_FALSE(user_defaults::value("absent").isValid());
+    user_defaults::setValue("number", 7);
+    user_defaults::setValue("bytes", QByteArray("\0\xFF", 2));
+    EXPECT_TRUE(user_defaults::synchronize());
+    EXPECT_EQ(user_defaults::value("number").toInt(), 7);
+    EXPECT_EQ(user_defaults::value("bytes").toByteArray(), QByteArray("\0\xFF", 2));
+    EXPECT_TRUE(QFile::exists(home.filePath("kavlor/Vornic.conf")));
+    user_defaults::remove("number");
+    EXPECT_FALSE(user_defaults::value("number").isValid());
+}
+
+} // namespace
+} // namespace vornic
