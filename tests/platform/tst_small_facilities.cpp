@@ -9,7 +9,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
 #include <sys/statvfs.h>
 
 #include <thread>
@@ -39,7 +38,8 @@ TEST(AssertionTest, TheStandardHandlerLogsAndGoesOn)
     setLogSink([&](const QString &line) { lines += line; });
     reportAssertionFailure({ "init", "VNCGDisplay", 24, "Failed to find main display." });
     setLogSink({});
-    EXPECT_EQ(lines, QStringList { "Assertion failure in init, VNCGDisplay:24: Failed to find main display." });
+    EXPECT_EQ(lines,
+              QStringList { "Assertion failure in init, VNCGDisplay:24: Failed to find main display." });
 }
 
 TEST(ClockTest, ItOnlyGrows)
@@ -58,7 +58,8 @@ TEST(ClockTest, ItOnlyGrows)
 TEST(FreeSpaceTest, ItIsWhatTheFileSystemTellsAUser)
 {
     const QTemporaryDir folder;
-    struct statvfs volume { };
+    struct statvfs volume {
+    };
     ASSERT_EQ(::statvfs(folder.path().toUtf8().constData(), &volume), 0);
     const double expected = static_cast<double>(volume.f_bavail) * static_cast<double>(volume.f_frsize);
     // Others write to the same volume meanwhile.

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace vornic {
+
+class BitmapImage;
+
+/// A pointer shape: equal when picture and hot spot are equal.
+struct CursorShape {
+    QImage picture; ///< Format_ARGB32_Premultiplied, device pixels
+    QPoint hotSpot; ///< from the picture's top left, y down
+
+    friend bool operator==(const CursorShape &, const CursorShape &) = default;
+};
+
+/// The main display of a desktop, as a recorder needs it.
+///
+/// Made through the table of backends (displayBackends()); every function may be called from any thread.
+/// Coordinates are device pixels from the main display's top left, y down, wherever it stands on the desktop.
+class DisplayBackend
+{
+public:
+    virtual ~DisplayBackend() = default;
+    DisplayBackend(const DisplayBackend &) = delete;
+    DisplayBackend &operator=(const DisplayBackend &) = delete;
+
+    /// The id of the main display; 0 means that there is none.
+    [[nodiscard]] virtual std::uint32_t mainDisplayId() const = 0;
+    /// The size now; empty when there is no display.
+    [[nodiscard]] virtual QSize mainDisplaySize() const = 0;
+    /// The part of \a rectangle that lies on the display, without the pointer; null when none does, or when
+    /// the server refuses. Blocks for one exchange with the server, or for none when nothing has changed.
+    [[nodiscard]] virtual std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) = 0;
+    /// Where the pointer's hot spot is; may lie off the main display.
+    [[nodiscard]] virtual QPoint pointerPosition() = 0;
+    /// The shape that the pointer has now; null when it is hidden or unknown.
+    [[nodiscard]] virtual std::shared_ptr<const CursorShape> cursorShape() = 0;
+
+protected:
+    DisplayBackend() = default;
+};
+
+/// One row of the table of backends.
+struct DisplayBackendEntry {
+    std::string_view id;   ///< as in the environment variable VORNIC_DISPLAY
+    bool selectedByItself; ///< false: only when asked for by its id
+    /// The backend, or null with one sentence for the user in the argument.
+    std::unique_ptr<DisplayBackend> (*create)(QString &whyNot);
+};
+
+/// All backends, best first.
+[[nodiscard]] std::span<const DisplayBackendEntry> displayBackends();
+
+/// The process's display, chosen at the first call and never null.
+///
+/// The environment variable VORNIC_DISPLAY forces a backend by id. Where none works it is the null backend,
+/// which has no display (id 0, empty size, no images) and carries the sentence for the user.
+[[nodiscard]] std::shared_ptr<DisplayBackend> mainDisplay();
+
+/// Why there is no display, one sentence for the user; empty while there is one.
+[[nodiscard]] QString noDisplayReason();
+
+/// Puts a display in place of the chosen one (for tests); null makes the next call choose again.
+void setMainDisplay(std::shared_ptr<DisplayBackend> display);
+
+} // namespace vornic

@@ -1,0 +1,64 @@
+#include "platform/display/x11_display.h"
+
+#include "platform/display/bitmap_image.h"
+#include "platform/display/display_rectangle.h"
+
+#include <utility>
+
+namespace vornic {
+
+std::unique_ptr<DisplayBackend> X11Display::create(QString &whyNot)
+{
+    auto connection = X11Connection::open(whyNot);
+    if (!connection)
+        return nullptr;
+    auto format = X11PixelFormat::ofScreen(*xcb_get_setup(connection->get()), connection->screen(), whyNot);
+    if (!format)
+        return nullptr;
+    std::unique_ptr<DisplayBackend> display(new X11Display(std::move(connection), std::move(*format)));
+    // What a server says it can do and what it lets this program do are known apart only by trying.
+    if (!display->grab(QRect(0, 0, 1, 1))) {
+        whyNot = QStringLiteral("The X server refuses to give pictures of its screen.");
+        return nullptr;
+    }
+    return display;
+}
+
+X11Display::X11Display(std::unique_ptr<X11Connection> connection, X11PixelFormat format)
+    : m_connection(std::move(connection))
+    , m_monitor(*m_connection)
+    , m_grabber(*m_connection, std::move(format))
+    , m_pointer(*m_connection)
+{
+}
+
+std::uint32_t X11Display::mainDisplayId() const
+{
+    return m_monitor.layout().id;
+}
+
+QSize X11Display::mainDisplaySize() const
+{
+    return m_monitor.layout().rectangle.size();
+}
+
+std::shared_ptr<const BitmapImage> X11Display::grab(const QRect &rectangle)
+{
+    const X11Layout layout = m_monitor.layout();
+    const QRect visible = partOnDisplay(rectangle, layout.rectangle.size());
+    if (visible.isEmpty())
+        return nullptr;
+    return m_grabber.grab(visible.translated(layout.rectangle.topLeft()), layout.edition);
+}
+
+QPoint X11Display::pointerPosition()
+{
+    return m_pointer.positionOnRoot() - m_monitor.layout().rectangle.topLeft();
+}
+
+std::shared_ptr<const CursorShape> X11Display::cursorShape()
+{
+    return m_pointer.shape();
+}
+
+} // namespace vornic
