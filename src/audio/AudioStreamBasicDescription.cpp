@@ -1,0 +1,65 @@
+#include "audio/AudioStreamBasicDescription.h"
+
+#include "platform/keyed_archive.h"
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+struct Field {
+    QLatin1StringView key;
+    std::uint32_t AudioStreamBasicDescription::*member;
+};
+
+constexpr std::array fields {
+    Field { QLatin1StringView("mFormatID"), &AudioStreamBasicDescription::mFormatID },
+    Field { QLatin1StringView("mFormatFlags"), &AudioStreamBasicDescription::mFormatFlags },
+    Field { QLatin1StringView("mBytesPerPacket"), &AudioStreamBasicDescription::mBytesPerPacket },
+    Field { QLatin1StringView("mFramesPerPacket"), &AudioStreamBasicDescription::mFramesPerPacket },
+    Field { QLatin1StringView("mBytesPerFrame"), &AudioStreamBasicDescription::mBytesPerFrame },
+    Field { QLatin1StringView("mChannelsPerFrame"), &AudioStreamBasicDescription::mChannelsPerFrame },
+    Field { QLatin1StringView("mBitsPerChannel"), &AudioStreamBasicDescription::mBitsPerChannel },
+    Field { QLatin1StringView("mReserved"), &AudioStreamBasicDescription::mReserved },
+};
+
+constexpr QLatin1StringView sampleRateKey("mSampleRate");
+
+} // namespace
+
+void AudioStreamBasicDescription::encodeWithCoder(KeyedArchiver &archiver) const
+{
+    archiver.encodeDouble(sampleRateKey, mSampleRate);
+    for (const Field &field : fields)
+        archiver.encodeInt64(field.key, this->*field.member);
+}
+
+AudioStreamBasicDescription AudioStreamBasicDescription::createWithCoder(const KeyedUnarchiver &unarchiver)
+{
+    AudioStreamBasicDescription format;
+    format.mSampleRate = unarchiver.decodeDouble(sampleRateKey);
+    for (const Field &field : fields) {
+        const std::int64_t value = unarchiver.decodeInt64(field.key);
+        format.*field.member = std::in_range<std::uint32_t>(value) ? static_cast<std::uint32_t>(value) : 0;
+    }
+    return format;
+}
+
+AudioStreamBasicDescription defaultAudioStreamBasicDescription()
+{
+    AudioStreamBasicDescription format;
+    format.mSampleRate = 48000.0;
+    format.mFormatID = AudioStreamBasicDescription::linearPcm;
+    format.mFormatFlags = AudioStreamBasicDescription::signedInteger | AudioStreamBasicDescription::packed;
+    format.mBytesPerPacket = 4;
+    format.mFramesPerPacket = 1;
+    format.mBytesPerFrame = 4;
+    format.mChannelsPerFrame = 2;
+    format.mBitsPerChannel = 16;
+    return format;
+}
+
+} // namespace vornic

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vornic {
+
+class KeyedArchiver;
+class KeyedUnarchiver;
+
+/// The layout of a linear-PCM stream: a plain value, free to copy.
+///
+/// A frame holds one sample of every channel; a packet of linear PCM is one frame.
+struct AudioStreamBasicDescription {
+    double mSampleRate = 0.0; ///< frames a second
+    std::uint32_t mFormatID = 0;
+    std::uint32_t mFormatFlags = 0;
+    std::uint32_t mBytesPerPacket = 0;
+    std::uint32_t mFramesPerPacket = 0;
+    std::uint32_t mBytesPerFrame = 0;
+    std::uint32_t mChannelsPerFrame = 0;
+    std::uint32_t mBitsPerChannel = 0;
+    std::uint32_t mReserved = 0;
+
+    static constexpr std::uint32_t linearPcm = 0x6C70636D; ///< the four characters 'lpcm'
+    static constexpr std::uint32_t signedInteger = 4;      ///< a format flag
+    static constexpr std::uint32_t packed = 8;             ///< a format flag
+
+    void encodeWithCoder(KeyedArchiver &archiver) const;
+    [[nodiscard]] static AudioStreamBasicDescription createWithCoder(const KeyedUnarchiver &unarchiver);
+
+    friend bool operator==(const AudioStreamBasicDescription &, const AudioStreamBasicDescription &)
+        = default;
+};
+
+/// What every recording asks for: 48,000 Hz, 2 channels, 16-bit signed, packed.
+[[nodiscard]] AudioStreamBasicDescription defaultAudioStreamBasicDescription();
+
+} // namespace vornic

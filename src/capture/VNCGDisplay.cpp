@@ -1,0 +1,61 @@
+#include "capture/VNCGDisplay.h"
+
+#include "options/VNOption.h"
+#include "platform/assertion.h"
+#include "platform/display/bitmap_image.h"
+#include "platform/display/display_backend.h"
+#include "platform/screen_geometry.h"
+
+namespace vornic {
+
+namespace {
+
+void reportFailure(int line, const char *description)
+{
+    reportAssertionFailure(
+        { QStringLiteral("init"), QStringLiteral("VNCGDisplay"), line, QString::fromLatin1(description) });
+}
+
+} // namespace
+
+VNCGDisplay::VNCGDisplay()
+    : m_backend(mainDisplay())
+    , mMainDisplay(m_backend->mainDisplayId())
+{
+    if (mMainDisplay == 0)
+        reportFailure(24, "Failed to find main display.");
+    measure();
+}
+
+VNCGDisplay::~VNCGDisplay() = default;
+
+void VNCGDisplay::measure()
+{
+    const QSize size = m_backend->mainDisplaySize();
+    _width = size.width();
+    if (_width < 1) {
+        const std::shared_ptr<const BitmapImage> picture = readFullScreen();
+        _width = picture ? picture->width() : 0;
+        _height = picture ? picture->height() : 0;
+        return;
+    }
+    _height = size.height();
+    if (_height < 1)
+        reportFailure(33, "Failed to get display height");
+}
+
+std::shared_ptr<const BitmapImage> VNCGDisplay::readFullScreen() const
+{
+    // Until the display has told its size, all of it is whatever a grab without bounds brings.
+    constexpr int unbounded = 1 << 16;
+    const QSize size = _width < 1 ? QSize(unbounded, unbounded)
+                                  : QSize(static_cast<int>(_width), static_cast<int>(_height));
+    return m_backend->grab(QRect(QPoint(0, 0), size));
+}
+
+std::shared_ptr<const BitmapImage> VNCGDisplay::readPartScreen(const QRectF &rect) const
+{
+    return m_backend->grab(truncatedRect(VNOption::convertScreenRectToQuartz(rect)));
+}
+
+} // namespace vornic

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vornic {
+
+/// The place of one spooled block: an entry of a spool's index, made by the spool manager; a plain value.
+class VNDataBlock
+{
+public:
+    VNDataBlock(std::uint64_t offset, std::uint64_t length)
+        : _offset(offset)
+        , _dataLength(length)
+    {
+    }
+
+    /// Bytes from the start of the spool file.
+    [[nodiscard]] std::uint64_t offset() const { return _offset; }
+    /// Bytes as stored, after compression.
+    [[nodiscard]] std::uint64_t length() const { return _dataLength; }
+    /// The frame's timestamp in PKTimebase ticks; 0 for audio.
+    [[nodiscard]] std::int64_t timeStamp() const { return _timeStamp; }
+    void setTimeStamp(std::int64_t ticks) { _timeStamp = ticks; }
+    [[nodiscard]] bool isCompressed() const { return _isCompressed; }
+    void setIsCompressed(bool compressed) { _isCompressed = compressed; }
+
+private:
+    std::uint64_t _offset;
+    std::uint64_t _dataLength;
+    std::int64_t _timeStamp = 0;
+    bool _isCompressed = false;
+};
+
+} // namespace vornic

@@ -1,0 +1,24 @@
+#include "capture/block_index.h"
+
+namespace vornic {
+
+std::optional<VNDataBlock> BlockIndex::takeOldest()
+{
+    if (mBufferDescris.empty())
+        return std::nullopt;
+    const VNDataBlock oldest = mBufferDescris.front();
+    mBufferDescris.pop_front();
+    return oldest;
+}
+
+std::int64_t BlockIndex::oldestTimeStamp() const
+{
+    return mBufferDescris.empty() ? 0 : mBufferDescris.front().timeStamp();
+}
+
+std::int64_t BlockIndex::newestTimeStamp() const
+{
+    return mBufferDescris.empty() ? 0 : mBufferDescris.back().timeStamp();
+}
+
+} // namespace vornic
