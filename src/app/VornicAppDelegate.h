@@ -1,0 +1,168 @@
+#pragma once
+
+#include "app/recording_counts.h"
+#include "codec/PKMuxerTaskDataSource.h"
+#include "platform/observable_object.h"
+
+#include <QRectF>
+#include <QString>
+#include <QVariant>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace vornic {
+
+class AudioSource;
+class BitmapImage;
+class FrameComposer;
+class FrontEnd;
+class PKMuxerContext;
+class SerialQueue;
+class VNBufferMgr;
+class VNCGDisplay;
+class VNLogoContext;
+class VNOption;
+struct AudioStreamBasicDescription;
+
+/// The spine of the program: one recording at a time, from the record button to the finished movie.
+///
+/// Made by main, which owns it and the front end that it talks to; lives on the main thread. The capture
+/// passes run on imgCaptureQueue, the PKMuxerTask… functions on the encoder's threads, the audio callback on
+/// the audio source's thread.
+class VornicAppDelegate : public ObservableObject, public PKMuxerTaskDataSource
+{
+    Q_OBJECT
+    Q_MOC_INCLUDE("options/VNOption.h")
+    /// 0: idle; 1: recording, up to and including the encoding.
+    Q_PROPERTY(int state READ state NOTIFY stateChanged)
+    Q_PROPERTY(vornic::VNOption *options READ options CONSTANT)
+    Q_PROPERTY(bool allowedEditOptions READ allowedEditOptions NOTIFY allowedEditOptionsChanged)
+    Q_PROPERTY(
+        bool allowedEditRecordRegion READ allowedEditRecordRegion NOTIFY allowedEditRecordRegionChanged)
+    Q_PROPERTY(bool allowedEditLogo READ allowedEditLogo NOTIFY allowedEditLogoChanged)
+    Q_PROPERTY(bool allowedEditFont READ allowedEditFont NOTIFY allowedEditFontChanged)
+    Q_PROPERTY(bool allowedAudioRecord READ allowedAudioRecord NOTIFY allowedAudioRecordChanged)
+
+public:
+    /// Borrows \a frontEnd for life. The options are the user's stored ones.
+    explicit VornicAppDelegate(FrontEnd &frontEnd);
+    /// The options are \a options; the stored ones are neither read nor written.
+    VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOption> options);
+    ~VornicAppDelegate() override;
+
+    /// Makes the spool manager and the grabber; before anything else is called.
+    void applicationDidFinishLaunching();
+    /// Ends a running recording normally: its movie is written, then state is 0. Then, or at once when idle,
+    /// readyToTerminate() is sent.
+    void terminate();
+    /// Stores the options, if they are the user's stored ones.
+    void applicationWillTerminate();
+
+    // shell
+    /// Null once when the stored options cannot be read; the next call makes fresh ones.
+    [[nodiscard]] VNOption *options();
+    [[nodiscard]] bool allowedEditOptions() const;
+    [[nodiscard]] bool allowedEditRecordRegion();
+    [[nodiscard]] bool allowedEditLogo();
+    [[nodiscard]] bool allowedEditFont();
+    [[nodiscard]] bool allowedAudioRecord() const;
+    void alertError(const QString &text);
+    /// True when the main window may close; asks while a recording runs.
+    [[nodiscard]] bool windowShouldClose();
+    [[nodiscard]] bool VNRecorderWndCtrlIsRecording() const { return m_state == 1; }
+
+    // recording session
+    [[nodiscard]] int state() const { return m_state; }
+    /// The record button: begins the start sequence when idle.
+    void recorded();
+    void startRecordSelectOutFile();
+    void startRecorderWithHintWindow();
+    void startRecorderAnyway();
+    /// Raises the exit flag; the next capture pass ends the recording. From any thread.
+    void stopRecord();
+    void executeStopRecord();
+    void recordcomplete();
+    void showStopRecordingBtn();
+    void hideStopRecordingBtn();
+    /// One pass, on the capture queue: \a origin in seconds of the absolute clock, a null \a rect for the
+    /// full display, \a frameRate in frames a second.
+    void captureInBackground(double origin, const QRectF &rect, double frameRate);
+    [[nodiscard]] SerialQueue &imgCaptureQueue();
+    [[nodiscard]] VNBufferMgr &bufferMgr() { return *mBufferMgr; }
+    [[nodiscard]] const QString &outfileName() const { return m_outfileName; }
+    /// Of the recording that runs or ran last; complete once state is 0 again.
+    [[nodiscard]] RecordingCounts counts() const;
+    /// Empty when the last recording became a movie, else why it did not.
+    [[nodiscard]] const QString &failure() const { return m_failure; }
+
+    // encoder hand-off
+    /// \a arguments: the output path, the quality step, 1 for audio or 0.
+    void startRecorder(const QVariantList &arguments);
+    [[nodiscard]] std::int64_t PKMuxerTaskLength() override;
+    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame() override;
+    [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() override;
+
+    // audio input
+    /// The source that recordings take sound from; null: none is there.
+    void setAudioSource(std::unique_ptr<AudioSource> source);
+    /// A chunk of sound has come, on the source's thread; the bytes are valid during the call.
+    void dataRecord(const void *bytes, std::uint32_t byteCount, const AudioStreamBasicDescription &format);
+
+signals:
+    void stateChanged();
+    void allowedEditOptionsChanged();
+    void allowedEditRecordRegionChanged();
+    void allowedEditLogoChanged();
+    void allowedEditFontChanged();
+    void allowedAudioRecordChanged();
+    /// The timestamp of a kept frame, in PKTimebase ticks; on the main thread.
+    void clockTicked(qint64 timestamp);
+    /// The start sequence ended without a recording: the user thought better of it, or it cannot be made.
+    void recordingRefused();
+    void readyToTerminate();
+
+private:
+    void setState(int state);
+    [[nodiscard]] bool outputAndSpoolAreReady();
+    [[nodiscard]] QRectF regionToRecord();
+    void stopBecauseFull();
+    void endCapture();
+    [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image, double origin);
+    void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
+    void configureAudio(PKMuxerContext &context);
+    void muxerReported(const QString &action, const QVariant &value);
+    void recordFailed(const QString &sentence);
+    void becomeIdle();
+
+    FrontEnd &m_frontEnd;
+    std::unique_ptr<VNOption> m_options;
+    const bool m_optionsAreStored;
+    int m_state = 0;
+    bool m_stopItemShown = false;
+    bool m_muxing = false;
+    bool m_terminating = false;
+    QString m_outfileName;
+    QString m_failure;
+    std::unique_ptr<VNBufferMgr> mBufferMgr;
+    std::unique_ptr<VNCGDisplay> mDisplay;
+    std::unique_ptr<AudioSource> m_audioSource;
+    std::unique_ptr<FrameComposer> m_composer; ///< on the encoder's thread while a movie is written
+    VNLogoContext *m_logoContext = nullptr;    ///< the options', borrowed while a movie is written
+
+    bool m_recordsAudio = false; ///< the options' enableAudio when the recording started
+    std::atomic<bool> _audioValidate = false;
+    std::atomic<double> _audioStartTime = 0.0; ///< seconds of the absolute clock; 0: no chunk yet
+    std::atomic<std::uint64_t> m_framesGrabbed = 0;
+    std::atomic<std::uint64_t> m_framesUnusable = 0;
+    std::uint64_t m_framesWritten = 0;
+    std::uint64_t m_framesOutOfOrder = 0;
+    double m_audioSeconds = 0;
+
+    std::unique_ptr<SerialQueue> _imgCaptureQueue; ///< last: its thread ends before what it uses
+};
+
+} // namespace vornic

@@ -1,0 +1,268 @@
+// The recording session: the start sequence, the capture passes, the stop sequence.
+
+#include "app/VornicAppDelegate.h"
+#include "app/front_end.h"
+#include "app/output_check.h"
+#include "app/recording_settings.h"
+#include "app/time_text.h"
+#include "audio/audio_source.h"
+#include "capture/VNBufferDiscr.h"
+#include "capture/VNBufferMgr.h"
+#include "capture/VNCGDisplay.h"
+#include "codec/PKTimebase.h"
+#include "options/VNLogoContext.h"
+#include "options/VNOption.h"
+#include "platform/clock.h"
+#include "platform/display/bitmap_image.h"
+#include "platform/log.h"
+#include "platform/main_queue.h"
+#include "platform/screen_geometry.h"
+#include "platform/serial_queue.h"
+
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// How long a pass waits for the sound that gives the recording its time origin.
+constexpr std::chrono::nanoseconds audioWait(25'000'000);
+
+/// Origins below this are none: the absolute clock never shows them.
+constexpr double unsetOrigin = 0.001;
+
+} // namespace
+
+SerialQueue &VornicAppDelegate::imgCaptureQueue()
+{
+    if (!_imgCaptureQueue)
+        _imgCaptureQueue = std::make_unique<SerialQueue>();
+    return *_imgCaptureQueue;
+}
+
+void VornicAppDelegate::recorded()
+{
+    if (m_state != 0)
+        return;
+    if (mBufferMgr->freespaceIsEough()) {
+        startRecordSelectOutFile();
+        return;
+    }
+    m_frontEnd.askAboutFreeSpace([this](bool goOn) {
+        if (goOn)
+            startRecordSelectOutFile();
+        else
+            emit recordingRefused();
+    });
+}
+
+void VornicAppDelegate::startRecordSelectOutFile()
+{
+    m_frontEnd.runSavePanel(
+        QStringLiteral("Untitled"), QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
+            if (!path) {
+                emit recordingRefused();
+                return;
+            }
+            m_outfileName = *path;
+            main_queue::async([this] { startRecorderWithHintWindow(); });
+        });
+}
+
+void VornicAppDelegate::startRecorderWithHintWindow()
+{
+    m_frontEnd.showHint([this](int response) {
+        if (response == FrontEnd::responseContinue)
+            main_queue::async([this] { startRecorderAnyway(); });
+        else
+            emit recordingRefused();
+    });
+}
+
+bool VornicAppDelegate::outputAndSpoolAreReady()
+{
+    QString reason = whyNoMovieCanBeWritten(m_outfileName);
+    if (reason.isEmpty())
+        reason = whyNothingCanBeSpooled();
+    if (!reason.isEmpty())
+        alertError(reason);
+    return reason.isEmpty();
+}
+
+QRectF VornicAppDelegate::regionToRecord()
+{
+    const QRectF selected = options()->selectedRect();
+    const QRect pixels = truncatedRect(VNOption::convertScreenRectToQuartz(selected));
+    const QRect visible = pixels & QRect(QPoint(0, 0), VNOption::screenFrame().size().toSize());
+    // Where none of it is on the display, the grab finds that out and ends the recording.
+    return visible.isEmpty() ? selected : VNOption::convertScreenRectFromQuartz(QRectF(visible));
+}
+
+void VornicAppDelegate::startRecorderAnyway()
+{
+    if (m_state != 0)
+        return;
+    if (m_terminating || !outputAndSpoolAreReady()) {
+        emit recordingRefused();
+        return;
+    }
+    VNOption &chosen = *options();
+    showStopRecordingBtn();
+    mBufferMgr->readyToRecord();
+    m_failure.clear();
+    m_framesGrabbed = 0;
+    m_framesUnusable = 0;
+    m_framesWritten = 0;
+    m_framesOutOfOrder = 0;
+    m_audioSeconds = 0;
+    setState(1);
+
+    const QVariantList arguments { m_outfileName, chosen.recordQuality(), chosen.enableAudio() ? 1 : 0 };
+    m_recordsAudio = chosen.enableAudio();
+    _audioValidate = m_recordsAudio;
+    _audioStartTime = 0.0;
+    const double frameRate = captureFrameRate(chosen.recordQuality());
+    const bool part = chosen.recordRegion() == 1;
+    const QRectF region = part ? regionToRecord() : VNOption::screenFrame();
+    mBufferMgr->setRecordRect(region);
+    mBufferMgr->setIsRecordPart(part);
+    if (part)
+        m_frontEnd.setSaving(true);
+    const QRectF grabbed = part ? region : QRectF();
+    imgCaptureQueue().async(
+        [this, grabbed, frameRate] { captureInBackground(absoluteTimeSeconds(), grabbed, frameRate); });
+    startRecorder(arguments);
+}
+
+void VornicAppDelegate::scheduleCapture(std::chrono::nanoseconds delay,
+                                        double origin,
+                                        const QRectF &rect,
+                                        double frameRate)
+{
+    imgCaptureQueue().after(
+        delay, [this, origin, rect, frameRate] { captureInBackground(origin, rect, frameRate); });
+}
+
+void VornicAppDelegate::captureInBackground(double origin, const QRectF &rect, double frameRate)
+{
+    if (mBufferMgr->cacheFull() || mBufferMgr->writeFailed())
+        stopBecauseFull();
+    if (mBufferMgr->exit()) {
+        endCapture();
+        return;
+    }
+    std::shared_ptr<const BitmapImage> image
+        = rect == QRectF() ? mDisplay->readFullScreen() : mDisplay->readPartScreen(rect);
+    if (!image) {
+        logMessage(QStringLiteral("Failed to shot screen buffer."));
+        mBufferMgr->setExit(true);
+    } else if (!keepFrame(std::move(image), origin)) {
+        scheduleCapture(audioWait, origin, rect, frameRate);
+        return;
+    }
+    scheduleCapture(captureDelay(frameRate), origin, rect, frameRate);
+}
+
+void VornicAppDelegate::stopBecauseFull()
+{
+    mBufferMgr->setExit(true);
+    main_queue::sync([this] {
+        m_frontEnd.alert(QStringLiteral("Disk free space is too low"),
+                         QStringLiteral("It will terminate recording because of disk space is insufficient"));
+    });
+}
+
+void VornicAppDelegate::endCapture()
+{
+    if (m_recordsAudio && m_audioSource)
+        m_audioSource->stopRecord();
+    mBufferMgr->endVideoRecord();
+    main_queue::async([this] { executeStopRecord(); });
+}
+
+/// False when there is no time origin yet: the frame is dropped.
+bool VornicAppDelegate::keepFrame(std::shared_ptr<const BitmapImage> image, double origin)
+{
+    const std::unique_ptr<VNBufferDiscr> record = VNBufferDiscr::createWithScreenImage(std::move(image));
+    const double now = absoluteTimeSeconds();
+    if (_audioValidate) {
+        origin = _audioStartTime;
+        if (std::abs(origin) < unsetOrigin)
+            return false;
+    }
+    const auto timestamp = static_cast<std::int64_t>((now - origin) * static_cast<double>(PKTimebase));
+    record->setBufferTimestamp(static_cast<std::uint64_t>(timestamp));
+    main_queue::sync([this, timestamp] {
+        if (m_stopItemShown)
+            m_frontEnd.setStopItemTitle(stringFromeTimestamp(timestamp));
+        emit clockTicked(timestamp);
+    });
+    mBufferMgr->pushRecordBuffer(*record);
+    ++m_framesGrabbed;
+    return true;
+}
+
+void VornicAppDelegate::stopRecord()
+{
+    mBufferMgr->setExit(true);
+}
+
+void VornicAppDelegate::recordcomplete()
+{
+    if (options()->showInFinderWhenFinished())
+        m_frontEnd.reveal(m_outfileName);
+    if (options()->openRecordedWhenFinished())
+        m_frontEnd.open(m_outfileName);
+    becomeIdle();
+}
+
+void VornicAppDelegate::recordFailed(const QString &sentence)
+{
+    m_failure = sentence;
+    becomeIdle();
+}
+
+void VornicAppDelegate::becomeIdle()
+{
+    mBufferMgr->clear();
+    hideStopRecordingBtn();
+    m_muxing = false;
+    m_frontEnd.setSaving(false);
+    setState(0);
+    if (m_terminating)
+        main_queue::async([this] { emit readyToTerminate(); });
+}
+
+void VornicAppDelegate::showStopRecordingBtn()
+{
+    m_stopItemShown = true;
+    m_frontEnd.showStopItem(stringFromeTimestamp(0));
+    m_frontEnd.minimiseMainWindow();
+}
+
+void VornicAppDelegate::hideStopRecordingBtn()
+{
+    if (m_stopItemShown)
+        m_frontEnd.hideStopItem();
+    m_stopItemShown = false;
+    m_frontEnd.bringMainWindowToFront();
+}
+
+void VornicAppDelegate::setState(int state)
+{
+    m_state = state;
+    notifyChanged({ "state" });
+    m_frontEnd.reloadData();
+}
+
+RecordingCounts VornicAppDelegate::counts() const
+{
+    return { m_framesGrabbed,
+             m_framesWritten,
+             m_framesUnusable + m_framesOutOfOrder + mBufferMgr->skippedBlockCount(),
+             m_audioSeconds };
+}
+
+} // namespace vornic

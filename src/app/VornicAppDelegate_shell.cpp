@@ -1,0 +1,112 @@
+// The shell: launch and end, the options, and what may be edited when.
+
+#include "app/VornicAppDelegate.h"
+#include "app/front_end.h"
+#include "app/stored_options.h"
+#include "audio/audio_source.h"
+#include "capture/VNBufferMgr.h"
+#include "capture/VNCGDisplay.h"
+#include "capture/frame_composer.h"
+#include "options/VNLogoContext.h"
+#include "options/VNOption.h"
+#include "platform/display/bitmap_image.h"
+#include "platform/serial_queue.h"
+
+#include <utility>
+
+namespace vornic {
+
+VornicAppDelegate::VornicAppDelegate(FrontEnd &frontEnd)
+    : VornicAppDelegate(frontEnd, nullptr)
+{
+}
+
+VornicAppDelegate::VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOption> options)
+    : m_frontEnd(frontEnd)
+    , m_options(std::move(options))
+    , m_optionsAreStored(!m_options)
+{
+    declareDependency("allowedEditOptions", { "state" });
+    declareDependency("allowedEditRecordRegion", { "state", "options.recordRegion" });
+    declareDependency("allowedEditLogo", { "state", "options.logoContext.LogoValidate" });
+    declareDependency("allowedEditFont",
+                      { "state", "options.logoContext.LogoValidate", "options.logoContext.LogoType" });
+}
+
+VornicAppDelegate::~VornicAppDelegate() = default;
+
+void VornicAppDelegate::applicationDidFinishLaunching()
+{
+    // Stored options that cannot be read yield none once; the program starts all the same.
+    if (!options())
+        static_cast<void>(options());
+    mBufferMgr = std::make_unique<VNBufferMgr>(4);
+    mDisplay = std::make_unique<VNCGDisplay>();
+}
+
+void VornicAppDelegate::terminate()
+{
+    m_terminating = true;
+    if (m_state == 0)
+        emit readyToTerminate();
+    else
+        stopRecord();
+}
+
+void VornicAppDelegate::applicationWillTerminate()
+{
+    if (m_optionsAreStored && m_options)
+        storeOptions(*m_options);
+}
+
+VNOption *VornicAppDelegate::options()
+{
+    if (!m_options)
+        m_options = loadOptions();
+    return m_options.get();
+}
+
+bool VornicAppDelegate::allowedEditOptions() const
+{
+    return m_state == 0;
+}
+
+bool VornicAppDelegate::allowedEditRecordRegion()
+{
+    return m_state == 0 && options() && options()->recordRegion() == 1;
+}
+
+bool VornicAppDelegate::allowedEditLogo()
+{
+    return m_state == 0 && options() && options()->logoContext()->LogoValidate();
+}
+
+bool VornicAppDelegate::allowedEditFont()
+{
+    return allowedEditLogo() && options()->logoContext()->LogoType() == 0;
+}
+
+bool VornicAppDelegate::allowedAudioRecord() const
+{
+    return m_state == 0 && m_audioSource;
+}
+
+void VornicAppDelegate::alertError(const QString &text)
+{
+    m_frontEnd.alert(QStringLiteral("Error"), text);
+}
+
+bool VornicAppDelegate::windowShouldClose()
+{
+    if (m_state != 1)
+        return true;
+    const bool quits = m_frontEnd.confirmQuit(
+        QStringLiteral("Are you sure to quit it?"),
+        QStringLiteral("The application is recording video, video recording will stop if it quit."));
+    // The recording may have ended while the question stood.
+    if (quits && m_state == 1)
+        executeStopRecord();
+    return quits;
+}
+
+} // namespace vornic

@@ -1,0 +1,194 @@
+#include "app/command_line.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+#include <array>
+#include <cmath>
+
+namespace vornic {
+
+namespace {
+
+constexpr double mostSeconds = 60.0 * 60 * 24 * 365;
+
+CommandLine wrongUsage(const QString &problem)
+{
+    CommandLine line;
+    line.action = CommandLine::Action::WrongUsage;
+    line.problem = problem;
+    return line;
+}
+
+CommandLine wrongValue(const QString &option, const QString &value, const QString &form)
+{
+    return wrongUsage(QStringLiteral("--%1 \"%2\" cannot be read; give it as %3.").arg(option, value, form));
+}
+
+void addRecordOptions(QCommandLineParser &parser)
+{
+    parser.addOptions({
+        { QStringLiteral("region"),
+          QStringLiteral("Record only this rectangle: pixels from the top left of the main display "
+                         "(\"X,Y WxH\" and WxH+X+Y are taken too). Without it the full display."),
+          QStringLiteral("X,Y,W,H") },
+        { QStringLiteral("quality"),
+          QStringLiteral("high (30 pictures a second) or medium (20); default high."),
+          QStringLiteral("QUALITY") },
+        { QStringLiteral("audio"),
+          QStringLiteral("Record the first audio input device too; --audio=NAME the one named.") },
+        { QStringLiteral("duration"),
+          QStringLiteral("Stop by itself after so long."),
+          QStringLiteral("SECONDS") },
+        { QStringLiteral("overwrite"),
+          QStringLiteral("Replace FILE.mp4; without it an existing file is refused.") },
+        { QStringLiteral("ignore-low-space"), QStringLiteral("Go on below the free-space limit.") },
+    });
+}
+
+void describe(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        QStringLiteral("Vornic, a screen recorder.\n\n"
+                       "  vornic                            the window\n"
+                       "  vornic record [options] FILE.mp4  record without the window;\n"
+                       "                                    Ctrl-C, SIGTERM or --duration ends it\n"
+                       "  vornic devices                    the audio input devices, one a line"));
+    parser.addOption({ { QStringLiteral("h"), QStringLiteral("help") }, QStringLiteral("Show this help.") });
+    parser.addOption(
+        { { QStringLiteral("v"), QStringLiteral("version") }, QStringLiteral("Show the version.") });
+    parser.addPositionalArgument(
+        QStringLiteral("command"), QStringLiteral("record or devices."), QStringLiteral("[command]"));
+    parser.addPositionalArgument(QStringLiteral("FILE.mp4"),
+                                 QStringLiteral("Where record writes the movie."),
+                                 QStringLiteral("[FILE.mp4]"));
+}
+
+/// The parser knows options with a value and without, but none that may have one: takes NAME out of
+/// "--audio=NAME".
+QStringList withoutAudioName(const QStringList &arguments, QString &name)
+{
+    QStringList rest = arguments;
+    const QString prefix = QStringLiteral("--audio=");
+    for (QString &argument : rest) {
+        if (argument == QStringLiteral("--"))
+            break;
+        if (argument.startsWith(prefix)) {
+            name = argument.sliced(prefix.size());
+            argument = QStringLiteral("--audio");
+        }
+    }
+    return rest;
+}
+
+/// Reads the options of a recording into \a line; the problem, or an empty text.
+QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
+{
+    if (parser.isSet(QStringLiteral("region"))) {
+        const QString value = parser.value(QStringLiteral("region"));
+        line.region = parseRegion(value);
+        if (!line.region)
+            return wrongValue(
+                       QStringLiteral("region"), value, QStringLiteral("X,Y,W,H in pixels, W and H above 0"))
+                .problem;
+    }
+    const QString quality = parser.value(QStringLiteral("quality"));
+    if (quality == QStringLiteral("medium"))
+        line.quality = 1;
+    else if (parser.isSet(QStringLiteral("quality")) && quality != QStringLiteral("high"))
+        return wrongValue(QStringLiteral("quality"), quality, QStringLiteral("high or medium")).problem;
+    if (parser.isSet(QStringLiteral("duration"))) {
+        const QString value = parser.value(QStringLiteral("duration"));
+        bool isNumber = false;
+        const double seconds = value.toDouble(&isNumber);
+        if (!isNumber || !(seconds > 0) || seconds > mostSeconds)
+            return wrongValue(
+                       QStringLiteral("duration"), value, QStringLiteral("a number of seconds above 0"))
+                .problem;
+        line.durationSeconds = seconds;
+    }
+    line.audio = parser.isSet(QStringLiteral("audio"));
+    line.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    line.ignoreLowSpace = parser.isSet(QStringLiteral("ignore-low-space"));
+    return {};
+}
+
+CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
+{
+    line.action = CommandLine::Action::Record;
+    const QStringList files = parser.positionalArguments().mid(1);
+    if (files.size() != 1)
+        return wrongUsage(files.isEmpty()
+                              ? QStringLiteral("record needs the movie's name: FILE.mp4.")
+                              : QStringLiteral("record takes one FILE.mp4, not %1.").arg(files.size()));
+    line.file = files.first();
+    if (!line.file.endsWith(QStringLiteral(".mp4"), Qt::CaseInsensitive))
+        return wrongUsage(QStringLiteral("The movie's name \"%1\" must end in .mp4.").arg(line.file));
+    const QString problem = readRecordOptions(parser, line);
+    return problem.isEmpty() ? line : wrongUsage(problem);
+}
+
+} // namespace
+
+std::optional<QRect> parseRegion(const QString &text)
+{
+    static const std::array forms {
+        QRegularExpression(QStringLiteral(R"(^(?<x>-?\d+),(?<y>-?\d+),(?<w>\d+),(?<h>\d+)$)")),
+        QRegularExpression(QStringLiteral(R"(^(?<x>-?\d+),(?<y>-?\d+) (?<w>\d+)x(?<h>\d+)$)")),
+        QRegularExpression(QStringLiteral(R"(^(?<w>\d+)x(?<h>\d+)(?<x>[+-]\d+)(?<y>[+-]\d+)$)")),
+    };
+    for (const QRegularExpression &form : forms) {
+        const QRegularExpressionMatch match = form.match(text.trimmed());
+        if (!match.hasMatch())
+            continue;
+        std::array<int, 4> numbers {};
+        const std::array names { "x", "y", "w", "h" };
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            constexpr int most = 1'000'000;
+            bool isNumber = false;
+            numbers[i] = match.captured(QLatin1StringView(names[i])).toInt(&isNumber);
+            if (!isNumber || std::abs(numbers[i]) > most)
+                return std::nullopt;
+        }
+        if (numbers[2] < 1 || numbers[3] < 1)
+            return std::nullopt;
+        return QRect(numbers[0], numbers[1], numbers[2], numbers[3]);
+    }
+    return std::nullopt;
+}
+
+CommandLine parseCommandLine(const QStringList &arguments)
+{
+    CommandLine line;
+    QCommandLineParser parser;
+    describe(parser);
+    addRecordOptions(parser);
+    if (!parser.parse(withoutAudioName(arguments, line.audioDevice)))
+        return wrongUsage(parser.errorText());
+    const QStringList words = parser.positionalArguments();
+    if (parser.isSet(QStringLiteral("help"))) {
+        line.action = CommandLine::Action::Help;
+        line.helpText = parser.helpText();
+        return line;
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        line.action = CommandLine::Action::Version;
+        return line;
+    }
+    if (!words.isEmpty() && words.first() == QStringLiteral("record"))
+        return readRecord(parser, line);
+    if (!parser.optionNames().isEmpty())
+        return wrongUsage(
+            QStringLiteral("--%1 belongs to \"vornic record\".").arg(parser.optionNames().first()));
+    if (words.isEmpty())
+        return line;
+    if (words.first() != QStringLiteral("devices"))
+        return wrongUsage(
+            QStringLiteral("\"%1\" is no command; there are record and devices.").arg(words.first()));
+    if (words.size() > 1)
+        return wrongUsage(QStringLiteral("devices takes nothing more."));
+    line.action = CommandLine::Action::Devices;
+    return line;
+}
+
+} // namespace vornic

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace vornic {
+
+/// What the user asked for on the command line; a plain value.
+struct CommandLine {
+    enum class Action { Window, Record, Devices, Help, Version, WrongUsage };
+
+    Action action = Action::Window;
+    QString problem;  ///< WrongUsage: one sentence, or more lines
+    QString helpText; ///< Help
+
+    // Record
+    QString file;
+    std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
+    int quality = 0;             ///< as VNOption::recordQuality
+    bool audio = false;
+    QString audioDevice; ///< empty: the first
+    std::optional<double> durationSeconds;
+    bool overwrite = false;
+    bool ignoreLowSpace = false;
+};
+
+/// Reads the arguments; the first one is the program's name.
+[[nodiscard]] CommandLine parseCommandLine(const QStringList &arguments);
+
+/// "X,Y,W,H", "X,Y WxH" or "WxH+X+Y" in whole pixels with a size above 0; nothing for anything else.
+[[nodiscard]] std::optional<QRect> parseRegion(const QString &text);
+
+} // namespace vornic

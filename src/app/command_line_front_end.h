@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/command_line.h"
+#include "app/front_end.h"
+
+#include <QElapsedTimer>
+
+namespace vornic {
+
+/// A recording on the command line: answers from the flags, progress on standard error.
+///
+/// Made by main for "vornic record"; lives on the main thread. On a terminal the clock and the bar redraw
+/// their line; elsewhere they are plain lines, a clock every ten seconds and a percentage every ten percent.
+class CommandLineFrontEnd final : public FrontEnd
+{
+public:
+    explicit CommandLineFrontEnd(const CommandLine &line);
+
+    void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
+    void runSavePanel(const QString &name,
+                      const QString &type,
+                      std::function<void(std::optional<QString> path)> answer) override;
+    void showStopItem(const QString &title) override;
+    void setStopItemTitle(const QString &title) override;
+    void hideStopItem() override;
+    void beginProgress() override;
+    void setProgress(double percent) override;
+    void endProgress() override;
+    void alert(const QString &message, const QString &informativeText) override;
+
+private:
+    void redraw(const QString &text);
+    void endRedrawnLine();
+
+    CommandLine m_line;
+    bool m_isTerminal;
+    bool m_lineIsOpen = false;
+    QString m_lastTitle;
+    int m_lastPercent = -1;
+    QElapsedTimer m_encoding;
+};
+
+} // namespace vornic

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace vornic {
+
+/// What a person sees of a recording, and answers: the window, or the command line.
+///
+/// Owned by main, lent to the application delegate. Called on the main thread only; answers may come during
+/// the call or later, each once at most. Everything does nothing by default, and questions get the answer
+/// that goes on.
+class FrontEnd
+{
+public:
+    /// The responses of a sheet.
+    static constexpr int responseStop = -1000;
+    static constexpr int responseContinue = -1002;
+
+    virtual ~FrontEnd() = default;
+    FrontEnd(const FrontEnd &) = delete;
+    FrontEnd &operator=(const FrontEnd &) = delete;
+
+    /// Too little space is free: true goes on all the same.
+    virtual void askAboutFreeSpace(std::function<void(bool goOn)> answer) { answer(true); }
+    /// Asks for the movie's file, of the one type \a type; nothing when the user thinks better of it.
+    virtual void runSavePanel(const QString &name,
+                              const QString &type,
+                              std::function<void(std::optional<QString> path)> answer)
+        = 0;
+    /// How a recording is stopped, told before it starts.
+    virtual void showHint(std::function<void(int response)> answer) { answer(responseContinue); }
+
+    /// The one visible way to stop, with the running clock as its title.
+    virtual void showStopItem(const QString & /*title*/) { }
+    virtual void setStopItemTitle(const QString & /*title*/) { }
+    virtual void hideStopItem() { }
+    virtual void minimiseMainWindow() { }
+    virtual void bringMainWindowToFront() { }
+    /// The busy indicator in the main window.
+    virtual void setSaving(bool /*saving*/) { }
+    /// What may be edited has changed.
+    virtual void reloadData() { }
+
+    virtual void beginProgress() { }
+    /// 0 to 100.
+    virtual void setProgress(double /*percent*/) { }
+    virtual void endProgress() { }
+
+    /// Blocks until the user has read it.
+    virtual void alert(const QString &message, const QString &informativeText) = 0;
+    /// True when the user wants to quit although a recording runs. Blocks.
+    [[nodiscard]] virtual bool confirmQuit(const QString & /*message*/, const QString & /*informativeText*/)
+    {
+        return true;
+    }
+    /// Shows the movie in the file browser; opens it with its program.
+    virtual void reveal(const QString & /*path*/) { }
+    virtual void open(const QString & /*path*/) { }
+
+protected:
+    FrontEnd() = default;
+};
+
+} // namespace vornic

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace vornic {
+
+/// A time in PKTimebase ticks as hours, minutes and seconds, "00:00:00"; hours are not limited to two digits.
+[[nodiscard]] QString stringFromeTimestamp(std::int64_t timestamp);
+
+} // namespace vornic

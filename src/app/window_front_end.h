@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/front_end.h"
+
+#include <QPointer>
+
+#include <memory>
+
+class QProgressDialog;
+class QWidget;
+
+namespace vornic {
+
+class MainWindow;
+class StopItem;
+class VornicAppDelegate;
+
+/// A recording as the window shows it: panels and message boxes on the main window, and the stop item.
+///
+/// Made by main before the delegate and connected to it and its window after; lives on the main thread.
+class WindowFrontEnd final : public FrontEnd
+{
+public:
+    WindowFrontEnd();
+    ~WindowFrontEnd() override;
+
+    /// Borrows both; before the first recording.
+    void setWindow(MainWindow *window, VornicAppDelegate *delegate);
+
+    void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
+    void runSavePanel(const QString &name,
+                      const QString &type,
+                      std::function<void(std::optional<QString> path)> answer) override;
+    void showHint(std::function<void(int response)> answer) override;
+    void showStopItem(const QString &title) override;
+    void setStopItemTitle(const QString &title) override;
+    void hideStopItem() override;
+    void minimiseMainWindow() override;
+    void bringMainWindowToFront() override;
+    void setSaving(bool saving) override;
+    void reloadData() override;
+    void beginProgress() override;
+    void setProgress(double percent) override;
+    void endProgress() override;
+    void alert(const QString &message, const QString &informativeText) override;
+    [[nodiscard]] bool confirmQuit(const QString &message, const QString &informativeText) override;
+    void reveal(const QString &path) override;
+    void open(const QString &path) override;
+
+private:
+    [[nodiscard]] QWidget *visibleWindow() const;
+
+    QPointer<MainWindow> m_window;
+    VornicAppDelegate *m_delegate = nullptr;
+    std::unique_ptr<StopItem> m_stopItem;
+    std::unique_ptr<QProgressDialog> m_progress;
+};
+
+} // namespace vornic

@@ -1,0 +1,192 @@
+#pragma once
+
+#include "app/VornicAppDelegate.h"
+#include "app/front_end.h"
+#include "audio/audio_source.h"
+#include "capture/VNBufferMgr.h"
+#include "options/VNLogoContext.h"
+#include "options/VNOption.h"
+#include "platform/display/fake_display.h"
+#include "platform/log.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace vornic {
+
+/// Answers as a test wants and writes down what it was told.
+class FakeFrontEnd : public FrontEnd
+{
+public:
+    bool goesOn = true;
+    std::optional<QString> path;
+    int hintResponse = responseContinue;
+    bool quits = true;
+    std::function<void()> onAlert;
+    std::function<void()> onProgress;
+
+    QStringList told;   ///< every call, in order
+    QStringList titles; ///< of the stop item
+    QStringList alerts; ///< message and informative text
+    QList<double> percents;
+
+    void askAboutFreeSpace(std::function<void(bool)> answer) override
+    {
+        told += "freeSpace";
+        answer(goesOn);
+    }
+    void runSavePanel(const QString &name,
+                      const QString &type,
+                      std::function<void(std::optional<QString>)> answer) override
+    {
+        told += "savePanel " + name + "." + type;
+        answer(path);
+    }
+    void showHint(std::function<void(int)> answer) override
+    {
+        told += "hint";
+        answer(hintResponse);
+    }
+    void showStopItem(const QString &title) override
+    {
+        told += "showStopItem";
+        titles += title;
+    }
+    void setStopItemTitle(const QString &title) override { titles += title; }
+    void hideStopItem() override { told += "hideStopItem"; }
+    void minimiseMainWindow() override { told += "minimise"; }
+    void setSaving(bool saving) override { told += saving ? "saving" : "notSaving"; }
+    void beginProgress() override { told += "beginProgress"; }
+    void setProgress(double percent) override
+    {
+        percents += percent;
+        if (onProgress)
+            onProgress();
+    }
+    void endProgress() override { told += "endProgress"; }
+    void alert(const QString &message, const QString &informativeText) override
+    {
+        told += "alert";
+        alerts += message + "|" + informativeText;
+        if (onAlert)
+            onAlert();
+    }
+    bool confirmQuit(const QString &message, const QString &informativeText) override
+    {
+        told += "confirmQuit " + message + "|" + informativeText;
+        return quits;
+    }
+    void reveal(const QString &revealed) override { told += "reveal " + revealed; }
+    void open(const QString &opened) override { told += "open " + opened; }
+};
+
+/// An audio source that says yes or no, and delivers what the test gives it.
+class FakeAudioSource : public AudioSource
+{
+public:
+    bool starts = true;
+    AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    std::atomic<int> startCount = 0;
+    std::atomic<int> stops = 0;
+    ChunkSink sink;
+
+    void setChunkSink(ChunkSink newSink) override { sink = std::move(newSink); }
+    bool startRecordWithFormat(const AudioStreamBasicDescription &asked) override
+    {
+        EXPECT_EQ(asked, defaultAudioStreamBasicDescription());
+        ++startCount;
+        return starts;
+    }
+    AudioStreamBasicDescription currentDataFormat() const override { return format; }
+    void stopRecord() override { ++stops; }
+};
+
+/// A delegate on a fake display of \a 320 x 200, with folders of its own.
+class SessionTest : public testing::Test
+{
+protected:
+    SessionTest()
+    {
+        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
+        qputenv("XDG_CONFIG_HOME", folder.filePath("config").toUtf8());
+        setMainDisplay(display);
+        setLogSink([this](const QString &line) {
+            const std::lock_guard lock(mutex);
+            logged += line;
+        });
+        frontEnd.path = folder.filePath("movie.mp4");
+        makeDelegate(std::make_unique<VNOption>());
+    }
+    ~SessionTest() override
+    {
+        delegate.reset();
+        setLogSink({});
+        setMainDisplay(nullptr);
+    }
+
+    void makeDelegate(std::unique_ptr<VNOption> options)
+    {
+        delegate = options ? std::make_unique<VornicAppDelegate>(frontEnd, std::move(options))
+                           : std::make_unique<VornicAppDelegate>(frontEnd);
+        delegate->applicationDidFinishLaunching();
+        delegate->bufferMgr().setFreeSpaceProbe([this] { return freeBytes.load(); });
+    }
+
+    /// Runs the main loop until \a holds, half a minute at most.
+    static bool runUntil(const std::function<bool()> &holds)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!holds() && timer.elapsed() < 30'000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return holds();
+    }
+    bool runUntilIdle()
+    {
+        return runUntil([this] { return delegate->state() == 0; });
+    }
+    bool runUntilGrabbed(std::uint64_t frames)
+    {
+        return runUntil([this, frames] { return delegate->counts().framesGrabbed >= frames; });
+    }
+    void runFor(int milliseconds)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        runUntil([&] { return timer.elapsed() >= milliseconds; });
+    }
+    /// Starts, waits for that many frames, stops and waits for the movie.
+    bool record(std::uint64_t frames)
+    {
+        delegate->recorded();
+        if (!runUntilGrabbed(frames))
+            return false;
+        delegate->stopRecord();
+        return runUntilIdle();
+    }
+    QString moviePath() const { return frontEnd.path.value_or(QString()); }
+
+    int argc = 1;
+    char name[5] = "test";
+    char *argv[2] = { name, nullptr };
+    QCoreApplication application { argc, argv };
+    QTemporaryDir folder;
+    std::shared_ptr<FakeDisplay> display = std::make_shared<FakeDisplay>(QSize(320, 200));
+    std::atomic<std::uint64_t> freeBytes = 100'000'000'000;
+    std::mutex mutex;
+    QStringList logged;
+    FakeFrontEnd frontEnd;
+    std::unique_ptr<VornicAppDelegate> delegate;
+};
+
+} // namespace vornic

@@ -1,0 +1,574 @@
+#include "audio/PKAudioRecorderData.h"
+#include "capture/VNBufferDiscr.h"
+#include "codec/PKAudioFrame2.h"
+#include "codec/PKMuxerContext.h"
+#include "codec/PKTimebase.h"
+#include "codec/PKVideoFrame2.h"
+#include "movie_test_support.h"
+#include "platform/clock.h"
+#include "session_fixture.h"
+#include "support/test_pictures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <QSignalSpy>
+
+namespace vornic {
+namespace {
+
+using test::noisePicture;
+using testing::decodedPicture;
+using testing::numbersOf;
+using testing::probe;
+using testing::streamOf;
+
+class DelegateTest : public SessionTest
+{
+protected:
+    /// Puts records with these timestamps into the spool, as if they had been grabbed.
+    void spool(const std::vector<std::uint64_t> &timestamps)
+    {
+        for (const std::uint64_t time : timestamps) {
+            display->setPicture(noisePicture({ 320, 200 }, static_cast<std::uint32_t>(time)));
+            const auto record = VNBufferDiscr::createWithScreenImage(display->grab(QRect(0, 0, 320, 200)));
+            record->setBufferTimestamp(time);
+            delegate->bufferMgr().pushRecordBuffer(*record);
+        }
+        delegate->bufferMgr().endVideoRecord();
+        delegate->bufferMgr().setExit(true);
+    }
+
+    FakeAudioSource &addAudioSource()
+    {
+        auto source = std::make_unique<FakeAudioSource>();
+        FakeAudioSource &added = *source;
+        delegate->setAudioSource(std::move(source));
+        return added;
+    }
+};
+
+TEST_F(DelegateTest, ARecordingBecomesAMovie)
+{
+    ASSERT_TRUE(record(5));
+    const RecordingCounts counts = delegate->counts();
+    EXPECT_GE(counts.framesGrabbed, 5U);
+    EXPECT_EQ(counts.framesWritten, counts.framesGrabbed);
+    EXPECT_EQ(counts.framesSkipped, 0U);
+    EXPECT_TRUE(delegate->failure().isEmpty());
+    const QJsonObject probed = probe(moviePath());
+    EXPECT_EQ(streamOf(probed, "video")["width"].toInt(), 320);
+    EXPECT_EQ(streamOf(probed, "video")["height"].toInt(), 200);
+    EXPECT_EQ(numbersOf(probed, "packets", "video", "pts").size(),
+              static_cast<qsizetype>(counts.framesGrabbed));
+    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    EXPECT_EQ(frontEnd.percents.first(), 0.0);
+    EXPECT_EQ(frontEnd.percents.last(), 100.0);
+}
+
+TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
+{
+    ASSERT_TRUE(record(1));
+    QStringList told = frontEnd.told;
+    told.removeAll("notSaving");
+    EXPECT_EQ(told,
+              (QStringList { "savePanel Untitled.mp4",
+                             "hint",
+                             "showStopItem",
+                             "minimise",
+                             "hideStopItem",
+                             "saving",
+                             "beginProgress",
+                             "reveal " + moviePath(),
+                             "endProgress" }));
+    EXPECT_EQ(frontEnd.titles.first(), "00:00:00");
+}
+
+TEST_F(DelegateTest, AnswersThatEndTheStartChangeNothing)
+{
+    const QSignalSpy refused(delegate.get(), &VornicAppDelegate::recordingRefused);
+    freeBytes = 5'000'000'000;
+    frontEnd.goesOn = false;
+    delegate->recorded();
+    EXPECT_EQ(frontEnd.told, QStringList { "freeSpace" });
+
+    frontEnd.goesOn = true;
+    frontEnd.path.reset();
+    delegate->recorded();
+    EXPECT_EQ(frontEnd.told.last(), "savePanel Untitled.mp4");
+
+    frontEnd.path = folder.filePath("movie.mp4");
+    frontEnd.hintResponse = FrontEnd::responseStop;
+    delegate->recorded();
+    EXPECT_TRUE(runUntil([&] { return refused.size() == 3; }));
+    runFor(30);
+    EXPECT_EQ(delegate->state(), 0);
+    EXPECT_EQ(frontEnd.told.last(), "hint");
+    EXPECT_FALSE(QFile::exists(moviePath()));
+}
+
+TEST_F(DelegateTest, ContinuingWithLittleSpaceIsAllowed)
+{
+    freeBytes = 5'000'000'000;
+    ASSERT_TRUE(record(1));
+    EXPECT_EQ(frontEnd.told.first(), "freeSpace");
+    EXPECT_TRUE(QFile::exists(moviePath()));
+}
+
+TEST_F(DelegateTest, RecordIsIgnoredWhileRecordingAndWhileEncoding)
+{
+    bool pressedWhileEncoding = false;
+    frontEnd.onProgress = [&] {
+        if (delegate->state() == 1) {
+            pressedWhileEncoding = true;
+            delegate->recorded();
+        }
+    };
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(2));
+    delegate->recorded();
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(pressedWhileEncoding);
+    EXPECT_EQ(frontEnd.told.count("savePanel Untitled.mp4"), 1);
+}
+
+TEST_F(DelegateTest, ASecondRecordingWorksLikeTheFirst)
+{
+    ASSERT_TRUE(record(2));
+    frontEnd.path = folder.filePath("second.mp4");
+    ASSERT_TRUE(record(4));
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+    EXPECT_TRUE(QFile::exists(folder.filePath("movie.mp4")));
+    EXPECT_TRUE(QFile::exists(folder.filePath("second.mp4")));
+}
+
+TEST_F(DelegateTest, WhatMayBeEditedFollowsStateAndOptions)
+{
+    VNOption &options = *delegate->options();
+    const QSignalSpy regionSpy(delegate.get(), &VornicAppDelegate::allowedEditRecordRegionChanged);
+    const QSignalSpy logoSpy(delegate.get(), &VornicAppDelegate::allowedEditLogoChanged);
+    const QSignalSpy fontSpy(delegate.get(), &VornicAppDelegate::allowedEditFontChanged);
+    const QSignalSpy optionsSpy(delegate.get(), &VornicAppDelegate::allowedEditOptionsChanged);
+    EXPECT_TRUE(delegate->allowedEditOptions());
+    EXPECT_FALSE(delegate->allowedEditRecordRegion());
+    EXPECT_FALSE(delegate->allowedEditLogo());
+    EXPECT_FALSE(delegate->allowedEditFont());
+    EXPECT_FALSE(delegate->allowedAudioRecord());
+
+    options.setRecordRegion(1);
+    EXPECT_EQ(regionSpy.size(), 1);
+    EXPECT_TRUE(delegate->allowedEditRecordRegion());
+    options.logoContext()->setLogoValidate(true);
+    EXPECT_EQ(logoSpy.size(), 1);
+    EXPECT_TRUE(delegate->allowedEditLogo());
+    EXPECT_TRUE(delegate->allowedEditFont());
+    options.logoContext()->setLogoType(1);
+    EXPECT_EQ(fontSpy.size(), 2);
+    EXPECT_FALSE(delegate->allowedEditFont());
+    options.logoContext()->setLogoType(0);
+    addAudioSource();
+    EXPECT_TRUE(delegate->allowedAudioRecord());
+
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(1));
+    EXPECT_EQ(optionsSpy.size(), 1);
+    EXPECT_TRUE(delegate->VNRecorderWndCtrlIsRecording());
+    for (const bool allowed : { delegate->allowedEditOptions(),
+                                delegate->allowedEditRecordRegion(),
+                                delegate->allowedEditLogo(),
+                                delegate->allowedEditFont(),
+                                delegate->allowedAudioRecord() })
+        EXPECT_FALSE(allowed);
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(optionsSpy.size(), 2);
+    EXPECT_TRUE(delegate->allowedEditFont());
+    EXPECT_FALSE(delegate->VNRecorderWndCtrlIsRecording());
+}
+
+TEST_F(DelegateTest, ASelectedRectangleIsWhatTheMovieShows)
+{
+    QImage picture(320, 200, QImage::Format_RGB32);
+    picture.fill(qRgb(20, 60, 100));
+    QPainter(&picture).fillRect(100, 50, 80, 60, qRgb(200, 60, 100));
+    display->setPicture(picture);
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(100, 200 - 50 - 60, 80, 60));
+    ASSERT_TRUE(record(2));
+    const QImage shown = decodedPicture(moviePath(), 0, QSize(80, 60));
+    EXPECT_LE(std::abs(qRed(shown.pixel(40, 30)) - 200), 4);
+    EXPECT_LE(std::abs(qRed(shown.pixel(2, 2)) - 200), 4);
+    EXPECT_TRUE(frontEnd.told.contains("saving"));
+}
+
+TEST_F(DelegateTest, ARectanglePartlyOffTheDisplayIsRecordedWhereItLiesOnIt)
+{
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(-40, -30, 100, 90));
+    ASSERT_TRUE(record(2));
+    const QJsonObject video = streamOf(probe(moviePath()), "video");
+    EXPECT_EQ(video["width"].toInt(), 60);
+    EXPECT_EQ(video["height"].toInt(), 60);
+    EXPECT_EQ(delegate->bufferMgr().recordRect(), QRectF(0, 0, 60, 60));
+}
+
+TEST_F(DelegateTest, ARectangleWhollyOffTheDisplayFailsInOneSentence)
+{
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(1000, 1000, 100, 90));
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([this] { return delegate->state() == 1; }));
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(logged.contains("Failed to shot screen buffer."));
+    EXPECT_EQ(frontEnd.alerts, QStringList { "Error|" + delegate->failure() });
+    EXPECT_FALSE(delegate->failure().isEmpty());
+    EXPECT_FALSE(QFile::exists(moviePath()));
+}
+
+TEST_F(DelegateTest, AFailedGrabEndsTheRecordingAndKeepsWhatThereIs)
+{
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(3));
+    display->setRefusesGrabs(true);
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(logged.count("Failed to shot screen buffer."), 1);
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+    EXPECT_TRUE(QFile::exists(moviePath()));
+}
+
+TEST_F(DelegateTest, AFullCacheEndsTheRecordingWithAnAlert)
+{
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(3));
+    freeBytes = 1'073'741'823;
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(frontEnd.alerts,
+              QStringList { "Disk free space is too low|It will terminate recording because of disk space is "
+                            "insufficient" });
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+}
+
+TEST_F(DelegateTest, AMissingOutputFolderIsToldBeforeTheRecording)
+{
+    frontEnd.path = folder.filePath("none/movie.mp4");
+    const QSignalSpy refused(delegate.get(), &VornicAppDelegate::recordingRefused);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return refused.size() == 1; }));
+    EXPECT_EQ(delegate->state(), 0);
+    ASSERT_EQ(frontEnd.alerts.size(), 1);
+    EXPECT_TRUE(frontEnd.alerts.first().contains("does not exist"));
+}
+
+TEST_F(DelegateTest, AnExistingFileIsDeletedBeforeTheMovieIsWritten)
+{
+    QFile old(moviePath());
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("old");
+    old.close();
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(1));
+    EXPECT_FALSE(QFile::exists(moviePath()));
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_GT(QFile(moviePath()).size(), 500);
+}
+
+TEST_F(DelegateTest, AFailedJobEndsWithASentenceAndIdle)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir("out"));
+    frontEnd.path = folder.filePath("out/movie.mp4");
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(2));
+    // The folder goes away under the recording.
+    ASSERT_TRUE(QDir(folder.filePath("out")).removeRecursively());
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    ASSERT_EQ(frontEnd.alerts.size(), 1);
+    EXPECT_EQ(frontEnd.alerts.first(), "Error|" + delegate->failure());
+    EXPECT_EQ(delegate->counts().framesWritten, 0U);
+    EXPECT_EQ(frontEnd.told.filter("reveal").size(), 0);
+}
+
+TEST_F(DelegateTest, WhenFinishedTheMovieIsRevealedAndOpenedAsChosen)
+{
+    delegate->options()->setOpenRecordedWhenFinished(true);
+    ASSERT_TRUE(record(1));
+    EXPECT_LT(frontEnd.told.indexOf("reveal " + moviePath()), frontEnd.told.indexOf("open " + moviePath()));
+    EXPECT_GE(frontEnd.told.indexOf("reveal " + moviePath()), 0);
+
+    frontEnd.told.clear();
+    delegate->options()->setShowInFinderWhenFinished(false);
+    delegate->options()->setOpenRecordedWhenFinished(false);
+    ASSERT_TRUE(record(1));
+    EXPECT_TRUE(frontEnd.told.filter("reveal").isEmpty());
+    EXPECT_TRUE(frontEnd.told.filter("open").isEmpty());
+}
+
+TEST_F(DelegateTest, QuittingIsAskedOnlyWhileRecording)
+{
+    EXPECT_TRUE(delegate->windowShouldClose());
+    EXPECT_TRUE(frontEnd.told.isEmpty());
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(2));
+    frontEnd.quits = false;
+    EXPECT_FALSE(delegate->windowShouldClose());
+    EXPECT_EQ(
+        frontEnd.told.last(),
+        "confirmQuit Are you sure to quit it?|The application is recording video, video recording will stop "
+        "if it quit.");
+    EXPECT_FALSE(delegate->bufferMgr().exit());
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+}
+
+TEST_F(DelegateTest, ConfirmedQuittingStartsTheJobAndEndsWithTheMovieComplete)
+{
+    const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(4));
+    EXPECT_TRUE(delegate->windowShouldClose());
+    EXPECT_FALSE(delegate->bufferMgr().exit());
+    ASSERT_TRUE(runUntil([this] { return frontEnd.told.contains("beginProgress"); }));
+    EXPECT_TRUE(ready.isEmpty());
+    delegate->terminate();
+    ASSERT_TRUE(runUntil([&] { return !ready.isEmpty(); }));
+    EXPECT_EQ(delegate->state(), 0);
+    EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
+    const auto written = static_cast<qsizetype>(delegate->counts().framesWritten);
+    EXPECT_GE(written, 4);
+    EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
+}
+
+TEST_F(DelegateTest, TerminatingWhenIdleIsAtOnce)
+{
+    const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);
+    delegate->terminate();
+    EXPECT_EQ(ready.size(), 1);
+}
+
+TEST_F(DelegateTest, AFrameLastsUntilTheNextOneAndTheLastAThirtieth)
+{
+    delegate->bufferMgr().readyToRecord();
+    spool({ 100, 4100, 4100, 9000 });
+    EXPECT_EQ(delegate->PKMuxerTaskLength(), 9000);
+    QList<qint64> times;
+    QList<qint64> durations;
+    while (const auto frame = delegate->PKMuxerTaskGetVideoFrame()) {
+        times += frame->timeStamp();
+        durations += frame->duration();
+    }
+    EXPECT_EQ(times, (QList<qint64> { 100, 4100, 4100, 9000 }));
+    EXPECT_EQ(durations, (QList<qint64> { 4000, PKTimebase / 30, 4900, PKTimebase / 30 }));
+}
+
+TEST_F(DelegateTest, ADamagedFrameInTheMiddleIsNotTheEnd)
+{
+    delegate->bufferMgr().readyToRecord();
+    spool({ 0, 3000, 6000 });
+    {
+        QFile file(VNBufferMgr::tempVideoPathfile());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray all = file.readAll();
+        const QByteArray start("\xFF\xD8\xFF");
+        const qsizetype second = all.indexOf(start, all.indexOf(start) + 1);
+        file.seek(second + 5000);
+        file.write(QByteArray(300, '\xFF'));
+    }
+    QList<qint64> times;
+    while (const auto frame = delegate->PKMuxerTaskGetVideoFrame())
+        times += frame->timeStamp();
+    EXPECT_EQ(times, (QList<qint64> { 0, 6000 }));
+    EXPECT_EQ(delegate->counts().framesSkipped, 1U);
+}
+
+TEST_F(DelegateTest, TheMovieIsConfiguredByQuality)
+{
+    const auto configured = [this](int quality) {
+        delegate->bufferMgr().readyToRecord();
+        delegate->bufferMgr().setRecordRect(QRectF(0, 0, 1920, 1080));
+        delegate->startRecorder({ moviePath(), quality, 0 });
+        return delegate->bufferMgr().muxerContext();
+    };
+    const auto high = configured(0);
+    EXPECT_EQ(high->filename(), moviePath());
+    EXPECT_EQ(high->format(), 1);
+    EXPECT_EQ(high->width(), 1920);
+    EXPECT_EQ(high->height(), 1080);
+    EXPECT_EQ(high->videoCodecID(), 1);
+    EXPECT_EQ(high->frameRate(), 30.0);
+    EXPECT_EQ(high->videoBitrate(), 5'184'000);
+    EXPECT_EQ(high->audioCodecID(), 0);
+    const auto medium = configured(1);
+    EXPECT_EQ(medium->frameRate(), 25.0);
+    EXPECT_EQ(medium->videoBitrate(), 2'488'320);
+}
+
+// ---- sound
+
+TEST_F(DelegateTest, AudioIsConfiguredFromWhatIsReallyDelivered)
+{
+    FakeAudioSource &source = addAudioSource();
+    source.format.mBitsPerChannel = 8;
+    source.format.mChannelsPerFrame = 1;
+    source.format.mSampleRate = 22050.9;
+    delegate->options()->setEnableAudio(true);
+    delegate->startRecorder({ moviePath(), 0, 1 });
+    const auto context = delegate->bufferMgr().muxerContext();
+    EXPECT_EQ(context->audioCodecID(), 100);
+    EXPECT_EQ(context->samplerate(), 22050);
+    EXPECT_EQ(context->numberOfChannels(), 1);
+    EXPECT_EQ(context->sampleFormat(), 0);
+    EXPECT_EQ(source.startCount, 1);
+}
+
+TEST_F(DelegateTest, AnUnsupportedBitDepthIsRecordedWithoutSound)
+{
+    addAudioSource().format.mBitsPerChannel = 24;
+    delegate->options()->setEnableAudio(true);
+    ASSERT_TRUE(record(2));
+    EXPECT_TRUE(logged.contains("Only support 16bit & 8bit : 24"));
+    EXPECT_TRUE(streamOf(probe(moviePath()), "audio").isEmpty());
+    EXPECT_GE(delegate->counts().framesWritten, 2U);
+}
+
+TEST_F(DelegateTest, ARefusedFormatIsOnlyLogged)
+{
+    FakeAudioSource &source = addAudioSource();
+    source.starts = false;
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([this] { return logged.contains("Can support 16bit, 8bit record."); }));
+    // No sound ever comes, so no frame is kept; a stop during the wait ends the recording all the same.
+    runFor(150);
+    EXPECT_EQ(delegate->counts().framesGrabbed, 0U);
+    EXPECT_EQ(delegate->bufferMgr().muxerContext()->audioCodecID(), 0);
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_FALSE(delegate->failure().isEmpty());
+}
+
+TEST_F(DelegateTest, FramesBeforeTheFirstChunkAreDroppedAndTheChunkIsTheOrigin)
+{
+    FakeAudioSource &source = addAudioSource();
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
+    runFor(200);
+    EXPECT_EQ(delegate->counts().framesGrabbed, 0U);
+
+    // 19,200 bytes are 0.1 s: the origin lies that long before the chunk's arrival.
+    const QByteArray samples(19'200, '\0');
+    const double arrived = absoluteTimeSeconds();
+    source.sink(samples.constData(), 19'200, source.format);
+    ASSERT_TRUE(runUntilGrabbed(1));
+    const double kept = absoluteTimeSeconds();
+    const auto first = delegate->bufferMgr().nextBufferTimestamp();
+    EXPECT_GE(first, static_cast<std::int64_t>(0.1 * PKTimebase));
+    EXPECT_LE(first, static_cast<std::int64_t>((kept - arrived + 0.1) * PKTimebase) + 1);
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_GE(source.stops, 1);
+}
+
+TEST_F(DelegateTest, AChunkOf19200BytesYields4800Samples)
+{
+    FakeAudioSource &source = addAudioSource();
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
+    const QByteArray samples(19'200, 'a');
+    source.sink(samples.constData(), 19'200, source.format);
+    delegate->stopRecord();
+    const auto frame = delegate->PKMuxerTaskGetAudioFrame();
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->numberOfSamples(), 4800);
+    EXPECT_EQ(frame->numberOfChannel(), 2);
+    EXPECT_EQ(frame->sampleRate(), 48000);
+    EXPECT_EQ(frame->sampleFormat(), 1);
+    EXPECT_EQ(frame->samples(), samples);
+    EXPECT_FALSE(delegate->PKMuxerTaskGetAudioFrame());
+    ASSERT_TRUE(runUntilIdle());
+}
+
+TEST_F(DelegateTest, ChunksAfterTheStopAreNotSpooled)
+{
+    FakeAudioSource &source = addAudioSource();
+    delegate->bufferMgr().readyToRecord();
+    delegate->bufferMgr().setExit(true);
+    source.sink("abcd", 4, source.format);
+    EXPECT_FALSE(delegate->bufferMgr().getAudioBuffer());
+}
+
+TEST_F(DelegateTest, WithoutAudioTheAudioCallbackGivesNothing)
+{
+    delegate->bufferMgr().readyToRecord();
+    delegate->bufferMgr().pushAudioBuffer(PKAudioRecorderData("abcd", defaultAudioStreamBasicDescription()));
+    delegate->bufferMgr().setExit(true);
+    EXPECT_FALSE(delegate->PKMuxerTaskGetAudioFrame());
+}
+
+TEST_F(DelegateTest, SpooledChunksBecomeAnAacTrackFromTimeZero)
+{
+    FakeAudioSource &source = addAudioSource();
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
+    // A second of a square wave of 480 Hz, in chunks of 20 ms.
+    std::vector<std::int16_t> wave(48'000 * 2);
+    for (std::size_t i = 0; i < wave.size(); ++i)
+        wave[i] = i / 2 / 50 % 2 == 0 ? 8000 : -8000;
+    constexpr std::size_t chunk = 960 * 2;
+    for (std::size_t i = 0; i < wave.size(); i += chunk)
+        source.sink(wave.data() + i, chunk * 2, source.format);
+    ASSERT_TRUE(runUntilGrabbed(3));
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    const QJsonObject audio = streamOf(probe(moviePath()), "audio");
+    EXPECT_EQ(audio["codec_name"].toString(), "aac");
+    EXPECT_EQ(audio["profile"].toString(), "LC");
+    EXPECT_NEAR(delegate->counts().audioSeconds, 1.0, 0.001);
+    const std::vector<std::int16_t> sound = testing::decodedSound(moviePath());
+    EXPECT_NEAR(static_cast<double>(sound.size()) / 2 / 48'000, 1.0, 0.03);
+    int edges = 0;
+    bool high = false;
+    for (std::size_t i = 0; i < sound.size(); i += 2) {
+        const bool changes = high ? sound[i] < -4000 : sound[i] > 4000;
+        edges += changes ? 1 : 0;
+        high = high != changes;
+    }
+    EXPECT_NEAR(edges, 960, 4);
+}
+
+// ---- stored options
+
+TEST_F(DelegateTest, OptionsSurviveTheProgram)
+{
+    makeDelegate(nullptr);
+    delegate->options()->setRecordQuality(1);
+    delegate->options()->setSelectedRect(QRectF(1, 2, 300, 400));
+    delegate->applicationWillTerminate();
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->options()->recordQuality(), 1);
+    EXPECT_EQ(delegate->options()->selectedRect(), QRectF(1, 2, 300, 400));
+}
+
+TEST_F(DelegateTest, WithoutANormalEndChangesAreLost)
+{
+    makeDelegate(nullptr);
+    delegate->options()->setRecordQuality(1);
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->options()->recordQuality(), 0);
+}
+
+TEST_F(DelegateTest, GivenOptionsAreNotStored)
+{
+    delegate->options()->setRecordQuality(1);
+    delegate->applicationWillTerminate();
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->options()->recordQuality(), 0);
+}
+
+} // namespace
+} // namespace vornic
