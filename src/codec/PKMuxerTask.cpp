@@ -1,0 +1,155 @@
+#include "codec/PKMuxerTask.h"
+
+#include "codec/PKMuxerContext.h"
+#include "codec/av_support.h"
+#include "codec/movie_failure.h"
+#include "codec/movie_writer.h"
+#include "platform/assertion.h"
+#include "platform/main_queue.h"
+
+#include <QVariantMap>
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <thread>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// Lets through whole steps that grow, and not too many of them.
+///
+/// Made by a task, used on its thread.
+class ProgressThrottle
+{
+public:
+    [[nodiscard]] bool lets(double percent)
+    {
+        // The last step belongs to the finished movie: bringing it to the disk takes time too.
+        const int step = std::min(static_cast<int>(std::floor(percent)), 99);
+        const auto now = std::chrono::steady_clock::now();
+        if (step <= m_step || now - m_last < shortestPause) {
+            return false;
+        }
+        m_step = step;
+        m_last = now;
+        return true;
+    }
+    [[nodiscard]] int step() const { return m_step; }
+
+private:
+    static constexpr std::chrono::milliseconds shortestPause { 50 };
+
+    int m_step = 0;
+    std::chrono::steady_clock::time_point m_last;
+};
+
+struct Outcome {
+    QLatin1StringView action;
+    QVariant value;
+};
+
+Outcome outcomeOf(const MovieStatistics &statistics)
+{
+    return { PKMuxerTaskActionComplete,
+             QVariantMap { { QStringLiteral("framesWritten"), qint64 { statistics.framesWritten } },
+                           { QStringLiteral("framesSkipped"), qint64 { statistics.framesSkipped } },
+                           { QStringLiteral("audioSeconds"), statistics.audioSeconds } } };
+}
+
+/// Nothing may be thrown out of a thread; whatever goes wrong ends the task with a sentence.
+Outcome
+writeMovieToItsEnd(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+{
+    try {
+        return outcomeOf(writeMovie(context, source, progress));
+    } catch (const MovieFailure &failure) {
+        return { PKMuxerTaskActionFailed, failure.sentence() };
+    } catch (const std::bad_alloc &) {
+        return { PKMuxerTaskActionFailed, QStringLiteral("There is not enough memory to write the movie.") };
+    } catch (const std::exception &failure) {
+        return { PKMuxerTaskActionFailed,
+                 QStringLiteral("The movie could not be written to %1: %2.")
+                     .arg(context.filename(), QString::fromUtf8(failure.what())) };
+    }
+}
+
+} // namespace
+
+struct PKMuxerTask::Impl {
+    std::shared_ptr<const PKMuxerContext> context;
+    PKMuxerTaskDataSource *source = nullptr;
+    ProgressBlock block; ///< called on the main thread
+    std::thread thread;
+
+    void report(std::shared_ptr<PKMuxerTask> self, QLatin1StringView action, QVariant value) const
+    {
+        main_queue::async(
+            [this, self = std::move(self), action, value = std::move(value)] { block(action, value); });
+    }
+    void run(std::shared_ptr<PKMuxerTask> self);
+};
+
+/// The task's thread. The last report takes the reference that keeps the task alive with it.
+void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
+{
+    pthread_setname_np(pthread_self(), "vornic-movie");
+    routeAvLog();
+    report(self, PKMuxerTaskActionStart, 0.0);
+    ProgressThrottle throttle;
+    Outcome outcome = writeMovieToItsEnd(*context, *source, [&](double percent) {
+        if (throttle.lets(percent)) {
+            report(self, PKMuxerTaskActionProgress, static_cast<double>(throttle.step()));
+        }
+    });
+    main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
+        thread.join();
+        block(outcome.action, outcome.value);
+    });
+}
+
+std::shared_ptr<PKMuxerTask> PKMuxerTask::create(std::shared_ptr<const PKMuxerContext> context)
+{
+    return std::shared_ptr<PKMuxerTask>(new PKMuxerTask(std::move(context)));
+}
+
+PKMuxerTask::PKMuxerTask(std::shared_ptr<const PKMuxerContext> context)
+    : m_impl(new Impl { .context = std::move(context), .source = nullptr, .block = {}, .thread = {} })
+{
+}
+
+PKMuxerTask::~PKMuxerTask()
+{
+    // Joinable only where the main thread's loop ended before the last report could be delivered.
+    std::thread &thread = m_impl->thread;
+    if (thread.joinable() && thread.get_id() != std::this_thread::get_id()) {
+        thread.join();
+    } else if (thread.joinable()) {
+        thread.detach();
+    }
+}
+
+void PKMuxerTask::setDataSource(PKMuxerTaskDataSource *source)
+{
+    m_impl->source = source;
+}
+
+void PKMuxerTask::startMuxerWithBlock(ProgressBlock block)
+{
+    if (!m_impl->source || !block || m_impl->block) {
+        reportAssertionFailure({ QStringLiteral("startMuxerWithBlock:"),
+                                 QStringLiteral("PKMuxerTask"),
+                                 0,
+                                 QStringLiteral("A task is started once, with a data source and a block.") });
+        return;
+    }
+    m_impl->block = std::move(block);
+    m_impl->thread = std::thread(
+        [impl = m_impl.get(), self = shared_from_this()]() mutable { impl->run(std::move(self)); });
+}
+
+} // namespace vornic

@@ -1,0 +1,106 @@
+#include "codec/PKVideoFrame2.h"
+
+#include "codec/planar_picture.h"
+
+#include <utility>
+
+namespace vornic {
+
+PKVideoFrame2::PKVideoFrame2(QImage image)
+    : m_image(image.format() == QImage::Format_RGB32 ? std::move(image)
+                                                     : std::move(image).convertToFormat(QImage::Format_RGB32))
+    , m_displayWidth(m_image.width())
+    , m_displayHeight(m_image.height())
+{
+}
+
+PKVideoFrame2::PKVideoFrame2(std::shared_ptr<PlanarPicture> planes, int displayWidth, int displayHeight)
+    : m_planes(std::move(planes))
+    , m_displayWidth(displayWidth)
+    , m_displayHeight(displayHeight)
+{
+}
+
+PKVideoFrame2::~PKVideoFrame2() = default;
+
+std::unique_ptr<QPainter> PKVideoFrame2::creatContextRef()
+{
+    if (m_planes) {
+        return nullptr;
+    }
+    auto painter = std::make_unique<QPainter>(&m_image);
+    painter->translate(0, m_image.height());
+    painter->scale(1, -1);
+    return painter;
+}
+
+int PKVideoFrame2::codeWidth() const
+{
+    return m_planes ? m_planes->width() : m_image.width();
+}
+
+int PKVideoFrame2::codeHeight() const
+{
+    return m_planes ? m_planes->height() : m_image.height();
+}
+
+void PKVideoFrame2::setDisplaySize(int width, int height)
+{
+    m_displayWidth = width;
+    m_displayHeight = height;
+}
+
+PKPixelFormat PKVideoFrame2::pixFormat() const
+{
+    return m_planes ? PKPixelFormatYUV420P : PKPixelFormatRGB32;
+}
+
+std::shared_ptr<PKVideoFrame2> PKVideoFrame2::sharingPixels() const
+{
+    return std::shared_ptr<PKVideoFrame2>(new PKVideoFrame2(*this));
+}
+
+std::shared_ptr<PKVideoFrame2> PKVideoFrame2::deepCopy() const
+{
+    auto frame = sharingPixels();
+    if (m_planes) {
+        frame->m_planes = m_planes->copy();
+    } else {
+        frame->m_image = m_image.copy();
+    }
+    return frame;
+}
+
+bool PKVideoFrame2::sharesPixelsWith(const PKVideoFrame2 &other) const
+{
+    return m_planes ? m_planes == other.m_planes
+                    : !other.m_planes && m_image.constBits() == other.m_image.constBits();
+}
+
+const uchar *PKVideoFrame2::planeData(int plane) const
+{
+    return m_planes ? std::as_const(*m_planes).data(plane) : m_image.constBits();
+}
+
+qsizetype PKVideoFrame2::planeStride(int plane) const
+{
+    return m_planes ? m_planes->stride(plane) : m_image.bytesPerLine();
+}
+
+std::shared_ptr<const PlanarPicture> PKVideoFrame2::planes() const
+{
+    return m_planes;
+}
+
+void drawImageYUp(QPainter &painter, const QRectF &rectangle, const QImage &image)
+{
+    painter.save();
+    painter.translate(rectangle.x(), rectangle.y() + rectangle.height());
+    painter.scale(1, -1);
+    const bool scaled = rectangle.size() != QSizeF(image.size());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, scaled);
+    painter.drawImage(QRectF(QPointF(0, 0), rectangle.size()), image);
+    painter.restore();
+}
+
+} // namespace vornic

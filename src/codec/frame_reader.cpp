@@ -1,0 +1,80 @@
+#include "codec/frame_reader.h"
+
+#include <pthread.h>
+
+#include <utility>
+
+namespace vornic {
+
+FrameReader::FrameReader(Source source)
+    : m_source(std::move(source))
+    , m_thread([this] { run(); })
+{
+}
+
+FrameReader::~FrameReader()
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isStopping = true;
+    }
+    m_changed.notify_all();
+    m_thread.join();
+}
+
+std::shared_ptr<const PKVideoFrame2> FrameReader::next()
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return !m_frames.empty() || m_hasEnded; });
+    if (m_frames.empty()) {
+        if (m_failure) {
+            std::rethrow_exception(std::exchange(m_failure, nullptr));
+        }
+        return nullptr;
+    }
+    auto frame = std::move(m_frames.front());
+    m_frames.pop_front();
+    lock.unlock();
+    m_changed.notify_all();
+    return frame;
+}
+
+void FrameReader::run()
+{
+    pthread_setname_np(pthread_self(), "vornic-frames");
+    std::exception_ptr failure;
+    try {
+        while (readOne()) { }
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_hasEnded = true;
+        m_failure = failure;
+    }
+    m_changed.notify_all();
+}
+
+bool FrameReader::readOne()
+{
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_frames.size() < capacity || m_isStopping; });
+        if (m_isStopping) {
+            return false;
+        }
+    }
+    auto frame = m_source();
+    if (!frame) {
+        return false;
+    }
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_frames.push_back(std::move(frame));
+    }
+    m_changed.notify_all();
+    return true;
+}
+
+} // namespace vornic

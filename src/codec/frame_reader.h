@@ -1,0 +1,52 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace vornic {
+
+class PKVideoFrame2;
+
+/// Reads frames ahead on a thread of its own, so that reading overlaps with encoding.
+///
+/// Made by a MovieWriter, which calls next() on its thread.
+class FrameReader
+{
+public:
+    using Source = std::function<std::shared_ptr<const PKVideoFrame2>()>;
+
+    /// Starts calling \a source, on the reader's thread only, until it gives null or throws.
+    explicit FrameReader(Source source);
+    /// Waits for the running call of the source; there is none afterwards.
+    ~FrameReader();
+    FrameReader(const FrameReader &) = delete;
+    FrameReader &operator=(const FrameReader &) = delete;
+
+    /// Blocks for the next frame; null at the end. Throws what the source threw, after the frames before it.
+    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> next();
+
+private:
+    /// Frames read ahead at most: enough to ride over a slow one, and about 20 MB at 1920 x 1080.
+    static constexpr std::size_t capacity = 6;
+
+    void run();
+    bool readOne();
+
+    Source m_source; ///< reader's thread only
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::shared_ptr<const PKVideoFrame2>> m_frames; ///< guarded, as all below
+    std::exception_ptr m_failure;
+    bool m_hasEnded = false;   ///< the source gives no more
+    bool m_isStopping = false; ///< nobody wants more
+
+    std::thread m_thread;
+};
+
+} // namespace vornic

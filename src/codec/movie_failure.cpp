@@ -1,0 +1,34 @@
+#include "codec/movie_failure.h"
+
+#include "codec/av_support.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
+
+namespace vornic {
+
+QString writingFailureSentence(const QString &filename, int error)
+{
+    const QString folder = QFileInfo(filename).path();
+    switch (AVUNERROR(error)) {
+    case ENOSPC:
+    case EDQUOT:
+        return QStringLiteral("The disk is full: the movie could not be written to %1.").arg(filename);
+    case EFBIG:
+        return QStringLiteral(
+                   "The movie has grown larger than a file may be there: it could not be written to %1.")
+            .arg(filename);
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return QStringLiteral("You have no permission to write movies to the folder %1.").arg(folder);
+    case ENOENT:
+    case ENOTDIR:
+        return QStringLiteral("The folder %1 does not exist.").arg(folder);
+    default:
+        return QStringLiteral("The movie could not be written to %1: %2.").arg(filename, avErrorText(error));
+    }
+}
+
+} // namespace vornic

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "codec/av_support.h"
+
+#include <QString>
+
+namespace vornic {
+
+/// One mp4 file being written: under a hidden temporary name beside its final place until it is complete.
+///
+/// Made by a MovieWriter on its thread. Every function throws MovieFailure; the destructor removes what was
+/// not completed.
+class MovieFile
+{
+public:
+    /// Creates the temporary file. The final name is not touched.
+    explicit MovieFile(QString filename);
+    ~MovieFile();
+    MovieFile(const MovieFile &) = delete;
+    MovieFile &operator=(const MovieFile &) = delete;
+
+    /// The new track's number. The encoder must be open and must have been told to give a global header.
+    int addTrack(const AVCodecContext &encoder);
+    /// After the last track.
+    void writeHeader();
+    /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.
+    void write(AVPacket &packet, int track, AVRational timeBase);
+    /// Puts the index in front, brings everything to the disk and gives the file its final name, replacing
+    /// what bore it. Blocks for as long as that takes.
+    void complete();
+
+private:
+    void checkFinalName() const;
+    void createTemporary();
+    void checkWritten(int result) const;
+    void closeTemporary();
+    void syncToDisk(const QString &path, int flags) const;
+
+    QString m_filename;
+    QString m_temporaryName; ///< empty when there is nothing to remove
+    AvPtr<AVFormatContext> m_format;
+};
+
+} // namespace vornic

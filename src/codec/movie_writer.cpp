@@ -1,0 +1,199 @@
+#include "codec/movie_writer.h"
+
+#include "codec/PKAudioFrame2.h"
+#include "codec/PKMuxerContext.h"
+#include "codec/PKScaleContext.h"
+#include "codec/PKTimebase.h"
+#include "codec/PKVideoFrame2.h"
+#include "codec/audio_encoder.h"
+#include "codec/frame_reader.h"
+#include "codec/movie_failure.h"
+#include "codec/movie_file.h"
+#include "codec/video_encoder.h"
+
+#include <QSize>
+
+#include <algorithm>
+#include <atomic>
+#include <optional>
+
+namespace vornic {
+
+namespace {
+
+using ConstFrame = std::shared_ptr<const PKVideoFrame2>;
+
+/// How long the last frame is shown where it does not say itself.
+constexpr std::int64_t usualDuration = PKTimebase / 30;
+
+/// Makes frames of the movie's size and format from frames of any.
+///
+/// Made by a MovieWriter, used on the reader's thread.
+class FrameConformer
+{
+public:
+    explicit FrameConformer(QSize size)
+        : m_size(size)
+    {
+    }
+
+    /// The frame itself where it already fits; null where it holds no picture.
+    ConstFrame conform(ConstFrame frame)
+    {
+        const bool isYuv = frame->pixFormat() == PKPixelFormatYUV420P;
+        const QSize stored(frame->codeWidth(), frame->codeHeight());
+        const QSize shown
+            = isYuv ? QSize(frame->displayWidth(), frame->displayHeight()).boundedTo(stored) : stored;
+        if (shown.isEmpty() || (isYuv && shown == m_size)) {
+            return shown.isEmpty() ? nullptr : frame;
+        }
+        if (!m_scaler || m_shown != shown || m_format != frame->pixFormat()) {
+            m_shown = shown;
+            m_format = frame->pixFormat();
+            m_scaler.emplace(shown.width(),
+                             m_size.width(),
+                             shown.height(),
+                             m_size.height(),
+                             m_format,
+                             PKPixelFormatYUV420P);
+        }
+        return m_scaler->scaleFrame(*frame);
+    }
+
+private:
+    QSize m_size;
+    QSize m_shown;
+    PKPixelFormat m_format = PKPixelFormatRGB32;
+    std::optional<PKScaleContext> m_scaler; ///< for m_shown and m_format
+};
+
+/// Joins source, encoders and file for one movie; lives inside writeMovie() on its thread.
+class MovieWriter
+{
+public:
+    MovieWriter(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+        : m_source(source)
+        , m_progress(progress)
+        , m_conformer({ context.width(), context.height() })
+        , m_file(context.filename())
+        , m_video(context)
+        , m_length(source.PKMuxerTaskLength())
+    {
+        m_videoTrack = m_file.addTrack(m_video.codec());
+        if (context.audioCodecID() != PKMuxerContext::audioCodecNone) {
+            m_audio.emplace(context.audioCodecID());
+            m_audioTrack = m_file.addTrack(m_audio->codec());
+        }
+        m_file.writeHeader();
+    }
+
+    MovieStatistics write()
+    {
+        writeFrames();
+        pullAudio(std::nullopt);
+        if (m_audio) {
+            m_audio->finish(m_audioSink);
+            m_statistics.audioSeconds = m_audio->seconds();
+        }
+        m_video.finish(m_videoSink);
+        m_file.complete();
+        m_statistics.framesSkipped += m_framesWithoutPicture;
+        return m_statistics;
+    }
+
+private:
+    void writeFrames()
+    {
+        FrameReader reader([this] { return readFrame(); });
+        ConstFrame frame = reader.next();
+        if (!frame) {
+            throw MovieFailure(QStringLiteral("The recording holds no frames."));
+        }
+        while (frame) {
+            ConstFrame following = nextAfter(*frame, reader);
+            const std::int64_t own = frame->duration() > 0 ? frame->duration() : usualDuration;
+            const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
+            pullAudio(frame->timeStamp());
+            m_video.encode(*frame, end, m_videoSink);
+            frame = std::move(following);
+        }
+    }
+
+    /// Reader's thread: the next frame that has a picture, in the movie's size.
+    ConstFrame readFrame()
+    {
+        while (auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
+            if (auto conformed = m_conformer.conform(std::move(frame))) {
+                return conformed;
+            }
+            ++m_framesWithoutPicture;
+        }
+        return nullptr;
+    }
+
+    /// The next frame that is later than \a frame: no two can be shown at one time.
+    ConstFrame nextAfter(const PKVideoFrame2 &frame, FrameReader &reader)
+    {
+        ConstFrame following = reader.next();
+        while (following && following->timeStamp() <= frame.timeStamp()) {
+            ++m_statistics.framesSkipped;
+            following = reader.next();
+        }
+        return following;
+    }
+
+    /// Encodes sound up to \a ticks, or all that is left.
+    void pullAudio(std::optional<std::int64_t> ticks)
+    {
+        while (m_audio && !m_audioHasEnded
+               && (!ticks
+                   || m_audio->seconds() * static_cast<double>(PKTimebase) <= static_cast<double>(*ticks))) {
+            const auto block = m_source.PKMuxerTaskGetAudioFrame();
+            if (block) {
+                m_audio->add(*block, m_audioSink);
+            }
+            m_audioHasEnded = !block;
+        }
+    }
+
+    void writeVideoPacket(AVPacket &packet)
+    {
+        const std::int64_t end = packet.pts + packet.duration;
+        m_file.write(packet, m_videoTrack, m_video.timeBase());
+        ++m_statistics.framesWritten;
+        if (m_length > 0) {
+            m_progress(
+                std::clamp(100.0 * static_cast<double>(end) / static_cast<double>(m_length), 0.0, 100.0));
+        }
+    }
+
+    PKMuxerTaskDataSource &m_source;
+    const ProgressSink &m_progress;
+    FrameConformer m_conformer; ///< reader's thread only
+    std::atomic<std::int64_t> m_framesWithoutPicture = 0;
+    MovieFile m_file;
+    VideoEncoder m_video;
+    std::optional<AudioEncoder> m_audio;
+    int m_videoTrack = 0;
+    int m_audioTrack = 0;
+    std::int64_t m_length; ///< of the recording, ticks
+    bool m_audioHasEnded = false;
+    MovieStatistics m_statistics;
+    PacketSink m_videoSink = [this](AVPacket &packet) { writeVideoPacket(packet); };
+    PacketSink m_audioSink
+        = [this](AVPacket &packet) { m_file.write(packet, m_audioTrack, m_audio->timeBase()); };
+};
+
+} // namespace
+
+MovieStatistics
+writeMovie(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+{
+    if (context.format() != PKMuxerContext::formatMp4) {
+        throw MovieFailure(
+            QStringLiteral("There is no movie format with the number %1.").arg(context.format()));
+    }
+    return MovieWriter(context, source, progress).write();
+}
+
+} // namespace vornic

@@ -1,0 +1,122 @@
+#include "codec/video_encoder.h"
+
+#include "codec/PKMuxerContext.h"
+#include "codec/PKTimebase.h"
+#include "codec/PKVideoFrame2.h"
+#include "codec/encoder_settings.h"
+#include "codec/movie_failure.h"
+#include "codec/planar_picture.h"
+
+#include <algorithm>
+
+namespace vornic {
+
+namespace {
+
+/// Frames a second assumed where the context names none.
+constexpr double usualFrameRate = 30;
+
+/// The encoder itself only counts frames from key to key; up to this rate it is time that decides.
+constexpr int quickestFrameRate = 120;
+
+const AVCodec &encoderFor(int codecId)
+{
+    if (codecId != PKMuxerContext::videoCodecH264) {
+        throw MovieFailure(QStringLiteral("There is no video encoder with the number %1.").arg(codecId));
+    }
+    const AVCodec *codec = avcodec_find_encoder_by_name("libx264");
+    if (!codec) {
+        throw MovieFailure(QStringLiteral("The H.264 video encoder (libx264) is missing on this system."));
+    }
+    return *codec;
+}
+
+void describePicture(AVCodecContext &codec, const PKMuxerContext &context)
+{
+    codec.width = context.width() + (context.width() & 1); // the encoder takes even sizes only
+    codec.height = context.height() + (context.height() & 1);
+    codec.pix_fmt = AV_PIX_FMT_YUV420P;
+    codec.sample_aspect_ratio = { 1, 1 };
+    codec.color_range = AVCOL_RANGE_MPEG;
+    codec.color_primaries = AVCOL_PRI_BT709;
+    codec.color_trc = AVCOL_TRC_BT709;
+    codec.colorspace = AVCOL_SPC_BT709;
+    codec.chroma_sample_location = AVCHROMA_LOC_CENTER;
+}
+
+void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
+{
+    const double frameRate = context.frameRate() > 0 ? context.frameRate() : usualFrameRate;
+    codec.time_base = { 1, static_cast<int>(PKTimebase) };
+    codec.framerate = av_d2q(frameRate, 1001000);
+    codec.bit_rate = std::max<std::int64_t>(context.videoBitrate(), encoder_settings::leastVideoBitrate);
+    codec.rc_max_rate = encoder_settings::peakRateFactor * codec.bit_rate;
+    codec.rc_buffer_size = static_cast<int>(
+        std::min<std::int64_t>(encoder_settings::bufferFactor * codec.bit_rate, INT32_MAX));
+    codec.gop_size = static_cast<int>(encoder_settings::keyFrameSeconds * quickestFrameRate);
+    const std::int64_t macroblocks = std::int64_t { (codec.width + 15) / 16 } * ((codec.height + 15) / 16);
+    if (macroblocks <= encoder_settings::videoLevelMacroblocks) {
+        codec.level = encoder_settings::videoLevel;
+    }
+}
+
+} // namespace
+
+VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
+    : m_codec(owned(avcodec_alloc_context3(&encoderFor(context.videoCodecID()))))
+    , m_packet(owned(av_packet_alloc()))
+{
+    describePicture(*m_codec, context);
+    describeRate(*m_codec, context);
+    m_codec->max_b_frames = 0;
+    m_codec->thread_count = 0; // as many as the encoder finds useful
+    m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    AVDictionary *options = nullptr;
+    av_dict_set(&options, "preset", preset, 0);
+    av_dict_set(&options, "profile", "high", 0);
+    av_dict_set(&options, "forced-idr", "1", 0);
+    av_dict_set(&options, "x264-params", encoder_settings::x264Parameters, 0);
+    const int result = avcodec_open2(m_codec.get(), nullptr, &options);
+    av_dict_free(&options);
+    if (result < 0) {
+        throw MovieFailure(QStringLiteral("The video encoder cannot make a movie of %1 x %2 pixels: %3.")
+                               .arg(context.width())
+                               .arg(context.height())
+                               .arg(avErrorText(result)));
+    }
+}
+
+void VideoEncoder::encode(const PKVideoFrame2 &frame, std::int64_t end, const PacketSink &sink)
+{
+    const auto picture = avFrameOver(frame, m_codec->width, m_codec->height);
+    picture->pts = frame.timeStamp();
+    // The next frame could be too late for a key frame, however long this one lasts.
+    const bool isKey = m_isFirst || end - m_keyFrameTime > encoder_settings::keyFrameSeconds * PKTimebase;
+    if (isKey) {
+        picture->pict_type = AV_PICTURE_TYPE_I;
+        m_keyFrameTime = frame.timeStamp();
+        m_isFirst = false;
+    }
+    m_durations.push_back(end - frame.timeStamp());
+    send(picture.get(), sink);
+}
+
+void VideoEncoder::finish(const PacketSink &sink)
+{
+    send(nullptr, sink);
+}
+
+void VideoEncoder::send(const AVFrame *frame, const PacketSink &sink)
+{
+    int result = avcodec_send_frame(m_codec.get(), frame);
+    while (result >= 0 && (result = avcodec_receive_packet(m_codec.get(), m_packet.get())) >= 0) {
+        m_packet->duration = m_durations.front();
+        m_durations.pop_front();
+        sink(*m_packet);
+    }
+    if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) {
+        throw MovieFailure(QStringLiteral("The video encoder failed: %1.").arg(avErrorText(result)));
+    }
+}
+
+} // namespace vornic

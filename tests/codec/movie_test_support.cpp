@@ -1,0 +1,286 @@
+#include "movie_test_support.h"
+
+#include "codec/PKMuxerTask.h"
+#include "codec/PKTimebase.h"
+
+#include <QEventLoop>
+#include <QFile>
+#include <QGuiApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QThread>
+#include <QTimer>
+#include <QtEndian>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace vornic::testing {
+
+namespace {
+
+QByteArray outputOf(const QString &program, const QStringList &arguments)
+{
+    ensureApplication();
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(120000) || process.exitCode() != 0) {
+        ADD_FAILURE() << program.toStdString() << ": " << process.readAllStandardError().toStdString();
+    }
+    return process.readAllStandardOutput();
+}
+
+} // namespace
+
+std::shared_ptr<const PKVideoFrame2> ListSource::PKMuxerTaskGetVideoFrame()
+{
+    if (onVideo) {
+        onVideo();
+    }
+    return m_nextVideo < video.size() ? video[m_nextVideo++] : nullptr;
+}
+
+std::shared_ptr<const PKAudioFrame2> ListSource::PKMuxerTaskGetAudioFrame()
+{
+    if (onAudio) {
+        onAudio();
+    }
+    return m_nextAudio < audio.size() ? audio[m_nextAudio++] : nullptr;
+}
+
+void ListSource::add(const QImage &picture, std::int64_t timeStamp, std::int64_t duration)
+{
+    auto frame = std::make_shared<PKVideoFrame2>(picture);
+    frame->setTimeStamp(timeStamp);
+    frame->setDuration(duration);
+    video.push_back(std::move(frame));
+    length = timeStamp + duration;
+}
+
+void ListSource::addGreys(QSize size, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        const int level = i * 7 % 256;
+        add(flat(size, QColor(level, level, level)), i * PKTimebase / 30, PKTimebase / 30);
+    }
+}
+
+bool TaskReport::isComplete() const
+{
+    return !actions.isEmpty() && actions.last() == PKMuxerTaskActionComplete;
+}
+
+QString TaskReport::sentence() const
+{
+    return isComplete() || values.isEmpty() ? QString() : values.last().toString();
+}
+
+double TaskReport::statistic(const QString &name) const
+{
+    return values.isEmpty() ? -1 : values.last().toMap().value(name, -1).toDouble();
+}
+
+PKMuxerContext videoContext(const QString &filename, QSize size)
+{
+    PKMuxerContext context(filename);
+    context.setWidth(size.width());
+    context.setHeight(size.height());
+    context.setVideoCodecID(PKMuxerContext::videoCodecH264);
+    context.setFrameRate(30);
+    context.setVideoBitrate(static_cast<std::int32_t>(size.width() * size.height() * 2.5));
+    return context;
+}
+
+TaskReport runTask(const PKMuxerContext &context, PKMuxerTaskDataSource &source)
+{
+    return runTasks({ context }, { &source }).front();
+}
+
+std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
+                                 const std::vector<PKMuxerTaskDataSource *> &sources)
+{
+    ensureApplication();
+    std::vector<TaskReport> reports(contexts.size());
+    std::size_t running = contexts.size();
+    QEventLoop loop;
+    for (std::size_t i = 0; i < contexts.size(); ++i) {
+        auto task = PKMuxerTask::create(std::make_shared<const PKMuxerContext>(contexts[i]));
+        task->setDataSource(sources[i]);
+        task->startMuxerWithBlock([&, i](const QString &action, const QVariant &value) {
+            reports[i].actions.append(action);
+            reports[i].values.append(value);
+            reports[i].wasOnMainThread
+                = reports[i].wasOnMainThread && QThread::currentThread() == qApp->thread();
+            const bool ended = action == PKMuxerTaskActionComplete || action == PKMuxerTaskActionFailed;
+            if (ended && --running == 0) {
+                loop.quit();
+            }
+        });
+    }
+    QTimer::singleShot(120000, &loop, [&loop] {
+        ADD_FAILURE() << "a task did not end";
+        loop.quit();
+    });
+    loop.exec();
+    return reports;
+}
+
+void ensureApplication()
+{
+    static int argumentCount = 1;
+    static char name[] = "codec-tests";
+    static char *arguments[] = { name, nullptr };
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QGuiApplication application(argumentCount, arguments);
+}
+
+QJsonObject probe(const QString &movie)
+{
+    const QByteArray text = outputOf(QStringLiteral("ffprobe"),
+                                     { QStringLiteral("-v"),
+                                       QStringLiteral("error"),
+                                       QStringLiteral("-of"),
+                                       QStringLiteral("json"),
+                                       QStringLiteral("-show_streams"),
+                                       QStringLiteral("-show_packets"),
+                                       QStringLiteral("-show_frames"),
+                                       QStringLiteral("file:") + movie });
+    QJsonObject probed = QJsonDocument::fromJson(text).object();
+    // With both asked for, they come as one list.
+    QJsonArray packets;
+    QJsonArray frames;
+    for (const QJsonValue &entry : probed.value(QStringLiteral("packets_and_frames")).toArray()) {
+        const QString type = entry.toObject().value(QStringLiteral("type")).toString();
+        (type == QStringLiteral("packet") ? packets : frames).append(entry);
+    }
+    probed.insert(QStringLiteral("packets"), packets);
+    probed.insert(QStringLiteral("frames"), frames);
+    return probed;
+}
+
+QJsonObject streamOf(const QJsonObject &probed, const QString &type)
+{
+    for (const QJsonValue &stream : probed.value(QStringLiteral("streams")).toArray()) {
+        if (stream.toObject().value(QStringLiteral("codec_type")).toString() == type) {
+            return stream.toObject();
+        }
+    }
+    return {};
+}
+
+QList<qint64>
+numbersOf(const QJsonObject &probed, const QString &section, const QString &type, const QString &name)
+{
+    const QString kind
+        = section == QStringLiteral("frames") ? QStringLiteral("media_type") : QStringLiteral("codec_type");
+    QList<qint64> numbers;
+    for (const QJsonValue &entry : probed.value(section).toArray()) {
+        if (entry.toObject().value(kind).toString() == type) {
+            numbers.append(entry.toObject().value(name).toInteger(-1));
+        }
+    }
+    return numbers;
+}
+
+QByteArray decodedPlanes(const QString &movie)
+{
+    return outputOf(QStringLiteral("ffmpeg"),
+                    { QStringLiteral("-v"),
+                      QStringLiteral("error"),
+                      QStringLiteral("-i"),
+                      movie,
+                      QStringLiteral("-map"),
+                      QStringLiteral("0:v"),
+                      QStringLiteral("-vsync"),
+                      QStringLiteral("passthrough"),
+                      QStringLiteral("-f"),
+                      QStringLiteral("rawvideo"),
+                      QStringLiteral("-pix_fmt"),
+                      QStringLiteral("yuv420p"),
+                      QStringLiteral("-") });
+}
+
+QImage decodedPicture(const QString &movie, int number, QSize size)
+{
+    const QByteArray pixels = outputOf(QStringLiteral("ffmpeg"),
+                                       { QStringLiteral("-v"),
+                                         QStringLiteral("error"),
+                                         QStringLiteral("-i"),
+                                         movie,
+                                         QStringLiteral("-map"),
+                                         QStringLiteral("0:v"),
+                                         QStringLiteral("-vf"),
+                                         QStringLiteral("select=eq(n\\,%1),scale=flags=accurate_rnd+full_"
+                                                        "chroma_int+full_chroma_inp:in_color_matrix=auto")
+                                             .arg(number),
+                                         QStringLiteral("-vsync"),
+                                         QStringLiteral("passthrough"),
+                                         QStringLiteral("-f"),
+                                         QStringLiteral("rawvideo"),
+                                         QStringLiteral("-pix_fmt"),
+                                         QStringLiteral("bgr0"),
+                                         QStringLiteral("-") });
+    if (pixels.size() != qsizetype { 4 } * size.width() * size.height()) {
+        ADD_FAILURE() << "the picture has " << pixels.size() << " bytes";
+        return {};
+    }
+    return QImage(reinterpret_cast<const uchar *>(pixels.constData()),
+                  size.width(),
+                  size.height(),
+                  QImage::Format_RGB32)
+        .copy();
+}
+
+std::vector<std::int16_t> decodedSound(const QString &movie)
+{
+    const QByteArray bytes = outputOf(QStringLiteral("ffmpeg"),
+                                      { QStringLiteral("-v"),
+                                        QStringLiteral("error"),
+                                        QStringLiteral("-i"),
+                                        movie,
+                                        QStringLiteral("-map"),
+                                        QStringLiteral("0:a"),
+                                        QStringLiteral("-f"),
+                                        QStringLiteral("s16le"),
+                                        QStringLiteral("-ar"),
+                                        QStringLiteral("48000"),
+                                        QStringLiteral("-ac"),
+                                        QStringLiteral("2"),
+                                        QStringLiteral("-") });
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 2);
+    std::memcpy(samples.data(), bytes.constData(), samples.size() * 2);
+    return samples;
+}
+
+QList<Box> boxesOf(const QString &movie)
+{
+    QFile file(movie);
+    QList<Box> boxes;
+    if (!file.open(QIODevice::ReadOnly)) {
+        return boxes;
+    }
+    qint64 position = 0;
+    while (position + 8 <= file.size()) {
+        file.seek(position);
+        const QByteArray head = file.read(16);
+        const qint64 shortSize = qFromBigEndian<quint32>(head.constData());
+        const qint64 size = shortSize == 1 ? qFromBigEndian<qint64>(head.constData() + 8) : shortSize;
+        if (size < 8) {
+            break;
+        }
+        boxes.append({ QString::fromLatin1(head.mid(4, 4)), size });
+        position += size;
+    }
+    return boxes;
+}
+
+QImage flat(QSize size, QColor color)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(color);
+    return picture;
+}
+
+} // namespace vornic::testing

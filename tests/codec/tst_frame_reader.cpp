@@ -1,0 +1,72 @@
+#include "codec/PKVideoFrame2.h"
+#include "codec/frame_reader.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <semaphore>
+#include <stdexcept>
+
+namespace vornic::testing {
+namespace {
+
+std::shared_ptr<const PKVideoFrame2> frameAt(int time)
+{
+    auto frame = std::make_shared<PKVideoFrame2>(QImage(1, 1, QImage::Format_RGB32));
+    frame->setTimeStamp(time);
+    return frame;
+}
+
+TEST(FrameReader, givesEveryFrameInOrderAndThenTheEnd)
+{
+    int made = 0;
+    FrameReader reader(
+        [&made]() -> std::shared_ptr<const PKVideoFrame2> { return made < 100 ? frameAt(made++) : nullptr; });
+    for (int i = 0; i < 100; ++i) {
+        const auto frame = reader.next();
+        ASSERT_TRUE(frame);
+        EXPECT_EQ(frame->timeStamp(), i);
+    }
+    EXPECT_EQ(reader.next(), nullptr);
+    EXPECT_EQ(reader.next(), nullptr);
+}
+
+TEST(FrameReader, readsAheadButNotWithoutBound)
+{
+    std::atomic<int> made = 0;
+    std::counting_semaphore<> madeOne(0);
+    {
+        FrameReader reader([&] {
+            madeOne.release();
+            return frameAt(made++);
+        });
+        for (int i = 0; i < 6; ++i) {
+            madeOne.acquire(); // without anybody asking
+        }
+        for (int i = 0; i < 20; ++i) {
+            EXPECT_EQ(reader.next()->timeStamp(), i);
+        }
+        EXPECT_LE(made, 27);
+    }
+    EXPECT_LE(made, 27); // ended with a full queue, and stopped
+}
+
+TEST(FrameReader, tellsWhatTheSourceThrewAfterTheFramesBefore)
+{
+    int made = 0;
+    FrameReader reader([&made]() -> std::shared_ptr<const PKVideoFrame2> {
+        if (made == 2) {
+            throw std::runtime_error("broken");
+        }
+        return frameAt(made++);
+    });
+    EXPECT_TRUE(reader.next());
+    EXPECT_TRUE(reader.next());
+    EXPECT_THROW(static_cast<void>(reader.next()), std::runtime_error);
+    EXPECT_EQ(reader.next(), nullptr);
+}
+
+} // namespace
+} // namespace vornic::testing

@@ -1,0 +1,257 @@
+#include "codec/PKMuxerTask.h"
+#include "codec/PKTimebase.h"
+#include "codec/movie_failure.h"
+#include "movie_test_support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <random>
+#include <stdexcept>
+
+namespace vornic::testing {
+namespace {
+
+/// While it lives, no file of this process can grow beyond a size: what a file system of that limit does.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limited { bytes, m_before.rlim_max };
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    rlimit m_before {};
+    void (*m_handler)(int);
+};
+
+class MovieFailuresTest : public ::testing::Test
+{
+protected:
+    [[nodiscard]] QStringList files() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    }
+
+    /// Frames that do not compress.
+    void addNoise(int count)
+    {
+        std::mt19937 random(1);
+        for (int i = 0; i < count; ++i) {
+            QImage picture(320, 240, QImage::Format_RGB32);
+            for (int y = 0; y < 240; ++y) {
+                for (int x = 0; x < 320; ++x) {
+                    picture.setPixel(x, y, static_cast<QRgb>(random()));
+                }
+            }
+            m_source.add(picture, i * PKTimebase / 30, PKTimebase / 30);
+        }
+    }
+
+    void putFileAtFinalName()
+    {
+        QFile file(m_movie);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("what was there");
+    }
+    [[nodiscard]] QByteArray fileAtFinalName() const
+    {
+        QFile file(m_movie);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir m_folder;
+    QString m_movie = m_folder.filePath(QStringLiteral("a.mp4"));
+    ListSource m_source;
+};
+
+void expectFailure(const TaskReport &report, const QString &part)
+{
+    ASSERT_FALSE(report.actions.isEmpty());
+    EXPECT_EQ(report.actions.first(), PKMuxerTaskActionStart);
+    EXPECT_EQ(report.actions.last(), PKMuxerTaskActionFailed);
+    EXPECT_EQ(report.actions.count(PKMuxerTaskActionFailed), 1);
+    EXPECT_TRUE(report.sentence().contains(part)) << report.sentence().toStdString();
+    EXPECT_TRUE(report.sentence().endsWith(u'.'));
+    EXPECT_TRUE(report.wasOnMainThread);
+}
+
+TEST_F(MovieFailuresTest, noFrames)
+{
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  QStringLiteral("The recording holds no frames."));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, noFramesButSound)
+{
+    const std::vector<std::int16_t> silence(4800, 0);
+    m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 1, 48000, 4800, silence.data()));
+    auto context = videoContext(m_movie, { 64, 48 });
+    context.setAudioCodecID(PKMuxerContext::audioCodecAac);
+    expectFailure(runTask(context, m_source), QStringLiteral("The recording holds no frames."));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aFolderThatDoesNotExist)
+{
+    m_source.addGreys({ 64, 48 }, 3);
+    const QString movie = m_folder.filePath(QStringLiteral("nowhere/a.mp4"));
+    expectFailure(
+        runTask(videoContext(movie, { 64, 48 }), m_source),
+        QStringLiteral("The folder %1 does not exist.").arg(m_folder.filePath(QStringLiteral("nowhere"))));
+}
+
+TEST_F(MovieFailuresTest, aFileWhereTheFolderShouldBe)
+{
+    putFileAtFinalName();
+    m_source.addGreys({ 64, 48 }, 3);
+    expectFailure(runTask(videoContext(m_movie + QStringLiteral("/b.mp4"), { 64, 48 }), m_source),
+                  QStringLiteral("does not exist"));
+    EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
+}
+
+TEST_F(MovieFailuresTest, aFolderThatTakesNoFiles)
+{
+    m_source.addGreys({ 64, 48 }, 3);
+    // a folder in which the kernel lets nobody make files, not even the superuser
+    const auto report = runTask(videoContext(QStringLiteral("/proc/self/a.mp4"), { 64, 48 }), m_source);
+    EXPECT_EQ(report.actions.last(), PKMuxerTaskActionFailed);
+    EXPECT_TRUE(report.sentence().contains(QStringLiteral("/proc/self")));
+}
+
+TEST_F(MovieFailuresTest, theFinalNameIsAFolder)
+{
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("a.mp4")));
+    m_source.addGreys({ 64, 48 }, 3);
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  QStringLiteral("could not be written"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, theFileCannotGrowWhilePicturesAreWritten)
+{
+    putFileAtFinalName();
+    addNoise(120);
+    TaskReport report;
+    {
+        const FileSizeLimit limit(64 * 1024);
+        report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
+    }
+    expectFailure(report, QStringLiteral("larger than a file may be"));
+    EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
+    EXPECT_EQ(fileAtFinalName(), "what was there");
+}
+
+TEST_F(MovieFailuresTest, theFileCannotGrowWhileTheIndexIsPutInFront)
+{
+    // Hardly any picture and many durations: an index as large as all the pictures.
+    for (int i = 0; i < 2000; ++i) {
+        m_source.add(flat({ 16, 16 }, Qt::white), i * 3001 - i % 2, 3000 + i % 2 * 2);
+    }
+    ListSource again;
+    again.video = m_source.video;
+    again.length = m_source.length;
+    ASSERT_TRUE(runTask(videoContext(m_movie, { 16, 16 }), m_source).isComplete());
+    qint64 indexBytes = 0;
+    for (const Box &box : boxesOf(m_movie)) {
+        indexBytes += box.name == u"moov" ? box.size : 0;
+    }
+    const qint64 movieBytes = QFile(m_movie).size();
+    ASSERT_GT(indexBytes, 20000);
+    ASSERT_TRUE(QFile::remove(m_movie));
+
+    TaskReport report;
+    {
+        // room for all the pictures and half of the index
+        const FileSizeLimit limit(static_cast<rlim_t>(movieBytes - indexBytes / 2));
+        report = runTask(videoContext(m_movie, { 16, 16 }), again);
+    }
+    expectFailure(report, QStringLiteral("larger than a file may be"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aFullDevice)
+{
+    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -ENOSPC),
+              u"The disk is full: the movie could not be written to /x/o.mp4.");
+    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EDQUOT),
+              u"The disk is full: the movie could not be written to /x/o.mp4.");
+    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EACCES),
+              u"You have no permission to write movies to the folder /x.");
+    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EROFS),
+              u"You have no permission to write movies to the folder /x.");
+    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EIO),
+              u"The movie could not be written to /x/o.mp4: Input/output error.");
+}
+
+TEST_F(MovieFailuresTest, encodersAndFormatsThatDoNotExist)
+{
+    m_source.addGreys({ 64, 48 }, 3);
+    auto context = videoContext(m_movie, { 64, 48 });
+    context.setVideoCodecID(7);
+    expectFailure(runTask(context, m_source), QStringLiteral("no video encoder with the number 7"));
+    context.setVideoCodecID(PKMuxerContext::videoCodecH264);
+    context.setAudioCodecID(101);
+    expectFailure(runTask(context, m_source), QStringLiteral("no audio encoder with the number 101"));
+    PKMuxerContext otherFormat(m_movie, 2);
+    expectFailure(runTask(otherFormat, m_source), QStringLiteral("no movie format with the number 2"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aMovieWithoutASize)
+{
+    m_source.addGreys({ 64, 48 }, 3);
+    expectFailure(runTask(videoContext(m_movie, { 0, 48 }), m_source), QStringLiteral("0 x 48"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aSourceThatThrowsEndsTheTask)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    int calls = 0;
+    m_source.onVideo = [&calls] {
+        if (++calls == 10) {
+            throw std::runtime_error("the spool is broken");
+        }
+    };
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  QStringLiteral("the spool is broken"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, theFinalNameIsUntouchedUntilTheMovieIsComplete)
+{
+    putFileAtFinalName();
+    m_source.addGreys({ 64, 48 }, 30);
+    int calls = 0;
+    m_source.onVideo = [&] {
+        if (++calls == 31) { // the end: everything but the last packets has been handed over
+            EXPECT_EQ(fileAtFinalName(), "what was there");
+            EXPECT_EQ(files().size(), 2);
+            EXPECT_TRUE(files().first().startsWith(u'.'));
+        }
+    };
+    ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
+    EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
+    EXPECT_EQ(boxesOf(m_movie).first().name, u"ftyp");
+}
+
+} // namespace
+} // namespace vornic::testing
