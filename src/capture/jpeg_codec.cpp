@@ -6,6 +6,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace vornic {
 
@@ -43,9 +44,28 @@ void prepare(ErrorManager &manager)
     manager.base.output_message = ignoreMessage;
 }
 
+/// Memory that the library writes to, kept by a thread for its next picture: fresh memory costs more to fault
+/// in than to fill. Where it is too small, the library allocates more and \a bytes points there.
 struct MemoryOutput {
-    unsigned char *bytes = nullptr;
-    unsigned long size = 0;
+    explicit MemoryOutput(std::vector<unsigned char> &kept)
+        : bytes(kept.data())
+        , size(kept.size())
+        , m_kept(kept.data())
+    {
+    }
+    ~MemoryOutput()
+    {
+        if (bytes != m_kept)
+            std::free(bytes); // NOLINT: the library's malloc
+    }
+    MemoryOutput(const MemoryOutput &) = delete;
+    MemoryOutput &operator=(const MemoryOutput &) = delete;
+
+    unsigned char *bytes;
+    unsigned long size;
+
+private:
+    const unsigned char *m_kept;
 };
 
 bool compressInto(MemoryOutput &output, const uchar *pixels, int width, int height, qsizetype bytesPerLine)
@@ -157,13 +177,17 @@ bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height
 
 std::optional<QByteArray> jpegCompress(const uchar *pixels, int width, int height, qsizetype bytesPerLine)
 {
-    MemoryOutput output;
-    const bool good = width > 0 && height > 0 && compressInto(output, pixels, width, height, bytesPerLine);
-    std::optional<QByteArray> jpeg;
-    if (good)
-        jpeg.emplace(reinterpret_cast<const char *>(output.bytes), static_cast<qsizetype>(output.size));
-    std::free(output.bytes); // NOLINT: the library's malloc
-    return jpeg;
+    if (width < 1 || height < 1)
+        return std::nullopt;
+    // A byte a pixel is what noise takes.
+    constexpr std::size_t headerRoom = 4096;
+    static thread_local std::vector<unsigned char> kept;
+    kept.resize(std::max(kept.size(),
+                         static_cast<std::size_t>(width) * static_cast<std::size_t>(height) + headerRoom));
+    MemoryOutput output(kept);
+    if (!compressInto(output, pixels, width, height, bytesPerLine))
+        return std::nullopt;
+    return QByteArray(reinterpret_cast<const char *>(output.bytes), static_cast<qsizetype>(output.size));
 }
 
 QSize jpegDeclaredSize(const QByteArray &jpeg)

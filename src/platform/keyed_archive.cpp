@@ -29,61 +29,89 @@ bool readNumbers(const QCborValue &value, std::span<double> out)
 
 } // namespace
 
+QCborStreamWriter &KeyedArchiver::value(QLatin1StringView key)
+{
+    if (!m_isOpen)
+        m_writer.startMap();
+    m_isOpen = true;
+    m_writer.append(key);
+    return m_writer;
+}
+
+void KeyedArchiver::encodeNumbers(QLatin1StringView key, std::initializer_list<double> numbers)
+{
+    QCborStreamWriter &writer = value(key);
+    writer.startArray(numbers.size());
+    for (const double number : numbers)
+        writer.append(number);
+    writer.endArray();
+}
+
 void KeyedArchiver::encodeBool(QLatin1StringView key, bool value)
 {
-    m_map.insert(key, value);
+    this->value(key).append(value);
 }
 
 void KeyedArchiver::encodeInt32(QLatin1StringView key, std::int32_t value)
 {
-    m_map.insert(key, qint64 { value });
+    encodeInt64(key, value);
 }
 
 void KeyedArchiver::encodeInt64(QLatin1StringView key, std::int64_t value)
 {
-    m_map.insert(key, qint64 { value });
+    this->value(key).append(qint64 { value });
 }
 
 void KeyedArchiver::encodeFloat(QLatin1StringView key, float value)
 {
-    m_map.insert(key, static_cast<double>(value));
+    encodeDouble(key, static_cast<double>(value));
 }
 
 void KeyedArchiver::encodeDouble(QLatin1StringView key, double value)
 {
-    m_map.insert(key, value);
+    this->value(key).append(value);
 }
 
 void KeyedArchiver::encodePoint(QLatin1StringView key, QPointF value)
 {
-    m_map.insert(key, QCborArray { value.x(), value.y() });
+    encodeNumbers(key, { value.x(), value.y() });
 }
 
 void KeyedArchiver::encodeRect(QLatin1StringView key, const QRectF &value)
 {
-    m_map.insert(key, QCborArray { value.x(), value.y(), value.width(), value.height() });
+    encodeNumbers(key, { value.x(), value.y(), value.width(), value.height() });
 }
 
 void KeyedArchiver::encodeString(QLatin1StringView key, const QString &value)
 {
-    m_map.insert(key, value);
+    this->value(key).append(value);
 }
 
 void KeyedArchiver::encodeData(QLatin1StringView key, const QByteArray &value)
 {
-    m_map.insert(key, value);
+    // Room for it and for the small values around it, so that a large one is copied once.
+    constexpr qsizetype roomBesides = 256;
+    m_bytes.reserve(m_bytes.size() + value.size() + roomBesides);
+    this->value(key).append(value);
 }
 
 void KeyedArchiver::encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write)
 {
-    KeyedArchiver nested;
-    write(nested);
-    m_map.insert(key, nested.m_map);
+    value(key).startMap();
+    // The nested archive goes on in the same stream: its keys follow at once.
+    write(*this);
+    m_writer.endMap();
 }
 
-QByteArray KeyedArchiver::bytes() const
+QByteArray KeyedArchiver::bytes()
 {
-    return m_map.toCborValue().toCbor();
+    if (!m_isOpen)
+        m_writer.startMap();
+    m_isOpen = true;
+    if (!m_isClosed)
+        m_writer.endMap();
+    m_isClosed = true;
+    return m_bytes;
 }
 
 KeyedUnarchiver::KeyedUnarchiver(QCborMap map)

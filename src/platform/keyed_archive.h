@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QCborMap>
+#include <QCborStreamWriter>
 #include <QLatin1StringView>
 #include <QPointF>
 #include <QRectF>
@@ -11,6 +12,7 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 
 namespace vornic {
@@ -45,11 +47,18 @@ public:
     /// Writes a nested archive: \a write fills its keys.
     void encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write);
 
-    /// The archive's bytes.
-    [[nodiscard]] QByteArray bytes() const;
+    /// The archive's bytes; nothing is written after this.
+    [[nodiscard]] QByteArray bytes();
 
 private:
-    QCborMap m_map;
+    QByteArray m_bytes;
+    QCborStreamWriter m_writer { &m_bytes };
+    bool m_isOpen = false;
+    bool m_isClosed = false;
+
+    /// Writes \a key, of whatever came before it behind the start of the map.
+    QCborStreamWriter &value(QLatin1StringView key);
+    void encodeNumbers(QLatin1StringView key, std::initializer_list<double> numbers);
 };
 
 /// Reads the values of a keyed archive back.

@@ -110,7 +110,7 @@ public:
 };
 
 /// A delegate on a fake display of \a 320 x 200, with folders of its own.
-class SessionTest : public testing::Test
+class SessionTest : public ::testing::Test
 {
 protected:
     SessionTest()

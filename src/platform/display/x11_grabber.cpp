@@ -5,6 +5,7 @@
 #include "platform/display/changed_bands.h"
 #include "platform/display/x11_connection.h"
 #include "platform/log.h"
+#include "platform/parallel.h"
 
 #include <xcb/shm.h>
 
@@ -89,8 +90,12 @@ bool X11Grabber::updateSlot(Slot &slot, const ChangedBands &changed)
         std::ranges::fill(slot.versions, 0);
         return false;
     }
+    // Hashing a whole picture takes about as long as fetching it.
+    constexpr int leastBandsPerThread = 8;
     for (const BandRun &run : runs)
-        readBands(slot, run);
+        parallelRanges(run.count, leastBandsPerThread, [&](int first, int count) {
+            readBands(slot, { run.first + first, count });
+        });
     return true;
 }
 
