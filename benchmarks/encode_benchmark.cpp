@@ -1,8 +1,7 @@
 /// How long the encoding of a spooled recording takes, beside the ffmpeg program turning the same JPEGs into
-/// the same H.264: encode_benchmark [desktop|text|colours] [frames] [preset...]
+/// the same H.264: encode_benchmark [desktop|text|colours] [frames]
 ///
-/// Both run on all processors, in turns, five times; ratios are of medians of wall time. Presets named on the
-/// command line only change ffmpeg's: they show what another one would cost.
+/// Both run on all processors, in turns, five times; ratios are of medians of wall time.
 
 #include "capture/VNBufferDiscr.h"
 #include "capture/VNBufferMgr.h"
@@ -14,6 +13,7 @@
 #include "codec/PKMuxerTaskDataSource.h"
 #include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
+#include "codec/encoder_settings.h"
 #include "platform/display/bitmap_image.h"
 #include "platform/display/fake_display.h"
 #include "support/test_pictures.h"
@@ -39,6 +39,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr QSize screenSize(1920, 1080);
 constexpr int framesASecond = 30;
+constexpr int bitRate = 5'184'000;
 
 QImage shifted(const QImage &page, int rows)
 {
@@ -104,7 +105,7 @@ public:
         context->setHeight(screenSize.height());
         context->setVideoCodecID(PKMuxerContext::videoCodecH264);
         context->setFrameRate(framesASecond);
-        context->setVideoBitrate(5'184'000);
+        context->setVideoBitrate(bitRate);
         const auto task = PKMuxerTask::create(context);
         task->setDataSource(this);
         const Clock::time_point start = Clock::now();
@@ -139,16 +140,20 @@ private:
     std::unique_ptr<FrameComposer> m_composer;
 };
 
-double ffmpeg(const QString &jpegs, const QString &movie, const QString &preset)
+double ffmpeg(const QString &jpegs, const QString &movie)
 {
     const QStringList arguments
         = QStringLiteral(
               "-v error -y -f mjpeg -framerate %1 -i %2 -vf "
               "scale=in_range=pc:in_color_matrix=bt601:out_range=tv:out_color_matrix=bt709,format=yuv420p "
-              "-c:v libx264 -preset %3 -b:v 5184000 -maxrate 15552000 -bufsize 31104000 -bf 0 -g 60 "
-              "-x264-params 8x8dct=1 -movflags +faststart %4")
+              "-c:v libx264 -preset %3 -b:v %4 -maxrate %5 -bufsize %6 -bf 0 -g 60 -level 4.2 "
+              "-x264-params %7 -movflags +faststart %8")
               .arg(framesASecond)
-              .arg(jpegs, preset, movie)
+              .arg(jpegs, QLatin1StringView(encoder_settings::videoPreset))
+              .arg(bitRate)
+              .arg(bitRate * encoder_settings::peakRateFactor)
+              .arg(bitRate * encoder_settings::bufferFactor)
+              .arg(QLatin1StringView(encoder_settings::x264Parameters), movie)
               .split(' ');
     const Clock::time_point start = Clock::now();
     QProcess::execute("ffmpeg", arguments);
@@ -180,32 +185,28 @@ int main(int argc, char **argv)
     const QStringList arguments = QCoreApplication::arguments();
     const QString scene = arguments.value(1, "text");
     const int frames = arguments.value(2, "150").toInt();
-    const QStringList presets = arguments.size() > 3 ? arguments.mid(3) : QStringList { "superfast" };
 
     Recording recording(sceneNamed(scene), frames, folder.filePath("frames.mjpeg"));
     const double length = static_cast<double>(frames) / framesASecond;
-    for (const QString &preset : presets) {
-        std::vector<double> ours;
-        std::vector<double> theirs;
-        double cpu = 0;
-        for (int turn = 0; turn < 5; ++turn) {
-            const double cpuBefore = cpuSeconds();
-            ours.push_back(recording.encode(folder.filePath("ours.mp4")));
-            cpu += cpuSeconds() - cpuBefore;
-            theirs.push_back(ffmpeg(folder.filePath("frames.mjpeg"), folder.filePath("theirs.mp4"), preset));
-        }
-        std::printf("%s, %d frames: vornic %.2f s (%.3f of the length, %.1f ms of CPU a frame, %lld bytes), "
-                    "ffmpeg %s %.2f s (%lld bytes): speed ratio %.2f\n",
-                    qPrintable(scene),
-                    frames,
-                    median(ours),
-                    median(ours) / length,
-                    cpu * 1000 / 5 / frames,
-                    static_cast<long long>(QFile(folder.filePath("ours.mp4")).size()),
-                    qPrintable(preset),
-                    median(theirs),
-                    static_cast<long long>(QFile(folder.filePath("theirs.mp4")).size()),
-                    median(theirs) / median(ours));
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    const double cpuBefore = cpuSeconds();
+    constexpr int turns = 5;
+    for (int turn = 0; turn < turns; ++turn) {
+        ours.push_back(recording.encode(folder.filePath("ours.mp4")));
+        theirs.push_back(ffmpeg(folder.filePath("frames.mjpeg"), folder.filePath("theirs.mp4")));
     }
+    std::printf(
+        "%s, %d frames: vornic %.2f s (%.3f of the length, %.1f ms of CPU a frame, %lld bytes), ffmpeg "
+        "%.2f s (%lld bytes): speed ratio %.2f\n",
+        qPrintable(scene),
+        frames,
+        median(ours),
+        median(ours) / length,
+        (cpuSeconds() - cpuBefore) * 1000 / turns / frames,
+        static_cast<long long>(QFile(folder.filePath("ours.mp4")).size()),
+        median(theirs),
+        static_cast<long long>(QFile(folder.filePath("theirs.mp4")).size()),
+        median(theirs) / median(ours));
     return 0;
 }
