@@ -13,7 +13,8 @@ cleanup() {
 trap cleanup EXIT
 
 # The server picks a free display number itself and tells it on descriptor 3.
-Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp 3>"$work/display" 2>"$work/server.log" &
+# -noreset: the first program that ends must not take the background with it.
+Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp -noreset 3>"$work/display" 2>"$work/server.log" &
 children+=($!)
 for (( i = 0; i < 100; ++i )); do [[ -s $work/display ]] && break; sleep 0.1; done
 [[ -s $work/display ]] || { cat "$work/server.log" >&2; echo 'The virtual display did not start.' >&2; exit 1; }
@@ -27,10 +28,13 @@ terminal=(xterm -fa 'DejaVu Sans Mono')
 "${terminal[@]}" -fs 28 -geometry 10x1+60+60 -T clock -e sh -c \
   'while :; do printf "\r%s" "$(date +%H:%M:%S)"; sleep 0.2; done' &
 children+=($!)
-"${terminal[@]}" -fs 11 -geometry 110x28+60+190 -T text -e sh -c \
+"${terminal[@]}" -fs 11 -geometry 110x22+60+190 -T text -e sh -c \
   'i=0; while :; do i=$((i + 1)); printf "%5d  The quick brown fox jumps over the lazy dog, and Vornic keeps it.\n" $i; sleep 0.05; done' &
 children+=($!)
-sleep 1.5
+for window in clock text; do
+  timeout 30 xdotool search --sync --onlyvisible --name "^$window\$" >/dev/null
+done
+sleep 0.5
 
 "$program" record --duration 5 --overwrite --ignore-low-space "$movie"
 frames=$(ffprobe -v error -select_streams v -count_packets \

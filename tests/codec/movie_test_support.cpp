@@ -129,6 +129,8 @@ std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
 
 void ensureApplication()
 {
+    if (QCoreApplication::instance())
+        return;
     static int argumentCount = 1;
     static char name[] = "codec-tests";
     static char *arguments[] = { name, nullptr };

@@ -67,7 +67,7 @@ TaskReport runTask(const PKMuxerContext &context, PKMuxerTaskDataSource &source)
 std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
                                  const std::vector<PKMuxerTaskDataSource *> &sources);
 
-/// An application object without a display, for event loops and for drawing text.
+/// An application object without a display, for event loops and for drawing text, where there is none yet.
 void ensureApplication();
 
 /// What ffprobe says of a movie: "streams", "packets" and "frames".
