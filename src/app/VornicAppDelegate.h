@@ -135,6 +135,8 @@ private:
     void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
     void configureAudio(PKMuxerContext &context);
     void muxerReported(const QString &action, const QVariant &value);
+    void startMuxing();
+    void muxerFailed(const QString &sentence);
     void recordFailed(const QString &sentence);
     void becomeIdle();
 

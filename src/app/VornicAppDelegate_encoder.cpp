@@ -78,8 +78,13 @@ void VornicAppDelegate::executeStopRecord()
     if (m_muxing)
         return;
     m_muxing = true;
-    m_composer = std::make_unique<FrameComposer>();
     m_logoContext = options()->logoContext();
+    startMuxing();
+}
+
+void VornicAppDelegate::startMuxing()
+{
+    m_composer = std::make_unique<FrameComposer>();
     const std::shared_ptr<PKMuxerTask> task = PKMuxerTask::create(mBufferMgr->muxerContext());
     task->setDataSource(this);
     task->startMuxerWithBlock(
@@ -104,10 +109,32 @@ void VornicAppDelegate::muxerReported(const QString &action, const QVariant &val
         m_frontEnd.endProgress();
     } else if (action == PKMuxerTaskActionFailed) {
         m_composer.reset();
-        recordFailed(value.toString());
         m_frontEnd.endProgress();
         alertError(value.toString());
+        muxerFailed(value.toString());
     }
+}
+
+/// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere.
+void VornicAppDelegate::muxerFailed(const QString &sentence)
+{
+    if (m_framesGrabbed == 0) {
+        recordFailed(sentence);
+        return;
+    }
+    m_frontEnd.askForOtherFile(QStringLiteral("mp4"), [this, sentence](const std::optional<QString> &path) {
+        if (!path) {
+            recordFailed(sentence);
+            return;
+        }
+        m_outfileName = *path;
+        const auto context = std::make_shared<PKMuxerContext>(*mBufferMgr->muxerContext());
+        context->setFilename(m_outfileName);
+        mBufferMgr->setMuxerContext(context);
+        mBufferMgr->rewind();
+        m_framesUnusable = 0;
+        startMuxing();
+    });
 }
 
 std::int64_t VornicAppDelegate::PKMuxerTaskLength()

@@ -25,43 +25,39 @@ CommandLine wrongValue(const QString &option, const QString &value, const QStrin
     return wrongUsage(QStringLiteral("--%1 \"%2\" cannot be read; give it as %3.").arg(option, value, form));
 }
 
-void addRecordOptions(QCommandLineParser &parser)
-{
-    parser.addOptions({
-        { QStringLiteral("region"),
-          QStringLiteral("Record only this rectangle: pixels from the top left of the main display "
-                         "(\"X,Y WxH\" and WxH+X+Y are taken too). Without it the full display."),
-          QStringLiteral("X,Y,W,H") },
-        { QStringLiteral("quality"),
-          QStringLiteral("high (30 pictures a second) or medium (20); default high."),
-          QStringLiteral("QUALITY") },
-        { QStringLiteral("audio"),
-          QStringLiteral("Record the first audio input device too; --audio=NAME the one named.") },
-        { QStringLiteral("duration"),
-          QStringLiteral("Stop by itself after so long."),
-          QStringLiteral("SECONDS") },
-        { QStringLiteral("overwrite"),
-          QStringLiteral("Replace FILE.mp4; without it an existing file is refused.") },
-        { QStringLiteral("ignore-low-space"), QStringLiteral("Go on below the free-space limit.") },
-    });
-}
+const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4.
 
-void describe(QCommandLineParser &parser)
+  vornic                            the window
+  vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it
+      --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
+                         ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
+      --quality high|medium
+                         30 or 20 pictures a second; default high
+      --audio[=NAME]     the first audio input device, or the one named (not in this version yet)
+      --duration SECONDS
+      --overwrite        replace FILE.mp4; without it an existing file is refused
+      --ignore-low-space go on below the free-space limit
+  vornic devices                    the audio input devices, one a line (not in this version yet)
+  vornic --help, --version
+
+The last line of standard output is the movie's path. Exit status: 0 the movie is complete, 1 it failed,
+2 wrong usage.
+)");
+
+void addOptions(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(
-        QStringLiteral("Vornic, a screen recorder.\n\n"
-                       "  vornic                            the window\n"
-                       "  vornic record [options] FILE.mp4  record without the window;\n"
-                       "                                    Ctrl-C, SIGTERM or --duration ends it\n"
-                       "  vornic devices                    the audio input devices, one a line"));
-    parser.addOption({ { QStringLiteral("h"), QStringLiteral("help") }, QStringLiteral("Show this help.") });
-    parser.addOption(
-        { { QStringLiteral("v"), QStringLiteral("version") }, QStringLiteral("Show the version.") });
-    parser.addPositionalArgument(
-        QStringLiteral("command"), QStringLiteral("record or devices."), QStringLiteral("[command]"));
-    parser.addPositionalArgument(QStringLiteral("FILE.mp4"),
-                                 QStringLiteral("Where record writes the movie."),
-                                 QStringLiteral("[FILE.mp4]"));
+    const auto flag = [](const char *name) { return QCommandLineOption(QLatin1StringView(name)); };
+    const auto value = [](const char *name) {
+        return QCommandLineOption(QLatin1StringView(name), QString(), QStringLiteral("value"));
+    };
+    parser.addOptions({ value("region"),
+                        value("quality"),
+                        flag("audio"),
+                        value("duration"),
+                        flag("overwrite"),
+                        flag("ignore-low-space") });
+    parser.addOption(QCommandLineOption(QStringList { QStringLiteral("h"), QStringLiteral("help") }));
+    parser.addOption(QCommandLineOption(QStringList { QStringLiteral("v"), QStringLiteral("version") }));
 }
 
 /// The parser knows options with a value and without, but none that may have one: takes NAME out of
@@ -161,14 +157,13 @@ CommandLine parseCommandLine(const QStringList &arguments)
 {
     CommandLine line;
     QCommandLineParser parser;
-    describe(parser);
-    addRecordOptions(parser);
+    addOptions(parser);
     if (!parser.parse(withoutAudioName(arguments, line.audioDevice)))
         return wrongUsage(parser.errorText());
     const QStringList words = parser.positionalArguments();
     if (parser.isSet(QStringLiteral("help"))) {
         line.action = CommandLine::Action::Help;
-        line.helpText = parser.helpText();
+        line.helpText = helpText;
         return line;
     }
     if (parser.isSet(QStringLiteral("version"))) {

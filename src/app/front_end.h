@@ -44,6 +44,14 @@ public:
     /// What may be edited has changed.
     virtual void reloadData() { }
 
+    /// The movie could not be written, but the recording is still there: another file for it, or nothing to
+    /// give the recording up.
+    virtual void askForOtherFile(const QString & /*type*/,
+                                 std::function<void(std::optional<QString> path)> answer)
+    {
+        answer(std::nullopt);
+    }
+
     virtual void beginProgress() { }
     /// 0 to 100.
     virtual void setProgress(double /*percent*/) { }

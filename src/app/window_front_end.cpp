@@ -159,6 +159,28 @@ void WindowFrontEnd::reloadData()
         m_window->reloadData();
 }
 
+void WindowFrontEnd::askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer)
+{
+    runSavePanel(QObject::tr("Untitled"), type, [this, type, answer = std::move(answer)](const auto &path) {
+        if (path) {
+            answer(path);
+            return;
+        }
+        QMessageBox box(QMessageBox::Warning,
+                        QStringLiteral("Vornic"),
+                        QObject::tr("Give the recording up? It cannot be brought back."),
+                        QMessageBox::NoButton,
+                        visibleWindow());
+        box.setDefaultButton(box.addButton(QObject::tr("Save elsewhere"), QMessageBox::RejectRole));
+        const QPushButton *givesUp = box.addButton(QObject::tr("Give up"), QMessageBox::DestructiveRole);
+        box.exec();
+        if (box.clickedButton() == givesUp)
+            answer(std::nullopt);
+        else
+            askForOtherFile(type, answer);
+    });
+}
+
 void WindowFrontEnd::beginProgress()
 {
     m_progress = std::make_unique<QProgressDialog>(QObject::tr("Writing the movie"),

@@ -39,6 +39,8 @@ public:
     void bringMainWindowToFront() override;
     void setSaving(bool saving) override;
     void reloadData() override;
+    void askForOtherFile(const QString &type,
+                         std::function<void(std::optional<QString> path)> answer) override;
     void beginProgress() override;
     void setProgress(double percent) override;
     void endProgress() override;

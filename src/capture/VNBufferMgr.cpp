@@ -188,6 +188,16 @@ void VNBufferMgr::waitSeconds(double seconds)
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
+void VNBufferMgr::rewind()
+{
+    m_video.queue().sync([this] {
+        m_video.rewind();
+        m_picturesBack.forget();
+    });
+    m_audio.queue().sync([this] { m_audio.rewind(); });
+    m_skippedBlocks = 0;
+}
+
 void VNBufferMgr::clear()
 {
     m_video.queue().sync([this] { m_video.clear(tempVideoPathfile()); });

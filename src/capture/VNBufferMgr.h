@@ -60,6 +60,8 @@ public:
 
     /// Blocks the calling thread.
     static void waitSeconds(double seconds);
+    /// Puts everything that was popped back: the same recording can be encoded again.
+    void rewind();
     /// Empties both indexes and deletes both files.
     void clear();
 

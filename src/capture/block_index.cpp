@@ -8,7 +8,20 @@ std::optional<VNDataBlock> BlockIndex::takeOldest()
         return std::nullopt;
     const VNDataBlock oldest = mBufferDescris.front();
     mBufferDescris.pop_front();
+    m_taken.push_back(oldest);
     return oldest;
+}
+
+void BlockIndex::rewind()
+{
+    mBufferDescris.insert(mBufferDescris.begin(), m_taken.begin(), m_taken.end());
+    m_taken.clear();
+}
+
+void BlockIndex::clear()
+{
+    mBufferDescris.clear();
+    m_taken.clear();
 }
 
 std::int64_t BlockIndex::oldestTimeStamp() const

@@ -20,10 +20,13 @@ public:
     [[nodiscard]] std::int64_t oldestTimeStamp() const;
     [[nodiscard]] std::int64_t newestTimeStamp() const;
     [[nodiscard]] std::size_t count() const { return mBufferDescris.size(); }
-    void clear() { mBufferDescris.clear(); }
+    /// Puts the blocks that were taken back, so that the whole spool can be read again.
+    void rewind();
+    void clear();
 
 private:
     std::deque<VNDataBlock> mBufferDescris;
+    std::deque<VNDataBlock> m_taken; ///< since the last clear()
 };
 
 } // namespace vornic

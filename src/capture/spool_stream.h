@@ -46,6 +46,8 @@ public:
     };
     /// The oldest block, taken out of the index; nothing when that is empty.
     [[nodiscard]] std::optional<Block> takeOldest();
+    /// Begins again with the first block that was ever taken; the bytes are all still there.
+    void rewind() { m_index.rewind(); }
     [[nodiscard]] const BlockIndex &index() const { return m_index; }
 
 private:

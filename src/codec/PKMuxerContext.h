@@ -27,6 +27,7 @@ public:
     }
 
     [[nodiscard]] const QString &filename() const { return m_filename; }
+    void setFilename(QString filename) { m_filename = std::move(filename); }
     [[nodiscard]] int format() const { return m_format; }
 
     /// The shown size in pixels. The movie stores it rounded up to even, repeating the last column or row.

@@ -30,6 +30,7 @@ public:
     std::optional<QString> path;
     int hintResponse = responseContinue;
     bool quits = true;
+    std::optional<QString> otherPath;
     std::function<void()> onAlert;
     std::function<void()> onProgress;
 
@@ -64,6 +65,11 @@ public:
     void hideStopItem() override { told += "hideStopItem"; }
     void minimiseMainWindow() override { told += "minimise"; }
     void setSaving(bool saving) override { told += saving ? "saving" : "notSaving"; }
+    void askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer) override
+    {
+        told += "otherFile " + type;
+        answer(std::exchange(otherPath, std::nullopt));
+    }
     void beginProgress() override { told += "beginProgress"; }
     void setProgress(double percent) override
     {

@@ -291,6 +291,26 @@ TEST_F(DelegateTest, AFailedJobEndsWithASentenceAndIdle)
     EXPECT_EQ(frontEnd.told.filter("reveal").size(), 0);
 }
 
+TEST_F(DelegateTest, AFailedJobLosesNothingWhenAnotherFileIsGiven)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir("out"));
+    frontEnd.path = folder.filePath("out/movie.mp4");
+    frontEnd.otherPath = folder.filePath("other.mp4");
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(4));
+    ASSERT_TRUE(QDir(folder.filePath("out")).removeRecursively());
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(frontEnd.alerts.size(), 1);
+    EXPECT_TRUE(delegate->failure().isEmpty());
+    EXPECT_GE(delegate->counts().framesWritten, 4U);
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+    EXPECT_EQ(delegate->outfileName(), folder.filePath("other.mp4"));
+    EXPECT_EQ(numbersOf(probe(folder.filePath("other.mp4")), "packets", "video", "pts").size(),
+              static_cast<qsizetype>(delegate->counts().framesGrabbed));
+    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
+}
+
 TEST_F(DelegateTest, WhenFinishedTheMovieIsRevealedAndOpenedAsChosen)
 {
     delegate->options()->setOpenRecordedWhenFinished(true);

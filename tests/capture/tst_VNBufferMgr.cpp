@@ -207,6 +207,26 @@ TEST_F(BufferMgrTest, ReadyToRecordBeginsAnew)
     EXPECT_TRUE(m_manager.getBufferVideoFrame()->recordImage());
 }
 
+TEST_F(BufferMgrTest, ARewoundSpoolIsReadAgainFromTheStart)
+{
+    for (std::uint32_t i = 0; i < 5; ++i)
+        push(noisePicture({ 64, 64 }, i / 2), i);
+    m_manager.pushAudioBuffer(chunkOf("abcd"));
+    m_manager.endVideoRecord();
+    m_manager.endAudioRecord();
+    m_manager.setExit(true);
+    for (int turn = 0; turn < 2; ++turn) {
+        for (std::uint64_t i = 0; i < 3; ++i)
+            EXPECT_EQ(m_manager.popRecordBuffer()->timestamp(), i);
+        EXPECT_EQ(m_manager.popAudioBuffer()->data(), "abcd");
+        m_manager.rewind();
+        EXPECT_EQ(m_manager.recordBufferCount(), 5U);
+    }
+    for (std::uint64_t i = 0; i < 5; ++i)
+        EXPECT_TRUE(m_manager.popRecordBuffer()->recordImage());
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+}
+
 TEST_F(BufferMgrTest, AFileThatCannotBeMadeIsLoggedAndTheRecordingGoesOn)
 {
     qputenv("XDG_CACHE_HOME", "/proc/none");
