@@ -31,8 +31,12 @@ children+=($!)
 "${terminal[@]}" -fs 11 -geometry 110x22+60+190 -T text -e sh -c \
   'i=0; while :; do i=$((i + 1)); printf "%5d  The quick brown fox jumps over the lazy dog, and Vornic keeps it.\n" $i; sleep 0.05; done' &
 children+=($!)
+# A search may fail while windows come and go; it is asked again.
 for window in clock text; do
-  timeout 30 xdotool search --sync --onlyvisible --name "^$window\$" >/dev/null
+  for (( i = 0; i < 100; ++i )); do
+    xdotool search --onlyvisible --name "^$window\$" >/dev/null 2>&1 && break
+    sleep 0.2
+  done
 done
 sleep 0.5
 

@@ -4,6 +4,7 @@
 #include <asio/thread_pool.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <latch>
 #include <thread>
 
@@ -30,17 +31,27 @@ void parallelRanges(int count, int leastItems, const std::function<void(int, int
 {
     if (count <= 0)
         return;
-    const int parts = std::clamp(count / std::max(1, leastItems), 1, processorCount());
-    std::latch others(parts - 1);
-    for (int part = 1; part < parts; ++part) {
-        const int first = count * part / parts;
-        const int last = count * (part + 1) / parts;
-        asio::post(helpers(), [&work, &others, first, last] {
-            work(first, last - first);
+    // More ranges than processors: where another program holds one of them, the others take over its share.
+    constexpr int rangesForEach = 4;
+    const int least = std::max(1, leastItems);
+    const int length = std::max(least, count / (processorCount() * rangesForEach));
+    const int ranges = std::max(1, count / length);
+    const int workers = std::min(processorCount(), ranges);
+    std::atomic<int> next = 0;
+    const auto takeRanges = [&] {
+        for (int range = next++; range < ranges; range = next++) {
+            const int first = count * range / ranges;
+            work(first, count * (range + 1) / ranges - first);
+        }
+    };
+    std::latch others(workers - 1);
+    for (int worker = 1; worker < workers; ++worker) {
+        asio::post(helpers(), [&] {
+            takeRanges();
             others.count_down();
         });
     }
-    work(0, count / parts);
+    takeRanges();
     others.wait();
 }
 
