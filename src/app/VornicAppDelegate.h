@@ -1,11 +1,14 @@
 #pragma once
 
 #include "app/recording_counts.h"
+#include "audio/PKAudioControlDelegate.h"
+#include "audio/PKAudioRecorderDelegate.h"
 #include "codec/PKMuxerTaskDataSource.h"
 #include "platform/observable_object.h"
 
 #include <QRectF>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <atomic>
@@ -16,7 +19,9 @@
 
 namespace vornic {
 
-class AudioSource;
+class AudioControl;
+class AudioDeviceList;
+class AudioRecorder;
 class BitmapImage;
 class FrameComposer;
 class FrontEnd;
@@ -31,9 +36,12 @@ struct AudioStreamBasicDescription;
 /// The spine of the program: one recording at a time, from the record button to the finished movie.
 ///
 /// Made by main, which owns it and the front end that it talks to; lives on the main thread. The capture
-/// passes run on imgCaptureQueue, the PKMuxerTask… functions on the encoder's threads, the audio callback on
-/// the audio source's thread.
-class VornicAppDelegate : public ObservableObject, public PKMuxerTaskDataSource
+/// passes run on imgCaptureQueue, the PKMuxerTask… functions on the encoder's threads, dataRecord() on the
+/// audio recorder's thread.
+class VornicAppDelegate : public ObservableObject,
+                          public PKMuxerTaskDataSource,
+                          public PKAudioControlDelegate,
+                          public PKAudioRecorderDelegate
 {
     Q_OBJECT
     Q_MOC_INCLUDE("options/VNOption.h")
@@ -107,10 +115,20 @@ public:
     [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() override;
 
     // audio input
-    /// The source that recordings take sound from; null: none is there.
-    void setAudioSource(std::unique_ptr<AudioSource> source);
-    /// A chunk of sound has come, on the source's thread; the bytes are valid during the call.
-    void dataRecord(const void *bytes, std::uint32_t byteCount, const AudioStreamBasicDescription &format);
+    /// Borrows \a control for life; without one there are no devices. Before applicationDidFinishLaunching().
+    void setAudioControl(AudioControl *control) { m_audioControl = control; }
+    [[nodiscard]] AudioDeviceList &audioDevicesView() { return *mAudioDevicesView; }
+    /// The number of the device that the list shows; 0 when it is not there.
+    [[nodiscard]] std::uint32_t currentAudioID();
+    /// Made at the first call; null without a control.
+    [[nodiscard]] AudioRecorder *audioRecorder();
+    /// The list's action: the user has chosen a device.
+    void selAudioDevice();
+    void audioControlInputDeviceChanged(AudioControl &control) override;
+    void dataRecord(AudioRecorder &recorder,
+                    const void *bytes,
+                    std::uint32_t byteCount,
+                    const AudioStreamBasicDescription &format) override;
 
 signals:
     void stateChanged();
@@ -132,7 +150,11 @@ private:
     void stopBecauseFull();
     void endCapture();
     [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image, double origin);
+    void tellOfAudioWait();
     void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
+    void fillAudioDevices();
+    void addAudioDevices(const QStringList &names);
+    void enableAudioDevices();
     void configureAudio(PKMuxerContext &context);
     void muxerReported(const QString &action, const QVariant &value);
     void startMuxing();
@@ -151,12 +173,15 @@ private:
     QString m_failure;
     std::unique_ptr<VNBufferMgr> mBufferMgr;
     std::unique_ptr<VNCGDisplay> mDisplay;
-    std::unique_ptr<AudioSource> m_audioSource;
+    AudioControl *m_audioControl = nullptr;
+    std::unique_ptr<AudioDeviceList> mAudioDevicesView;
+    std::unique_ptr<AudioRecorder> _audioRecorder;
     std::unique_ptr<FrameComposer> m_composer; ///< on the encoder's thread while a movie is written
     VNLogoContext *m_logoContext = nullptr;    ///< the options', borrowed while a movie is written
 
     bool m_recordsAudio = false; ///< the options' enableAudio when the recording started
     std::atomic<bool> _audioValidate = false;
+    int m_audioWaits = 0;                      ///< passes that found no time origin, on the capture queue
     std::atomic<double> _audioStartTime = 0.0; ///< seconds of the absolute clock; 0: no chunk yet
     std::atomic<std::uint64_t> m_framesGrabbed = 0;
     std::atomic<std::uint64_t> m_framesUnusable = 0;

@@ -1,28 +1,78 @@
-// Audio input: the recording's time origin, and the chunks on their way into the spool.
+// Audio input: the devices, the recording's time origin, and the chunks on their way into the spool.
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "audio/PKAudioRecorderData.h"
-#include "audio/audio_source.h"
+#include "audio/audio_control.h"
+#include "audio/audio_recorder.h"
 #include "capture/VNBufferMgr.h"
+#include "options/VNOption.h"
 #include "platform/clock.h"
 
 #include <cmath>
-#include <utility>
 
 namespace vornic {
 
-void VornicAppDelegate::setAudioSource(std::unique_ptr<AudioSource> source)
+void VornicAppDelegate::fillAudioDevices()
 {
-    m_audioSource = std::move(source);
-    if (m_audioSource)
-        m_audioSource->setChunkSink(
-            [this](const void *bytes, std::uint32_t byteCount, const AudioStreamBasicDescription &format) {
-                dataRecord(bytes, byteCount, format);
-            });
-    notifyChanged({ "allowedAudioRecord" });
+    QStringList names;
+    if (m_audioControl) {
+        names = m_audioControl->inputDevicesName();
+        m_audioControl->setDelegate(this);
+    }
+    addAudioDevices(names);
+    if (names.isEmpty())
+        options()->setEnableAudio(false);
+    enableAudioDevices();
+    connect(options(), &VNOption::enableAudioChanged, this, &VornicAppDelegate::enableAudioDevices);
 }
 
-void VornicAppDelegate::dataRecord(const void *bytes,
+void VornicAppDelegate::addAudioDevices(const QStringList &names)
+{
+    for (const QString &name : names)
+        mAudioDevicesView->addMenuItem(name);
+    if (!names.isEmpty())
+        mAudioDevicesView->setIndexOfSelected(0);
+}
+
+void VornicAppDelegate::enableAudioDevices()
+{
+    mAudioDevicesView->setEnabled(options()->enableAudio() && allowedAudioRecord());
+}
+
+/// The list keeps what it has shown: a device that comes back is found under its old name.
+void VornicAppDelegate::audioControlInputDeviceChanged(AudioControl &control)
+{
+    const QStringList names = control.inputDevicesName();
+    control.setDelegate(this);
+    notifyChanged({ "allowedAudioRecord" });
+    if (!names.isEmpty())
+        addAudioDevices(names);
+    enableAudioDevices();
+}
+
+std::uint32_t VornicAppDelegate::currentAudioID()
+{
+    return m_audioControl ? m_audioControl->deviceIDFromName(mAudioDevicesView->stringValue()) : 0;
+}
+
+AudioRecorder *VornicAppDelegate::audioRecorder()
+{
+    if (!_audioRecorder && m_audioControl) {
+        _audioRecorder = m_audioControl->createRecorder(currentAudioID());
+        _audioRecorder->setDelegate(this);
+    }
+    return _audioRecorder.get();
+}
+
+void VornicAppDelegate::selAudioDevice()
+{
+    if (AudioRecorder *recorder = audioRecorder())
+        recorder->setDeviceID(currentAudioID());
+}
+
+void VornicAppDelegate::dataRecord(AudioRecorder & /*recorder*/,
+                                   const void *bytes,
                                    std::uint32_t byteCount,
                                    const AudioStreamBasicDescription &format)
 {

@@ -4,7 +4,7 @@
 #include "app/front_end.h"
 #include "app/recording_settings.h"
 #include "audio/PKAudioRecorderData.h"
-#include "audio/audio_source.h"
+#include "audio/audio_recorder.h"
 #include "capture/VNBufferDiscr.h"
 #include "capture/VNBufferMgr.h"
 #include "capture/frame_composer.h"
@@ -49,14 +49,15 @@ void VornicAppDelegate::startRecorder(const QVariantList &arguments)
 
 void VornicAppDelegate::configureAudio(PKMuxerContext &context)
 {
-    if (!m_audioSource || !m_audioSource->startRecordWithFormat(defaultAudioStreamBasicDescription())) {
+    AudioRecorder *recorder = audioRecorder();
+    if (!recorder || !recorder->startRecordWithFormat(defaultAudioStreamBasicDescription())) {
         logMessage(QStringLiteral("Can support 16bit, 8bit record."));
         return;
     }
-    const AudioStreamBasicDescription format = m_audioSource->currentDataFormat();
+    const AudioStreamBasicDescription format = recorder->currentDataFormat();
     if (format.mBitsPerChannel != 8 && format.mBitsPerChannel != 16) {
         logMessage(QStringLiteral("Only support 16bit & 8bit : %1").arg(format.mBitsPerChannel));
-        m_audioSource->stopRecord();
+        recorder->stopRecord();
         context.setAudioCodecID(PKMuxerContext::audioCodecNone);
         _audioValidate = false;
         return;
@@ -72,8 +73,8 @@ void VornicAppDelegate::executeStopRecord()
 {
     hideStopRecordingBtn();
     m_frontEnd.setSaving(true);
-    if (m_recordsAudio && m_audioSource)
-        m_audioSource->stopRecord();
+    if (m_recordsAudio && _audioRecorder)
+        _audioRecorder->stopRecord();
     // Quitting starts the job before the capture loop ends; the loop's own end comes here a second time.
     if (m_muxing)
         return;

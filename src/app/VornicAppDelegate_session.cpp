@@ -1,11 +1,12 @@
 // The recording session: the start sequence, the capture passes, the stop sequence.
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "app/front_end.h"
 #include "app/output_check.h"
 #include "app/recording_settings.h"
 #include "app/time_text.h"
-#include "audio/audio_source.h"
+#include "audio/audio_recorder.h"
 #include "capture/VNBufferDiscr.h"
 #include "capture/VNBufferMgr.h"
 #include "capture/VNCGDisplay.h"
@@ -117,6 +118,7 @@ void VornicAppDelegate::startRecorderAnyway()
     m_framesWritten = 0;
     m_framesOutOfOrder = 0;
     m_audioSeconds = 0;
+    m_audioWaits = 0;
     setState(1);
 
     const QVariantList arguments { m_outfileName, chosen.recordQuality(), chosen.enableAudio() ? 1 : 0 };
@@ -176,8 +178,8 @@ void VornicAppDelegate::stopBecauseFull()
 
 void VornicAppDelegate::endCapture()
 {
-    if (m_recordsAudio && m_audioSource)
-        m_audioSource->stopRecord();
+    if (m_recordsAudio && _audioRecorder)
+        _audioRecorder->stopRecord();
     mBufferMgr->endVideoRecord();
     main_queue::async([this] { executeStopRecord(); });
 }
@@ -189,8 +191,10 @@ bool VornicAppDelegate::keepFrame(std::shared_ptr<const BitmapImage> image, doub
     const double now = absoluteTimeSeconds();
     if (_audioValidate) {
         origin = _audioStartTime;
-        if (std::abs(origin) < unsetOrigin)
+        if (std::abs(origin) < unsetOrigin) {
+            tellOfAudioWait();
             return false;
+        }
     }
     const auto timestamp = static_cast<std::int64_t>((now - origin) * static_cast<double>(PKTimebase));
     record->setBufferTimestamp(static_cast<std::uint64_t>(timestamp));
@@ -202,6 +206,18 @@ bool VornicAppDelegate::keepFrame(std::shared_ptr<const BitmapImage> image, doub
     mBufferMgr->pushRecordBuffer(*record);
     ++m_framesGrabbed;
     return true;
+}
+
+/// A device begins within a few passes; whoever waits longer is told what for, after a second.
+void VornicAppDelegate::tellOfAudioWait()
+{
+    constexpr int patience = 40;
+    if (++m_audioWaits != patience)
+        return;
+    main_queue::async([this] {
+        if (m_stopItemShown)
+            m_frontEnd.setStopItemTitle(QStringLiteral("waiting for audio"));
+    });
 }
 
 void VornicAppDelegate::stopRecord()
@@ -254,6 +270,7 @@ void VornicAppDelegate::setState(int state)
 {
     m_state = state;
     notifyChanged({ "state" });
+    mAudioDevicesView->setEnabled(allowedAudioRecord());
     m_frontEnd.reloadData();
 }
 

@@ -1,9 +1,11 @@
 // The shell: launch and end, the options, and what may be edited when.
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "app/front_end.h"
 #include "app/stored_options.h"
-#include "audio/audio_source.h"
+#include "audio/audio_control.h"
+#include "audio/audio_recorder.h"
 #include "capture/VNBufferMgr.h"
 #include "capture/VNCGDisplay.h"
 #include "capture/frame_composer.h"
@@ -25,6 +27,7 @@ VornicAppDelegate::VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOptio
     : m_frontEnd(frontEnd)
     , m_options(std::move(options))
     , m_optionsAreStored(!m_options)
+    , mAudioDevicesView(std::make_unique<AudioDeviceList>())
 {
     declareDependency("allowedEditOptions", { "state" });
     declareDependency("allowedEditRecordRegion", { "state", "options.recordRegion" });
@@ -33,7 +36,11 @@ VornicAppDelegate::VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOptio
                       { "state", "options.logoContext.LogoValidate", "options.logoContext.LogoType" });
 }
 
-VornicAppDelegate::~VornicAppDelegate() = default;
+VornicAppDelegate::~VornicAppDelegate()
+{
+    if (m_audioControl)
+        m_audioControl->setDelegate(nullptr);
+}
 
 void VornicAppDelegate::applicationDidFinishLaunching()
 {
@@ -42,6 +49,7 @@ void VornicAppDelegate::applicationDidFinishLaunching()
         static_cast<void>(options());
     mBufferMgr = std::make_unique<VNBufferMgr>(4);
     mDisplay = std::make_unique<VNCGDisplay>();
+    fillAudioDevices();
 }
 
 void VornicAppDelegate::terminate()
@@ -88,7 +96,7 @@ bool VornicAppDelegate::allowedEditFont()
 
 bool VornicAppDelegate::allowedAudioRecord() const
 {
-    return m_state == 0 && m_audioSource;
+    return m_state == 0 && m_audioControl && !m_audioControl->inputDevicesName().isEmpty();
 }
 
 void VornicAppDelegate::alertError(const QString &text)

@@ -33,11 +33,11 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
                          ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
       --quality high|medium
                          30 or 20 pictures a second; default high
-      --audio[=NAME]     the first audio input device, or the one named (not in this version yet)
+      --audio[=NAME]     sound too: of the first audio input device, or of the one named
       --duration SECONDS
       --overwrite        replace FILE.mp4; without it an existing file is refused
       --ignore-low-space go on below the free-space limit
-  vornic devices                    the audio input devices, one a line (not in this version yet)
+  vornic devices                    the audio input devices, one a line
   vornic --help, --version
 
 The last line of standard output is the movie's path. Exit status: 0 the movie is complete, 1 it failed,

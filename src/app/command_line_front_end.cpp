@@ -76,7 +76,7 @@ void CommandLineFrontEnd::setStopItemTitle(const QString &title)
         return;
     if (m_isTerminal)
         redraw(title);
-    else if (title.endsWith(u'0'))
+    else if (title.endsWith(u'0') || !title.front().isDigit())
         writeError(title + u'\n');
 }
 

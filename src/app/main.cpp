@@ -4,6 +4,7 @@
 #include "app/record_command.h"
 #include "app/unix_signals.h"
 #include "app/window_front_end.h"
+#include "audio/PKAudioControl.h"
 #include "platform/display/display_backend.h"
 #include "platform/log.h"
 
@@ -27,6 +28,7 @@ int runWindow(int &argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     WindowFrontEnd frontEnd;
     VornicAppDelegate delegate(frontEnd);
+    delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
     delegate.applicationDidFinishLaunching();
     const UnixSignals signalled;
     MainWindow window(delegate);
@@ -50,6 +52,17 @@ int printAndEnd(const QString &text, std::FILE *stream, int status)
     return status;
 }
 
+int listDevices()
+{
+    const QStringList names = PKAudioControl::sharedAudioControl().inputDevicesName();
+    if (names.isEmpty())
+        return printAndEnd(
+            QStringLiteral("vornic: There is no audio input device; is the sound server running?\n"),
+            stderr,
+            1);
+    return printAndEnd(names.join(u'\n') + u'\n', stdout, 0);
+}
+
 int run(int &argc, char **argv)
 {
     QStringList arguments;
@@ -65,8 +78,10 @@ int run(int &argc, char **argv)
         const QCoreApplication application(argc, argv);
         return runRecordCommand(line);
     }
-    case CommandLine::Action::Devices:
-        return printAndEnd(QStringLiteral("vornic: This version records no sound yet.\n"), stderr, 1);
+    case CommandLine::Action::Devices: {
+        const QCoreApplication application(argc, argv);
+        return listDevices();
+    }
     case CommandLine::Action::Help:
         return printAndEnd(line.helpText, stdout, 0);
     case CommandLine::Action::Version:

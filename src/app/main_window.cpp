@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "options/VNOption.h"
 #include "platform/key_path_binding.h"
 
@@ -13,6 +14,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalBlocker>
 
 namespace vornic {
 
@@ -25,6 +27,7 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     auto *layout = new QGridLayout(this);
     addRegion(*layout);
     addQuality(*layout);
+    addSound(*layout);
     addAfterwards(*layout);
     m_recordButton->setObjectName(QStringLiteral("recordButton"));
     m_recordButton->setDefault(true);
@@ -93,6 +96,35 @@ void MainWindow::addQuality(QGridLayout &layout)
     layout.addWidget(label, row, 0);
     layout.addWidget(quality, row, 1, 1, 3);
     m_otherControls.push_back(quality);
+}
+
+void MainWindow::addSound(QGridLayout &layout)
+{
+    auto *sound = new QCheckBox(tr("&Sound"), this);
+    bind(sound, "checked", "enableAudio");
+    auto *devices = new QComboBox(this);
+    devices->setObjectName(QStringLiteral("mAudioDevicesView"));
+    devices->setAccessibleName(tr("Audio input device"));
+    devices->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    const int row = layout.rowCount();
+    layout.addWidget(sound, row, 0);
+    layout.addWidget(devices, row, 1, 1, 3);
+    m_otherControls.push_back(sound);
+
+    AudioDeviceList &list = m_delegate.audioDevicesView();
+    const auto show = [devices, &list] {
+        const QSignalBlocker blocker(devices);
+        while (devices->count() < list.numberOfMenuItems())
+            devices->addItem(list.titles().at(devices->count()));
+        devices->setCurrentIndex(static_cast<int>(list.indexOfSelected()));
+        devices->setEnabled(list.isEnabled());
+    };
+    connect(&list, &AudioDeviceList::changed, this, show);
+    connect(devices, &QComboBox::activated, this, [this, &list](int index) {
+        list.setIndexOfSelected(index);
+        m_delegate.selAudioDevice();
+    });
+    show();
 }
 
 void MainWindow::addAfterwards(QGridLayout &layout)

@@ -35,6 +35,7 @@ protected:
 private:
     void addRegion(QGridLayout &layout);
     void addQuality(QGridLayout &layout);
+    void addSound(QGridLayout &layout);
     void addAfterwards(QGridLayout &layout);
     void bind(QWidget *control, const char *property, const char *keyPath);
 

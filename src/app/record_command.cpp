@@ -1,9 +1,11 @@
 #include "app/record_command.h"
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "app/command_line_front_end.h"
 #include "app/output_check.h"
 #include "app/unix_signals.h"
+#include "audio/PKAudioControl.h"
 #include "capture/VNBufferMgr.h"
 #include "codec/PKTimebase.h"
 #include "options/VNOption.h"
@@ -47,6 +49,19 @@ QString whyTooLittleSpace(bool ignoreLowSpace)
     return {};
 }
 
+QString whyNoSound(const CommandLine &line)
+{
+    if (!line.audio)
+        return {};
+    const QStringList devices = PKAudioControl::sharedAudioControl().inputDevicesName();
+    if (devices.isEmpty())
+        return QStringLiteral("There is no audio input device; is the sound server running?");
+    if (line.audioDevice.isEmpty() || devices.contains(line.audioDevice))
+        return {};
+    return QStringLiteral("There is no audio input device \"%1\". These are there:\n  %2")
+        .arg(line.audioDevice, devices.join(QStringLiteral("\n  ")));
+}
+
 /// Everything that can be known to go wrong before the recording starts.
 QString whyNotRecord(const CommandLine &line)
 {
@@ -61,8 +76,8 @@ QString whyNotRecord(const CommandLine &line)
             .arg(line.region->height())
             .arg(display.width())
             .arg(display.height());
-    if (line.audio)
-        return QStringLiteral("This version records no sound yet; leave out --audio.");
+    if (const QString reason = whyNoSound(line); !reason.isEmpty())
+        return reason;
     if (const QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
         return reason;
     if (QFileInfo::exists(line.file) && !line.overwrite)
@@ -76,6 +91,7 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
 {
     auto options = std::make_unique<VNOption>();
     options->setRecordQuality(line.quality);
+    options->setEnableAudio(line.audio);
     if (line.region) {
         options->setRecordRegion(1);
         options->setSelectedRect(VNOption::convertScreenRectFromQuartz(QRectF(*line.region)));
@@ -90,6 +106,16 @@ QString describeCounts(const RecordingCounts &counts)
         .arg(counts.framesWritten)
         .arg(counts.framesSkipped)
         .arg(counts.audioSeconds, 0, 'f', 1);
+}
+
+void chooseAudioDevice(VornicAppDelegate &delegate, const CommandLine &line)
+{
+    AudioDeviceList &list = delegate.audioDevicesView();
+    const qsizetype index = list.titles().indexOf(line.audioDevice);
+    if (line.audio && index >= 0) {
+        list.setIndexOfSelected(index);
+        delegate.selAudioDevice();
+    }
 }
 
 /// Stops \a delegate when the clock has run \a seconds: counted from the recording's origin, so that waiting
@@ -117,7 +143,10 @@ int runRecordCommand(const CommandLine &line)
         return 1;
     }
     VornicAppDelegate delegate(frontEnd, optionsFrom(line));
+    if (line.audio)
+        delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
     delegate.applicationDidFinishLaunching();
+    chooseAudioDevice(delegate, line);
     const UnixSignals signalled;
     QObject::connect(
         &signalled, &UnixSignals::terminationAsked, &delegate, [&delegate] { delegate.terminate(); });

@@ -1,8 +1,12 @@
 #pragma once
 
 #include "app/VornicAppDelegate.h"
+#include "app/audio_device_list.h"
 #include "app/front_end.h"
-#include "audio/audio_source.h"
+#include "audio/PKAudioControlDelegate.h"
+#include "audio/PKAudioRecorderDelegate.h"
+#include "audio/audio_control.h"
+#include "audio/audio_recorder.h"
 #include "capture/VNBufferMgr.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
@@ -94,17 +98,23 @@ public:
     void open(const QString &opened) override { told += "open " + opened; }
 };
 
-/// An audio source that says yes or no, and delivers what the test gives it.
-class FakeAudioSource : public AudioSource
+/// A recorder that says yes or no, and delivers what the test gives it.
+class FakeAudioRecorder final : public AudioRecorder
 {
 public:
+    explicit FakeAudioRecorder(std::uint32_t id)
+        : deviceID(id)
+    {
+    }
+
     bool starts = true;
     AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
     std::atomic<int> startCount = 0;
     std::atomic<int> stops = 0;
-    ChunkSink sink;
+    std::uint32_t deviceID;
 
-    void setChunkSink(ChunkSink newSink) override { sink = std::move(newSink); }
+    void setDelegate(PKAudioRecorderDelegate *newDelegate) override { m_delegate = newDelegate; }
+    void setDeviceID(std::uint32_t newID) override { deviceID = newID; }
     bool startRecordWithFormat(const AudioStreamBasicDescription &asked) override
     {
         EXPECT_EQ(asked, defaultAudioStreamBasicDescription());
@@ -113,6 +123,36 @@ public:
     }
     AudioStreamBasicDescription currentDataFormat() const override { return format; }
     void stopRecord() override { ++stops; }
+    void deliver(const void *bytes, std::uint32_t byteCount)
+    {
+        m_delegate->dataRecord(*this, bytes, byteCount, format);
+    }
+
+private:
+    PKAudioRecorderDelegate *m_delegate = nullptr;
+};
+
+/// Has the devices that the test names; their numbers are 11, 12 and so on.
+class FakeAudioControl final : public AudioControl
+{
+public:
+    QStringList names;
+    PKAudioControlDelegate *delegate = nullptr;
+    FakeAudioRecorder *recorder = nullptr; ///< the one that was made last
+
+    QStringList inputDevicesName() override { return names; }
+    std::uint32_t deviceIDFromName(const QString &name) override
+    {
+        const qsizetype index = names.indexOf(name);
+        return index < 0 ? 0 : static_cast<std::uint32_t>(11 + index);
+    }
+    void setDelegate(PKAudioControlDelegate *newDelegate) override { delegate = newDelegate; }
+    std::unique_ptr<AudioRecorder> createRecorder(std::uint32_t deviceID) override
+    {
+        auto made = std::make_unique<FakeAudioRecorder>(deviceID);
+        recorder = made.get();
+        return made;
+    }
 };
 
 /// A delegate on a fake display of \a 320 x 200, with folders of its own.
@@ -142,6 +182,7 @@ protected:
     {
         delegate = options ? std::make_unique<VornicAppDelegate>(frontEnd, std::move(options))
                            : std::make_unique<VornicAppDelegate>(frontEnd);
+        delegate->setAudioControl(&audioControl);
         delegate->applicationDidFinishLaunching();
         delegate->bufferMgr().setFreeSpaceProbe([this] { return freeBytes.load(); });
     }
@@ -192,6 +233,7 @@ protected:
     std::mutex mutex;
     QStringList logged;
     FakeFrontEnd frontEnd;
+    FakeAudioControl audioControl;
     std::unique_ptr<VornicAppDelegate> delegate;
 };
 

@@ -39,12 +39,12 @@ protected:
         delegate->bufferMgr().setExit(true);
     }
 
-    FakeAudioSource &addAudioSource()
+    FakeAudioRecorder &addAudioDevice()
     {
-        auto source = std::make_unique<FakeAudioSource>();
-        FakeAudioSource &added = *source;
-        delegate->setAudioSource(std::move(source));
-        return added;
+        audioControl.names += "Microphone";
+        delegate->audioControlInputDeviceChanged(audioControl);
+        static_cast<void>(delegate->audioRecorder());
+        return *audioControl.recorder;
     }
 };
 
@@ -168,7 +168,7 @@ TEST_F(DelegateTest, WhatMayBeEditedFollowsStateAndOptions)
     EXPECT_EQ(fontSpy.size(), 2);
     EXPECT_FALSE(delegate->allowedEditFont());
     options.logoContext()->setLogoType(0);
-    addAudioSource();
+    addAudioDevice();
     EXPECT_TRUE(delegate->allowedAudioRecord());
 
     delegate->recorded();
@@ -427,9 +427,109 @@ TEST_F(DelegateTest, TheMovieIsConfiguredByQuality)
 
 // ---- sound
 
+TEST_F(DelegateTest, ALaunchFillsTheDeviceListAndSelectsTheFirst)
+{
+    audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
+    auto options = std::make_unique<VNOption>();
+    options->setEnableAudio(true);
+    makeDelegate(std::move(options));
+    const AudioDeviceList &list = delegate->audioDevicesView();
+    EXPECT_EQ(list.titles(), audioControl.names);
+    EXPECT_EQ(list.indexOfSelected(), 0);
+    EXPECT_EQ(list.stringValue(), "Microphone");
+    EXPECT_TRUE(list.isEnabled());
+    EXPECT_EQ(delegate->currentAudioID(), 11U);
+    EXPECT_EQ(audioControl.delegate, delegate.get());
+
+    delegate->options()->setEnableAudio(false);
+    EXPECT_FALSE(list.isEnabled());
+}
+
+TEST_F(DelegateTest, ALaunchWithoutDevicesTurnsSoundOff)
+{
+    auto options = std::make_unique<VNOption>();
+    options->setEnableAudio(true);
+    makeDelegate(std::move(options));
+    EXPECT_FALSE(delegate->options()->enableAudio());
+    EXPECT_EQ(delegate->audioDevicesView().numberOfMenuItems(), 0);
+    EXPECT_EQ(delegate->audioDevicesView().indexOfSelected(), -1);
+    EXPECT_FALSE(delegate->audioDevicesView().isEnabled());
+    EXPECT_EQ(delegate->currentAudioID(), 0U);
+}
+
+TEST_F(DelegateTest, ADeviceChangeAddsAllNamesAgainAndSelectsTheFirst)
+{
+    audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
+    makeDelegate(std::make_unique<VNOption>());
+    delegate->audioDevicesView().setIndexOfSelected(1);
+    audioControl.delegate = nullptr;
+    delegate->audioControlInputDeviceChanged(audioControl);
+    EXPECT_EQ(delegate->audioDevicesView().titles(), audioControl.names + audioControl.names);
+    EXPECT_EQ(delegate->audioDevicesView().indexOfSelected(), 0);
+    EXPECT_EQ(audioControl.delegate, delegate.get());
+}
+
+TEST_F(DelegateTest, ADeviceChangeToNothingLeavesTheListUntouched)
+{
+    audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
+    makeDelegate(std::make_unique<VNOption>());
+    delegate->audioDevicesView().setIndexOfSelected(1);
+    const QSignalSpy spy(delegate.get(), &VornicAppDelegate::allowedAudioRecordChanged);
+    const QStringList before = std::exchange(audioControl.names, QStringList());
+    delegate->audioControlInputDeviceChanged(audioControl);
+    EXPECT_EQ(delegate->audioDevicesView().titles(), before);
+    EXPECT_EQ(delegate->audioDevicesView().indexOfSelected(), 1);
+    EXPECT_EQ(spy.size(), 1);
+    EXPECT_FALSE(delegate->allowedAudioRecord());
+}
+
+TEST_F(DelegateTest, TheRecorderIsMadeOnceAndSwitchedOnlyByTheUser)
+{
+    audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
+    makeDelegate(std::make_unique<VNOption>());
+    EXPECT_EQ(audioControl.recorder, nullptr);
+    AudioRecorder *recorder = delegate->audioRecorder();
+    EXPECT_EQ(audioControl.recorder->deviceID, 11U);
+    EXPECT_EQ(delegate->audioRecorder(), recorder);
+    delegate->audioDevicesView().setIndexOfSelected(1);
+    EXPECT_EQ(audioControl.recorder->deviceID, 11U);
+    delegate->selAudioDevice();
+    EXPECT_EQ(audioControl.recorder->deviceID, 12U);
+    delegate->audioControlInputDeviceChanged(audioControl);
+    EXPECT_EQ(audioControl.recorder->deviceID, 12U);
+    EXPECT_EQ(delegate->audioRecorder(), recorder);
+}
+
+TEST_F(DelegateTest, TheDeviceListRestsWhileARecordingRuns)
+{
+    addAudioDevice();
+    delegate->options()->setEnableAudio(true);
+    EXPECT_TRUE(delegate->audioDevicesView().isEnabled());
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([this] { return delegate->state() == 1; }));
+    EXPECT_FALSE(delegate->audioDevicesView().isEnabled());
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(delegate->audioDevicesView().isEnabled());
+}
+
+TEST_F(DelegateTest, WhoWaitsForSoundIsToldSoUntilItComes)
+{
+    FakeAudioRecorder &source = addAudioDevice();
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([this] { return frontEnd.titles.contains("waiting for audio"); }));
+    source.deliver(QByteArray(3840, 'a').constData(), 3840);
+    ASSERT_TRUE(runUntilGrabbed(1));
+    EXPECT_EQ(frontEnd.titles.last(), "00:00:00");
+    EXPECT_EQ(frontEnd.titles.count("waiting for audio"), 1);
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+}
+
 TEST_F(DelegateTest, AudioIsConfiguredFromWhatIsReallyDelivered)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     source.format.mBitsPerChannel = 8;
     source.format.mChannelsPerFrame = 1;
     source.format.mSampleRate = 22050.9;
@@ -445,7 +545,7 @@ TEST_F(DelegateTest, AudioIsConfiguredFromWhatIsReallyDelivered)
 
 TEST_F(DelegateTest, AnUnsupportedBitDepthIsRecordedWithoutSound)
 {
-    addAudioSource().format.mBitsPerChannel = 24;
+    addAudioDevice().format.mBitsPerChannel = 24;
     delegate->options()->setEnableAudio(true);
     ASSERT_TRUE(record(2));
     EXPECT_TRUE(logged.contains("Only support 16bit & 8bit : 24"));
@@ -455,7 +555,7 @@ TEST_F(DelegateTest, AnUnsupportedBitDepthIsRecordedWithoutSound)
 
 TEST_F(DelegateTest, ARefusedFormatIsOnlyLogged)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     source.starts = false;
     delegate->options()->setEnableAudio(true);
     delegate->recorded();
@@ -471,7 +571,7 @@ TEST_F(DelegateTest, ARefusedFormatIsOnlyLogged)
 
 TEST_F(DelegateTest, FramesBeforeTheFirstChunkAreDroppedAndTheChunkIsTheOrigin)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     delegate->options()->setEnableAudio(true);
     delegate->recorded();
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
@@ -481,7 +581,7 @@ TEST_F(DelegateTest, FramesBeforeTheFirstChunkAreDroppedAndTheChunkIsTheOrigin)
     // 19,200 bytes are 0.1 s: the origin lies that long before the chunk's arrival.
     const QByteArray samples(19'200, '\0');
     const double arrived = absoluteTimeSeconds();
-    source.sink(samples.constData(), 19'200, source.format);
+    source.deliver(samples.constData(), 19'200);
     ASSERT_TRUE(runUntilGrabbed(1));
     const double kept = absoluteTimeSeconds();
     const auto first = delegate->bufferMgr().nextBufferTimestamp();
@@ -494,12 +594,12 @@ TEST_F(DelegateTest, FramesBeforeTheFirstChunkAreDroppedAndTheChunkIsTheOrigin)
 
 TEST_F(DelegateTest, AChunkOf19200BytesYields4800Samples)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     delegate->options()->setEnableAudio(true);
     delegate->recorded();
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
     const QByteArray samples(19'200, 'a');
-    source.sink(samples.constData(), 19'200, source.format);
+    source.deliver(samples.constData(), 19'200);
     delegate->stopRecord();
     const auto frame = delegate->PKMuxerTaskGetAudioFrame();
     ASSERT_TRUE(frame);
@@ -514,10 +614,10 @@ TEST_F(DelegateTest, AChunkOf19200BytesYields4800Samples)
 
 TEST_F(DelegateTest, ChunksAfterTheStopAreNotSpooled)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     delegate->bufferMgr().readyToRecord();
     delegate->bufferMgr().setExit(true);
-    source.sink("abcd", 4, source.format);
+    source.deliver("abcd", 4);
     EXPECT_FALSE(delegate->bufferMgr().getAudioBuffer());
 }
 
@@ -531,7 +631,7 @@ TEST_F(DelegateTest, WithoutAudioTheAudioCallbackGivesNothing)
 
 TEST_F(DelegateTest, SpooledChunksBecomeAnAacTrackFromTimeZero)
 {
-    FakeAudioSource &source = addAudioSource();
+    FakeAudioRecorder &source = addAudioDevice();
     delegate->options()->setEnableAudio(true);
     delegate->recorded();
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
@@ -541,7 +641,7 @@ TEST_F(DelegateTest, SpooledChunksBecomeAnAacTrackFromTimeZero)
         wave[i] = i / 2 / 50 % 2 == 0 ? 8000 : -8000;
     constexpr std::size_t chunk = 960 * 2;
     for (std::size_t i = 0; i < wave.size(); i += chunk)
-        source.sink(wave.data() + i, chunk * 2, source.format);
+        source.deliver(wave.data() + i, chunk * 2);
     ASSERT_TRUE(runUntilGrabbed(3));
     delegate->stopRecord();
     ASSERT_TRUE(runUntilIdle());

@@ -1,0 +1,164 @@
+#include "audio/PKAudioControl.h"
+
+#include "audio/PKAudioControlDelegate.h"
+#include "audio/PKAudioRecorder.h"
+#include "audio/pulse_connection.h"
+#include "platform/clock.h"
+#include "platform/main_queue.h"
+
+#include <pulse/context.h>
+#include <pulse/introspect.h>
+#include <pulse/operation.h>
+#include <pulse/subscribe.h>
+
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// A server that hangs holds the program up no longer than this, seconds.
+constexpr double firstAnswerWait = 1.0;
+
+/// Operations report to callbacks; nobody waits for them.
+void forget(pa_operation *operation)
+{
+    if (operation)
+        pa_operation_unref(operation);
+}
+
+} // namespace
+
+/// Whom to tell of changes, and what is known there already; main thread only.
+struct PKAudioControl::Announcement {
+    PKAudioControlDelegate *delegate = nullptr;
+    QStringList lastRead; ///< the names last given out
+    QStringList known;    ///< to the delegate
+};
+
+PKAudioControl &PKAudioControl::sharedAudioControl()
+{
+    static PKAudioControl control;
+    return control;
+}
+
+PKAudioControl::PKAudioControl(const QByteArray &server)
+    : m_deadline(absoluteTimeSeconds() + firstAnswerWait)
+    , m_announcement(std::make_shared<Announcement>())
+    , m_connection(std::make_unique<PulseConnection>(server, [this] { serverChanged(); }))
+{
+    m_connection->start();
+}
+
+PKAudioControl::~PKAudioControl() = default;
+
+QStringList PKAudioControl::inputDevicesName()
+{
+    const PulseConnection::Lock lock(*m_connection);
+    m_connection->waitUntil(m_deadline, [this] { return m_hasAnswer; });
+    m_announcement->lastRead = m_table.names();
+    return m_announcement->lastRead;
+}
+
+std::uint32_t PKAudioControl::deviceIDFromName(const QString &name)
+{
+    const PulseConnection::Lock lock(*m_connection);
+    return m_table.idOf(name);
+}
+
+void PKAudioControl::setDelegate(PKAudioControlDelegate *delegate)
+{
+    m_announcement->delegate = delegate;
+    m_announcement->known = m_announcement->lastRead;
+}
+
+std::unique_ptr<AudioRecorder> PKAudioControl::createRecorder(std::uint32_t deviceID)
+{
+    return std::make_unique<PKAudioRecorder>(deviceID, *this);
+}
+
+void PKAudioControl::serverChanged()
+{
+    m_isReading = false;
+    m_readsAgain = false;
+    if (m_connection->readyContext()) {
+        listen();
+        readDevices();
+        return;
+    }
+    m_arriving.clear();
+    m_defaultSource.clear();
+    takeList();
+}
+
+void PKAudioControl::listen()
+{
+    pa_context *context = m_connection->readyContext();
+    pa_context_set_subscribe_callback(
+        context,
+        [](pa_context *, pa_subscription_event_type_t, std::uint32_t, void *self) {
+            static_cast<PKAudioControl *>(self)->readDevices();
+        },
+        this);
+    const auto events
+        = static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SERVER);
+    forget(pa_context_subscribe(context, events, nullptr, nullptr));
+}
+
+/// Asks for the default source and then for all sources; what changes meanwhile is asked for afterwards.
+void PKAudioControl::readDevices()
+{
+    pa_context *context = m_connection->readyContext();
+    if (!context || std::exchange(m_isReading, true)) {
+        m_readsAgain = true;
+        return;
+    }
+    m_readsAgain = false;
+    m_arriving.clear();
+    forget(pa_context_get_server_info(
+        context,
+        [](pa_context *, const pa_server_info *info, void *self) {
+            static_cast<PKAudioControl *>(self)->m_defaultSource = info ? info->default_source_name : "";
+        },
+        this));
+    forget(pa_context_get_source_info_list(
+        context,
+        [](pa_context *, const pa_source_info *info, int end, void *self) {
+            auto &control = *static_cast<PKAudioControl *>(self);
+            if (end == 0)
+                control.takeSource(*info);
+            else
+                control.takeList();
+        },
+        this));
+}
+
+void PKAudioControl::takeSource(const pa_source_info &source)
+{
+    m_arriving.push_back(
+        { source.name, QString::fromUtf8(source.description), source.monitor_of_sink != PA_INVALID_INDEX });
+}
+
+void PKAudioControl::takeList()
+{
+    m_hasAnswer = true;
+    if (m_table.update(std::exchange(m_arriving, {}), m_defaultSource))
+        devicesChanged();
+    m_connection->wake();
+    m_isReading = false;
+    if (m_readsAgain)
+        readDevices();
+}
+
+void PKAudioControl::devicesChanged()
+{
+    main_queue::async([this, names = m_table.names(), weak = std::weak_ptr(m_announcement)] {
+        const std::shared_ptr<Announcement> announcement = weak.lock();
+        // The control is gone, or the delegate has read this list already.
+        if (!announcement || !announcement->delegate || std::exchange(announcement->known, names) == names)
+            return;
+        announcement->delegate->audioControlInputDeviceChanged(*this);
+    });
+}
+
+} // namespace vornic

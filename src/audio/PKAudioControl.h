@@ -1,0 +1,64 @@
+#pragma once
+
+#include "audio/audio_control.h"
+#include "audio/audio_device_table.h"
+
+#include <QByteArray>
+
+#include <memory>
+
+struct pa_source_info;
+
+namespace vornic {
+
+class PulseConnection;
+
+/// The desktop's audio inputs: microphones, and the monitors of outputs, which give what the system plays.
+///
+/// One for the process, made at its first use. Lives on the main thread; the sound server is listened to on a
+/// thread of its own. Without a server there are no devices, and when it comes back its devices do.
+class PKAudioControl final : public AudioControl
+{
+public:
+    [[nodiscard]] static PKAudioControl &sharedAudioControl();
+
+    /// Listens to \a server, or to the desktop's own when it is empty.
+    explicit PKAudioControl(const QByteArray &server = {});
+    ~PKAudioControl() override;
+
+    /// Waits for the server's first answer, a second at most since the control was made.
+    [[nodiscard]] QStringList inputDevicesName() override;
+    [[nodiscard]] std::uint32_t deviceIDFromName(const QString &name) override;
+    void setDelegate(PKAudioControlDelegate *delegate) override;
+    [[nodiscard]] std::unique_ptr<AudioRecorder> createRecorder(std::uint32_t deviceID) override;
+
+    /// The server's own name of a device, for PKAudioRecorder; empty when there is none. Under a Lock of
+    /// connection().
+    [[nodiscard]] QByteArray sourceOf(std::uint32_t deviceID) const { return m_table.sourceOf(deviceID); }
+    [[nodiscard]] PulseConnection &connection() { return *m_connection; }
+
+private:
+    struct Announcement;
+
+    void serverChanged();
+    void listen();
+    void readDevices();
+    void takeSource(const pa_source_info &source);
+    void takeList();
+    void devicesChanged();
+
+    double m_deadline; ///< of the wait for the first answer, absolute clock
+
+    // On the connection's thread, or under its lock.
+    AudioDeviceTable m_table;
+    std::vector<AudioInputFacts> m_arriving; ///< of the answer that is coming in
+    QByteArray m_defaultSource;
+    bool m_hasAnswer = false;
+    bool m_isReading = false;
+    bool m_readsAgain = false; ///< something changed while an answer was coming in
+
+    std::shared_ptr<Announcement> m_announcement;  ///< main thread only
+    std::unique_ptr<PulseConnection> m_connection; ///< last: its thread ends before what it uses
+};
+
+} // namespace vornic

@@ -1,0 +1,287 @@
+#include "audio/PKAudioRecorder.h"
+
+#include "audio/PKAudioControl.h"
+#include "audio/PKAudioRecorderDelegate.h"
+#include "audio/pulse_connection.h"
+#include "platform/clock.h"
+#include "platform/log.h"
+
+#include <pulse/operation.h>
+#include <pulse/sample.h>
+#include <pulse/stream.h>
+#include <pulse/timeval.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// How long a device may take to begin, seconds.
+constexpr double openWait = 3.0;
+
+/// The shortest chunk, in chunks a second; the longest holds twice as much.
+constexpr double chunksPerSecond = 50;
+
+/// How often the server is asked when frames are captured, seconds.
+constexpr double timingInterval = 0.1;
+
+/// What happens on the screen is in the next picture taken, 18 ms later on average. Sound that waits for half
+/// of that is never far from its picture, and less than 10 ms from its own time.
+constexpr double pictureDelay = 0.008;
+
+/// Nothing for a format that cannot be recorded.
+std::optional<pa_sample_spec> sampleSpecOf(const AudioStreamBasicDescription &format)
+{
+    using Format = AudioStreamBasicDescription;
+    const bool isSigned = (format.mFormatFlags & Format::signedInteger) != 0;
+    pa_sample_spec spec {};
+    if (format.mBitsPerChannel == 16 && isSigned)
+        spec.format = PA_SAMPLE_S16LE;
+    else if (format.mBitsPerChannel == 8 && !isSigned)
+        spec.format = PA_SAMPLE_U8;
+    else
+        return std::nullopt;
+    if (format.mFormatID != Format::linearPcm || format.mChannelsPerFrame == 0
+        || format.mChannelsPerFrame > PA_CHANNELS_MAX || !(format.mSampleRate >= 1)
+        || format.mSampleRate > PA_RATE_MAX)
+        return std::nullopt;
+    spec.rate = static_cast<std::uint32_t>(format.mSampleRate);
+    spec.channels = static_cast<std::uint8_t>(format.mChannelsPerFrame);
+    if (format.mBytesPerFrame != pa_frame_size(&spec))
+        return std::nullopt;
+    return spec;
+}
+
+char silenceOf(const AudioStreamBasicDescription &format)
+{
+    return format.mBitsPerChannel == 8 ? static_cast<char>(0x80) : '\0';
+}
+
+} // namespace
+
+PKAudioRecorder::PKAudioRecorder(std::uint32_t deviceID, PKAudioControl &control)
+    : m_control(control)
+    , m_connection(control.connection())
+    , m_deviceID(deviceID)
+{
+}
+
+PKAudioRecorder::~PKAudioRecorder()
+{
+    PKAudioRecorder::stopRecord();
+}
+
+void PKAudioRecorder::setDelegate(PKAudioRecorderDelegate *delegate)
+{
+    const PulseConnection::Lock lock(m_connection);
+    m_delegate = delegate;
+}
+
+void PKAudioRecorder::setDeviceID(std::uint32_t deviceID)
+{
+    const PulseConnection::Lock lock(m_connection);
+    if (std::exchange(m_deviceID, deviceID) == deviceID || !m_stream)
+        return;
+    closeStream();
+    if (!openStream())
+        logMessage(QStringLiteral("The audio input device does not start; the recording has no more sound."));
+}
+
+bool PKAudioRecorder::startRecordWithFormat(const AudioStreamBasicDescription &format)
+{
+    const PulseConnection::Lock lock(m_connection);
+    closeStream();
+    m_format = format;
+    m_pending.clear();
+    m_timeline.emplace(format.mSampleRate);
+    return openStream();
+}
+
+AudioStreamBasicDescription PKAudioRecorder::currentDataFormat() const
+{
+    const PulseConnection::Lock lock(m_connection);
+    return m_format;
+}
+
+void PKAudioRecorder::stopRecord()
+{
+    const PulseConnection::Lock lock(m_connection);
+    closeStream();
+}
+
+bool PKAudioRecorder::openStream()
+{
+    const std::optional<pa_sample_spec> spec = sampleSpecOf(m_format);
+    const QByteArray source = m_control.sourceOf(m_deviceID);
+    if (!spec || source.isEmpty() || !m_connection.readyContext())
+        return false;
+    m_isLost = false;
+    m_awaitsTiming = false;
+    m_askedForTiming = 0;
+    m_held.clear();
+    m_timeline->reopened();
+    m_stream = pa_stream_new(m_connection.readyContext(), "Screen recording", &*spec, nullptr);
+    if (!m_stream)
+        return false;
+    pa_stream_set_state_callback(
+        m_stream,
+        [](pa_stream *, void *self) { static_cast<PKAudioRecorder *>(self)->streamChanged(); },
+        this);
+    pa_stream_set_read_callback(
+        m_stream,
+        [](pa_stream *, std::size_t, void *self) { static_cast<PKAudioRecorder *>(self)->read(); },
+        this);
+    constexpr auto whatever = static_cast<std::uint32_t>(-1);
+    pa_buffer_attr buffer { whatever, whatever, whatever, whatever, whatever };
+    buffer.fragsize = static_cast<std::uint32_t>(chunkBytes() * 3 / 2);
+    // The server would let a recording whose microphone is pulled out go on with another one.
+    const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
+    const auto isDecided = [this] { return m_isLost || pa_stream_get_state(m_stream) == PA_STREAM_READY; };
+    if (pa_stream_connect_record(m_stream, source.constData(), &buffer, flags) >= 0
+        && m_connection.waitUntil(absoluteTimeSeconds() + openWait, isDecided) && !m_isLost)
+        return true;
+    closeStream();
+    return false;
+}
+
+void PKAudioRecorder::closeStream()
+{
+    if (!m_stream)
+        return;
+    pa_stream_set_state_callback(m_stream, nullptr, nullptr);
+    pa_stream_set_read_callback(m_stream, nullptr, nullptr);
+    pa_stream_disconnect(m_stream);
+    pa_stream_unref(std::exchange(m_stream, nullptr));
+}
+
+void PKAudioRecorder::streamChanged()
+{
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream)) && !std::exchange(m_isLost, true)
+        && m_timeline->hasStarted())
+        logMessage(QStringLiteral("The audio input device is gone; the recording goes on without sound."));
+    m_connection.wake();
+}
+
+void PKAudioRecorder::read()
+{
+    const double now = absoluteTimeSeconds();
+    m_timeline->arrived(now);
+    const void *bytes = nullptr;
+    std::size_t byteCount = 0;
+    while (pa_stream_peek(m_stream, &bytes, &byteCount) >= 0 && byteCount > 0) {
+        const auto count = static_cast<qsizetype>(byteCount);
+        // Without bytes it is a hole: the server has lost so many.
+        if (bytes)
+            m_held.append(static_cast<const char *>(bytes), count);
+        else
+            m_held.append(count, silenceOf(m_format));
+        pa_stream_drop(m_stream);
+    }
+    askForTiming(now);
+    placeHeld();
+}
+
+void PKAudioRecorder::askForTiming(double now)
+{
+    const double interval = m_timeline->isSettled() ? timingInterval : 0;
+    if (m_awaitsTiming || now - m_askedForTiming < interval)
+        return;
+    pa_operation *operation = pa_stream_update_timing_info(
+        m_stream,
+        [](pa_stream *, int success, void *self) {
+            auto &recorder = *static_cast<PKAudioRecorder *>(self);
+            recorder.m_awaitsTiming = false;
+            if (success)
+                recorder.takeTiming();
+        },
+        this);
+    m_awaitsTiming = operation != nullptr;
+    m_askedForTiming = now;
+    if (operation)
+        pa_operation_unref(operation);
+}
+
+/// The library's own interpolation of these numbers takes seconds to come within 10 ms; the numbers
+/// themselves are exact.
+void PKAudioRecorder::takeTiming()
+{
+    const pa_timing_info *timing = m_stream ? pa_stream_get_timing_info(m_stream) : nullptr;
+    if (!timing || timing->write_index_corrupt)
+        return;
+    timeval wallClock {};
+    pa_gettimeofday(&wallClock);
+    const pa_usec_t age = pa_timeval_diff(&wallClock, &timing->timestamp);
+    const double time = absoluteTimeSeconds() - static_cast<double>(age) / PA_USEC_PER_SEC;
+    // Frames that have reached the server, and those on their way from the device. An output's frames reach
+    // its monitor before they are heard.
+    const double onTheWay
+        = (static_cast<double>(timing->source_usec) - static_cast<double>(timing->sink_usec))
+        / PA_USEC_PER_SEC;
+    m_timeline->hear(time,
+                     static_cast<double>(timing->write_index) / m_format.mBytesPerFrame
+                         + onTheWay * m_format.mSampleRate);
+}
+
+void PKAudioRecorder::placeHeld()
+{
+    const auto frames = static_cast<std::uint64_t>(m_held.size()) / m_format.mBytesPerFrame;
+    if (!m_timeline->hasStarted()) {
+        m_timeline->leaveOut(frames);
+        m_held.clear();
+        if (m_timeline->isSettled())
+            begin();
+        return;
+    }
+    if (!m_timeline->isSettled())
+        return;
+    const CaptureTimeline::Placement placement = m_timeline->place(frames);
+    deliverSilence(placement.silence);
+    m_pending += m_held.sliced(static_cast<qsizetype>(placement.drop * m_format.mBytesPerFrame));
+    m_held.clear();
+    deliverPending();
+}
+
+void PKAudioRecorder::begin()
+{
+    const QByteArray silence(static_cast<qsizetype>(chunkBytes()), silenceOf(m_format));
+    m_timeline->start(absoluteTimeSeconds() - 1 / chunksPerSecond - pictureDelay,
+                      chunkBytes() / m_format.mBytesPerFrame);
+    deliver(silence.constData(), chunkBytes());
+}
+
+void PKAudioRecorder::deliverSilence(std::uint64_t frames)
+{
+    for (std::uint64_t left = frames * m_format.mBytesPerFrame; left > 0;) {
+        const auto part = std::min<std::uint64_t>(left, chunkBytes());
+        m_pending.append(static_cast<qsizetype>(part), silenceOf(m_format));
+        left -= part;
+        deliverPending();
+    }
+}
+
+void PKAudioRecorder::deliverPending()
+{
+    std::size_t done = 0;
+    const auto available = static_cast<std::size_t>(m_pending.size());
+    while (available - done >= chunkBytes()) {
+        const std::size_t part = std::min(available - done, 2 * chunkBytes());
+        deliver(m_pending.constData() + done, part);
+        done += part;
+    }
+    m_pending.remove(0, static_cast<qsizetype>(done));
+}
+
+void PKAudioRecorder::deliver(const char *bytes, std::size_t byteCount)
+{
+    if (m_delegate)
+        m_delegate->dataRecord(*this, bytes, static_cast<std::uint32_t>(byteCount), m_format);
+}
+
+std::size_t PKAudioRecorder::chunkBytes() const
+{
+    return static_cast<std::size_t>(m_format.mSampleRate / chunksPerSecond) * m_format.mBytesPerFrame;
+}
+
+} // namespace vornic

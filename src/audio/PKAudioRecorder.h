@@ -1,0 +1,66 @@
+#pragma once
+
+#include "audio/audio_recorder.h"
+#include "audio/capture_timeline.h"
+
+#include <QByteArray>
+
+#include <optional>
+
+struct pa_stream;
+
+namespace vornic {
+
+class PKAudioControl;
+class PulseConnection;
+
+/// Records one input of the sound server, in chunks of 20 to 40 ms.
+///
+/// Made by the application delegate through the control, which it may not outlive. Chunks come on the
+/// connection's thread. The first one is 20 ms of silence: it ends at the very moment at which it is
+/// delivered, and every frame after it stands where it was captured, whatever the server's latency.
+class PKAudioRecorder final : public AudioRecorder
+{
+public:
+    PKAudioRecorder(std::uint32_t deviceID, PKAudioControl &control);
+    ~PKAudioRecorder() override;
+
+    void setDelegate(PKAudioRecorderDelegate *delegate) override;
+    void setDeviceID(std::uint32_t deviceID) override;
+    /// Linear PCM of 8 unsigned or 16 signed bits. False for any other, when the device is not there, or when
+    /// the server refuses.
+    [[nodiscard]] bool startRecordWithFormat(const AudioStreamBasicDescription &format) override;
+    [[nodiscard]] AudioStreamBasicDescription currentDataFormat() const override;
+    void stopRecord() override;
+
+private:
+    [[nodiscard]] bool openStream();
+    void closeStream();
+    void streamChanged();
+    void read();
+    void askForTiming(double now);
+    void takeTiming();
+    void placeHeld();
+    void begin();
+    void deliverSilence(std::uint64_t frames);
+    void deliverPending();
+    void deliver(const char *bytes, std::size_t byteCount);
+    [[nodiscard]] std::size_t chunkBytes() const;
+
+    PKAudioControl &m_control;
+    PulseConnection &m_connection;
+
+    // Under the connection's lock.
+    std::uint32_t m_deviceID;
+    PKAudioRecorderDelegate *m_delegate = nullptr;
+    AudioStreamBasicDescription m_format;
+    pa_stream *m_stream = nullptr; ///< null: not recording
+    bool m_isLost = false;         ///< the stream ended by itself
+    std::optional<CaptureTimeline> m_timeline;
+    double m_askedForTiming = 0; ///< absolute clock; 0: not since the stream was opened
+    bool m_awaitsTiming = false;
+    QByteArray m_held;    ///< as the device gave them, until it is known when they were captured
+    QByteArray m_pending; ///< of the recording, less than a chunk
+};
+
+} // namespace vornic

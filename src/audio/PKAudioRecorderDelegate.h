@@ -1,0 +1,29 @@
+#pragma once
+
+#include "audio/AudioStreamBasicDescription.h"
+
+#include <cstdint>
+
+namespace vornic {
+
+class AudioRecorder;
+
+/// Receives what a recorder records.
+///
+/// Called on the recorder's own thread, and not once stopRecord() has returned.
+class PKAudioRecorderDelegate
+{
+public:
+    /// One chunk of interleaved samples; \a bytes are valid only during the call.
+    virtual void dataRecord(AudioRecorder & /*recorder*/,
+                            const void * /*bytes*/,
+                            std::uint32_t /*byteCount*/,
+                            const AudioStreamBasicDescription & /*format*/)
+    {
+    }
+
+protected:
+    ~PKAudioRecorderDelegate() = default;
+};
+
+} // namespace vornic

@@ -1,0 +1,61 @@
+#include "audio/audio_device_table.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+template<typename Devices>
+bool hasName(const Devices &devices, const QString &name)
+{
+    return std::ranges::any_of(devices, [&](const auto &device) { return device.name == name; });
+}
+
+} // namespace
+
+bool AudioDeviceTable::update(std::vector<AudioInputFacts> inputs, const QByteArray &defaultSource)
+{
+    std::ranges::stable_sort(inputs, {}, [&](const AudioInputFacts &input) {
+        return input.source == defaultSource ? 0 : input.isMonitor ? 2 : 1;
+    });
+    std::vector<Device> devices;
+    for (const AudioInputFacts &input : inputs) {
+        m_ids.try_emplace(input.source, static_cast<std::uint32_t>(m_ids.size() + 1));
+        devices.push_back({ input.source, distinctName(input, devices) });
+    }
+    return std::exchange(m_devices, devices) != devices;
+}
+
+/// The description itself where no device has it yet, else with the next free number.
+QString AudioDeviceTable::distinctName(const AudioInputFacts &input, const std::vector<Device> &taken) const
+{
+    const QString wanted = input.description.isEmpty() ? QString::fromUtf8(input.source) : input.description;
+    QString name = wanted;
+    for (int number = 2; hasName(taken, name); ++number)
+        name = QStringLiteral("%1 (%2)").arg(wanted).arg(number);
+    return name;
+}
+
+QStringList AudioDeviceTable::names() const
+{
+    QStringList names;
+    for (const Device &device : m_devices)
+        names += device.name;
+    return names;
+}
+
+std::uint32_t AudioDeviceTable::idOf(const QString &name) const
+{
+    const auto found = std::ranges::find(m_devices, name, &Device::name);
+    return found == m_devices.end() ? 0 : m_ids.at(found->source);
+}
+
+QByteArray AudioDeviceTable::sourceOf(std::uint32_t id) const
+{
+    const auto found = std::ranges::find(m_ids, id, [](const auto &entry) { return entry.second; });
+    return found == m_ids.end() ? QByteArray() : found->first;
+}
+
+} // namespace vornic

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace vornic {
+
+/// One input as the sound server tells of it.
+struct AudioInputFacts {
+    QByteArray source;   ///< the server's own name, the same whenever the device is there
+    QString description; ///< what the desktop's mixer shows
+    bool isMonitor;      ///< what an output plays
+};
+
+/// Gives the inputs their order, their numbers and names that differ.
+///
+/// Owned by PKAudioControl, which guards it.
+class AudioDeviceTable
+{
+public:
+    /// Takes the inputs in the server's order. True when the list that is shown has changed.
+    bool update(std::vector<AudioInputFacts> inputs, const QByteArray &defaultSource);
+
+    /// The default input first, then microphones, then monitors.
+    [[nodiscard]] QStringList names() const;
+    /// 0 when no input has that name.
+    [[nodiscard]] std::uint32_t idOf(const QString &name) const;
+    /// The server's name of an input that is or was there; empty for any other number.
+    [[nodiscard]] QByteArray sourceOf(std::uint32_t id) const;
+
+private:
+    struct Device {
+        QByteArray source;
+        QString name;
+
+        friend bool operator==(const Device &, const Device &) = default;
+    };
+    [[nodiscard]] QString distinctName(const AudioInputFacts &input, const std::vector<Device> &taken) const;
+
+    std::vector<Device> m_devices;
+    std::map<QByteArray, std::uint32_t> m_ids; ///< of every source that was ever there
+};
+
+} // namespace vornic

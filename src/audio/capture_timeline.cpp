@@ -1,0 +1,88 @@
+#include "audio/capture_timeline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace vornic {
+
+namespace {
+
+/// Answers that are counted: a single odd one moves nothing.
+constexpr std::size_t mostVotes = 15;
+constexpr std::size_t votesToSettle = 11;
+
+/// A difference that is a gap and not the server's imprecision, seconds.
+constexpr double gap = 0.025;
+
+/// Frames that stay away this long were not captured, seconds.
+constexpr double pause = 0.2;
+
+} // namespace
+
+CaptureTimeline::CaptureTimeline(double framesPerSecond)
+    : m_framesPerSecond(framesPerSecond)
+{
+}
+
+void CaptureTimeline::hear(double time, double frames)
+{
+    m_offsets.push_back(time - frames / m_framesPerSecond);
+    if (m_offsets.size() > mostVotes)
+        m_offsets.pop_front();
+}
+
+void CaptureTimeline::arrived(double now)
+{
+    if (m_lastArrival > 0 && now - m_lastArrival > pause)
+        m_offsets.clear();
+    m_lastArrival = now;
+}
+
+void CaptureTimeline::reopened()
+{
+    m_offsets.clear();
+    m_taken = 0;
+    m_lastArrival = 0;
+    m_isAligned = false;
+}
+
+bool CaptureTimeline::isSettled() const
+{
+    return m_offsets.size() >= votesToSettle;
+}
+
+void CaptureTimeline::start(double time, std::uint64_t frames)
+{
+    m_start = time;
+    m_position = frames;
+    m_hasStarted = true;
+}
+
+double CaptureTimeline::medianOffset() const
+{
+    std::vector<double> sorted(m_offsets.begin(), m_offsets.end());
+    const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
+    std::ranges::nth_element(sorted, middle);
+    return *middle;
+}
+
+CaptureTimeline::Placement CaptureTimeline::place(std::uint64_t frames)
+{
+    const double captured = medianOffset() + static_cast<double>(m_taken) / m_framesPerSecond;
+    const double error = captured - (m_start + static_cast<double>(m_position) / m_framesPerSecond);
+    Placement placement;
+    if (!m_isAligned || std::abs(error) > gap) {
+        const auto wrong = static_cast<std::uint64_t>(std::llround(std::abs(error) * m_framesPerSecond));
+        if (error > 0)
+            placement.silence = wrong;
+        else
+            placement.drop = std::min(wrong, frames);
+        m_isAligned = placement.drop < frames;
+    }
+    m_taken += frames;
+    m_position += placement.silence + frames - placement.drop;
+    return placement;
+}
+
+} // namespace vornic

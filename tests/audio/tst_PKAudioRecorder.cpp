@@ -1,0 +1,292 @@
+#include "audio/PKAudioControl.h"
+#include "audio/PKAudioRecorder.h"
+#include "audio/PKAudioRecorderDelegate.h"
+#include "platform/clock.h"
+#include "platform/log.h"
+#include "sound_server_test.h"
+
+#include <QThread>
+
+#include <atomic>
+#include <cmath>
+#include <cstring>
+#include <mutex>
+#include <set>
+#include <vector>
+
+namespace vornic {
+
+using test::ChildProcess;
+using test::SoundServer;
+
+/// Collects what a recorder delivers.
+class Collector final : public PKAudioRecorderDelegate
+{
+public:
+    void dataRecord(AudioRecorder &,
+                    const void *bytes,
+                    std::uint32_t byteCount,
+                    const AudioStreamBasicDescription &chunkFormat) override
+    {
+        EXPECT_FALSE(isStopped) << "a chunk after the stop";
+        const std::lock_guard lock(m_mutex);
+        format = chunkFormat;
+        threads.insert(QThread::currentThreadId());
+        if (sizes.empty())
+            m_origin = absoluteTimeSeconds() - byteCount / (format.mBytesPerFrame * format.mSampleRate);
+        sizes.push_back(byteCount);
+        const auto *first = static_cast<const char *>(bytes);
+        m_bytes.insert(m_bytes.end(), first, first + byteCount);
+    }
+
+    /// Seconds of sound so far.
+    double seconds() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_bytes.empty()
+            ? 0
+            : static_cast<double>(m_bytes.size()) / format.mBytesPerFrame / format.mSampleRate;
+    }
+    /// The loudest 16-bit sample from \a second on.
+    int loudestSince(double second) const
+    {
+        const std::lock_guard lock(m_mutex);
+        int loudest = 0;
+        for (auto i = static_cast<std::size_t>(second * 48000) * 4; i + 2 <= m_bytes.size(); i += 2) {
+            std::int16_t sample = 0;
+            std::memcpy(&sample, m_bytes.data() + i, sizeof sample);
+            loudest = std::max(loudest, std::abs(static_cast<int>(sample)));
+        }
+        return loudest;
+    }
+    double origin() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_origin;
+    }
+    std::vector<char> bytes() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_bytes;
+    }
+
+    std::atomic<bool> isStopped = false;
+    AudioStreamBasicDescription format;
+    std::vector<std::uint32_t> sizes;
+    std::set<Qt::HANDLE> threads;
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<char> m_bytes;
+    double m_origin = 0;
+};
+
+class AudioRecorderTest : public SoundServerTest
+{
+protected:
+    void SetUp() override
+    {
+        SoundServerTest::SetUp();
+        if (IsSkipped())
+            return;
+        speakers = server->addOutput("speakers", "Speakers");
+        ASSERT_FALSE(server->addMicrophone("mic", "Desk microphone").isEmpty());
+        control = std::make_unique<PKAudioControl>();
+        ASSERT_EQ(control->inputDevicesName().size(), 2);
+        setLogSink([this](const QString &line) {
+            const std::lock_guard lock(m_mutex);
+            m_logged += line;
+        });
+    }
+    void TearDown() override { setLogSink({}); }
+
+    std::unique_ptr<AudioRecorder> recorderOf(const QString &device)
+    {
+        auto recorder = control->createRecorder(control->deviceIDFromName(device));
+        recorder->setDelegate(&collector);
+        return recorder;
+    }
+    bool delivers(double seconds)
+    {
+        const double wanted = collector.seconds() + seconds;
+        return runUntil([&] { return collector.seconds() >= wanted; });
+    }
+    std::unique_ptr<ChildProcess> playTone() const
+    {
+        return ChildProcess::start({ QStringLiteral(VORNIC_PLAY_SOUND), "tone", "60", "1000", "0.5" });
+    }
+    QStringList logged()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_logged;
+    }
+
+    QString speakers;
+    std::unique_ptr<PKAudioControl> control;
+    Collector collector;
+
+private:
+    std::mutex m_mutex;
+    QStringList m_logged;
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers,
+                         AudioRecorderTest,
+                         ::testing::Values(SoundServer::Kind::PulseAudio, SoundServer::Kind::PipeWire),
+                         nameOfServer);
+
+TEST_P(AudioRecorderTest, ChunksComeInTheFormatAskedForOnOneThreadOfItsOwn)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    EXPECT_EQ(recorder->currentDataFormat(), defaultAudioStreamBasicDescription());
+    ASSERT_TRUE(delivers(1));
+    recorder->stopRecord();
+    EXPECT_EQ(collector.format, defaultAudioStreamBasicDescription());
+    EXPECT_EQ(collector.threads.size(), 1U);
+    EXPECT_FALSE(collector.threads.contains(QThread::currentThreadId()));
+    for (const std::uint32_t size : collector.sizes) {
+        EXPECT_GE(size, 3840U); // 20 ms
+        EXPECT_LE(size, 7680U); // 40 ms
+    }
+}
+
+TEST_P(AudioRecorderTest, TheSoundIsAsLongAsTheTimeSinceItsOrigin)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(3));
+    const double lasted = absoluteTimeSeconds() - collector.origin();
+    EXPECT_NEAR(collector.seconds(), lasted, 0.15);
+}
+
+TEST_P(AudioRecorderTest, EightBitsAndOtherRatesAreDeliveredToo)
+{
+    AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    format.mFormatFlags = AudioStreamBasicDescription::packed;
+    format.mBitsPerChannel = 8;
+    format.mChannelsPerFrame = 1;
+    format.mBytesPerFrame = format.mBytesPerPacket = 1;
+    format.mSampleRate = 22050;
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(format));
+    EXPECT_EQ(recorder->currentDataFormat(), format);
+    ASSERT_TRUE(delivers(0.5));
+    recorder->stopRecord();
+    for (const char sample : collector.bytes())
+        ASSERT_EQ(sample, static_cast<char>(0x80)) << "silence";
+}
+
+TEST_P(AudioRecorderTest, OtherFormatsAreRefused)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    format.mBitsPerChannel = 24;
+    EXPECT_FALSE(recorder->startRecordWithFormat(format));
+    format = defaultAudioStreamBasicDescription();
+    format.mFormatID = 0;
+    EXPECT_FALSE(recorder->startRecordWithFormat(format));
+    format = defaultAudioStreamBasicDescription();
+    format.mChannelsPerFrame = 0;
+    EXPECT_FALSE(recorder->startRecordWithFormat(format));
+    format = defaultAudioStreamBasicDescription();
+    format.mBytesPerFrame = 6;
+    EXPECT_FALSE(recorder->startRecordWithFormat(format));
+    format = defaultAudioStreamBasicDescription();
+    format.mSampleRate = 0;
+    EXPECT_FALSE(recorder->startRecordWithFormat(format));
+}
+
+TEST_P(AudioRecorderTest, ADeviceThatIsNotThereDoesNotStart)
+{
+    const auto none = control->createRecorder(0);
+    EXPECT_FALSE(none->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    const auto gone = recorderOf("Monitor of Speakers");
+    server->remove(speakers);
+    ASSERT_TRUE(runUntil([this] { return control->deviceIDFromName("Monitor of Speakers") == 0; }));
+    EXPECT_FALSE(gone->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+}
+
+TEST_P(AudioRecorderTest, StartsAndStopsAnyNumberOfTimes)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    recorder->stopRecord();
+    for (int i = 0; i < 12; ++i) {
+        collector.isStopped = false;
+        ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+        if (i % 3 == 0) {
+            ASSERT_TRUE(delivers(0.1));
+        }
+        recorder->stopRecord();
+        collector.isStopped = true;
+        recorder->stopRecord();
+    }
+    runUntil([] { return false; }, 100);
+}
+
+TEST_P(AudioRecorderTest, SwitchesTheDeviceWhileRecording)
+{
+    const auto tone = playTone();
+    const auto recorder = recorderOf("Desk microphone");
+    server->pactl({ "set-default-sink", "speakers" });
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.5));
+    EXPECT_EQ(collector.loudestSince(0), 0);
+    recorder->setDeviceID(control->deviceIDFromName("Monitor of Speakers"));
+    ASSERT_TRUE(delivers(1.5));
+    EXPECT_GT(collector.loudestSince(0.5), 10'000);
+    recorder->setDeviceID(control->deviceIDFromName("Desk microphone"));
+    const double switched = collector.seconds();
+    ASSERT_TRUE(delivers(1.5));
+    EXPECT_EQ(collector.loudestSince(switched + 0.5), 0);
+    // What was missed between the devices is silence: time goes on.
+    EXPECT_NEAR(collector.seconds(), absoluteTimeSeconds() - collector.origin(), 0.2);
+}
+
+TEST_P(AudioRecorderTest, ADeviceThatVanishesIsLoggedOnceAndAnotherIsNotTakenForIt)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.5));
+    server->remove(speakers);
+    ASSERT_TRUE(runUntil([this] { return !logged().isEmpty(); }));
+    const double ended = collector.seconds();
+    runUntil([] { return false; }, 300);
+    EXPECT_EQ(collector.seconds(), ended);
+    EXPECT_EQ(logged().size(), 1);
+    recorder->stopRecord();
+    recorder->setDeviceID(control->deviceIDFromName("Desk microphone"));
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    EXPECT_TRUE(delivers(0.3));
+}
+
+TEST_P(AudioRecorderTest, RecordsAgainWhenTheServerHasComeBack)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.3));
+    server->kill();
+    ASSERT_TRUE(runUntil([this] { return !logged().isEmpty(); }));
+    EXPECT_FALSE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(server->restart());
+    ASSERT_FALSE(server->addOutput("speakers", "Speakers").isEmpty());
+    ASSERT_TRUE(runUntil([this] { return control->deviceIDFromName("Monitor of Speakers") != 0; }));
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    EXPECT_TRUE(delivers(0.3));
+}
+
+TEST_P(AudioRecorderTest, ASleepingDeviceLeavesSilenceAndTimeGoesOn)
+{
+    if (GetParam() == SoundServer::Kind::PipeWire)
+        GTEST_SKIP() << "this server wakes a suspended device for whoever records it";
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.5));
+    server->pactl({ "suspend-source", "speakers.monitor", "1" });
+    runUntil([] { return false; }, 1500);
+    server->pactl({ "suspend-source", "speakers.monitor", "0" });
+    ASSERT_TRUE(delivers(2));
+    EXPECT_NEAR(collector.seconds(), absoluteTimeSeconds() - collector.origin(), 0.4);
+}
+
+} // namespace vornic
