@@ -20,6 +20,41 @@ LogSink &currentSink()
     return sink;
 }
 
+/// A line that comes again and again, many times a second at worst, is written once.
+class StandardLog
+{
+public:
+    void write(const QString &message)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (message == m_last) {
+            ++m_repeats;
+            return;
+        }
+        if (const int repeats = std::exchange(m_repeats, 0); repeats > 0)
+            writeLine(QStringLiteral("(%1 more times)").arg(repeats));
+        m_last = message;
+        writeLine(message);
+    }
+
+private:
+    static void writeLine(const QString &text)
+    {
+        const QByteArray line = "vornic: " + text.toUtf8() + '\n';
+        std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
+    }
+
+    std::mutex m_mutex;
+    QString m_last;
+    int m_repeats = 0;
+};
+
+StandardLog &standardLog()
+{
+    static StandardLog log;
+    return log;
+}
+
 } // namespace
 
 void logMessage(const QString &message)
@@ -29,12 +64,10 @@ void logMessage(const QString &message)
         const std::lock_guard lock(sinkMutex());
         sink = currentSink();
     }
-    if (sink) {
+    if (sink)
         sink(message);
-        return;
-    }
-    const QByteArray line = "vornic: " + message.toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
+    else
+        standardLog().write(message);
 }
 
 LogSink setLogSink(LogSink sink)

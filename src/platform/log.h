@@ -6,7 +6,8 @@
 
 namespace vornic {
 
-/// Writes one line to the log (standard error, or where the desktop collects it), from any thread.
+/// Writes one line to the log (standard error, or where the desktop collects it), from any thread. A
+/// line that comes again before any other is not written again.
 void logMessage(const QString &message);
 
 /// Receives every logged line, on the thread that logged it.
