@@ -2,7 +2,7 @@
 # tools/build.sh TARGET...: installs what is missing and builds in release mode into build/release.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-tools/install-packages.sh
+tools/install-packages.sh packages.txt
 options=()
 # The compiler that the project is developed with must find nothing to say; another one may.
 [[ $(c++ -dumpversion) == 12* ]] && options+=(-DCMAKE_COMPILE_WARNING_AS_ERROR=ON)

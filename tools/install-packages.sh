@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs what packaging/packages.txt lists and this machine lacks. Says nothing when all is there.
+# tools/install-packages.sh LIST: installs what packaging/LIST lists and this machine lacks. Says nothing when
+# all is there.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-mapfile -t wanted < <(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packaging/packages.txt")
+mapfile -t wanted < <(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packaging/$1")
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
   printf 'No apt here: please see to these packages yourself: %s\n' "${wanted[*]}" >&2

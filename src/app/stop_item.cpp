@@ -70,8 +70,6 @@ void StopItem::setTitle(const QString &title)
     if (!m_button || m_button->text() == title)
         return;
     m_button->setText(title);
-    if (m_bar->isVisible())
-        return;
     m_bar->adjustSize();
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     m_bar->move(screen.right() - m_bar->width() - 16, screen.top() + 16);
