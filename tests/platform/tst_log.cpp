@@ -1,5 +1,7 @@
 #include "platform/log.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 namespace vornic {
