@@ -13,6 +13,11 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
+
+class QPainter;
+class QPainterPath;
+class QTransform;
 
 namespace vornic {
 
@@ -94,6 +99,20 @@ public:
     /// text measures: its letters are drawn with extra space between them. Needs a QGuiApplication.
     [[nodiscard]] QRectF getLogoRect() const;
 
+    /// Draws the logo, whatever LogoValidate says, with a painter that has y up; its state is as before
+    /// afterwards. \a bound is in the painter's coordinates: positions count from its lower left, in units of
+    /// \a scale. Main thread; needs a QGuiApplication.
+    void decorateImage(QPainter &context, const QRectF &bound, double scale) const;
+    /// The same at \a opacity, 0 to 1, in place of LogoTransparency.
+    void decorateAtOpacity(double opacity, QPainter &context, const QRectF &bound, double scale) const;
+    /// What decorateImage() draws lies within this rectangle, or nowhere where it is empty; y up.
+    [[nodiscard]] QRectF decoratedRect(const QRectF &bound, double scale) const;
+    /// An opaque copy of the picture, one point a pixel, with the logo on it, whatever LogoValidate says;
+    /// null for a null one.
+    [[nodiscard]] QImage decorateCGImage(const QImage &image) const;
+    /// The same, but \a image itself when LogoValidate is off.
+    [[nodiscard]] QImage decorateNSImage(const QImage &image) const;
+
     [[nodiscard]] static QByteArrayList keyPathsForValuesAffectingValueForKey(const QByteArray &key);
 
 signals:
@@ -116,6 +135,13 @@ private:
     void declareDependencies();
     /// The stored font, or the default one where none is stored, at its size times LogoScale times \a scale.
     [[nodiscard]] ScaledFont scaledLogoFont(double scale) const;
+    [[nodiscard]] QPointF anchor(const QRectF &bound, double scale) const;
+    [[nodiscard]] QTransform rotation() const;
+    /// The scaled picture about (0, 0).
+    [[nodiscard]] QRectF centredPicture(double scale) const;
+    [[nodiscard]] QTransform pictureTransform(const QRectF &bound, double scale) const;
+    /// Where the letters stand, turned and all.
+    [[nodiscard]] std::vector<QPainterPath> textOutlines(const QRectF &bound, double scale) const;
 
     mutable std::mutex m_atomicProperties; ///< guards the text, the position and the two colours
     std::atomic<bool> mLogoValidate = false;

@@ -1,0 +1,394 @@
+#include "gui_main.h"
+#include "options/VNLogoContext.h"
+#include "options/y_up.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace vornic {
+namespace {
+
+constexpr QRectF noBound(0, 0, 0, 0);
+
+/// A surface with y up, drawn at \a ratio device pixels a point.
+class Surface
+{
+public:
+    explicit Surface(QSize points, int ratio = 1, QColor background = Qt::transparent)
+        : m_points(points)
+        , m_ratio(ratio)
+        , m_image(points * ratio, QImage::Format_ARGB32_Premultiplied)
+    {
+        m_image.fill(background);
+    }
+
+    void draw(const VNLogoContext &logo, const QRectF &bound = noBound, double scale = 1)
+    {
+        QPainter painter(&m_image);
+        painter.scale(m_ratio, m_ratio);
+        turnOver(painter, m_points.height());
+        logo.decorateImage(painter, bound, scale);
+    }
+
+    /// The pixel in whose lower left corner, of those of the point, (x, y) lies.
+    [[nodiscard]] QColor at(double x, double y) const
+    {
+        return m_image.pixelColor(static_cast<int>(x * m_ratio),
+                                  static_cast<int>((m_points.height() - y) * m_ratio) - 1);
+    }
+    /// The pixels that are not transparent, in points with y up.
+    [[nodiscard]] QRectF inked() const
+    {
+        QRect ink;
+        for (int y = 0; y < m_image.height(); ++y)
+            for (int x = 0; x < m_image.width(); ++x)
+                if (m_image.pixelColor(x, y).alpha() > 16)
+                    ink |= QRect(x, y, 1, 1);
+        return turnedOver(QRectF(QPointF(ink.topLeft()) / m_ratio, QSizeF(ink.size()) / m_ratio),
+                          m_points.height());
+    }
+    [[nodiscard]] const QImage &image() const { return m_image; }
+
+private:
+    QSize m_points;
+    int m_ratio;
+    QImage m_image;
+};
+
+/// Red above, blue below.
+QImage twoHalves(QSize size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QPainter(&picture).fillRect(0, 0, size.width(), size.height() / 2, Qt::red);
+    return picture;
+}
+
+class LogoDrawing : public testing::Test
+{
+protected:
+    void usePicture(QSize size = { 40, 20 })
+    {
+        logo.setLogoType(1);
+        logo.setNSImage(twoHalves(size));
+        logo.setLogoPosition({ 30, 50 });
+    }
+
+    VNLogoContext logo;
+};
+
+TEST_F(LogoDrawing, PictureStandsUprightWithItsLowerLeftAtItsPosition)
+{
+    usePicture();
+    for (const int ratio : { 1, 2 }) {
+        Surface surface({ 200, 150 }, ratio);
+        surface.draw(logo);
+        EXPECT_EQ(surface.inked(), QRectF(30, 50, 40, 20)) << ratio;
+        EXPECT_EQ(surface.at(30, 50), QColor(Qt::blue));
+        EXPECT_EQ(surface.at(69, 58), QColor(Qt::blue));
+        EXPECT_EQ(surface.at(30, 61), QColor(Qt::red));
+        EXPECT_EQ(surface.at(69, 69), QColor(Qt::red));
+    }
+}
+
+TEST_F(LogoDrawing, PictureScalesFromItsPosition)
+{
+    usePicture();
+    logo.setLogoScale(1.5);
+    Surface surface({ 200, 150 });
+    surface.draw(logo);
+    EXPECT_EQ(surface.inked(), QRectF(30, 50, 60, 30));
+    EXPECT_EQ(logo.decoratedRect(noBound, 1), QRectF(30, 50, 60, 30));
+}
+
+TEST_F(LogoDrawing, PictureTurnsAboutItsCentre)
+{
+    usePicture();
+    logo.setLogoRotation(90);
+    for (const int ratio : { 1, 2 }) {
+        Surface surface({ 200, 150 }, ratio);
+        surface.draw(logo);
+        EXPECT_EQ(surface.inked(), QRectF(40, 40, 20, 40)) << "about (50, 60)";
+        // Counter-clockwise: what was above is on the left.
+        EXPECT_EQ(surface.at(42, 60), QColor(Qt::red));
+        EXPECT_EQ(surface.at(57, 60), QColor(Qt::blue));
+    }
+    logo.setLogoRotation(-270);
+    Surface same({ 200, 150 });
+    same.draw(logo);
+    EXPECT_EQ(same.at(42, 60), QColor(Qt::red));
+    logo.setLogoRotation(std::numeric_limits<qint64>::min());
+    Surface any({ 200, 150 });
+    any.draw(logo);
+    EXPECT_FALSE(any.inked().isEmpty());
+}
+
+TEST_F(LogoDrawing, ScaleAndBoundPlaceTheAnchor)
+{
+    usePicture();
+    logo.setLogoPosition({ 150, 100 });
+    Surface surface({ 500, 400 });
+    surface.draw(logo, QRectF(10, 20, 300, 200), 2);
+    EXPECT_EQ(surface.inked(), QRectF(310, 220, 80, 40));
+}
+
+TEST_F(LogoDrawing, ScaleAndBoundPlaceTextAndDoubleItsFont)
+{
+    logo.setLogoPosition({ 150, 100 });
+    logo.setLogoText("I");
+    Surface once({ 500, 400 }, 4);
+    once.draw(logo, QRectF(160, 120, 1, 1), 1);
+    Surface twice({ 500, 400 }, 4);
+    twice.draw(logo, QRectF(10, 20, 300, 200), 2);
+    EXPECT_NEAR(once.inked().y(), 219.5, 0.3) << "the baseline, and half a line below";
+    EXPECT_NEAR(twice.inked().y(), 219.5, 0.3);
+    // Half a point of outline above and below the letter, whatever its size.
+    EXPECT_NEAR(twice.inked().height() - 1, 2 * (once.inked().height() - 1), 0.5);
+}
+
+TEST_F(LogoDrawing, OpacityReachesFromNothingToOpaque)
+{
+    usePicture();
+    logo.setLogoTransparency(0);
+    Surface nothing({ 200, 150 }, 1, Qt::white);
+    nothing.draw(logo);
+    Surface untouched({ 200, 150 }, 1, Qt::white);
+    EXPECT_EQ(nothing.image(), untouched.image());
+
+    logo.setLogoTransparency(128);
+    Surface half({ 200, 150 });
+    half.draw(logo);
+    EXPECT_NEAR(half.at(50, 55).alpha(), 128, 1);
+    Surface halfOnBlack({ 200, 150 }, 1, Qt::black);
+    halfOnBlack.draw(logo);
+    EXPECT_NEAR(halfOnBlack.at(50, 55).blue(), 128, 1);
+
+    logo.setLogoTransparency(255);
+    Surface opaque({ 200, 150 });
+    opaque.draw(logo);
+    EXPECT_EQ(opaque.at(50, 55), QColor(Qt::blue));
+
+    logo.setLogoTransparency(-40);
+    Surface below({ 200, 150 });
+    below.draw(logo);
+    EXPECT_TRUE(below.inked().isEmpty());
+    logo.setLogoTransparency(4000);
+    Surface beyond({ 200, 150 });
+    beyond.draw(logo);
+    EXPECT_EQ(beyond.at(50, 55), QColor(Qt::blue));
+}
+
+TEST_F(LogoDrawing, PictureLogoWithoutPictureLeavesTheSurfaceUntouched)
+{
+    logo.setLogoType(1);
+    Surface surface({ 300, 200 }, 1, Qt::white);
+    surface.draw(logo);
+    EXPECT_EQ(surface.image(), Surface({ 300, 200 }, 1, Qt::white).image());
+    EXPECT_TRUE(logo.decoratedRect(noBound, 1).isEmpty());
+}
+
+TEST_F(LogoDrawing, AnyOtherTypeIsAPicture)
+{
+    usePicture();
+    logo.setLogoType(-7);
+    Surface surface({ 200, 150 });
+    surface.draw(logo);
+    EXPECT_EQ(surface.inked(), QRectF(30, 50, 40, 20));
+}
+
+TEST_F(LogoDrawing, TextIsFilledThenOutlined)
+{
+    logo.setLogoText("I");
+    logo.setLogoScale(5);
+    logo.setLogoPosition({ 50, 50 });
+    logo.setLogoFontFillColor(QColor(255, 0, 0, 10)); // its own alpha counts for nothing
+    logo.setLogoFontStrokeColor(QColor(0, 0, 255, 10));
+    Surface surface({ 200, 200 }, 2);
+    surface.draw(logo);
+    const QRectF ink = surface.inked();
+    EXPECT_EQ(surface.at(ink.center().x(), ink.center().y()), QColor(255, 0, 0));
+    // The outline is a point wide, half of it inside the letter.
+    EXPECT_NEAR(ink.y(), 49.5, 0.01);
+    EXPECT_EQ(surface.at(ink.center().x(), 50), QColor(0, 0, 255));
+    EXPECT_EQ(surface.at(ink.center().x(), 49.5), QColor(0, 0, 255));
+}
+
+TEST_F(LogoDrawing, TranslucentOutlineShowsTheFillBeneathIt)
+{
+    logo.setLogoText("I");
+    logo.setLogoScale(5);
+    logo.setLogoPosition({ 50, 50 });
+    logo.setLogoTransparency(128);
+    logo.setLogoFontFillColor(QColor(255, 0, 0));
+    logo.setLogoFontStrokeColor(QColor(0, 0, 255));
+    Surface surface({ 200, 200 }, 2);
+    surface.draw(logo);
+    const double middle = surface.inked().center().x();
+    EXPECT_NEAR(surface.at(middle, 49.5).alpha(), 128, 2) << "outside the letter";
+    EXPECT_NEAR(surface.at(middle, 50).alpha(), 191, 2) << "inside, fill and outline";
+    EXPECT_NEAR(surface.at(middle, 60).alpha(), 128, 2) << "fill alone";
+}
+
+TEST_F(LogoDrawing, TextTurnsAboutTheStartOfItsBaseline)
+{
+    logo.setLogoText("HHH");
+    logo.setLogoPosition({ 100, 100 });
+    Surface straight({ 300, 300 }, 2);
+    straight.draw(logo);
+    const QRectF before = straight.inked().translated(-100, -100);
+    logo.setLogoRotation(90);
+    Surface turned({ 300, 300 }, 2);
+    turned.draw(logo);
+    const QRectF after = turned.inked().translated(-100, -100);
+    // (x, y) becomes (-y, x).
+    EXPECT_NEAR(after.left(), -before.bottom(), 1);
+    EXPECT_NEAR(after.right(), -before.top(), 1);
+    EXPECT_NEAR(after.top(), before.left(), 1);
+    EXPECT_NEAR(after.bottom(), before.right(), 1);
+}
+
+TEST_F(LogoDrawing, DecoratedRectHoldsAllInk)
+{
+    for (const int rotation : { 0, 30, 90, 200 }) {
+        for (const bool isText : { true, false }) {
+            usePicture();
+            logo.setIsLogoTypeText(isText);
+            logo.setLogoText("WgjM&");
+            logo.setLogoPosition({ 150, 150 });
+            logo.setLogoRotation(rotation);
+            Surface surface({ 400, 400 });
+            surface.draw(logo);
+            ASSERT_FALSE(surface.inked().isEmpty());
+            const QRectF rect = logo.decoratedRect(noBound, 1).adjusted(-1, -1, 1, 1);
+            EXPECT_TRUE(rect.contains(surface.inked())) << rotation << isText;
+            EXPECT_LT(rect.width(), surface.inked().width() + 30);
+        }
+    }
+}
+
+TEST_F(LogoDrawing, AccentedLetterShowsTheFirstOfItsTwoBytes)
+{
+    logo.setLogoText(QString(QChar(0xE9)));
+    Surface accented({ 300, 200 });
+    accented.draw(logo);
+    // 0xC3 alone: the radical sign, which is the first byte of its own three as well as of these two.
+    EXPECT_FALSE(accented.inked().isEmpty());
+    VNLogoContext other;
+    other.setLogoText(QString(QChar(0xE8)));
+    Surface same({ 300, 200 });
+    same.draw(other);
+    EXPECT_EQ(accented.image(), same.image()) << "what tells them apart is the second byte";
+}
+
+TEST_F(LogoDrawing, NothingLeaksToTheCaller)
+{
+    usePicture();
+    logo.setLogoRotation(30);
+    logo.setLogoTransparency(100);
+    QImage image(100, 100, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    painter.setOpacity(0.75);
+    painter.setPen(Qt::red);
+    painter.translate(3, 4);
+    const QTransform transform = painter.transform();
+    const QPainter::RenderHints hints = painter.renderHints();
+    for (const int type : { 0, 1 }) {
+        logo.setLogoType(type);
+        logo.decorateImage(painter, noBound, 1);
+        EXPECT_EQ(painter.opacity(), 0.75);
+        EXPECT_EQ(painter.transform(), transform);
+        EXPECT_EQ(painter.pen().color(), QColor(Qt::red));
+        EXPECT_EQ(painter.renderHints(), hints);
+    }
+}
+
+TEST_F(LogoDrawing, CallersOpacityDoesNotMultiply)
+{
+    usePicture();
+    QImage image(100, 100, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setOpacity(0.5);
+    logo.decorateImage(painter, noBound, 1);
+    painter.end();
+    EXPECT_EQ(image.pixelColor(40, 60).alpha(), 255);
+}
+
+TEST_F(LogoDrawing, ValuesBeyondAllSenseDrawNothingAndEnd)
+{
+    const double infinite = std::numeric_limits<double>::infinity();
+    const double notANumber = std::numeric_limits<double>::quiet_NaN();
+    for (const int type : { 0, 1 }) {
+        usePicture();
+        logo.setLogoType(type);
+        for (const double value : { infinite, -infinite, notANumber }) {
+            Surface surface({ 100, 100 });
+            logo.setLogoScale(value);
+            surface.draw(logo);
+            logo.setLogoScale(1);
+            logo.setLogoPosition({ value, 10 });
+            surface.draw(logo);
+            EXPECT_TRUE(surface.inked().isEmpty()) << type << value;
+        }
+    }
+}
+
+TEST_F(LogoDrawing, NegativeScaleMirrorsTheRectangleNotThePicture)
+{
+    usePicture();
+    logo.setLogoScale(-1);
+    Surface surface({ 200, 150 });
+    surface.draw(logo);
+    EXPECT_EQ(surface.inked(), QRectF(-10 + 0, 30, 40, 20).intersected(QRectF(0, 0, 200, 150)));
+    EXPECT_EQ(surface.at(10, 45), QColor(Qt::red));
+}
+
+TEST_F(LogoDrawing, StampedPictureIsOpaqueAndStampedWhateverLogoValidateSays)
+{
+    usePicture();
+    ASSERT_FALSE(logo.LogoValidate());
+    QImage picture(120, 90, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    picture.setDevicePixelRatio(2);
+    const QImage stamped = logo.decorateCGImage(picture);
+    EXPECT_EQ(stamped.size(), QSize(120, 90));
+    EXPECT_EQ(stamped.devicePixelRatio(), 1);
+    EXPECT_FALSE(stamped.hasAlphaChannel());
+    EXPECT_EQ(stamped.pixelColor(0, 0), QColor(Qt::black));
+    EXPECT_EQ(stamped.pixelColor(30, 90 - 51), QColor(Qt::blue));
+    EXPECT_EQ(stamped.pixelColor(30, 90 - 70), QColor(Qt::red));
+    // Blue, green, red in memory, 4 bytes a pixel.
+    EXPECT_EQ(stamped.bytesPerLine(), 4 * 120);
+    EXPECT_EQ(stamped.constScanLine(90 - 51)[4 * 30], 255);
+    EXPECT_EQ(stamped.constScanLine(90 - 51)[4 * 30 + 2], 0);
+}
+
+TEST_F(LogoDrawing, NoPictureCannotBeStamped)
+{
+    EXPECT_TRUE(logo.decorateCGImage({}).isNull());
+    EXPECT_TRUE(logo.decorateNSImage({}).isNull());
+    logo.setLogoValidate(true);
+    EXPECT_TRUE(logo.decorateNSImage({}).isNull());
+}
+
+TEST_F(LogoDrawing, StampIsLeftOutWhileTheLogoIsOff)
+{
+    usePicture();
+    const QImage picture = twoHalves({ 120, 90 });
+    const QImage same = logo.decorateNSImage(picture);
+    EXPECT_EQ(same.constBits(), picture.constBits()) << "the very same picture";
+    logo.setLogoValidate(true);
+    EXPECT_EQ(logo.decorateNSImage(picture), logo.decorateCGImage(picture));
+    EXPECT_NE(logo.decorateNSImage(picture), picture);
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    return vornic::runTestsWithFonts(argc, argv);
+}
