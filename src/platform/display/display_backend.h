@@ -40,6 +40,8 @@ public:
     [[nodiscard]] virtual std::uint32_t mainDisplayId() const = 0;
     /// The size now; empty when there is no display.
     [[nodiscard]] virtual QSize mainDisplaySize() const = 0;
+    /// Where its top left lies on the whole desktop, from the desktop's top left, for who places windows.
+    [[nodiscard]] virtual QPoint mainDisplayOrigin() const { return {}; }
     /// The part of \a rectangle that lies on the display, without the pointer; null when none does, or when
     /// the server refuses. Blocks for one exchange with the server, or for none when nothing has changed.
     [[nodiscard]] virtual std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) = 0;

@@ -42,6 +42,11 @@ QSize X11Display::mainDisplaySize() const
     return m_monitor.layout().rectangle.size();
 }
 
+QPoint X11Display::mainDisplayOrigin() const
+{
+    return m_monitor.layout().rectangle.topLeft();
+}
+
 std::shared_ptr<const BitmapImage> X11Display::grab(const QRect &rectangle)
 {
     const X11Layout layout = m_monitor.layout();

@@ -19,6 +19,7 @@ public:
 
     [[nodiscard]] std::uint32_t mainDisplayId() const override;
     [[nodiscard]] QSize mainDisplaySize() const override;
+    [[nodiscard]] QPoint mainDisplayOrigin() const override;
     [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) override;
     [[nodiscard]] QPoint pointerPosition() override;
     [[nodiscard]] std::shared_ptr<const CursorShape> cursorShape() override;
