@@ -1,0 +1,226 @@
+#include "overlay/VNRecoderWindow.h"
+
+#include "overlay/VNRecoderView.h"
+#include "overlay/desktop_geometry.h"
+#include "overlay/overlay_server.h"
+#include "platform/screen_geometry.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <cmath>
+
+namespace vornic {
+
+namespace {
+
+QPointF middleOfPixel(QPointF onDesktop)
+{
+    return { std::floor(onDesktop.x()) + 0.5, std::floor(onDesktop.y()) + 0.5 };
+}
+
+} // namespace
+
+VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
+                                 Qt::WindowFlags /*styleMask*/,
+                                 int /*backing*/,
+                                 bool /*defer*/)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
+    , m_server(OverlayServer::create(*this))
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setMouseTracking(true);
+    setWindowTitle(tr("Recorded rectangle"));
+    if (m_server) {
+        connect(m_server.get(), &OverlayServer::compositingChanged, this, [this] {
+            if (m_view)
+                m_view->redraw();
+        });
+    }
+    setFrame(contentRect);
+}
+
+VNRecoderWindow::VNRecoderWindow()
+    : VNRecoderWindow(QRectF(0, 0, 2 * overlayMargin, 2 * overlayMargin), {}, 0, false)
+{
+}
+
+VNRecoderWindow::~VNRecoderWindow() = default;
+
+void VNRecoderWindow::setContentView(VNRecoderView *view)
+{
+    m_view = view;
+    if (view->parentWidget() != this)
+        view->setParent(this);
+    view->setGeometry(rect());
+    connect(view, &VNRecoderView::redrawn, this, &VNRecoderWindow::treat);
+}
+
+void VNRecoderWindow::setWindowAbove(QWidget *window)
+{
+    m_windowAbove = window;
+    if (window)
+        window->winId(); // it must be there to be found
+    treat();
+    if (isVisible())
+        orderFront();
+}
+
+void VNRecoderWindow::setFrame(const QRectF &frame)
+{
+    const QSize sizeBefore = pixelSize();
+    const QPoint insetBefore = pixelInset();
+    m_frame = frame;
+    place();
+    if (!m_view || !isVisible())
+        return;
+    if (pixelSize() == sizeBefore && pixelInset() == insetBefore) {
+        treat();
+        return;
+    }
+    m_view->redraw();
+    // Painted now, so that the new size and what belongs into it reach the server together.
+    m_view->repaint();
+}
+
+void VNRecoderWindow::place()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    m_onDesktop = desktopPixels(m_frame);
+    if (!screen)
+        return;
+    const ToolkitScale scale(*screen);
+    const QRect logical = scale.logicalAround(m_onDesktop);
+    m_toolkitPixels = scale.pixelsOf(logical);
+    setGeometry(logical);
+}
+
+void VNRecoderWindow::treat()
+{
+    if (!m_server || !m_view || !windowHandle() || !windowHandle()->handle())
+        return;
+    const bool takesMouse = !m_view->isRecording();
+    OverlayServer::Treatment treatment { .shape = {}, .takesMouse = takesMouse, .glass = {}, .lid = nullptr };
+    if (!isTranslucent())
+        treatment.shape = m_view->shape().translated(pixelInset());
+    // The toolkit rounds points to whole logical coordinates, which are not pixels then.
+    const bool wantsGlass = !isTranslucent() || devicePixelRatioF() != 1;
+    if (wantsGlass && takesMouse && isVisible())
+        treatment.glass = m_onDesktop;
+    treatment.lid = m_windowAbove ? m_windowAbove->windowHandle() : nullptr;
+    m_server->treat(*windowHandle(), treatment);
+}
+
+void VNRecoderWindow::orderFront()
+{
+    place();
+    winId();
+    if (m_view)
+        m_view->redraw();
+    treat();
+    if (m_server)
+        m_server->orderFront(*windowHandle());
+    show();
+    treat();
+}
+
+void VNRecoderWindow::orderOut()
+{
+    const bool hadFocus = isActiveWindow();
+    if (m_server)
+        m_server->orderOut();
+    hide();
+    if (hadFocus && m_windowAbove && m_windowAbove->isVisible())
+        m_windowAbove->activateWindow();
+}
+
+void VNRecoderWindow::becomeKey()
+{
+    if (canBecomeKeyWindow() && !isActiveWindow())
+        activateWindow();
+}
+
+void VNRecoderWindow::waitUntilDrawn()
+{
+    if (!isVisible())
+        return;
+    if (m_view)
+        m_view->repaint();
+    if (m_server)
+        m_server->wait();
+}
+
+bool VNRecoderWindow::isTranslucent() const
+{
+    return !m_server || m_server->isComposited();
+}
+
+QPointF VNRecoderWindow::pixelOrigin() const
+{
+    return screenPoint(QPointF(m_onDesktop.x(), m_onDesktop.y() + m_onDesktop.height()));
+}
+
+QPointF VNRecoderWindow::mouseLocation(QPointF global) const
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    // What the toolkit tells is rounded to whole logical coordinates.
+    return screen && screen->devicePixelRatio() != 1 ? pointerLocation() : screenPoint(middleOfPixel(global));
+}
+
+void VNRecoderWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange)
+        return;
+    if (isActiveWindow())
+        emit windowDidBecomeKey();
+    else
+        emit windowDidResignKey();
+}
+
+void VNRecoderWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (m_view)
+        m_view->setGeometry(rect());
+}
+
+void VNRecoderWindow::glassPressed(QPoint onDesktop)
+{
+    becomeKey();
+    if (m_view)
+        m_view->mouseDown(screenPoint(middleOfPixel(onDesktop)));
+}
+
+void VNRecoderWindow::glassDragged(QPoint onDesktop)
+{
+    if (m_view)
+        m_view->mouseDragged(screenPoint(middleOfPixel(onDesktop)));
+}
+
+bool VNRecoderWindow::glassEntered(const QMimeData &files, bool mayCopy)
+{
+    const Qt::DropActions actions = mayCopy ? Qt::CopyAction : Qt::IgnoreAction;
+    return m_view && m_view->draggingEntered({ &files, actions, nullptr, {} }) == Qt::CopyAction;
+}
+
+void VNRecoderWindow::glassLeft()
+{
+    if (m_view)
+        m_view->draggingExited({});
+}
+
+bool VNRecoderWindow::glassDropped(const QMimeData &files, QPoint onDesktop)
+{
+    if (!m_view)
+        return false;
+    const QPointF point = m_view->dropPoint(screenPoint(middleOfPixel(onDesktop)));
+    const DraggingInfo info { &files, Qt::CopyAction, nullptr, point };
+    return m_view->prepareForDragOperation(info) && m_view->performDragOperation(info);
+}
+
+} // namespace vornic

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "overlay/VNRecoderView.h"
+#include "overlay/glass_receiver.h"
+
+#include <QPointer>
+#include <QRect>
+#include <QRectF>
+#include <QWidget>
+
+#include <memory>
+
+namespace vornic {
+
+class OverlayServer;
+class VNRecoderWindowDelegate;
+
+/// The borderless window around the recorded rectangle, above ordinary windows, panels and menus.
+///
+/// Made by the controller's interface file; main thread only. No window manager touches it: so it stands on
+/// no task bar, keeps its place at once and may reach beyond the edges of the display. With a compositing
+/// manager it is translucent; without one it is cut to what its view shows.
+class VNRecoderWindow : public QWidget, private GlassReceiver
+{
+    Q_OBJECT
+public:
+    /// Of pop-up menus; the main window's is one more.
+    static constexpr int overlayLevel = 101;
+
+    /// Borderless, transparent and hidden, whatever style, backing and deferral are asked for.
+    VNRecoderWindow(const QRectF &contentRect, Qt::WindowFlags styleMask, int backing, bool defer);
+    VNRecoderWindow();
+    ~VNRecoderWindow() override;
+
+    [[nodiscard]] VNRecoderWindowDelegate *recorderWnddelegate() const { return _recorderWnddelegate; }
+    void setRecorderWnddelegate(VNRecoderWindowDelegate *delegate) { _recorderWnddelegate = delegate; }
+    [[nodiscard]] int level() const { return overlayLevel; }
+    [[nodiscard]] bool canBecomeKeyWindow() const { return true; }
+
+    /// In screen coordinates; what was set last, also where it is not whole pixels.
+    [[nodiscard]] QRectF frame() const { return m_frame; }
+    /// Moves, resizes and shows the new contents at once.
+    void setFrame(const QRectF &frame);
+    /// Shows it above everything, without taking the keyboard focus.
+    void orderFront();
+    void orderOut();
+    /// Takes the keyboard focus.
+    void becomeKey();
+    /// The window that alone stays above this one, while it is visible; it should ask its window manager to
+    /// stay above ordinary windows. It gets the keyboard focus when this one is hidden. Null: none.
+    void setWindowAbove(QWidget *window);
+    /// Fills the window with \a view and follows its looks.
+    void setContentView(VNRecoderView *view);
+    /// Returns once the server has drawn what the window shows now; a compositing manager may still be a
+    /// frame behind.
+    void waitUntilDrawn();
+
+    /// Whether the desktop shows through what is painted translucent.
+    [[nodiscard]] bool isTranslucent() const;
+    /// The pixels of the frame, and how many the toolkit's window reaches beyond them at the upper left,
+    /// where it cannot stand on every pixel.
+    [[nodiscard]] QSize pixelSize() const { return m_onDesktop.size(); }
+    [[nodiscard]] QPoint pixelInset() const { return m_onDesktop.topLeft() - m_toolkitPixels.topLeft(); }
+    /// The lower left of those pixels, in screen coordinates.
+    [[nodiscard]] QPointF pixelOrigin() const;
+    /// The middle of the pixel where the mouse is, in screen coordinates; \a global is where the toolkit says
+    /// that it is.
+    [[nodiscard]] QPointF mouseLocation(QPointF global) const;
+
+signals:
+    void windowDidBecomeKey();
+    void windowDidResignKey();
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void glassPressed(QPoint onDesktop) override;
+    void glassDragged(QPoint onDesktop) override;
+    [[nodiscard]] bool glassEntered(const QMimeData &files, bool mayCopy) override;
+    void glassLeft() override;
+    [[nodiscard]] bool glassDropped(const QMimeData &files, QPoint onDesktop) override;
+    void place();
+    void treat();
+
+    VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
+    QRectF m_frame;
+    QRect m_onDesktop;     ///< the frame's pixels
+    QRect m_toolkitPixels; ///< the pixels of the toolkit's window, which hold them
+    QPointer<QWidget> m_windowAbove;
+    QPointer<VNRecoderView> m_view;
+    std::unique_ptr<OverlayServer> m_server; ///< null where there is no X server
+};
+
+} // namespace vornic

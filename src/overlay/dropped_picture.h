@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QImage>
+
+class QMimeData;
+
+namespace vornic {
+
+/// Pictures in files that another program drags. Only names of files count, the first one alone; a null
+/// \a pasteboard holds none.
+
+/// Whether the file looks like a picture; its beginning is read.
+[[nodiscard]] bool holdsPicture(const QMimeData *pasteboard);
+/// The whole picture, upright; null when there is none or it is broken.
+[[nodiscard]] QImage droppedPicture(const QMimeData *pasteboard);
+
+} // namespace vornic

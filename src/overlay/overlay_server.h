@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QObject>
+#include <QRect>
+#include <QRegion>
+
+#include <memory>
+#include <optional>
+
+class QWindow;
+
+namespace vornic {
+
+class GlassReceiver;
+
+/// What the overlay's window needs of the X server and the toolkit cannot ask for.
+///
+/// Made by VNRecoderWindow; main thread only. Regions are device pixels from the window's upper left.
+class OverlayServer : public QObject
+{
+    Q_OBJECT
+public:
+    /// How the window is to be.
+    struct Treatment {
+        std::optional<QRegion> shape; ///< nothing: the whole window shows
+        bool takesMouse = true;
+        QRect glass; ///< where a window that nobody sees takes the mouse in its place, pixels of the desktop
+        QWindow *lid = nullptr; ///< the window directly above; null: none
+    };
+
+    /// Null where windows are not those of an X server. Borrows \a receiver for life.
+    [[nodiscard]] static std::unique_ptr<OverlayServer> create(GlassReceiver &receiver);
+    ~OverlayServer() override;
+
+    /// Whether a compositing manager runs, which makes windows translucent.
+    [[nodiscard]] bool isComposited() const;
+    /// Sends what is other than it was. Before the window is shown, and whenever something changes.
+    void treat(QWindow &window, const Treatment &treatment);
+    /// Puts it above everything but the lid, and keeps it there.
+    void orderFront(QWindow &window);
+    void orderOut();
+    /// Returns once the server has done what the toolkit and we have asked for.
+    void wait();
+
+signals:
+    void compositingChanged();
+
+private:
+    OverlayServer();
+
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace vornic

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <vector>
+
+namespace vornic {
+
+class X11Link;
+
+/// Keeps a window above all others of the desktop, menus too, but directly beneath the one that is its lid.
+///
+/// Made by OverlayServer; main thread only. The window is one that the window manager does not manage.
+/// Whenever another window is raised above it, it goes up again; but not without end against one that does
+/// the same.
+class X11Stacking : public QObject
+{
+    Q_OBJECT
+public:
+    explicit X11Stacking(X11Link &link);
+
+    /// Puts \a window in its place at once and keeps it there. While \a lid, which may be 0, is not visible,
+    /// that is the very top. \a glass goes along, directly above it.
+    void keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass);
+    void stop();
+
+private:
+    void check();
+    void restack(std::uint32_t lidFrame);
+    [[nodiscard]] std::vector<std::uint32_t> windowsFromBelow() const;
+    [[nodiscard]] std::uint32_t topLevelOf(std::uint32_t window) const;
+    [[nodiscard]] bool isViewable(std::uint32_t window) const;
+    [[nodiscard]] bool isInPlace(std::uint32_t lidFrame) const;
+    [[nodiscard]] bool mayRestack();
+
+    X11Link &m_link;
+    std::uint32_t m_window = 0; ///< 0: nothing is kept
+    std::uint32_t m_lid = 0;
+    std::uint32_t m_glass = 0;
+    QTimer m_soon;
+    QElapsedTimer m_sinceRestack;
+    int m_restacksInARow = 0;
+};
+
+} // namespace vornic

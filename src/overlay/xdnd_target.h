@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QPoint>
+
+#include <cstdint>
+#include <optional>
+
+namespace vornic {
+
+class GlassReceiver;
+class X11Link;
+
+/// Takes names of files that other programs drag over a window of ours which the toolkit does not know: the
+/// receiving side of the XDND protocol, version 5.
+///
+/// Made by X11Glass; main thread only.
+class XdndTarget : public QObject
+{
+    Q_OBJECT
+public:
+    /// Borrows link and receiver for life.
+    XdndTarget(X11Link &link, std::uint32_t window, GlassReceiver &receiver);
+
+private:
+    /// A drag that is over the window.
+    struct Drag {
+        std::uint32_t source = 0;
+        bool namesFiles = false;
+        bool mayCopy = false;
+        bool isAsked = false;            ///< the names are on their way
+        std::optional<QByteArray> names; ///< text/uri-list
+        bool isTaken = false;            ///< the receiver would take them
+        bool owesStatus = false;
+        bool isDropped = false; ///< before the names have come
+        QPoint onDesktop;
+    };
+
+    void enter(const std::uint32_t (&data)[5]);
+    void move(const std::uint32_t (&data)[5]);
+    void leave();
+    void drop(const std::uint32_t (&data)[5]);
+    void namesCame(bool isThere);
+    void finish();
+    void askForNames(std::uint32_t time);
+    /// A status or the end.
+    void send(std::uint32_t type, bool isTaken);
+    [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t name, bool isRemoved) const;
+    [[nodiscard]] bool listContains(std::uint32_t window, std::uint32_t name, std::uint32_t atom) const;
+
+    X11Link &m_link;
+    const std::uint32_t m_window;
+    GlassReceiver &m_receiver;
+    struct Atoms {
+        std::uint32_t enter, position, status, leave, drop, finished, selection, typeList, actionList,
+            actionCopy, uriList, names;
+    };
+    const Atoms m_atoms;
+    std::optional<Drag> m_drag;
+};
+
+} // namespace vornic

@@ -1,0 +1,79 @@
+// A window of another program, for tests: drag_source TITLE X Y W H COLOUR [FILE]
+//
+// The title "Panel" makes it the panel of a desktop, "Background" lays it beneath everything.
+// Tells "pressed X Y", "dragged", "wheel" on standard output. Dragging from it drags FILE's name, and the end
+// of that is told as "dropped copy" or "dropped nothing".
+
+#include <QApplication>
+#include <QDrag>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QUrl>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace {
+
+void tell(const QString &line)
+{
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+class Window : public QWidget
+{
+public:
+    explicit Window(const QStringList &arguments)
+        : m_file(arguments.value(7))
+    {
+        setWindowTitle(arguments.value(1));
+        setAttribute(Qt::WA_X11NetWmWindowTypeDock, arguments.value(1) == u"Panel");
+        setWindowFlag(Qt::BypassWindowManagerHint, arguments.value(1) == u"Background");
+        setGeometry(arguments.value(2).toInt(),
+                    arguments.value(3).toInt(),
+                    arguments.value(4).toInt(),
+                    arguments.value(5).toInt());
+        QPalette colours = palette();
+        colours.setColor(QPalette::Window, QColor(arguments.value(6)));
+        setPalette(colours);
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        tell(QStringLiteral("pressed %1 %2").arg(event->position().x()).arg(event->position().y()));
+    }
+
+    void mouseMoveEvent(QMouseEvent * /*event*/) override
+    {
+        if (m_file.isEmpty()) {
+            tell(QStringLiteral("dragged"));
+            return;
+        }
+        auto *drag = new QDrag(this); // deletes itself
+        auto *files = new QMimeData;
+        files->setUrls({ QUrl::fromLocalFile(m_file) });
+        drag->setMimeData(files);
+        const Qt::DropAction action = drag->exec(Qt::CopyAction);
+        tell(action == Qt::CopyAction ? QStringLiteral("dropped copy") : QStringLiteral("dropped nothing"));
+    }
+
+    void wheelEvent(QWheelEvent * /*event*/) override { tell(QStringLiteral("wheel")); }
+
+private:
+    const QString m_file;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    Window window(QApplication::arguments());
+    window.show();
+    if (window.windowTitle() == u"Background")
+        window.lower();
+    tell(QStringLiteral("ready"));
+    return QApplication::exec();
+}

@@ -1,0 +1,193 @@
+#pragma once
+
+#include "support/screen_painter.h"
+#include "support/test_pictures.h"
+#include "support/xvfb_server.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRectF>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace vornic {
+
+/// A program that a test talks to by lines.
+///
+/// Made by tests; main thread.
+class LineProgram
+{
+public:
+    /// \a scaleFactor is that of the toolkit, as a user sets it.
+    LineProgram(const QString &program, const QStringList &arguments, double scaleFactor = 1)
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("QT_QPA_PLATFORM", "xcb");
+        variables.insert("QT_SCALE_FACTOR", QString::number(scaleFactor));
+        m_process.setProcessEnvironment(variables);
+        m_process.start(program, arguments);
+    }
+    ~LineProgram()
+    {
+        m_process.closeWriteChannel();
+        m_process.terminate();
+        if (!m_process.waitForFinished(10'000))
+            m_process.kill();
+        m_process.waitForFinished();
+    }
+    LineProgram(const LineProgram &) = delete;
+    LineProgram &operator=(const LineProgram &) = delete;
+
+    /// Waits for a line that \a isIt; what was told before it is passed by. Null after some seconds.
+    QString waitFor(const std::function<bool(const QString &)> &isIt, int mostMs = 20'000)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (true) {
+            while (m_process.canReadLine()) {
+                const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+                told += line;
+                if (isIt(line))
+                    return line;
+            }
+            if (timer.elapsed() >= mostMs)
+                return {};
+            m_process.waitForReadyRead(static_cast<int>(mostMs - timer.elapsed()));
+        }
+    }
+    bool waitForLine(const QString &text)
+    {
+        return !waitFor([&](const QString &line) { return line == text; }).isNull();
+    }
+    /// Whether a line that begins like this comes within \a mostMs.
+    bool tells(const QString &begin, int mostMs)
+    {
+        return !waitFor([&](const QString &line) { return line.startsWith(begin); }, mostMs).isNull();
+    }
+    void say(const QString &line)
+    {
+        m_process.write(line.toUtf8() + '\n');
+        ASSERT_TRUE(waitForLine("ok")) << qPrintable(line);
+    }
+
+    QStringList told; ///< all lines so far
+
+private:
+    QProcess m_process;
+};
+
+/// The overlay on an X server of the test's own, with a window manager, and with a compositing manager or
+/// not.
+class OverlayLive : public ::testing::TestWithParam<bool>
+{
+protected:
+    static bool isComposited() { return GetParam(); }
+
+    void startDesktop(QSize size = { 800, 600 }, const QStringList &arguments = {})
+    {
+        server = test::XvfbServer::start({ size, 24, arguments });
+        ASSERT_TRUE(server);
+        painter = test::ScreenPainter::connect();
+        ASSERT_TRUE(painter);
+        openbox = server->startOpenbox();
+        ASSERT_TRUE(openbox);
+        if (isComposited()) {
+            picom = server->startPicom();
+            ASSERT_TRUE(picom);
+        }
+        server->xdotool({ "mousemove", "1", "1" });
+    }
+    void startStage(double scaleFactor = 1)
+    {
+        stage
+            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_OVERLAY_STAGE), QStringList(), scaleFactor);
+        ASSERT_TRUE(stage->waitForLine("ready"));
+    }
+    /// Another program's window, there and visible when this returns.
+    std::unique_ptr<LineProgram> startOther(const QRect &place,
+                                            const QColor &colour,
+                                            const QString &file = {},
+                                            const QString &title = "Other")
+    {
+        const QColor before = pixel(place.center());
+        auto other = std::make_unique<LineProgram>(QStringLiteral(VORNIC_DRAG_SOURCE),
+                                                   QStringList { title,
+                                                                 QString::number(place.x()),
+                                                                 QString::number(place.y()),
+                                                                 QString::number(place.width()),
+                                                                 QString::number(place.height()),
+                                                                 colour.name(),
+                                                                 file });
+        EXPECT_TRUE(other->waitForLine("ready"));
+        // The overlay may lie over it.
+        EXPECT_TRUE(eventually([&] { return pixel(place.center()) != before; }));
+        return other;
+    }
+    /// A window of one colour, which repaints itself, beneath everything.
+    void showBackground(const QColor &colour)
+    {
+        backgroundWindow
+            = startOther({ { 0, 0 }, painter->screenSize() }, colour, {}, QStringLiteral("Background"));
+        ASSERT_TRUE(eventually([&] { return pixel({ 5, 5 }) == colour; }));
+    }
+
+    static bool eventually(const std::function<bool()> &condition)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!condition()) {
+            if (timer.elapsed() > 15'000)
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return true;
+    }
+    [[nodiscard]] QColor pixel(QPoint onDesktop) const
+    {
+        return painter->screen(QRect(onDesktop, QSize(1, 1))).pixelColor(0, 0);
+    }
+
+    void press(QPoint onDesktop) const
+    {
+        server->xdotool({ "mousemove", QString::number(onDesktop.x()), QString::number(onDesktop.y()) });
+        server->xdotool({ "mousedown", "1" });
+    }
+    void moveTo(QPoint onDesktop) const
+    {
+        server->xdotool({ "mousemove", QString::number(onDesktop.x()), QString::number(onDesktop.y()) });
+    }
+    void release() const { server->xdotool({ "mouseup", "1" }); }
+    void drag(QPoint from, QPoint to) const
+    {
+        press(from);
+        moveTo((from + to) / 2);
+        moveTo(to);
+        release();
+    }
+    void click(QPoint onDesktop) const
+    {
+        press(onDesktop);
+        release();
+    }
+
+    std::unique_ptr<test::XvfbServer> server;
+    std::unique_ptr<test::ScreenPainter> painter;
+    std::unique_ptr<test::ChildProcess> openbox;
+    std::unique_ptr<test::ChildProcess> picom;
+    std::unique_ptr<LineProgram> stage;
+    std::unique_ptr<LineProgram> backgroundWindow;
+};
+
+inline std::string compositingName(const ::testing::TestParamInfo<bool> &info)
+{
+    return info.param ? "Composited" : "Plain";
+}
+
+} // namespace vornic

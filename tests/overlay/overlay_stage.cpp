@@ -1,0 +1,148 @@
+// Shows the overlay for tests and pictures, does what standard input says and tells what dragging has
+// changed.
+//
+// Commands, one a line, each answered with "ok":
+//   set KEYPATH VALUE     a property of the options, for example "set logoContext.LogoValidate true"
+//   rect X Y W H          the selected rectangle
+//   picture FILE          the logo's picture
+//   recording 0|1         what the delegate answers, and reloadData
+//   place                 places the overlay as the options say
+//   main X Y W H          shows the main window there (toolkit coordinates); "main" alone hides it
+// Told: "rect X Y W H", "logo X Y", "picture W H" at every change, "main pressed" for a click on the main
+// window.
+
+#include "options/VNOption.h"
+#include "overlay/VNRecoderWindow.h"
+#include "overlay/VNRecorderWndCtrl.h"
+#include "overlay/VNRecorderWndCtrlDelegate.h"
+#include "platform/key_path_observer.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QSocketNotifier>
+#include <QTextStream>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+namespace {
+
+using namespace vornic;
+
+void tell(const QString &line)
+{
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+class MainWindow : public QWidget
+{
+public:
+    MainWindow()
+        : QWidget(nullptr, Qt::Window | Qt::WindowStaysOnTopHint)
+    {
+        setWindowTitle(QStringLiteral("Stage"));
+        setStyleSheet(QStringLiteral("background: #306030"));
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent * /*event*/) override { tell(QStringLiteral("main pressed")); }
+};
+
+class Stage : private VNRecorderWndCtrlDelegate
+{
+public:
+    Stage()
+        : m_overlay(VNRecorderWndCtrl::shareRecorderWndCtrl())
+    {
+        m_overlay.setOptions(&m_options);
+        m_overlay.setDelegate(this);
+        m_overlay.window()->setWindowAbove(&m_main);
+        QObject::connect(&m_options, &VNOption::selectedRectChanged, [this] {
+            const QRectF rect = m_options.selectedRect();
+            tell(QStringLiteral("rect %1 %2 %3 %4")
+                     .arg(rect.x())
+                     .arg(rect.y())
+                     .arg(rect.width())
+                     .arg(rect.height()));
+        });
+        QObject::connect(m_options.logoContext(), &VNLogoContext::LogoPositionChanged, [this] {
+            const VNLogoContext &logo = *m_options.logoContext();
+            tell(QStringLiteral("logo %1 %2 %3 %4")
+                     .arg(logo.logoPositionX())
+                     .arg(logo.logoPositionY())
+                     .arg(logo.getNSImage().width())
+                     .arg(logo.getNSImage().height()));
+        });
+    }
+    ~Stage() override
+    {
+        m_overlay.window()->orderOut();
+        m_overlay.window()->setWindowAbove(nullptr);
+        m_overlay.setDelegate(nullptr);
+        m_overlay.setOptions(nullptr);
+    }
+
+    void command(const QString &line)
+    {
+        const QStringList words = line.split(u' ', Qt::SkipEmptyParts);
+        const QString &verb = words.value(0);
+        if (verb == u"set")
+            KeyPathObserver(&m_options, words.value(1).toLatin1()).setValue(line.section(u' ', 2));
+        else if (verb == u"rect")
+            m_options.setSelectedRect(rectangle(words));
+        else if (verb == u"picture")
+            m_options.logoContext()->setNSImage(QImage(words.value(1)));
+        else if (verb == u"recording")
+            m_isRecording = words.value(1) == u"1";
+        else if (verb == u"main")
+            showMain(words);
+        if (verb == u"place")
+            m_overlay.placeWindow();
+        m_overlay.reloadData();
+        m_overlay.window()->waitUntilDrawn();
+        tell(QStringLiteral("ok"));
+    }
+
+private:
+    bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override { return m_isRecording; }
+
+    static QRectF rectangle(const QStringList &words)
+    {
+        return { words.value(1).toDouble(),
+                 words.value(2).toDouble(),
+                 words.value(3).toDouble(),
+                 words.value(4).toDouble() };
+    }
+
+    void showMain(const QStringList &words)
+    {
+        m_main.setVisible(words.size() > 1);
+        m_main.setGeometry(rectangle(words).toRect());
+    }
+
+    VNOption m_options;
+    MainWindow m_main;
+    VNRecorderWndCtrl &m_overlay;
+    bool m_isRecording = false;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    Stage stage;
+    QSocketNotifier input(0, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [&] {
+        std::string line;
+        if (std::getline(std::cin, line))
+            stage.command(QString::fromStdString(line));
+        else
+            QApplication::quit();
+    });
+    tell(QStringLiteral("ready"));
+    return QApplication::exec();
+}

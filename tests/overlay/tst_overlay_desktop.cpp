@@ -1,0 +1,349 @@
+#include "overlay_live_fixture.h"
+
+#include <QTemporaryDir>
+
+namespace vornic {
+namespace {
+
+const QColor lightGrey(204, 204, 204);
+const QColor white(255, 255, 255);
+const QColor background(40, 60, 80);
+const QColor otherColour(200, 120, 40);
+const QColor mainColour(0x30, 0x60, 0x30);
+
+/// The overlay among other windows of a desktop of 800 x 600. It frames (100, 100, 400, 300), which is at
+/// (100, 200) when y is down; its window begins 8 pixels beyond.
+class OverlayDesktop : public OverlayLive
+{
+protected:
+    void SetUp() override
+    {
+        startDesktop();
+        showBackground(background);
+        startStage();
+        stage->say("set recordRegion 1");
+        stage->say("rect 100 100 400 300");
+    }
+
+    [[nodiscard]] bool isBar(const QColor &colour) const { return colour == lightGrey || colour == white; }
+    /// A point of the upper bar, beside the handles.
+    static constexpr QPoint onBar { 200, 196 };
+    /// A point inside.
+    static constexpr QPoint inside { 200, 260 };
+
+    /// What the rectangle shows.
+    [[nodiscard]] QImage recordedPixels() const { return painter->screen(recorded); }
+    [[nodiscard]] bool isAll(const QImage &picture, const QColor &colour) const
+    {
+        QImage same(picture.size(), picture.format());
+        same.fill(colour);
+        return picture == same;
+    }
+    void useLogo()
+    {
+        QImage red(60, 40, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        ASSERT_TRUE(red.save(folder.filePath("logo.png")));
+        stage->say("picture " + folder.filePath("logo.png"));
+        stage->say("set logoContext.LogoType 1");
+        stage->say("set logoContext.logoPositionX 108");
+        stage->say("set logoContext.logoPositionY 108");
+        stage->say("set logoContext.LogoValidate true");
+    }
+    /// In the middle of that logo.
+    static constexpr QPoint onLogo { 230, 380 };
+
+    const QRect recorded { 100, 200, 400, 300 };
+    QTemporaryDir folder;
+};
+
+TEST_P(OverlayDesktop, IdleIsTintedOnlyWithACompositingManager)
+{
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    if (isComposited()) {
+        EXPECT_TRUE(eventually([&] { return pixel(inside) != background; }));
+        const QColor tinted = pixel(inside);
+        EXPECT_NEAR(tinted.red(), 35, 3);
+        EXPECT_NEAR(tinted.green(), 79, 3);
+        EXPECT_NEAR(tinted.blue(), 103, 3);
+    } else {
+        EXPECT_TRUE(isAll(recordedPixels().copy(20, 20, 300, 200), background));
+    }
+}
+
+TEST_P(OverlayDesktop, RecordingShowsTheDesktopAsItIs)
+{
+    stage->say("place");
+    stage->say("recording 1");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    EXPECT_TRUE(eventually([&] { return isAll(recordedPixels(), background); }));
+    // Neither does it when it is shown, moved and resized meanwhile.
+    stage->say("place");
+    EXPECT_TRUE(eventually([&] { return isAll(recordedPixels(), background); }));
+}
+
+TEST_P(OverlayDesktop, RecordingLetsEveryClickThrough)
+{
+    useLogo();
+    auto other = startOther({ 60, 160, 500, 380 }, otherColour);
+    stage->say("place");
+    stage->say("recording 1");
+    ASSERT_TRUE(eventually([&] { return pixel(onLogo) == QColor(Qt::red); }));
+    EXPECT_TRUE(eventually([&] { return pixel(inside) == otherColour; }));
+    for (const QPoint point : { inside, onLogo, onBar, QPoint(96, 196) }) {
+        click(point);
+        EXPECT_TRUE(other->tells("pressed", 10'000)) << point.x() << ' ' << point.y();
+    }
+    drag(inside, inside + QPoint(60, 60));
+    EXPECT_TRUE(other->tells("dragged", 10'000));
+    moveTo(onLogo);
+    server->xdotool({ "click", "5" });
+    EXPECT_TRUE(other->tells("wheel", 10'000));
+    stage->say("nothing");
+    EXPECT_TRUE(stage->told.filter("rect 100 100 400 300").size() == 1) << "and nothing was dragged";
+
+    // Idle again, it takes the mouse.
+    stage->say("recording 0");
+    click(inside);
+    EXPECT_FALSE(other->tells("pressed", 500));
+    drag(inside, inside + QPoint(10, -10));
+    EXPECT_TRUE(stage->tells("rect 110 110 400 300", 10'000)
+                || !stage->told.filter("rect 110 110").isEmpty());
+}
+
+TEST_P(OverlayDesktop, IsAboveWindowsPanelsAndMenus)
+{
+    stage->say("place");
+    auto other = startOther({ 60, 160, 300, 300 }, otherColour);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a window that came later";
+    auto panel = startOther({ 60, 180, 300, 40 }, QColor(Qt::yellow), {}, "Panel");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a panel";
+    QImage menu(200, 200, QImage::Format_RGB32);
+    menu.fill(Qt::cyan);
+    const auto shown = painter->showWindow(menu, { 150, 150 });
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a menu";
+    EXPECT_TRUE(eventually([&] { return pixel(QPoint(200, 180)) == QColor(Qt::cyan); }));
+    painter->raiseWindow(shown);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a menu that is raised again";
+    painter->hideWindow(shown);
+    // Clicking a window raises it, not above the overlay.
+    click({ 70, 420 });
+    EXPECT_TRUE(other->tells("pressed", 10'000));
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+}
+
+TEST_P(OverlayDesktop, IsBelowTheMainWindow)
+{
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    stage->say("main 150 150 200 150");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
+    click(onBar);
+    EXPECT_TRUE(stage->tells("main pressed", 10'000));
+    // Shown again, it stays below.
+    stage->say("place");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
+    // Other windows come below both.
+    auto other = startOther({ 320, 160, 300, 300 }, otherColour);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel({ 400, 196 })); }));
+    EXPECT_EQ(pixel(onBar), mainColour);
+    // A press on the overlay raises it not above.
+    click({ 450, 450 });
+    EXPECT_TRUE(eventually([&] { return pixel({ 400, 196 }) == white; }));
+    EXPECT_EQ(pixel(onBar), mainColour);
+    stage->say("main");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+}
+
+TEST_P(OverlayDesktop, FrameIsBrighterWithTheKeyboardFocus)
+{
+    auto other = startOther({ 600, 20, 150, 100 }, otherColour);
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return pixel(onBar) == lightGrey; })) << "shown without the focus";
+    click(inside);
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == white; }));
+    click({ 660, 60 });
+    EXPECT_TRUE(other->tells("pressed", 10'000));
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == lightGrey; }));
+}
+
+TEST_P(OverlayDesktop, IsOnNoTaskBar)
+{
+    stage->say("main 150 150 200 150");
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel({ 400, 196 })); }));
+    QProcess list;
+    list.start("xprop", { "-root", "_NET_CLIENT_LIST" });
+    list.waitForFinished();
+    const QString clients = QString::fromUtf8(list.readAllStandardOutput());
+    EXPECT_EQ(clients.count("0x"), 1) << qPrintable(clients) << "the main window alone";
+}
+
+TEST_P(OverlayDesktop, CompositingManagersComeAndGo)
+{
+    useLogo();
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    for (int turn = 0; turn < 2; ++turn) {
+        if (picom) {
+            picom.reset();
+            EXPECT_TRUE(eventually([&] { return pixel(inside) == background; })) << "not black, not tinted";
+        } else {
+            picom = server->startPicom();
+            ASSERT_TRUE(picom);
+            EXPECT_TRUE(eventually([&] { return pixel(inside).blue() > 95 && pixel(inside).red() < 40; }));
+        }
+        EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel(onLogo) == QColor(Qt::red); }));
+        drag(inside, inside + QPoint(10, 0));
+        EXPECT_TRUE(stage->tells("rect 110 100 400 300", 10'000));
+        drag(inside, inside - QPoint(10, 0));
+        EXPECT_TRUE(stage->tells("rect 100 100 400 300", 10'000));
+    }
+}
+
+TEST_P(OverlayDesktop, FullDisplayShowsNoFrame)
+{
+    useLogo();
+    stage->say("set recordRegion 0");
+    stage->say("place");
+    // In the window, which begins 8 pixels beyond the lower left of the display.
+    const QPoint logo(100 + 30, 600 - 100 - 20);
+    EXPECT_TRUE(eventually([&] { return pixel(logo) == QColor(Qt::red); }));
+    const QImage screen = painter->screen();
+    EXPECT_EQ(screen.pixelColor(0, 0), screen.pixelColor(400, 100)) << "no handle";
+    EXPECT_EQ(screen.pixelColor(0, 100), screen.pixelColor(400, 100)) << "no bar";
+    EXPECT_EQ(screen.pixelColor(799, 599), screen.pixelColor(400, 100));
+    stage->say("recording 1");
+    EXPECT_TRUE(eventually([&] { return pixel({ 400, 100 }) == background; }));
+    EXPECT_EQ(pixel(logo), QColor(Qt::red));
+}
+
+TEST_P(OverlayDesktop, FollowsTheSizeOfTheDisplay)
+{
+    useLogo();
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    const QString mode = QStringLiteral("small 25 640 656 752 800 480 490 492 525");
+    server->run(QStringList { "xrandr", "--newmode" } + mode.split(u' '));
+    server->run({ "xrandr", "--addmode", "screen", "small" });
+    ASSERT_EQ(server->run({ "xrandr", "--output", "screen", "--mode", "small" }), 0);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar - QPoint(0, 120))); })) << "from the lower edge on";
+    EXPECT_TRUE(eventually([&] { return !isBar(pixel(onBar)); }));
+    drag(inside - QPoint(0, 60), inside - QPoint(-10, 60));
+    EXPECT_TRUE(stage->waitForLine("rect 110 100 400 300"));
+    stage->say("set recordRegion 0");
+    stage->say("place");
+    EXPECT_TRUE(eventually([&] { return pixel({ 130, 360 }) == QColor(Qt::red); }));
+    ASSERT_EQ(server->run({ "xrandr", "--output", "screen", "--mode", "800x600" }), 0);
+    EXPECT_TRUE(eventually([&] { return pixel({ 130, 480 }) == QColor(Qt::red); }));
+}
+
+/// A second program drags files in.
+class OverlayDrop : public OverlayDesktop
+{
+protected:
+    void SetUp() override
+    {
+        OverlayDesktop::SetUp();
+        useLogo();
+        QImage yellow(120, 80, QImage::Format_RGB32);
+        yellow.fill(Qt::yellow);
+        ASSERT_TRUE(yellow.save(folder.filePath("a picture.png")));
+        QFile whole(folder.filePath("a picture.png"));
+        QFile broken(folder.filePath("broken.png"));
+        ASSERT_TRUE(whole.open(QIODevice::ReadOnly) && broken.open(QIODevice::WriteOnly));
+        broken.write("no" + whole.readAll());
+    }
+
+    void startSource(const QString &file)
+    {
+        source = startOther({ 600, 20, 150, 100 }, otherColour, folder.filePath(file));
+        stage->say("place");
+        ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    }
+    /// As a hand does: in steps, with time for the programs to talk.
+    QString dragFile(QPoint to)
+    {
+        const QPoint from(660, 60);
+        press(from);
+        for (int step = 1; step <= 8; ++step) {
+            moveTo(from + (to - from) * step / 8);
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        }
+        moveTo(to);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        release();
+        return source->waitFor([](const QString &line) { return line.startsWith("dropped"); });
+    }
+
+    std::unique_ptr<LineProgram> source;
+};
+
+TEST_P(OverlayDrop, PictureBecomesTheLogoCentredThere)
+{
+    startSource("a picture.png");
+    for (const QPoint to : { QPoint(350, 300), onLogo, QPoint(300, 400) }) {
+        EXPECT_EQ(dragFile(to), "dropped copy");
+        // The view's lower left is at (92, 508) of the desktop.
+        const QString told = QStringLiteral("logo %1 %2 120 80").arg(to.x() - 92 - 60).arg(508 - to.y() - 40);
+        EXPECT_TRUE(stage->waitForLine(told)) << qPrintable(stage->told.join(u'\n'));
+        EXPECT_TRUE(eventually([&] {
+            return pixel(to - QPoint(60, 40)) == QColor(Qt::yellow)
+                && pixel(to + QPoint(59, 39)) == QColor(Qt::yellow)
+                && pixel(to + QPoint(60, 0)) != QColor(Qt::yellow)
+                && pixel(to - QPoint(0, 41)) != QColor(Qt::yellow);
+        }));
+    }
+}
+
+TEST_P(OverlayDrop, BrokenPictureIsRefused)
+{
+    startSource("broken.png");
+    EXPECT_EQ(dragFile({ 350, 300 }), "dropped nothing");
+    EXPECT_EQ(pixel(onLogo), QColor(Qt::red));
+}
+
+TEST_P(OverlayDrop, TextLogoRefuses)
+{
+    stage->say("set logoContext.LogoType 0");
+    startSource("a picture.png");
+    EXPECT_EQ(dragFile({ 350, 300 }), "dropped nothing");
+    EXPECT_EQ(dragFile({ 150, 300 }), "dropped nothing") << "nor the second time";
+}
+
+TEST_P(OverlayDrop, DragThatOnlyPassesIsForgotten)
+{
+    startSource("a picture.png");
+    press({ 660, 60 });
+    for (const QPoint to : { QPoint(640, 80), QPoint(400, 300), QPoint(380, 300), QPoint(700, 560) }) {
+        moveTo(to);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    release();
+    EXPECT_EQ(source->waitFor([](const QString &line) { return line.startsWith("dropped"); }),
+              "dropped nothing");
+    EXPECT_EQ(pixel(onLogo), QColor(Qt::red));
+    EXPECT_EQ(dragFile({ 350, 300 }), "dropped copy");
+}
+
+TEST_P(OverlayDrop, IsCentredAtAScaleFactorToo)
+{
+    stage.reset();
+    startStage(1.25);
+    stage->say("set recordRegion 1");
+    stage->say("rect 100 100 400 300");
+    useLogo();
+    startSource("a picture.png");
+    for (const QPoint to : { QPoint(351, 303), QPoint(302, 399) }) {
+        EXPECT_EQ(dragFile(to), "dropped copy");
+        const QString told = QStringLiteral("logo %1 %2 120 80").arg(to.x() - 92 - 60).arg(508 - to.y() - 40);
+        EXPECT_TRUE(stage->waitForLine(told)) << qPrintable(stage->told.join(u'\n'));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, OverlayDesktop, testing::Bool(), compositingName);
+INSTANTIATE_TEST_SUITE_P(Desktops, OverlayDrop, testing::Bool(), compositingName);
+
+} // namespace
+} // namespace vornic

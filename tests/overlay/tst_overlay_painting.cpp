@@ -1,0 +1,272 @@
+#include "options/VNLogoContext.h"
+#include "options/y_up.h"
+#include "overlay/overlay_geometry.h"
+#include "overlay/overlay_painting.h"
+#include "overlay_main.h"
+
+#include <QPainter>
+
+namespace vornic {
+namespace {
+
+constexpr QRectF bounds(0, 0, 216, 116);
+const QColor nothing(0, 0, 0, 0);
+const QColor white(255, 255, 255);
+const QColor lightGrey(204, 204, 204);
+const QColor cyan(0, 204, 255);
+
+class OverlayPainting : public testing::TestWithParam<int>
+{
+protected:
+    /// What the overlay looks like at GetParam() device pixels a point, on a surface full of garbage.
+    QImage painted(const OverlayLook &look, const VNLogoContext *logo = nullptr)
+    {
+        QImage image(look.bounds.size().toSize() * ratio, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        painter.scale(ratio, ratio);
+        turnOver(painter, look.bounds.height());
+        paintOverlay(painter, look, logo);
+        return image;
+    }
+    /// In the middle of the point's pixels; y up.
+    [[nodiscard]] QColor at(const QImage &image, int x, int y) const
+    {
+        return image.pixelColor(x * ratio + ratio / 2, image.height() - y * ratio - 1 - ratio / 2);
+    }
+
+    int ratio = GetParam();
+};
+
+/// A few parts in 255 off, as premultiplied colours of so little alpha are.
+bool isTint(const QColor &colour)
+{
+    return colour.alpha() == 33 && std::abs(colour.green() - 204) < 8 && colour.blue() > 247
+        && colour.red() < 8;
+}
+
+TEST_P(OverlayPainting, IdleHasTintFrameAndHandles)
+{
+    const QImage image = painted({ bounds });
+    EXPECT_EQ(at(image, 10, 0), nothing);
+    EXPECT_EQ(at(image, 10, 1), nothing);
+    EXPECT_EQ(at(image, 50, 2), lightGrey);
+    EXPECT_EQ(at(image, 50, 5), lightGrey);
+    EXPECT_TRUE(isTint(at(image, 50, 6)));
+    EXPECT_TRUE(isTint(at(image, 108, 58))) << "the centre handle is not drawn";
+    EXPECT_EQ(at(image, 210, 50), lightGrey);
+    EXPECT_EQ(at(image, 213, 50), lightGrey);
+    EXPECT_TRUE(isTint(at(image, 209, 50)));
+    EXPECT_EQ(at(image, 214, 50), nothing);
+    for (int region = 0; region < 8; ++region) {
+        const QPoint middle = hotRegion(bounds, region)->boundingRect().center().toPoint();
+        EXPECT_EQ(at(image, middle.x(), middle.y()), cyan) << region;
+        EXPECT_EQ(at(image, middle.x() - 1, middle.y() - 1), cyan) << region;
+    }
+    EXPECT_EQ(at(image, 0, 0), nothing) << "handles are round";
+}
+
+TEST_P(OverlayPainting, FrameIsBrighterWithTheKeyboardFocus)
+{
+    EXPECT_EQ(at(painted({ .bounds = bounds, .isKey = true }), 50, 3), white);
+    EXPECT_EQ(at(painted({ .bounds = bounds, .isKey = false }), 50, 3), lightGrey);
+}
+
+TEST_P(OverlayPainting, RecordingLeavesOnlyTheFrame)
+{
+    const QImage image = painted({ .bounds = bounds, .isRecording = true, .isKey = true });
+    EXPECT_EQ(at(image, 50, 3), white);
+    EXPECT_EQ(at(image, 3, 3), white) << "no handle over the corner, no hole where two bars meet";
+    EXPECT_EQ(at(image, 1, 112), nothing) << "no handle outside the frame";
+    EXPECT_EQ(at(image, 7, 58), nothing) << "no handle inside it";
+    EXPECT_EQ(at(image, 50, 6), nothing);
+    EXPECT_EQ(at(image, 108, 58), nothing);
+    // Nothing at all where pictures are taken.
+    const QRect recorded(8 * ratio, 8 * ratio, 200 * ratio, 100 * ratio);
+    QImage none(recorded.size(), image.format());
+    none.fill(Qt::transparent);
+    EXPECT_EQ(image.copy(recorded), none);
+}
+
+TEST_P(OverlayPainting, LogoLiesOverEverythingWhileItIsOn)
+{
+    VNLogoContext logo;
+    logo.setLogoType(1);
+    QImage red(20, 10, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    logo.setNSImage(red);
+    logo.setLogoPosition({ 0, 0 });
+    EXPECT_EQ(at(painted({ bounds }, &logo), 4, 4), cyan);
+    logo.setLogoValidate(true);
+    for (const bool isRecording : { false, true }) {
+        const QImage image = painted({ .bounds = bounds, .isRecording = isRecording }, &logo);
+        EXPECT_EQ(at(image, 0, 0), QColor(Qt::red));
+        EXPECT_EQ(at(image, 4, 4), QColor(Qt::red));
+        EXPECT_EQ(at(image, 19, 9), QColor(Qt::red));
+        EXPECT_NE(at(image, 20, 9), QColor(Qt::red));
+        EXPECT_NE(at(image, 19, 10), QColor(Qt::red));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ratios, OverlayPainting, testing::Values(1, 2));
+
+/// The overlay without translucency: what is painted over garbage, and the shape cut out of it.
+class ShapedOverlay : public testing::Test
+{
+protected:
+    void paint(const OverlayLook &look, const VNLogoContext *logo = nullptr)
+    {
+        const LogoStencil stencil = stencilOf(logo, look.bounds);
+        shape = overlayShape(look, stencil);
+        image = QImage(look.bounds.size().toSize(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        paintShapedOverlay(painter, look, stencil);
+    }
+    /// Every pixel of the shape is painted opaque, and none beside it.
+    [[nodiscard]] bool isShapeAllThatIsPainted() const
+    {
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (image.pixelColor(x, y).alpha() != (shape.contains(QPoint(x, y)) ? 255 : 0))
+                    return false;
+        return true;
+    }
+    [[nodiscard]] qint64 pixelsIn(const QRect &rectangle) const
+    {
+        qint64 count = 0;
+        for (const QRect &part : shape.intersected(rectangle))
+            count += qint64 { part.width() } * part.height();
+        return count;
+    }
+    /// A white square with its lower left at (50, 40).
+    static void useSquare(VNLogoContext &logo, QSize size = { 40, 40 })
+    {
+        QImage square(size, QImage::Format_RGB32);
+        square.fill(Qt::white);
+        logo.setLogoValidate(true);
+        logo.setLogoType(1);
+        logo.setNSImage(square);
+        logo.setLogoPosition({ 50, 40 });
+    }
+
+    QRegion shape;
+    QImage image;
+    const QRect recorded { 8, 8, 200, 100 };
+};
+
+TEST_F(ShapedOverlay, IdleShowsFrameAndHandlesButNoTint)
+{
+    paint({ .bounds = bounds, .isTranslucent = false });
+    EXPECT_TRUE(isShapeAllThatIsPainted());
+    EXPECT_FALSE(shape.contains(QPoint(100, 50)));
+    EXPECT_EQ(image.pixelColor(50, 3), lightGrey);
+    EXPECT_EQ(image.pixelColor(4, 4), cyan);
+    EXPECT_EQ(image.pixelColor(211, 58), cyan);
+    EXPECT_FALSE(shape.contains(QPoint(0, 0)));
+    EXPECT_EQ(shape.boundingRect(), bounds.toRect());
+}
+
+TEST_F(ShapedOverlay, RecordingShowsNothingInsideTheRectangle)
+{
+    paint({ .bounds = bounds, .isRecording = true, .isKey = true, .isTranslucent = false });
+    EXPECT_TRUE(isShapeAllThatIsPainted());
+    EXPECT_FALSE(shape.intersects(recorded));
+    EXPECT_EQ(shape, QRegion(2, 2, 212, 112) - QRegion(6, 6, 204, 104));
+    EXPECT_EQ(image.pixelColor(4, 4), white);
+}
+
+TEST_F(ShapedOverlay, LogoIsCutOutPixelByPixel)
+{
+    VNLogoContext logo;
+    logo.setLogoValidate(true);
+    logo.setLogoPosition({ 50, 40 });
+    logo.setLogoText("I O");
+    logo.setLogoRotation(20);
+    paint({ .bounds = bounds, .isRecording = true, .isTranslucent = false }, &logo);
+    EXPECT_TRUE(isShapeAllThatIsPainted()) << "soft edges become hard ones, not dark ones";
+    EXPECT_GT(pixelsIn(recorded), 50);
+    EXPECT_LT(pixelsIn(recorded), 400);
+    logo.setLogoValidate(false);
+    paint({ .bounds = bounds, .isRecording = true, .isTranslucent = false }, &logo);
+    EXPECT_EQ(pixelsIn(recorded), 0);
+}
+
+TEST_F(ShapedOverlay, RowsStandForOpacity)
+{
+    VNLogoContext logo;
+    useSquare(logo);
+    const OverlayLook look { .bounds = bounds, .isRecording = true, .isTranslucent = false };
+    const std::pair<int, int> rowsOfForty[] { { 0, 0 }, { 64, 10 }, { 128, 20 }, { 192, 30 }, { 255, 40 } };
+    for (const auto &[opacity, rows] : rowsOfForty) {
+        logo.setLogoTransparency(opacity);
+        paint(look, &logo);
+        EXPECT_EQ(pixelsIn(recorded), rows * 40) << opacity;
+        EXPECT_TRUE(isShapeAllThatIsPainted());
+    }
+    logo.setLogoTransparency(128);
+    paint(look, &logo);
+    for (int y = 37; y < 75; ++y)
+        EXPECT_NE(shape.contains(QPoint(60, y)), shape.contains(QPoint(60, y + 1))) << "every other row";
+}
+
+TEST_F(ShapedOverlay, RowsMoveWithTheLogo)
+{
+    VNLogoContext logo;
+    useSquare(logo);
+    logo.setLogoTransparency(100);
+    const OverlayLook look { .bounds = bounds, .isRecording = true, .isTranslucent = false };
+    paint(look, &logo);
+    const QRegion before = shape.intersected(recorded);
+    logo.setLogoPosition(logo.LogoPosition() + QPointF(3, -5));
+    paint(look, &logo);
+    EXPECT_EQ(shape.intersected(recorded), before.translated(3, 5));
+}
+
+TEST_F(ShapedOverlay, LogoOutsideTheViewIsNone)
+{
+    VNLogoContext logo;
+    useSquare(logo);
+    logo.setLogoPosition({ 1000, 1000 });
+    EXPECT_TRUE(stencilOf(&logo, bounds).shape.isEmpty());
+    logo.setLogoPosition({ 200, 100 });
+    const LogoStencil cut = stencilOf(&logo, bounds);
+    EXPECT_EQ(cut.shape.boundingRect(), QRect(200, 0, 16, 16)) << "as far as the view reaches";
+    EXPECT_TRUE(stencilOf(nullptr, bounds).picture.isNull());
+}
+
+TEST(ChangedRegion, IsNoMoreThanWhatLooksOtherwise)
+{
+    const OverlayLook look { bounds };
+    EXPECT_TRUE(changedRegion(look, look).isEmpty());
+    OverlayLook focused = look;
+    focused.isKey = true;
+    EXPECT_EQ(changedRegion(look, focused), QRegion(2, 2, 212, 112) - QRegion(6, 6, 204, 104));
+    OverlayLook recording = focused;
+    recording.isRecording = true;
+    EXPECT_EQ(changedRegion(look, recording), QRegion(bounds.toRect()));
+    OverlayLook larger = look;
+    larger.bounds.setWidth(300);
+    EXPECT_EQ(changedRegion(look, larger), QRegion(0, 0, 300, 116));
+}
+
+TEST(LogoPixels, HoldWhatIsDrawn)
+{
+    VNLogoContext logo;
+    logo.setLogoType(1);
+    logo.setNSImage(QImage(40, 30, QImage::Format_RGB32));
+    logo.setLogoPosition({ 50, 20 });
+    EXPECT_TRUE(logoPixels(&logo, bounds).isEmpty()) << "it is off";
+    logo.setLogoValidate(true);
+    EXPECT_TRUE(logoPixels(&logo, bounds).contains(QRect(50, 66, 40, 30)));
+    EXPECT_LE(logoPixels(&logo, bounds).width(), 42);
+    EXPECT_TRUE(logoPixels(nullptr, bounds).isEmpty());
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    return vornic::runOverlayTests(argc, argv);
+}
