@@ -4,6 +4,7 @@
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "codec/PKMuxerTaskDataSource.h"
+#include "overlay/VNRecorderWndCtrlDelegate.h"
 #include "platform/observable_object.h"
 
 #include <QRectF>
@@ -31,6 +32,7 @@ class VNBufferMgr;
 class VNCGDisplay;
 class VNLogoContext;
 class VNOption;
+class VNRecorderWndCtrl;
 struct AudioStreamBasicDescription;
 
 /// The spine of the program: one recording at a time, from the record button to the finished movie.
@@ -41,7 +43,8 @@ struct AudioStreamBasicDescription;
 class VornicAppDelegate : public ObservableObject,
                           public PKMuxerTaskDataSource,
                           public PKAudioControlDelegate,
-                          public PKAudioRecorderDelegate
+                          public PKAudioRecorderDelegate,
+                          public VNRecorderWndCtrlDelegate
 {
     Q_OBJECT
     Q_MOC_INCLUDE("options/VNOption.h")
@@ -81,7 +84,21 @@ public:
     void alertError(const QString &text);
     /// True when the main window may close; asks while a recording runs.
     [[nodiscard]] bool windowShouldClose();
-    [[nodiscard]] bool VNRecorderWndCtrlIsRecording() const { return m_state == 1; }
+    /// Borrows the overlay, until the delegate ends; without one nothing is shown of region and logo. Before
+    /// applicationDidFinishLaunching().
+    void setRecorderWndCtrl(VNRecorderWndCtrl *controller) { m_recorderWndCtrl = controller; }
+    [[nodiscard]] bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override
+    {
+        return m_state == 1;
+    }
+    /// The choice between display and rectangle has changed: the overlay is placed, or hidden.
+    void recordRegionChanged();
+    /// The logo was switched on or off, or is another one.
+    void logoChanged();
+    /// The picture of the logo, from a file; what cannot be read is told, and the old one stays.
+    void setLogoImageFile(const QString &path);
+    /// The main window closes: the overlay goes with it.
+    void windowWillClose();
 
     // recording session
     [[nodiscard]] int state() const { return m_state; }
@@ -151,7 +168,9 @@ private:
     void endCapture();
     [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image, double origin);
     void tellOfAudioWait();
+    [[nodiscard]] std::chrono::nanoseconds overlayWait() const;
     void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
+    void adoptOverlay();
     void fillAudioDevices();
     void addAudioDevices(const QStringList &names);
     void enableAudioDevices();
@@ -174,6 +193,7 @@ private:
     std::unique_ptr<VNBufferMgr> mBufferMgr;
     std::unique_ptr<VNCGDisplay> mDisplay;
     AudioControl *m_audioControl = nullptr;
+    VNRecorderWndCtrl *m_recorderWndCtrl = nullptr;
     std::unique_ptr<AudioDeviceList> mAudioDevicesView;
     std::unique_ptr<AudioRecorder> _audioRecorder;
     std::unique_ptr<FrameComposer> m_composer; ///< on the encoder's thread while a movie is written

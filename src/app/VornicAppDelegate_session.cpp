@@ -13,6 +13,8 @@
 #include "codec/PKTimebase.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
+#include "overlay/VNRecoderWindow.h"
+#include "overlay/VNRecorderWndCtrl.h"
 #include "platform/clock.h"
 #include "platform/display/bitmap_image.h"
 #include "platform/log.h"
@@ -133,9 +135,17 @@ void VornicAppDelegate::startRecorderAnyway()
     if (part)
         m_frontEnd.setSaving(true);
     const QRectF grabbed = part ? region : QRectF();
-    imgCaptureQueue().async(
-        [this, grabbed, frameRate] { captureInBackground(absoluteTimeSeconds(), grabbed, frameRate); });
+    imgCaptureQueue().after(overlayWait(), [this, grabbed, frameRate] {
+        captureInBackground(absoluteTimeSeconds(), grabbed, frameRate);
+    });
     startRecorder(arguments);
+}
+
+/// A compositing manager shows a moment later that the overlay's tint and handles are gone.
+std::chrono::nanoseconds VornicAppDelegate::overlayWait() const
+{
+    const VNRecoderWindow *overlay = m_recorderWndCtrl ? m_recorderWndCtrl->window() : nullptr;
+    return overlay && overlay->isVisible() ? std::chrono::milliseconds(100) : std::chrono::milliseconds(0);
 }
 
 void VornicAppDelegate::scheduleCapture(std::chrono::nanoseconds delay,
@@ -271,6 +281,8 @@ void VornicAppDelegate::setState(int state)
     m_state = state;
     notifyChanged({ "state" });
     mAudioDevicesView->setEnabled(allowedAudioRecord());
+    if (m_recorderWndCtrl)
+        m_recorderWndCtrl->reloadData();
     m_frontEnd.reloadData();
 }
 

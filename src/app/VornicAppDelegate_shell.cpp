@@ -11,8 +11,12 @@
 #include "capture/frame_composer.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
+#include "overlay/VNRecoderWindow.h"
+#include "overlay/VNRecorderWndCtrl.h"
 #include "platform/display/bitmap_image.h"
 #include "platform/serial_queue.h"
+
+#include <QImageReader>
 
 #include <utility>
 
@@ -40,6 +44,10 @@ VornicAppDelegate::~VornicAppDelegate()
 {
     if (m_audioControl)
         m_audioControl->setDelegate(nullptr);
+    if (m_recorderWndCtrl) {
+        m_recorderWndCtrl->setDelegate(nullptr);
+        m_recorderWndCtrl->setOptions(nullptr);
+    }
 }
 
 void VornicAppDelegate::applicationDidFinishLaunching()
@@ -47,9 +55,55 @@ void VornicAppDelegate::applicationDidFinishLaunching()
     // Stored options that cannot be read yield none once; the program starts all the same.
     if (!options())
         static_cast<void>(options());
+    adoptOverlay();
     mBufferMgr = std::make_unique<VNBufferMgr>(4);
     mDisplay = std::make_unique<VNCGDisplay>();
     fillAudioDevices();
+    recordRegionChanged();
+}
+
+void VornicAppDelegate::adoptOverlay()
+{
+    if (!m_recorderWndCtrl)
+        return;
+    m_recorderWndCtrl->setOptions(options());
+    m_recorderWndCtrl->setDelegate(this);
+    connect(options(), &VNOption::recordRegionChanged, this, &VornicAppDelegate::recordRegionChanged);
+    connect(
+        options()->logoContext(), &VNLogoContext::LogoValidateChanged, this, &VornicAppDelegate::logoChanged);
+}
+
+void VornicAppDelegate::recordRegionChanged()
+{
+    if (m_recorderWndCtrl)
+        m_recorderWndCtrl->placeWindow();
+    enableAudioDevices();
+}
+
+void VornicAppDelegate::logoChanged()
+{
+    if (m_recorderWndCtrl)
+        m_recorderWndCtrl->placeWindow();
+}
+
+void VornicAppDelegate::setLogoImageFile(const QString &path)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    const QImage picture = reader.read();
+    if (picture.isNull()) {
+        alertError(tr("The picture %1 cannot be read: %2.").arg(path, reader.errorString()));
+        return;
+    }
+    options()->logoContext()->setNSImage(picture);
+    if (m_recorderWndCtrl)
+        m_recorderWndCtrl->reloadData();
+}
+
+void VornicAppDelegate::windowWillClose()
+{
+    if (m_recorderWndCtrl && m_recorderWndCtrl->window())
+        m_recorderWndCtrl->window()->orderOut();
 }
 
 void VornicAppDelegate::terminate()

@@ -5,6 +5,8 @@
 #include "app/unix_signals.h"
 #include "app/window_front_end.h"
 #include "audio/PKAudioControl.h"
+#include "overlay/VNRecoderWindow.h"
+#include "overlay/VNRecorderWndCtrl.h"
 #include "platform/display/display_backend.h"
 #include "platform/log.h"
 
@@ -29,10 +31,13 @@ int runWindow(int &argc, char **argv)
     WindowFrontEnd frontEnd;
     VornicAppDelegate delegate(frontEnd);
     delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
+    VNRecorderWndCtrl &overlay = VNRecorderWndCtrl::shareRecorderWndCtrl();
+    delegate.setRecorderWndCtrl(&overlay);
     delegate.applicationDidFinishLaunching();
     const UnixSignals signalled;
     MainWindow window(delegate);
     frontEnd.setWindow(&window, &delegate);
+    overlay.window()->setWindowAbove(&window);
     QObject::connect(&signalled, &UnixSignals::terminationAsked, &delegate, &VornicAppDelegate::terminate);
     QObject::connect(&window, &MainWindow::closed, &delegate, &VornicAppDelegate::terminate);
     QObject::connect(&delegate,
@@ -43,6 +48,8 @@ int runWindow(int &argc, char **argv)
     window.show();
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();
+    overlay.window()->orderOut();
+    overlay.window()->setWindowAbove(nullptr);
     return status;
 }
 

@@ -5,12 +5,16 @@
 #include "options/VNOption.h"
 #include "platform/key_path_binding.h"
 
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QFileDialog>
 #include <QGridLayout>
+#include <QImageReader>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -24,10 +28,13 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     , savePI(new QProgressBar(this))
 {
     setWindowTitle(QStringLiteral("Vornic"));
+    // Above the overlay, which is above everything else.
+    setWindowFlag(Qt::WindowStaysOnTopHint);
     auto *layout = new QGridLayout(this);
     addRegion(*layout);
     addQuality(*layout);
     addSound(*layout);
+    addLogo(*layout);
     addAfterwards(*layout);
     m_recordButton->setObjectName(QStringLiteral("recordButton"));
     m_recordButton->setDefault(true);
@@ -38,7 +45,10 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     savePI->setMaximumHeight(6);
     layout->addWidget(savePI, layout->rowCount(), 0, 1, 4);
     connect(m_recordButton, &QPushButton::clicked, &m_delegate, &VornicAppDelegate::recorded);
-    connect(&m_delegate, &VornicAppDelegate::allowedEditRecordRegionChanged, this, &MainWindow::reloadData);
+    for (const auto changed : { &VornicAppDelegate::allowedEditRecordRegionChanged,
+                                &VornicAppDelegate::allowedEditLogoChanged,
+                                &VornicAppDelegate::allowedEditFontChanged })
+        connect(&m_delegate, changed, this, &MainWindow::reloadData);
     reloadData();
     m_recordButton->setFocus();
 }
@@ -51,37 +61,47 @@ void MainWindow::bind(QWidget *control, const char *property, const char *keyPat
 
 void MainWindow::addRegion(QGridLayout &layout)
 {
+    auto *regions = new QButtonGroup(this);
     auto *full = new QRadioButton(tr("&Full display"), this);
     auto *part = new QRadioButton(tr("&Selected rectangle"), this);
+    regions->addButton(full);
+    regions->addButton(part);
     bind(full, "checked", "isRecordFullScreen");
     part->setChecked(!full->isChecked());
     m_otherControls.insert(m_otherControls.end(), { full, part });
     layout.addWidget(full, 0, 0, 1, 2);
     layout.addWidget(part, 0, 2, 1, 2);
 
-    struct Field {
-        const char *keyPath;
-        QString label;
-        int row;
-        int column;
-    };
-    const Field fields[] = { { "offsetX", tr("Left"), 1, 0 },
-                             { "offsetY", tr("Bottom"), 1, 2 },
-                             { "width", tr("Width"), 2, 0 },
-                             { "height", tr("Height"), 2, 2 } };
-    for (const Field &field : fields) {
+    addNumbers(layout,
+               { { "offsetX", tr("Left"), -100'000, 100'000, 0 },
+                 { "offsetY", tr("Bottom"), -100'000, 100'000, 0 },
+                 { "width", tr("Width"), -100'000, 100'000, 0 },
+                 { "height", tr("Height"), -100'000, 100'000, 0 } },
+               m_regionControls);
+}
+
+/// Two in a row, each behind its label.
+void MainWindow::addNumbers(QGridLayout &layout,
+                            const std::vector<NumberField> &fields,
+                            std::vector<QWidget *> &controls)
+{
+    int row = layout.rowCount() - 1;
+    int column = 2;
+    for (const NumberField &field : fields) {
         auto *number = new QDoubleSpinBox(this);
-        number->setDecimals(0);
-        number->setRange(-100'000, 100'000);
-        number->setSuffix(tr(" px"));
+        number->setDecimals(field.decimals);
+        number->setRange(field.least, field.most);
+        number->setSingleStep(field.decimals > 0 ? 0.1 : 1);
         number->setAccessibleName(field.label);
         number->setKeyboardTracking(false);
         bind(number, "value", field.keyPath);
         auto *label = new QLabel(field.label, this);
         label->setBuddy(number);
-        layout.addWidget(label, field.row, field.column);
-        layout.addWidget(number, field.row, field.column + 1);
-        m_regionControls.push_back(number);
+        column = 2 - column;
+        row += column == 0 ? 1 : 0;
+        layout.addWidget(label, row, column);
+        layout.addWidget(number, row, column + 1);
+        controls.push_back(number);
     }
 }
 
@@ -100,7 +120,7 @@ void MainWindow::addQuality(QGridLayout &layout)
 
 void MainWindow::addSound(QGridLayout &layout)
 {
-    auto *sound = new QCheckBox(tr("&Sound"), this);
+    auto *sound = new QCheckBox(tr("Sou&nd"), this);
     bind(sound, "checked", "enableAudio");
     auto *devices = new QComboBox(this);
     devices->setObjectName(QStringLiteral("mAudioDevicesView"));
@@ -127,6 +147,54 @@ void MainWindow::addSound(QGridLayout &layout)
     show();
 }
 
+void MainWindow::addLogo(QGridLayout &layout)
+{
+    auto *logo = new QCheckBox(tr("&Logo"), this);
+    bind(logo, "checked", "logoContext.LogoValidate");
+    m_otherControls.push_back(logo);
+    auto *text = new QRadioButton(tr("&Text"), this);
+    auto *picture = new QRadioButton(tr("P&icture"), this);
+    auto *kind = new QButtonGroup(this);
+    kind->addButton(text);
+    kind->addButton(picture);
+    bind(text, "checked", "logoContext.isLogoTypeText");
+    picture->setChecked(!text->isChecked());
+    auto *choose = new QPushButton(tr("&Choose…"), this);
+    connect(choose, &QPushButton::clicked, this, &MainWindow::chooseLogoImage);
+    auto *words = new QLineEdit(this);
+    words->setAccessibleName(tr("The logo's text"));
+    bind(words, "text", "logoContext.LogoText");
+    const int row = layout.rowCount();
+    layout.addWidget(logo, row, 0);
+    layout.addWidget(text, row, 1);
+    layout.addWidget(picture, row, 2);
+    layout.addWidget(choose, row, 3);
+    layout.addWidget(words, row + 1, 0, 1, 4);
+    m_logoControls.insert(m_logoControls.end(), { text, picture, choose });
+    m_textControls.push_back(words);
+    addNumbers(layout,
+               { { "logoContext.logoPositionX", tr("Logo left"), -100'000, 100'000, 0 },
+                 { "logoContext.logoPositionY", tr("Logo bottom"), -100'000, 100'000, 0 },
+                 { "logoContext.LogoScale", tr("Scale"), 0.01, 100, 2 },
+                 { "logoContext.LogoTransparency", tr("Opacity"), 0, 255, 0 },
+                 { "logoContext.LogoRotation", tr("Rotation"), -360, 360, 0 } },
+               m_logoControls);
+}
+
+void MainWindow::chooseLogoImage()
+{
+    auto *panel = new QFileDialog(this, tr("Choose the logo's picture"));
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setWindowModality(Qt::WindowModal);
+    panel->setFileMode(QFileDialog::ExistingFile);
+    QStringList types;
+    for (const QByteArray &type : QImageReader::supportedImageFormats())
+        types += QStringLiteral("*.%1").arg(QString::fromLatin1(type));
+    panel->setNameFilter(tr("Pictures (%1)").arg(types.join(u' ')));
+    connect(panel, &QFileDialog::fileSelected, &m_delegate, &VornicAppDelegate::setLogoImageFile);
+    panel->open();
+}
+
 void MainWindow::addAfterwards(QGridLayout &layout)
 {
     auto *reveal = new QCheckBox(tr("Show the movie in its &folder"), this);
@@ -147,6 +215,10 @@ void MainWindow::reloadData()
 {
     for (QWidget *control : m_regionControls)
         control->setEnabled(m_delegate.allowedEditRecordRegion());
+    for (QWidget *control : m_logoControls)
+        control->setEnabled(m_delegate.allowedEditLogo());
+    for (QWidget *control : m_textControls)
+        control->setEnabled(m_delegate.allowedEditFont());
     for (QWidget *control : m_otherControls)
         control->setEnabled(m_delegate.allowedEditOptions());
     m_recordButton->setEnabled(m_delegate.state() == 0);
@@ -159,6 +231,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     event->accept();
+    m_delegate.windowWillClose();
     emit closed();
 }
 

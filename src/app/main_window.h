@@ -33,6 +33,17 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    struct NumberField {
+        const char *keyPath;
+        QString label;
+        double least;
+        double most;
+        int decimals;
+    };
+    void
+    addNumbers(QGridLayout &layout, const std::vector<NumberField> &fields, std::vector<QWidget *> &controls);
+    void addLogo(QGridLayout &layout);
+    void chooseLogoImage();
     void addRegion(QGridLayout &layout);
     void addQuality(QGridLayout &layout);
     void addSound(QGridLayout &layout);
@@ -43,6 +54,8 @@ private:
     QPushButton *m_recordButton;
     QProgressBar *savePI;
     std::vector<QWidget *> m_regionControls;
+    std::vector<QWidget *> m_logoControls;
+    std::vector<QWidget *> m_textControls;
     std::vector<QWidget *> m_otherControls;
 };
 

@@ -174,7 +174,7 @@ TEST_F(DelegateTest, WhatMayBeEditedFollowsStateAndOptions)
     delegate->recorded();
     ASSERT_TRUE(runUntilGrabbed(1));
     EXPECT_EQ(optionsSpy.size(), 1);
-    EXPECT_TRUE(delegate->VNRecorderWndCtrlIsRecording());
+    EXPECT_EQ(delegate->state(), 1);
     for (const bool allowed : { delegate->allowedEditOptions(),
                                 delegate->allowedEditRecordRegion(),
                                 delegate->allowedEditLogo(),
@@ -185,7 +185,7 @@ TEST_F(DelegateTest, WhatMayBeEditedFollowsStateAndOptions)
     ASSERT_TRUE(runUntilIdle());
     EXPECT_EQ(optionsSpy.size(), 2);
     EXPECT_TRUE(delegate->allowedEditFont());
-    EXPECT_FALSE(delegate->VNRecorderWndCtrlIsRecording());
+    EXPECT_EQ(delegate->state(), 0);
 }
 
 TEST_F(DelegateTest, ASelectedRectangleIsWhatTheMovieShows)

@@ -1,101 +1,10 @@
-#include "recording_fixture.h"
-
-#include <QDir>
-#include <QRegularExpression>
+#include "record_window_fixture.h"
 
 namespace vornic {
 namespace {
 
 using testing::probe;
 using testing::streamOf;
-
-/// The window under a window manager, with a person's keys and mouse.
-class RecordWindowTest : public RecordingTest
-{
-protected:
-    void SetUp() override
-    {
-        startServer();
-        openbox = server->startOpenbox();
-        ASSERT_TRUE(openbox);
-        program = start(QStringLiteral("env"),
-                        { "QT_QPA_PLATFORM=xcb", "HOME=" + folder.path(), QStringLiteral(VORNIC_PROGRAM) });
-        ASSERT_FALSE(waitForWindow("^Vornic$").isEmpty());
-    }
-
-    void TearDown() override
-    {
-        if (program && program->state() != QProcess::NotRunning) {
-            program->terminate();
-            finish(*program);
-        }
-    }
-
-    static QString xdotool(const QStringList &arguments)
-    {
-        QProcess process;
-        process.start("xdotool", arguments);
-        process.waitForFinished();
-        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-    }
-    /// The id of a visible window with such a title, once there is one; empty after 20 s.
-    static QString waitForWindow(const QString &title)
-    {
-        return xdotoolUntil({ "search", "--onlyvisible", "--name", title });
-    }
-    static QString xdotoolUntil(const QStringList &arguments)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        QString found;
-        while (found.isEmpty() && timer.elapsed() < 20'000) {
-            found = xdotool(arguments);
-            if (found.isEmpty())
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        return found.split('\n').last();
-    }
-    void key(const QString &window, const QString &keys) const
-    {
-        xdotool({ "windowfocus", "--sync", window });
-        xdotool({ "key", "--clearmodifiers", keys });
-    }
-    bool waitForFile(const QString &path) const
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!QFile::exists(path) && timer.elapsed() < 30'000)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        return QFile::exists(path);
-    }
-    /// From the main window through the save panel and the hint to a running recording.
-    QString startRecording()
-    {
-        QString window = waitForWindow("^Vornic$");
-        key(window, "Return");
-        const QString panel = waitForWindow("^Save the recording as$");
-        EXPECT_FALSE(panel.isEmpty());
-        xdotool({ "windowfocus", "--sync", panel });
-        xdotool({ "key", "--clearmodifiers", "ctrl+a" });
-        xdotool({ "type", "--clearmodifiers", folder.filePath("window.mp4") });
-        xdotool({ "key", "--clearmodifiers", "Return" });
-        QElapsedTimer timer;
-        timer.start();
-        // The hint bears the program's name too: it is the newest of such windows.
-        QString hint = window;
-        while ((hint == window || hint.isEmpty()) && timer.elapsed() < 20'000) {
-            hint = xdotool({ "getactivewindow" });
-            if (hint == panel)
-                hint.clear();
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        key(hint, "Return");
-        return waitForWindow("^Stop recording$");
-    }
-
-    std::unique_ptr<test::ChildProcess> openbox;
-    std::unique_ptr<QProcess> program;
-};
 
 TEST_F(RecordWindowTest, RecordStopAndMovie)
 {
