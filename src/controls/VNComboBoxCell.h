@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QComboBox>
+#include <QRectF>
+
+namespace vornic {
+
+/// Where a list button of the height 28 has its button, and its text, in points.
+[[nodiscard]] QRectF popupButtonRect(const QRectF &frame);
+[[nodiscard]] QRectF popupTextRect(const QRectF &frame);
+
+/// A list, or a text field with a list, drawn from pictures; all but its looks is the toolkit's.
+///
+/// Made by whoever builds a window, as a child of it; main thread only.
+class VNComboBoxCell : public QComboBox
+{
+    Q_OBJECT
+public:
+    explicit VNComboBoxCell(QWidget *parent = nullptr);
+
+    /// An editable one's text is its editor's.
+    void drawWithFrame(const QRectF &frame, QPainter &view);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void childEvent(QChildEvent *event) override;
+};
+
+} // namespace vornic

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "controls/VNColorWell.h"
+
+#include <QColorDialog>
+#include <QPointer>
+
+namespace vornic {
+
+/// The one colour panel of the program, open beside the window; what it shows is seen in its target at once.
+///
+/// Made at the first call of shared(), and again when it has ended with the window that it stood above; main
+/// thread only.
+class ColorPanel : public QColorDialog
+{
+    Q_OBJECT
+public:
+    [[nodiscard]] static ColorPanel &shared();
+
+    [[nodiscard]] VNColorWell *target() const { return m_target; }
+    /// Shows the colour of \a target and changes it from now on; the one before keeps what it has.
+    void setTarget(VNColorWell &target);
+    /// Above the target's window and no other.
+    void orderFront();
+
+private:
+    ColorPanel();
+
+    QPointer<VNColorWell> m_target;
+};
+
+} // namespace vornic

@@ -1,0 +1,131 @@
+#include "controls/skin_style.h"
+
+#include "controls/VNComboBoxCell.h"
+#include "controls/VNSliderCell.h"
+#include "controls/VNStepperCell.h"
+#include "controls/VNTextFieldCell.h"
+#include "controls/number_field.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QStyleOption>
+
+namespace vornic {
+
+namespace {
+
+/// What the toolkit's editor leaves free by itself at either end.
+constexpr int editorMargin = 2;
+/// Between the upper and lower edge of a list and its editor, for the outline of the focus.
+constexpr int editorInset = 2;
+
+QRect sliderPart(const QStyleOptionSlider &slider, QStyle::SubControl part)
+{
+    if (part != QStyle::SC_SliderHandle)
+        return slider.rect;
+    const double range = double(slider.maximum) - double(slider.minimum);
+    const double fraction = range > 0 ? (double(slider.sliderPosition) - double(slider.minimum)) / range : 0;
+    return sliderKnobRect(slider.rect, fraction).toRect();
+}
+
+QRect stepperPart(const QRect &frame, QStyle::SubControl part)
+{
+    if (part == QStyle::SC_SpinBoxUp)
+        return stepUpRect(frame).toAlignedRect();
+    if (part == QStyle::SC_SpinBoxDown)
+        return stepDownRect(frame).toAlignedRect();
+    return part == QStyle::SC_SpinBoxFrame ? frame : QRect();
+}
+
+QRect numberPart(const QRect &frame, QStyle::SubControl part)
+{
+    if (part == QStyle::SC_SpinBoxEditField)
+        return numberTextRect(frame).toRect();
+    if (part == QStyle::SC_SpinBoxFrame)
+        return frame;
+    return stepperPart(numberStepperRect(frame).toRect(), part);
+}
+
+QRect comboPart(const QStyleOptionComplex &combo, QStyle::SubControl part)
+{
+    if (part == QStyle::SC_ComboBoxArrow)
+        return popupButtonRect(combo.rect).toRect();
+    if (part == QStyle::SC_ComboBoxEditField)
+        return popupTextRect(combo.rect)
+            .toRect()
+            .adjusted(-editorMargin, editorInset, editorMargin, -editorInset);
+    return combo.rect;
+}
+
+} // namespace
+
+SkinStyle *SkinStyle::shared()
+{
+    static QPointer<SkinStyle> instance;
+    if (!instance) {
+        instance = new SkinStyle;
+        instance->setParent(qApp);
+    }
+    return instance;
+}
+
+QRect SkinStyle::subControlRect(ComplexControl control,
+                                const QStyleOptionComplex *option,
+                                SubControl subControl,
+                                const QWidget *widget) const
+{
+    if (qobject_cast<const VNSliderCell *>(widget) && control == CC_Slider)
+        if (const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option))
+            return sliderPart(*slider, subControl);
+    if (qobject_cast<const VNStepperCell *>(widget) && control == CC_SpinBox)
+        return stepperPart(option->rect, subControl);
+    if (qobject_cast<const NumberField *>(widget) && control == CC_SpinBox)
+        return numberPart(option->rect, subControl);
+    if (qobject_cast<const VNComboBoxCell *>(widget) && control == CC_ComboBox)
+        return comboPart(*option, subControl);
+    return QProxyStyle::subControlRect(control, option, subControl, widget);
+}
+
+QRect SkinStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
+{
+    if (element == SE_LineEditContents && qobject_cast<const VNTextFieldCell *>(widget))
+        return textFieldTextRect(option->rect).toRect().adjusted(-editorMargin, 0, editorMargin, 0);
+    return QProxyStyle::subElementRect(element, option, widget);
+}
+
+int SkinStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
+{
+    if (metric == PM_SliderLength && qobject_cast<const VNSliderCell *>(widget))
+        return sliderKnobRect({}, 0).toRect().width();
+    return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+int SkinStyle::styleHint(StyleHint hint,
+                         const QStyleOption *option,
+                         const QWidget *widget,
+                         QStyleHintReturn *returnData) const
+{
+    // Typing finds an item; and a list opens below its control, as menus do.
+    if (hint == SH_Menu_KeyboardSearch)
+        return 1;
+    if (hint == SH_ComboBox_Popup)
+        return 0;
+    // On the blue of a selection the insertion point, which turns what is there into its opposite, is orange.
+    if (hint == SH_BlinkCursorWhenTextSelected)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
+}
+
+void SkinStyle::drawPrimitive(PrimitiveElement element,
+                              const QStyleOption *option,
+                              QPainter *painter,
+                              const QWidget *widget) const
+{
+    // The field is painted already.
+    const bool isOurs = qobject_cast<const VNTextFieldCell *>(widget)
+        || (widget && qobject_cast<const VNComboBoxCell *>(widget->parentWidget()));
+    if (element != PE_PanelLineEdit || !isOurs)
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+} // namespace vornic
