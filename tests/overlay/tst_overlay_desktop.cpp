@@ -62,11 +62,13 @@ TEST_P(OverlayDesktop, IdleIsTintedOnlyWithACompositingManager)
     stage->say("place");
     ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
     if (isComposited()) {
-        EXPECT_TRUE(eventually([&] { return pixel(inside) != background; }));
-        const QColor tinted = pixel(inside);
-        EXPECT_NEAR(tinted.red(), 35, 3);
-        EXPECT_NEAR(tinted.green(), 79, 3);
-        EXPECT_NEAR(tinted.blue(), 103, 3);
+        // A compositing manager that has just begun shows less at first.
+        const auto isTinted = [](QColor colour) {
+            return std::abs(colour.red() - 35) <= 3 && std::abs(colour.green() - 79) <= 3
+                && std::abs(colour.blue() - 103) <= 3;
+        };
+        EXPECT_TRUE(eventually([&] { return isTinted(pixel(inside)); }))
+            << pixel(inside).name().toStdString();
     } else {
         EXPECT_TRUE(isAll(recordedPixels().copy(20, 20, 300, 200), background));
     }
