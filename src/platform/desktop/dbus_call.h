@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+
+#include <chrono>
+#include <functional>
+
+namespace vornic {
+
+/// The bus of the desktop session, or one that is not connected. No bus is started where there is none.
+[[nodiscard]] QDBusConnection sessionBus();
+
+/// A call that is given up only when the bus is lost or the service goes away.
+inline constexpr std::chrono::milliseconds waitForEver = std::chrono::milliseconds::max();
+inline constexpr std::chrono::milliseconds usualTimeout { 25000 };
+
+/// Receives a reply, or an error where there is none for whatever reason.
+using AnswerHandler = std::function<void(const QDBusMessage &)>;
+
+/// Sends \a call and returns. \a handler runs later, once, on the thread of \a context (which must be the
+/// calling one), or never when \a context ends before.
+void callLater(const QDBusConnection &bus,
+               const QDBusMessage &call,
+               QObject *context,
+               const AnswerHandler &handler,
+               std::chrono::milliseconds timeout = usualTimeout);
+
+[[nodiscard]] inline bool isReply(const QDBusMessage &answer)
+{
+    return answer.type() == QDBusMessage::ReplyMessage;
+}
+
+} // namespace vornic

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace vornic {
+
+class DBusInhibition;
+class X11BlankingPause;
+
+/// While it lives, the desktop neither becomes idle nor blanks or locks the screen, and the machine does not
+/// go to sleep; the end of the process ends that too, however it comes.
+///
+/// Made by whoever records or encodes, on the main thread, and needs an event loop there. It waits for no
+/// service; where there is none to ask, nothing happens.
+class IdleInhibitor
+{
+public:
+    /// \a reason is for the user, who may be shown it as the cause: "Recording the screen".
+    explicit IdleInhibitor(const QString &reason);
+    ~IdleInhibitor();
+    IdleInhibitor(const IdleInhibitor &) = delete;
+    IdleInhibitor &operator=(const IdleInhibitor &) = delete;
+
+private:
+    struct Release {
+        void operator()(DBusInhibition *inhibition) const;
+    };
+
+    std::unique_ptr<X11BlankingPause> m_blankingPause;
+    std::vector<std::unique_ptr<DBusInhibition, Release>> m_inhibitions;
+};
+
+} // namespace vornic

@@ -1,0 +1,23 @@
+#pragma once
+
+struct xcb_connection_t;
+
+namespace vornic {
+
+/// Keeps the X server from blanking the screen by itself and from switching the monitor off.
+///
+/// Made by IdleInhibitor, used on one thread. It holds a connection of its own, with which the pause ends
+/// even when the process is killed. Does nothing where there is no X server.
+class X11BlankingPause
+{
+public:
+    X11BlankingPause();
+    ~X11BlankingPause();
+    X11BlankingPause(const X11BlankingPause &) = delete;
+    X11BlankingPause &operator=(const X11BlankingPause &) = delete;
+
+private:
+    xcb_connection_t *m_connection;
+};
+
+} // namespace vornic
