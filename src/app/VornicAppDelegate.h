@@ -7,6 +7,8 @@
 #include "overlay/VNRecorderWndCtrlDelegate.h"
 #include "platform/observable_object.h"
 
+#include <QColor>
+#include <QFont>
 #include <QRectF>
 #include <QString>
 #include <QStringList>
@@ -95,8 +97,31 @@ public:
     void recordRegionChanged();
     /// The logo was switched on or off, or is another one.
     void logoChanged();
+    /// The quality list's action.
+    void setVideoQualiy(int index);
+    /// Opens the font panel with the logo's font.
+    void setFontAttrs();
+    /// The font panel's choice becomes the logo's font, and its only attribute.
+    void changeFont(const QFont &font);
+    void setFontFillColor(const QColor &color);
+    void setFontStrokeColor(const QColor &color);
+    /// Asks for a file with the logo's picture.
+    void selImageFile();
     /// The picture of the logo, from a file; what cannot be read is told, and the old one stays.
     void setLogoImageFile(const QString &path);
+    void setLogoImage(const QImage &picture);
+    /// The grey of the titles of check boxes and radio buttons.
+    [[nodiscard]] static QColor attributeForChkTitle();
+    /// The path of the help document; there is none until it is set.
+    void setHelpDocument(const QString &path) { m_helpDocument = path; }
+    /// Opens a copy of the help document in the caches folder, made at the first time; without the document
+    /// nothing happens.
+    void helpScreenRecord();
+    /// Whether the version \a version ("12", "12.4") of an operating system is above 10, or 10 and above 6 in
+    /// its second number; false where it cannot be read.
+    [[nodiscard]] static bool osOverLion(const QString &version);
+    /// Writes the options to the user defaults, and those to disk.
+    void saveOptions();
     /// The main window closes: the overlay goes with it.
     void windowWillClose();
 
@@ -171,6 +196,7 @@ private:
     [[nodiscard]] std::chrono::nanoseconds overlayWait() const;
     void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
     void adoptOverlay();
+    void reloadOverlay();
     void fillAudioDevices();
     void addAudioDevices(const QStringList &names);
     void enableAudioDevices();
@@ -190,6 +216,7 @@ private:
     bool m_terminating = false;
     QString m_outfileName;
     QString m_failure;
+    QString m_helpDocument; ///< empty when there is none
     std::unique_ptr<VNBufferMgr> mBufferMgr;
     std::unique_ptr<VNCGDisplay> mDisplay;
     AudioControl *m_audioControl = nullptr;

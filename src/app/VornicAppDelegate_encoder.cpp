@@ -95,7 +95,7 @@ void VornicAppDelegate::startMuxing()
 void VornicAppDelegate::muxerReported(const QString &action, const QVariant &value)
 {
     if (action == PKMuxerTaskActionStart) {
-        m_frontEnd.beginProgress();
+        m_frontEnd.beginProgress(m_framesGrabbed);
         m_frontEnd.setProgress(0.0);
     } else if (action == PKMuxerTaskActionProgress) {
         m_frontEnd.setProgress(value.toDouble());

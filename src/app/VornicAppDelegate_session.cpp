@@ -64,7 +64,7 @@ void VornicAppDelegate::recorded()
 void VornicAppDelegate::startRecordSelectOutFile()
 {
     m_frontEnd.runSavePanel(
-        QStringLiteral("Untitled"), QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
+        tr("Untitled"), QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
             if (!path) {
                 emit recordingRefused();
                 return;
@@ -122,6 +122,7 @@ void VornicAppDelegate::startRecorderAnyway()
     m_audioSeconds = 0;
     m_audioWaits = 0;
     setState(1);
+    m_frontEnd.inhibitIdle(true);
 
     const QVariantList arguments { m_outfileName, chosen.recordQuality(), chosen.enableAudio() ? 1 : 0 };
     m_recordsAudio = chosen.enableAudio();
@@ -181,8 +182,8 @@ void VornicAppDelegate::stopBecauseFull()
 {
     mBufferMgr->setExit(true);
     main_queue::sync([this] {
-        m_frontEnd.alert(QStringLiteral("Disk free space is too low"),
-                         QStringLiteral("It will terminate recording because of disk space is insufficient"));
+        m_frontEnd.alert(tr("Disk free space is too low"),
+                         tr("It will terminate recording because of disk space is insufficient"));
     });
 }
 
@@ -226,7 +227,7 @@ void VornicAppDelegate::tellOfAudioWait()
         return;
     main_queue::async([this] {
         if (m_stopItemShown)
-            m_frontEnd.setStopItemTitle(QStringLiteral("waiting for audio"));
+            m_frontEnd.setStopItemTitle(tr("waiting for audio"));
     });
 }
 
@@ -241,6 +242,7 @@ void VornicAppDelegate::recordcomplete()
         m_frontEnd.reveal(m_outfileName);
     if (options()->openRecordedWhenFinished())
         m_frontEnd.open(m_outfileName);
+    m_frontEnd.announceMovie(m_outfileName, static_cast<double>(PKMuxerTaskLength()) / PKTimebase);
     becomeIdle();
 }
 
@@ -256,6 +258,7 @@ void VornicAppDelegate::becomeIdle()
     hideStopRecordingBtn();
     m_muxing = false;
     m_frontEnd.setSaving(false);
+    m_frontEnd.inhibitIdle(false);
     setState(0);
     if (m_terminating)
         main_queue::async([this] { emit readyToTerminate(); });
@@ -264,7 +267,8 @@ void VornicAppDelegate::becomeIdle()
 void VornicAppDelegate::showStopRecordingBtn()
 {
     m_stopItemShown = true;
-    m_frontEnd.showStopItem(stringFromeTimestamp(0));
+    const bool part = options()->recordRegion() == 1;
+    m_frontEnd.showStopItem(stringFromeTimestamp(0), part ? regionToRecord() : VNOption::screenFrame());
     m_frontEnd.minimiseMainWindow();
 }
 
@@ -281,8 +285,7 @@ void VornicAppDelegate::setState(int state)
     m_state = state;
     notifyChanged({ "state" });
     mAudioDevicesView->setEnabled(allowedAudioRecord());
-    if (m_recorderWndCtrl)
-        m_recorderWndCtrl->reloadData();
+    reloadOverlay();
     m_frontEnd.reloadData();
 }
 

@@ -16,7 +16,11 @@
 #include "platform/display/bitmap_image.h"
 #include "platform/serial_queue.h"
 
+#include <QDir>
+#include <QFile>
 #include <QImageReader>
+#include <QStandardPaths>
+#include <QVersionNumber>
 
 #include <utility>
 
@@ -95,9 +99,81 @@ void VornicAppDelegate::setLogoImageFile(const QString &path)
         alertError(tr("The picture %1 cannot be read: %2.").arg(path, reader.errorString()));
         return;
     }
+    setLogoImage(picture);
+}
+
+void VornicAppDelegate::setLogoImage(const QImage &picture)
+{
     options()->logoContext()->setNSImage(picture);
+    reloadOverlay();
+}
+
+void VornicAppDelegate::selImageFile()
+{
+    m_frontEnd.chooseLogoImage([this](const std::optional<QString> &path) {
+        if (path)
+            setLogoImageFile(*path);
+    });
+}
+
+void VornicAppDelegate::reloadOverlay()
+{
     if (m_recorderWndCtrl)
         m_recorderWndCtrl->reloadData();
+}
+
+void VornicAppDelegate::setVideoQualiy(int index)
+{
+    options()->setRecordQuality(index);
+}
+
+void VornicAppDelegate::setFontAttrs()
+{
+    const QFont font = options()->logoContext()->fontAttrs().font.value_or(defaultLogoFont());
+    m_frontEnd.orderFrontFontPanel(font, [this](const QFont &chosen) { changeFont(chosen); });
+}
+
+void VornicAppDelegate::changeFont(const QFont &font)
+{
+    options()->logoContext()->setFontAttrs({ font });
+    reloadOverlay();
+}
+
+void VornicAppDelegate::setFontFillColor(const QColor &color)
+{
+    options()->logoContext()->setLogoFontFillColor(color);
+    reloadOverlay();
+}
+
+void VornicAppDelegate::setFontStrokeColor(const QColor &color)
+{
+    options()->logoContext()->setLogoFontStrokeColor(color);
+    reloadOverlay();
+}
+
+QColor VornicAppDelegate::attributeForChkTitle()
+{
+    constexpr float white = 0.615686297416687F;
+    return QColor::fromRgbF(white, white, white);
+}
+
+void VornicAppDelegate::helpScreenRecord()
+{
+    if (m_helpDocument.isEmpty())
+        return;
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+                      + QStringLiteral("/com.kavlor.vornic"));
+    folder.mkpath(QStringLiteral("."));
+    const QString copy = folder.filePath(QStringLiteral("Help.pdf"));
+    if (!QFile::exists(copy))
+        QFile::copy(m_helpDocument, copy);
+    m_frontEnd.open(copy);
+}
+
+bool VornicAppDelegate::osOverLion(const QString &version)
+{
+    const QVersionNumber number = QVersionNumber::fromString(version);
+    return number.majorVersion() > 10 || (number.majorVersion() == 10 && number.minorVersion() > 6);
 }
 
 void VornicAppDelegate::windowWillClose()
@@ -116,6 +192,11 @@ void VornicAppDelegate::terminate()
 }
 
 void VornicAppDelegate::applicationWillTerminate()
+{
+    saveOptions();
+}
+
+void VornicAppDelegate::saveOptions()
 {
     if (m_optionsAreStored && m_options)
         storeOptions(*m_options);
@@ -155,7 +236,7 @@ bool VornicAppDelegate::allowedAudioRecord() const
 
 void VornicAppDelegate::alertError(const QString &text)
 {
-    m_frontEnd.alert(QStringLiteral("Error"), text);
+    m_frontEnd.alert(tr("Error"), text);
 }
 
 bool VornicAppDelegate::windowShouldClose()
@@ -163,8 +244,8 @@ bool VornicAppDelegate::windowShouldClose()
     if (m_state != 1)
         return true;
     const bool quits = m_frontEnd.confirmQuit(
-        QStringLiteral("Are you sure to quit it?"),
-        QStringLiteral("The application is recording video, video recording will stop if it quit."));
+        tr("Are you sure to quit it?"),
+        tr("The application is recording video, video recording will stop if it quit."));
     // The recording may have ended while the question stood.
     if (quits && m_state == 1)
         executeStopRecord();

@@ -28,6 +28,9 @@ CommandLine wrongValue(const QString &option, const QString &value, const QStrin
 const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4.
 
   vornic                            the window
+      --record=full|rectangle
+                         begin to record the full display, or the selected rectangle
+      --stop             end the recording of the window that runs
   vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it
       --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
                          ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
@@ -50,7 +53,9 @@ void addOptions(QCommandLineParser &parser)
     const auto value = [](const char *name) {
         return QCommandLineOption(QLatin1StringView(name), QString(), QStringLiteral("value"));
     };
-    parser.addOptions({ value("region"),
+    parser.addOptions({ value("record"),
+                        flag("stop"),
+                        value("region"),
                         value("quality"),
                         flag("audio"),
                         value("duration"),
@@ -109,9 +114,29 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
     return {};
 }
 
+CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
+{
+    if (parser.isSet(QStringLiteral("stop"))) {
+        line.task = CommandLine::Task::Stop;
+        return line;
+    }
+    const QString value = parser.value(QStringLiteral("record"));
+    if (value == QStringLiteral("full"))
+        line.task = CommandLine::Task::RecordFullDisplay;
+    else if (value == QStringLiteral("rectangle"))
+        line.task = CommandLine::Task::RecordRectangle;
+    else
+        return wrongValue(QStringLiteral("record"), value, QStringLiteral("full or rectangle"));
+    return line;
+}
+
 CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
 {
     line.action = CommandLine::Action::Record;
+    for (const auto *option : { "record", "stop" }) {
+        if (parser.isSet(QLatin1StringView(option)))
+            return wrongUsage(QStringLiteral("--%1 belongs to the window.").arg(QLatin1StringView(option)));
+    }
     const QStringList files = parser.positionalArguments().mid(1);
     if (files.size() != 1)
         return wrongUsage(files.isEmpty()
@@ -172,6 +197,9 @@ CommandLine parseCommandLine(const QStringList &arguments)
     }
     if (!words.isEmpty() && words.first() == QStringLiteral("record"))
         return readRecord(parser, line);
+    const bool isForWindow = parser.isSet(QStringLiteral("record")) || parser.isSet(QStringLiteral("stop"));
+    if (words.isEmpty() && isForWindow && parser.optionNames().size() == 1)
+        return readWindow(parser, line);
     if (!parser.optionNames().isEmpty())
         return wrongUsage(
             QStringLiteral("--%1 belongs to \"vornic record\".").arg(parser.optionNames().first()));

@@ -16,6 +16,11 @@ struct CommandLine {
     QString problem;  ///< WrongUsage: one sentence, or more lines
     QString helpText; ///< Help
 
+    // Window
+    /// What the window does at once, the one that runs already where there is one.
+    enum class Task { Show, RecordFullDisplay, RecordRectangle, Stop };
+    Task task = Task::Show;
+
     // Record
     QString file;
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it

@@ -1,6 +1,10 @@
 #include "app/command_line_front_end.h"
 
-#include "capture/VNBufferMgr.h"
+#include "app/VornicAppDelegate.h"
+#include "app/time_text.h"
+#include "platform/desktop/idle_inhibitor.h"
+
+#include <QCoreApplication>
 
 #include <unistd.h>
 
@@ -25,11 +29,6 @@ QString bar(int percent)
     return QStringLiteral("[%1%2]").arg(QString(filled, u'#'), QString(width - filled, u'-'));
 }
 
-QString minutesAndSeconds(qint64 seconds)
-{
-    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
-}
-
 } // namespace
 
 CommandLineFrontEnd::CommandLineFrontEnd(const CommandLine &line)
@@ -37,6 +36,8 @@ CommandLineFrontEnd::CommandLineFrontEnd(const CommandLine &line)
     , m_isTerminal(::isatty(STDERR_FILENO) == 1)
 {
 }
+
+CommandLineFrontEnd::~CommandLineFrontEnd() = default;
 
 void CommandLineFrontEnd::redraw(const QString &text)
 {
@@ -62,12 +63,12 @@ void CommandLineFrontEnd::runSavePanel(const QString & /*name*/,
     answer(m_line.file);
 }
 
-void CommandLineFrontEnd::showStopItem(const QString & /*title*/)
+void CommandLineFrontEnd::showStopItem(const QString & /*title*/, const QRectF & /*recorded*/)
 {
-    writeError(
-        m_line.durationSeconds
-            ? QStringLiteral("Recording for %1 s; Ctrl-C stops it earlier.\n").arg(*m_line.durationSeconds)
-            : QStringLiteral("Recording; Ctrl-C stops it.\n"));
+    writeError(m_line.durationSeconds
+                   ? QCoreApplication::translate("vornic", "Recording for %1 s; Ctrl-C stops it earlier.\n")
+                         .arg(*m_line.durationSeconds)
+                   : QCoreApplication::translate("vornic", "Recording; Ctrl-C stops it.\n"));
 }
 
 void CommandLineFrontEnd::setStopItemTitle(const QString &title)
@@ -85,7 +86,7 @@ void CommandLineFrontEnd::hideStopItem()
     endRedrawnLine();
 }
 
-void CommandLineFrontEnd::beginProgress()
+void CommandLineFrontEnd::beginProgress(std::uint64_t /*frames*/)
 {
     m_encoding.start();
     m_lastPercent = -1;
@@ -97,15 +98,17 @@ void CommandLineFrontEnd::setProgress(double percent)
     if (whole == m_lastPercent || (whole == 0 && !m_isTerminal))
         return;
     const int before = std::exchange(m_lastPercent, whole);
-    const qint64 left = whole > 0 ? m_encoding.elapsed() * (100 - whole) / whole / 1000 : 0;
+    const double left
+        = whole > 0 ? static_cast<double>(m_encoding.elapsed()) * (100 - whole) / whole / 1000 : 0.0;
     if (m_isTerminal)
-        redraw(QStringLiteral("Writing the movie %1 %2 %, %3 left")
+        redraw(QCoreApplication::translate("vornic", "Writing the movie %1 %2 %, %3 left")
                    .arg(bar(whole))
                    .arg(whole, 3)
                    .arg(minutesAndSeconds(left)));
     else if (whole / 10 != before / 10)
-        writeError(
-            QStringLiteral("Writing the movie: %1 %, %2 left\n").arg(whole).arg(minutesAndSeconds(left)));
+        writeError(QCoreApplication::translate("vornic", "Writing the movie: %1 %, %2 left\n")
+                       .arg(whole)
+                       .arg(minutesAndSeconds(left)));
 }
 
 void CommandLineFrontEnd::endProgress()
@@ -113,10 +116,17 @@ void CommandLineFrontEnd::endProgress()
     endRedrawnLine();
 }
 
+void CommandLineFrontEnd::inhibitIdle(bool inhibits)
+{
+    m_idleInhibitor = inhibits
+        ? std::make_unique<IdleInhibitor>(QCoreApplication::translate("vornic", "Recording the screen"))
+        : nullptr;
+}
+
 void CommandLineFrontEnd::alert(const QString &message, const QString &informativeText)
 {
     endRedrawnLine();
-    writeError(message == QStringLiteral("Error")
+    writeError(message == VornicAppDelegate::tr("Error")
                    ? QStringLiteral("vornic: %1\n").arg(informativeText)
                    : QStringLiteral("vornic: %1. %2.\n").arg(message, informativeText));
 }

@@ -5,7 +5,11 @@
 
 #include <QElapsedTimer>
 
+#include <memory>
+
 namespace vornic {
+
+class IdleInhibitor;
 
 /// A recording on the command line: answers from the flags, progress on standard error.
 ///
@@ -15,17 +19,19 @@ class CommandLineFrontEnd final : public FrontEnd
 {
 public:
     explicit CommandLineFrontEnd(const CommandLine &line);
+    ~CommandLineFrontEnd() override;
 
     void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
     void runSavePanel(const QString &name,
                       const QString &type,
                       std::function<void(std::optional<QString> path)> answer) override;
-    void showStopItem(const QString &title) override;
+    void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;
-    void beginProgress() override;
+    void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;
+    void inhibitIdle(bool inhibits) override;
     void alert(const QString &message, const QString &informativeText) override;
 
 private:
@@ -38,6 +44,7 @@ private:
     QString m_lastTitle;
     int m_lastPercent = -1;
     QElapsedTimer m_encoding;
+    std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
 };
 
 } // namespace vornic

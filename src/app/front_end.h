@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QFont>
+#include <QRectF>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -33,8 +36,9 @@ public:
     /// How a recording is stopped, told before it starts.
     virtual void showHint(std::function<void(int response)> answer) { answer(responseContinue); }
 
-    /// The one visible way to stop, with the running clock as its title.
-    virtual void showStopItem(const QString & /*title*/) { }
+    /// The one visible way to stop, with the running clock as its title. \a recorded: what of the screen is
+    /// recorded, in its coordinates (y up).
+    virtual void showStopItem(const QString & /*title*/, const QRectF & /*recorded*/) { }
     virtual void setStopItemTitle(const QString & /*title*/) { }
     virtual void hideStopItem() { }
     virtual void minimiseMainWindow() { }
@@ -52,7 +56,8 @@ public:
         answer(std::nullopt);
     }
 
-    virtual void beginProgress() { }
+    /// \a frames: how many the movie will have.
+    virtual void beginProgress(std::uint64_t /*frames*/) { }
     /// 0 to 100.
     virtual void setProgress(double /*percent*/) { }
     virtual void endProgress() { }
@@ -67,6 +72,21 @@ public:
     /// Shows the movie in the file browser; opens it with its program.
     virtual void reveal(const QString & /*path*/) { }
     virtual void open(const QString & /*path*/) { }
+    /// The movie is complete: \a seconds of it, in \a path.
+    virtual void announceMovie(const QString & /*path*/, double /*seconds*/) { }
+    /// Whether the desktop must stay awake now: while the screen is recorded, and the movie written.
+    virtual void inhibitIdle(bool /*inhibits*/) { }
+
+    /// Asks for the logo's picture; nothing when the user thinks better of it.
+    virtual void chooseLogoImage(std::function<void(std::optional<QString> path)> answer)
+    {
+        answer(std::nullopt);
+    }
+    /// Opens the font panel with \a selected; \a changed gets each font that is tried in it.
+    virtual void orderFrontFontPanel(const QFont & /*selected*/,
+                                     std::function<void(const QFont &font)> /*changed*/)
+    {
+    }
 
 protected:
     FrontEnd() = default;

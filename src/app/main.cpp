@@ -1,14 +1,20 @@
 #include "app/VornicAppDelegate.h"
+#include "app/application_icon.h"
 #include "app/command_line.h"
+#include "app/help_document.h"
 #include "app/main_window.h"
 #include "app/record_command.h"
+#include "app/translations.h"
 #include "app/unix_signals.h"
 #include "app/window_front_end.h"
 #include "audio/PKAudioControl.h"
+#include "controls/skin_colors.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
+#include "platform/desktop/single_instance.h"
 #include "platform/display/display_backend.h"
 #include "platform/log.h"
+#include "platform/main_queue.h"
 
 #include <QApplication>
 
@@ -19,7 +25,46 @@ namespace {
 
 using namespace vornic;
 
-int runWindow(int &argc, char **argv)
+/// Dark as the controls are, also where the toolkit paints.
+void dress()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(skinPalette());
+    QApplication::setWindowIcon(applicationIcon());
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.kavlor.vornic"));
+}
+
+/// The name of \a task, for the window that runs already.
+QString actionFor(CommandLine::Task task)
+{
+    switch (task) {
+    case CommandLine::Task::RecordFullDisplay:
+        return QStringLiteral("record-full");
+    case CommandLine::Task::RecordRectangle:
+        return QStringLiteral("record-rectangle");
+    case CommandLine::Task::Stop:
+        return QStringLiteral("stop");
+    case CommandLine::Task::Show:
+        break;
+    }
+    return {};
+}
+
+/// An action that another start, or the desktop, asks for.
+void perform(const QString &action, MainWindow &window, WindowFrontEnd &frontEnd, VornicAppDelegate &delegate)
+{
+    if (action == actionFor(CommandLine::Task::Stop)) {
+        delegate.stopRecord();
+        return;
+    }
+    frontEnd.bringMainWindowToFront();
+    for (const auto task : { CommandLine::Task::RecordFullDisplay, CommandLine::Task::RecordRectangle }) {
+        if (action == actionFor(task))
+            window.record(task == CommandLine::Task::RecordFullDisplay);
+    }
+}
+
+int runWindow(int &argc, char **argv, CommandLine::Task task)
 {
     // Asked before the toolkit, which would end the program without a display.
     if (const QString reason = noDisplayReason(); !reason.isEmpty()) {
@@ -27,12 +72,22 @@ int runWindow(int &argc, char **argv)
         return 1;
     }
     QApplication application(argc, argv);
+    SingleInstance instance;
+    if (!instance.isOnly() && instance.handOver(actionFor(task)))
+        return 0;
+    if (task == CommandLine::Task::Stop) {
+        logMessage(QCoreApplication::translate("vornic", "No window of Vornic is there that records."));
+        return 1;
+    }
     QApplication::setQuitOnLastWindowClosed(false);
+    const Translations translations;
+    dress();
     WindowFrontEnd frontEnd;
     VornicAppDelegate delegate(frontEnd);
     delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
     VNRecorderWndCtrl &overlay = VNRecorderWndCtrl::shareRecorderWndCtrl();
     delegate.setRecorderWndCtrl(&overlay);
+    delegate.setHelpDocument(helpDocument());
     delegate.applicationDidFinishLaunching();
     const UnixSignals signalled;
     MainWindow window(delegate);
@@ -45,7 +100,15 @@ int runWindow(int &argc, char **argv)
                      &application,
                      &QCoreApplication::quit,
                      Qt::QueuedConnection);
+    const auto act = [&](const QString &action) { perform(action, window, frontEnd, delegate); };
+    QObject::connect(&instance, &SingleInstance::activated, &window, [&] { act({}); });
+    QObject::connect(&instance, &SingleInstance::actionAsked, &window, act);
+    // The session ends: the window goes on until it is told to end, but the options are kept now.
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &delegate, &VornicAppDelegate::saveOptions);
     window.show();
+    if (task != CommandLine::Task::Show)
+        main_queue::async([&act, task] { act(actionFor(task)); });
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();
     overlay.window()->orderOut();
@@ -80,7 +143,7 @@ int run(int &argc, char **argv)
     const CommandLine line = parseCommandLine(arguments);
     switch (line.action) {
     case CommandLine::Action::Window:
-        return runWindow(argc, argv);
+        return runWindow(argc, argv, line.task);
     case CommandLine::Action::Record: {
         const QCoreApplication application(argc, argv);
         return runRecordCommand(line);

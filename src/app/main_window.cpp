@@ -2,226 +2,198 @@
 
 #include "app/VornicAppDelegate.h"
 #include "app/audio_device_list.h"
+#include "app/headings.h"
+#include "options/VNLogoContext.h"
 #include "options/VNOption.h"
 #include "platform/key_path_binding.h"
 
-#include <QButtonGroup>
-#include <QCheckBox>
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QFileDialog>
-#include <QGridLayout>
-#include <QImageReader>
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QRadioButton>
+#include <QMessageBox>
 #include <QSignalBlocker>
+
+#include <ui_MainWindow.h>
 
 namespace vornic {
 
+namespace {
+
+constexpr QByteArrayView bindPrefix("bind_");
+
+/// As the list of devices or of qualities holds it.
+void showItems(VNComboboxView &view, const QStringList &titles)
+{
+    for (qint64 index = view.numberOfMenuItems(); index < titles.size(); ++index)
+        view.addMenuItem(titles.at(index));
+}
+
+} // namespace
+
 MainWindow::MainWindow(VornicAppDelegate &delegate)
     : m_delegate(delegate)
-    , m_recordButton(new QPushButton(tr("&Record"), this))
-    , savePI(new QProgressBar(this))
+    , m_ui(std::make_unique<Ui::MainWindow>())
 {
-    setWindowTitle(QStringLiteral("Vornic"));
+    m_ui->setupUi(this);
     // Above the overlay, which is above everything else.
     setWindowFlag(Qt::WindowStaysOnTopHint);
-    auto *layout = new QGridLayout(this);
-    addRegion(*layout);
-    addQuality(*layout);
-    addSound(*layout);
-    addLogo(*layout);
-    addAfterwards(*layout);
-    m_recordButton->setObjectName(QStringLiteral("recordButton"));
-    m_recordButton->setDefault(true);
-    m_recordButton->setMinimumHeight(40);
-    layout->addWidget(m_recordButton, layout->rowCount(), 0, 1, 4);
-    savePI->setRange(0, 1);
-    savePI->setTextVisible(false);
-    savePI->setMaximumHeight(6);
-    layout->addWidget(savePI, layout->rowCount(), 0, 1, 4);
-    connect(m_recordButton, &QPushButton::clicked, &m_delegate, &VornicAppDelegate::recorded);
-    for (const auto changed : { &VornicAppDelegate::allowedEditRecordRegionChanged,
-                                &VornicAppDelegate::allowedEditLogoChanged,
-                                &VornicAppDelegate::allowedEditFontChanged })
-        connect(&m_delegate, changed, this, &MainWindow::reloadData);
+    nameItems();
+    emboldenHeadings(*this);
+    m_ui->scaleSlider->setValueRange(0.1, 4, 0.05);
+    m_ui->opacitySlider->setValueRange(0, 255, 1);
+    m_ui->rotationSlider->setValueRange(-180, 180, 1);
+    QSizePolicy keepsItsPlace = m_ui->savePI->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    m_ui->savePI->setSizePolicy(keepsItsPlace);
+    m_ui->savePI->hide();
+    bindControls();
+    connectActions();
     reloadData();
-    m_recordButton->setFocus();
+    showLogo();
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    m_ui->recordButton->setFocus();
 }
 
-void MainWindow::bind(QWidget *control, const char *property, const char *keyPath)
+MainWindow::~MainWindow() = default;
+
+void MainWindow::nameItems()
 {
-    // The control owns it as its child.
-    new KeyPathBinding(control, property, &m_delegate, QByteArray("options.") + keyPath);
+    const QString product = QStringLiteral("Vornic");
+    setWindowTitle(product);
+    m_ui->mAboutApp->setText(tr("About %1").arg(product));
+    m_ui->mHideApp->setText(tr("Hide %1").arg(product));
+    m_ui->mQuitApp->setText(tr("Quit %1").arg(product));
+    m_ui->helpMenu->setText(tr("%1 Help").arg(product));
 }
 
-void MainWindow::addRegion(QGridLayout &layout)
+void MainWindow::bindControls()
 {
-    auto *regions = new QButtonGroup(this);
-    auto *full = new QRadioButton(tr("&Full display"), this);
-    auto *part = new QRadioButton(tr("&Selected rectangle"), this);
-    regions->addButton(full);
-    regions->addButton(part);
-    bind(full, "checked", "isRecordFullScreen");
-    part->setChecked(!full->isChecked());
-    m_otherControls.insert(m_otherControls.end(), { full, part });
-    layout.addWidget(full, 0, 0, 1, 2);
-    layout.addWidget(part, 0, 2, 1, 2);
-
-    addNumbers(layout,
-               { { "offsetX", tr("Left"), -100'000, 100'000, 0 },
-                 { "offsetY", tr("Bottom"), -100'000, 100'000, 0 },
-                 { "width", tr("Width"), -100'000, 100'000, 0 },
-                 { "height", tr("Height"), -100'000, 100'000, 0 } },
-               m_regionControls);
-}
-
-/// Two in a row, each behind its label.
-void MainWindow::addNumbers(QGridLayout &layout,
-                            const std::vector<NumberField> &fields,
-                            std::vector<QWidget *> &controls)
-{
-    int row = layout.rowCount() - 1;
-    int column = 2;
-    for (const NumberField &field : fields) {
-        auto *number = new QDoubleSpinBox(this);
-        number->setDecimals(field.decimals);
-        number->setRange(field.least, field.most);
-        number->setSingleStep(field.decimals > 0 ? 0.1 : 1);
-        number->setAccessibleName(field.label);
-        number->setKeyboardTracking(false);
-        bind(number, "value", field.keyPath);
-        auto *label = new QLabel(field.label, this);
-        label->setBuddy(number);
-        column = 2 - column;
-        row += column == 0 ? 1 : 0;
-        layout.addWidget(label, row, column);
-        layout.addWidget(number, row, column + 1);
-        controls.push_back(number);
+    const QList<QWidget *> controls = findChildren<QWidget *>();
+    for (QWidget *control : controls) {
+        const QByteArrayList names = control->dynamicPropertyNames();
+        for (const QByteArray &name : names) {
+            if (name.startsWith(bindPrefix)) // the control owns it as its child
+                new KeyPathBinding(control,
+                                   name.mid(bindPrefix.size()).constData(),
+                                   &m_delegate,
+                                   control->property(name.constData()).toByteArray());
+        }
     }
 }
 
-void MainWindow::addQuality(QGridLayout &layout)
+void MainWindow::connectActions()
 {
-    auto *quality = new QComboBox(this);
-    quality->addItems({ tr("High"), tr("Medium") });
-    bind(quality, "currentIndex", "recordQuality");
-    auto *label = new QLabel(tr("&Quality"), this);
-    label->setBuddy(quality);
-    const int row = layout.rowCount();
-    layout.addWidget(label, row, 0);
-    layout.addWidget(quality, row, 1, 1, 3);
-    m_otherControls.push_back(quality);
-}
+    showItems(*m_ui->mVideoQualityView, { tr("High"), tr("Medium") });
+    m_ui->mVideoQualityView->setIndexOfSelected(m_delegate.options()->recordQuality());
+    m_ui->mVideoQualityView->setTarget(this);
+    m_ui->mVideoQualityView->setSelector("setVideoQualiy");
+    m_ui->mAudioDevicesView->setTarget(this);
+    m_ui->mAudioDevicesView->setSelector("selAudioDevice");
+    connect(&m_delegate.audioDevicesView(), &AudioDeviceList::changed, this, &MainWindow::showAudioDevices);
+    showAudioDevices();
 
-void MainWindow::addSound(QGridLayout &layout)
-{
-    auto *sound = new QCheckBox(tr("Sou&nd"), this);
-    bind(sound, "checked", "enableAudio");
-    auto *devices = new QComboBox(this);
-    devices->setObjectName(QStringLiteral("mAudioDevicesView"));
-    devices->setAccessibleName(tr("Audio input device"));
-    devices->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    const int row = layout.rowCount();
-    layout.addWidget(sound, row, 0);
-    layout.addWidget(devices, row, 1, 1, 3);
-    m_otherControls.push_back(sound);
-
-    AudioDeviceList &list = m_delegate.audioDevicesView();
-    const auto show = [devices, &list] {
-        const QSignalBlocker blocker(devices);
-        while (devices->count() < list.numberOfMenuItems())
-            devices->addItem(list.titles().at(devices->count()));
-        devices->setCurrentIndex(static_cast<int>(list.indexOfSelected()));
-        devices->setEnabled(list.isEnabled());
-    };
-    connect(&list, &AudioDeviceList::changed, this, show);
-    connect(devices, &QComboBox::activated, this, [this, &list](int index) {
-        list.setIndexOfSelected(index);
-        m_delegate.selAudioDevice();
+    const VNLogoContext &logo = *m_delegate.options()->logoContext();
+    m_ui->mLogoFontFillColorWell->setColor(logo.LogoFontFillColor());
+    m_ui->mLogoFontStrokeColorWell->setColor(logo.LogoFontStrokeColor());
+    connectColorWell(*m_ui->mLogoFontFillColorWell, "setFontFillColor");
+    connectColorWell(*m_ui->mLogoFontStrokeColorWell, "setFontStrokeColor");
+    connect(&logo, &VNLogoContext::LogoTypeChanged, this, &MainWindow::showLogo);
+    connect(&logo, &VNLogoContext::logoImageChanged, this, &MainWindow::showLogo);
+    m_ui->logoImageView->setPlaceholderText(tr("Drop a picture here"));
+    connect(m_ui->logoImageView, &VNDragDropImageView::imageChanged, this, [this] {
+        if (const auto &picture = m_ui->logoImageView->image(); picture && !picture->isNull())
+            m_delegate.setLogoImage(*picture);
     });
-    show();
+    connect(m_ui->logoImageView, &VNDragDropImageView::fileUnreadable, this, [this](const QString &path) {
+        m_delegate.alertError(tr("The picture %1 cannot be read.").arg(path));
+    });
+    connect(m_ui->chooseButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::selImageFile);
+    connect(m_ui->fontButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::setFontAttrs);
+
+    connect(m_ui->recordButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::recorded);
+    connect(m_ui->mAboutApp, &QAction::triggered, this, &MainWindow::showAbout);
+    connect(m_ui->mHideApp, &QAction::triggered, this, &QWidget::showMinimized);
+    connect(m_ui->mQuitApp, &QAction::triggered, this, &QWidget::close);
+    connect(m_ui->helpMenu, &QAction::triggered, &m_delegate, &VornicAppDelegate::helpScreenRecord);
+    for (const auto changed :
+         { &VornicAppDelegate::allowedEditLogoChanged, &VornicAppDelegate::allowedEditFontChanged })
+        connect(&m_delegate, changed, this, &MainWindow::reloadData);
 }
 
-void MainWindow::addLogo(QGridLayout &layout)
+void MainWindow::connectColorWell(VNColorWell &well, const char *selector)
 {
-    auto *logo = new QCheckBox(tr("&Logo"), this);
-    bind(logo, "checked", "logoContext.LogoValidate");
-    m_otherControls.push_back(logo);
-    auto *text = new QRadioButton(tr("&Text"), this);
-    auto *picture = new QRadioButton(tr("P&icture"), this);
-    auto *kind = new QButtonGroup(this);
-    kind->addButton(text);
-    kind->addButton(picture);
-    bind(text, "checked", "logoContext.isLogoTypeText");
-    picture->setChecked(!text->isChecked());
-    auto *choose = new QPushButton(tr("&Choose…"), this);
-    connect(choose, &QPushButton::clicked, this, &MainWindow::chooseLogoImage);
-    auto *words = new QLineEdit(this);
-    words->setAccessibleName(tr("The logo's text"));
-    bind(words, "text", "logoContext.LogoText");
-    const int row = layout.rowCount();
-    layout.addWidget(logo, row, 0);
-    layout.addWidget(text, row, 1);
-    layout.addWidget(picture, row, 2);
-    layout.addWidget(choose, row, 3);
-    layout.addWidget(words, row + 1, 0, 1, 4);
-    m_logoControls.insert(m_logoControls.end(), { text, picture, choose });
-    m_textControls.push_back(words);
-    addNumbers(layout,
-               { { "logoContext.logoPositionX", tr("Logo left"), -100'000, 100'000, 0 },
-                 { "logoContext.logoPositionY", tr("Logo bottom"), -100'000, 100'000, 0 },
-                 { "logoContext.LogoScale", tr("Scale"), 0.01, 100, 2 },
-                 { "logoContext.LogoTransparency", tr("Opacity"), 0, 255, 0 },
-                 { "logoContext.LogoRotation", tr("Rotation"), -360, 360, 0 } },
-               m_logoControls);
+    well.setTarget(this);
+    well.setSelector(selector);
 }
 
-void MainWindow::chooseLogoImage()
+void MainWindow::setVideoQualiy()
 {
-    auto *panel = new QFileDialog(this, tr("Choose the logo's picture"));
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setWindowModality(Qt::WindowModal);
-    panel->setFileMode(QFileDialog::ExistingFile);
-    QStringList types;
-    for (const QByteArray &type : QImageReader::supportedImageFormats())
-        types += QStringLiteral("*.%1").arg(QString::fromLatin1(type));
-    panel->setNameFilter(tr("Pictures (%1)").arg(types.join(u' ')));
-    connect(panel, &QFileDialog::fileSelected, &m_delegate, &VornicAppDelegate::setLogoImageFile);
-    panel->open();
+    m_delegate.setVideoQualiy(static_cast<int>(m_ui->mVideoQualityView->indexOfSelected()));
 }
 
-void MainWindow::addAfterwards(QGridLayout &layout)
+void MainWindow::selAudioDevice()
 {
-    auto *reveal = new QCheckBox(tr("Show the movie in its &folder"), this);
-    bind(reveal, "checked", "showInFinderWhenFinished");
-    auto *open = new QCheckBox(tr("&Open the movie"), this);
-    bind(open, "checked", "openRecordedWhenFinished");
-    layout.addWidget(reveal, layout.rowCount(), 0, 1, 4);
-    layout.addWidget(open, layout.rowCount(), 0, 1, 4);
-    m_otherControls.insert(m_otherControls.end(), { reveal, open });
+    m_delegate.audioDevicesView().setIndexOfSelected(m_ui->mAudioDevicesView->indexOfSelected());
+    m_delegate.selAudioDevice();
+}
+
+void MainWindow::setFontFillColor()
+{
+    m_delegate.setFontFillColor(m_ui->mLogoFontFillColorWell->color());
+}
+
+void MainWindow::setFontStrokeColor()
+{
+    m_delegate.setFontStrokeColor(m_ui->mLogoFontStrokeColorWell->color());
+}
+
+void MainWindow::showAudioDevices()
+{
+    const AudioDeviceList &list = m_delegate.audioDevicesView();
+    showItems(*m_ui->mAudioDevicesView, list.titles());
+    m_ui->mAudioDevicesView->setIndexOfSelected(list.indexOfSelected());
+    m_ui->mAudioDevicesView->setEnabled(list.isEnabled());
+}
+
+/// The controls of the kind of logo that it is, and its picture.
+void MainWindow::showLogo()
+{
+    const VNLogoContext &logo = *m_delegate.options()->logoContext();
+    m_ui->logoPages->setCurrentWidget(logo.isLogoTypeText() ? m_ui->logoTextPage : m_ui->logoImagePage);
+    const QSignalBlocker blocker(m_ui->logoImageView);
+    m_ui->logoImageView->setImage(std::make_shared<QImage>(logo.getNSImage()));
 }
 
 void MainWindow::setSaving(bool saving)
 {
-    savePI->setRange(0, saving ? 0 : 1);
+    m_ui->savePI->setRange(0, saving ? 0 : 1);
+    m_ui->savePI->setVisible(saving);
 }
 
 void MainWindow::reloadData()
 {
-    for (QWidget *control : m_regionControls)
-        control->setEnabled(m_delegate.allowedEditRecordRegion());
-    for (QWidget *control : m_logoControls)
-        control->setEnabled(m_delegate.allowedEditLogo());
-    for (QWidget *control : m_textControls)
-        control->setEnabled(m_delegate.allowedEditFont());
-    for (QWidget *control : m_otherControls)
-        control->setEnabled(m_delegate.allowedEditOptions());
-    m_recordButton->setEnabled(m_delegate.state() == 0);
+    const bool font = m_delegate.allowedEditFont();
+    m_ui->mLogoFontFillColorWell->setEnabled(font);
+    m_ui->mLogoFontStrokeColorWell->setEnabled(font);
+    m_ui->logoImageView->setEnabled(m_delegate.allowedEditLogo() && !font);
+    m_ui->recordButton->setEnabled(m_delegate.state() == 0);
+}
+
+void MainWindow::record(bool fullDisplay)
+{
+    if (m_delegate.state() != 0 || QApplication::activeModalWidget())
+        return;
+    m_delegate.options()->setRecordRegion(fullDisplay ? 0 : 1);
+    m_delegate.recorded();
+}
+
+void MainWindow::showAbout()
+{
+    QMessageBox box(this);
+    box.setWindowTitle(tr("About %1").arg(windowTitle()));
+    box.setIconPixmap(windowIcon().pixmap(64));
+    box.setText(tr("<b>Vornic %1</b><br>Records the screen of the Linux desktop.")
+                    .arg(QCoreApplication::applicationVersion()));
+    box.setInformativeText(tr("Free software under the GNU General Public License, version 3 or later."));
+    box.exec();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

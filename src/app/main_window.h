@@ -1,30 +1,38 @@
 #pragma once
 
-#include <QWidget>
+#include <QMainWindow>
 
-#include <vector>
+#include <memory>
 
-class QGridLayout;
-class QProgressBar;
-class QPushButton;
+class QFont;
 
 namespace vornic {
 
+class VNColorWell;
+class VNComboboxView;
 class VornicAppDelegate;
 
-/// The main window: what is recorded, how, and the record button.
+namespace Ui {
+class MainWindow;
+}
+
+/// The main window: what is recorded, how, the logo, and the record button.
 ///
-/// Made by main; lives on the main thread. Its controls are bound to the delegate's options.
-class MainWindow : public QWidget
+/// Made by main; lives on the main thread. Its interface file says which property of a control follows which
+/// key path of the delegate: "bind_checked" set to "options.enableAudio" ties the one to the other.
+class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
     explicit MainWindow(VornicAppDelegate &delegate);
+    ~MainWindow() override;
 
     /// The busy indicator.
     void setSaving(bool saving);
     /// Enables the controls that may be used now.
     void reloadData();
+    /// Chooses the full display or the selected rectangle, and presses the record button.
+    void record(bool fullDisplay);
 
 signals:
     void closed();
@@ -32,31 +40,23 @@ signals:
 protected:
     void closeEvent(QCloseEvent *event) override;
 
+private slots:
+    void setVideoQualiy();
+    void selAudioDevice();
+    void setFontFillColor();
+    void setFontStrokeColor();
+
 private:
-    struct NumberField {
-        const char *keyPath;
-        QString label;
-        double least;
-        double most;
-        int decimals;
-    };
-    void
-    addNumbers(QGridLayout &layout, const std::vector<NumberField> &fields, std::vector<QWidget *> &controls);
-    void addLogo(QGridLayout &layout);
-    void chooseLogoImage();
-    void addRegion(QGridLayout &layout);
-    void addQuality(QGridLayout &layout);
-    void addSound(QGridLayout &layout);
-    void addAfterwards(QGridLayout &layout);
-    void bind(QWidget *control, const char *property, const char *keyPath);
+    void nameItems();
+    void bindControls();
+    void connectActions();
+    void connectColorWell(VNColorWell &well, const char *selector);
+    void showAudioDevices();
+    void showLogo();
+    void showAbout();
 
     VornicAppDelegate &m_delegate;
-    QPushButton *m_recordButton;
-    QProgressBar *savePI;
-    std::vector<QWidget *> m_regionControls;
-    std::vector<QWidget *> m_logoControls;
-    std::vector<QWidget *> m_textControls;
-    std::vector<QWidget *> m_otherControls;
+    std::unique_ptr<Ui::MainWindow> m_ui;
 };
 
 } // namespace vornic

@@ -2,6 +2,7 @@
 
 #include "capture/VNBufferMgr.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -24,12 +25,14 @@ QString whyNoMovieCanBeWritten(const QString &path)
     const QFileInfo file(path);
     const QString folder = file.absolutePath();
     if (file.isDir())
-        return QStringLiteral("%1 is a folder; the movie needs a file name.").arg(path);
+        return QCoreApplication::translate("vornic", "%1 is a folder; the movie needs a file name.")
+            .arg(path);
     if (!QFileInfo(folder).isDir())
-        return QStringLiteral("The folder %1 does not exist.").arg(folder);
+        return QCoreApplication::translate("vornic", "The folder %1 does not exist.").arg(folder);
     const QString reason = whyNotWritable(folder);
     return reason.isEmpty() ? QString()
-                            : QStringLiteral("The folder %1 cannot be written to: %2.").arg(folder, reason);
+                            : QCoreApplication::translate("vornic", "The folder %1 cannot be written to: %2.")
+                                  .arg(folder, reason);
 }
 
 QString whyNothingCanBeSpooled()
@@ -38,7 +41,8 @@ QString whyNothingCanBeSpooled()
     const QString reason = whyNotWritable(folder);
     return reason.isEmpty()
         ? QString()
-        : QStringLiteral("The recording needs the folder %1, which cannot be written to: %2.")
+        : QCoreApplication::translate("vornic",
+                                      "The recording needs the folder %1, which cannot be written to: %2.")
               .arg(folder, reason);
 }
 

@@ -36,10 +36,12 @@ QString whyTooLittleSpace(bool ignoreLowSpace)
     const QString folder = VNBufferMgr::cachePath();
     const std::uint64_t freeBytes = freeSpaceBytes(folder);
     if (freeBytes < VNBufferMgr::limitSpaceForRecord())
-        return QStringLiteral("A recording stops when less than %1 is free for it in %2, and only %3 is.")
+        return QCoreApplication::translate(
+                   "vornic", "A recording stops when less than %1 is free for it in %2, and only %3 is.")
             .arg(gibibytes(VNBufferMgr::limitSpaceForRecord()), folder, gibibytes(freeBytes));
     if (freeBytes < VNBufferMgr::freeSpaceRequired() && !ignoreLowSpace)
-        return QStringLiteral(
+        return QCoreApplication::translate(
+                   "vornic",
                    "A recording needs %1 free in %2, and only %3 is; --ignore-low-space records all "
                    "the same, until %4 is left.")
             .arg(gibibytes(VNBufferMgr::freeSpaceRequired()),
@@ -55,10 +57,12 @@ QString whyNoSound(const CommandLine &line)
         return {};
     const QStringList devices = PKAudioControl::sharedAudioControl().inputDevicesName();
     if (devices.isEmpty())
-        return QStringLiteral("There is no audio input device; is the sound server running?");
+        return QCoreApplication::translate("vornic",
+                                           "There is no audio input device; is the sound server running?");
     if (line.audioDevice.isEmpty() || devices.contains(line.audioDevice))
         return {};
-    return QStringLiteral("There is no audio input device \"%1\". These are there:\n  %2")
+    return QCoreApplication::translate("vornic",
+                                       "There is no audio input device \"%1\". These are there:\n  %2")
         .arg(line.audioDevice, devices.join(QStringLiteral("\n  ")));
 }
 
@@ -69,7 +73,8 @@ QString whyNotRecord(const CommandLine &line)
         return reason;
     const QSize display = mainDisplay()->mainDisplaySize();
     if (line.region && !line.region->intersects(QRect(QPoint(0, 0), display)))
-        return QStringLiteral("The region %1,%2,%3,%4 lies off the display, which has %5x%6 pixels.")
+        return QCoreApplication::translate(
+                   "vornic", "The region %1,%2,%3,%4 lies off the display, which has %5x%6 pixels.")
             .arg(line.region->x())
             .arg(line.region->y())
             .arg(line.region->width())
@@ -81,7 +86,7 @@ QString whyNotRecord(const CommandLine &line)
     if (const QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
         return reason;
     if (QFileInfo::exists(line.file) && !line.overwrite)
-        return QStringLiteral("%1 exists; --overwrite replaces it.").arg(line.file);
+        return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
     if (const QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
         return reason;
     return whyTooLittleSpace(line.ignoreLowSpace);
@@ -101,7 +106,8 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
 
 QString describeCounts(const RecordingCounts &counts)
 {
-    return QStringLiteral("%1 frames grabbed, %2 frames written, %3 frames skipped, %4 s of audio")
+    return QCoreApplication::translate(
+               "vornic", "%1 frames grabbed, %2 frames written, %3 frames skipped, %4 s of audio")
         .arg(counts.framesGrabbed)
         .arg(counts.framesWritten)
         .arg(counts.framesSkipped)
@@ -139,7 +145,7 @@ int runRecordCommand(const CommandLine &line)
 {
     CommandLineFrontEnd frontEnd(line);
     if (const QString reason = whyNotRecord(line); !reason.isEmpty()) {
-        frontEnd.alert(QStringLiteral("Error"), reason);
+        frontEnd.alert(VornicAppDelegate::tr("Error"), reason);
         return 1;
     }
     VornicAppDelegate delegate(frontEnd, optionsFrom(line));

@@ -15,4 +15,10 @@ QString stringFromeTimestamp(std::int64_t timestamp)
                              static_cast<long long>(seconds - hours * 3600 - minutes * 60));
 }
 
+QString minutesAndSeconds(double seconds)
+{
+    const auto whole = static_cast<qint64>(seconds);
+    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
+}
+
 } // namespace vornic

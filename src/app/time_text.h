@@ -9,4 +9,7 @@ namespace vornic {
 /// A time in PKTimebase ticks as hours, minutes and seconds, "00:00:00"; hours are not limited to two digits.
 [[nodiscard]] QString stringFromeTimestamp(std::int64_t timestamp);
 
+/// "1:05"; minutes are not limited.
+[[nodiscard]] QString minutesAndSeconds(double seconds);
+
 } // namespace vornic

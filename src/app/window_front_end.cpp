@@ -1,17 +1,27 @@
 #include "app/window_front_end.h"
 
+#include "app/VNAlertFreeSpace.h"
+#include "app/VNEncoderProgress.h"
+#include "app/VNHintWndCtroller.h"
 #include "app/VornicAppDelegate.h"
 #include "app/main_window.h"
 #include "app/stop_item.h"
-#include "capture/VNBufferMgr.h"
-#include "platform/user_defaults.h"
+#include "app/time_text.h"
+#include "overlay/VNRecorderWndCtrl.h"
+#include "overlay/desktop_geometry.h"
+#include "platform/desktop/idle_inhibitor.h"
+#include "platform/desktop/notifier.h"
+#include "platform/desktop/reveal.h"
 
-#include <QCheckBox>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontDialog>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QLocale>
 #include <QMessageBox>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QUrl>
@@ -22,18 +32,27 @@ namespace vornic {
 
 namespace {
 
-const QString hintKey = QStringLiteral("VNShowHintWndAgain");
-
-/// Absent means that the hint is shown.
-bool showsHintAgain()
+/// A question, or something to know: in bold what it is about, and more beneath.
+void fill(QMessageBox &box, const QString &message, const QString &informativeText)
 {
-    const QVariant stored = user_defaults::value(hintKey);
-    return !stored.isValid() || stored.toBool();
+    box.setWindowTitle(QStringLiteral("Vornic"));
+    box.setTextFormat(Qt::RichText);
+    box.setText(QStringLiteral("<b>%1</b>").arg(message.toHtmlEscaped()));
+    box.setInformativeText(informativeText.toHtmlEscaped());
+    // The toolkit makes such a box as narrow as its title.
+    box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: 24em; }"));
 }
 
 } // namespace
 
-WindowFrontEnd::WindowFrontEnd() = default;
+WindowFrontEnd::WindowFrontEnd()
+    : m_notifier(std::make_unique<Notifier>())
+    , m_movieFolder(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation))
+{
+    if (!QFileInfo(m_movieFolder).isDir())
+        m_movieFolder = QDir::homePath();
+}
+
 WindowFrontEnd::~WindowFrontEnd() = default;
 
 void WindowFrontEnd::setWindow(MainWindow *window, VornicAppDelegate *delegate)
@@ -50,72 +69,54 @@ QWidget *WindowFrontEnd::visibleWindow() const
 
 void WindowFrontEnd::askAboutFreeSpace(std::function<void(bool)> answer)
 {
-    auto *box = new QMessageBox(QMessageBox::Warning,
-                                QStringLiteral("Vornic"),
-                                QObject::tr("There is little free disk space; a recording wants %1.")
-                                    .arg(VNBufferMgr::descriptionOfFreeSpaceRequired()),
-                                QMessageBox::NoButton,
-                                visibleWindow());
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    const QPushButton *goOn = box->addButton(QObject::tr("Continue"), QMessageBox::AcceptRole);
-    box->setDefaultButton(box->addButton(QMessageBox::Cancel));
-    QObject::connect(box, &QMessageBox::finished, box, [box, goOn, answer = std::move(answer)] {
-        answer(box->clickedButton() == goOn);
-    });
-    box->open();
+    VNAlertFreeSpace::shareAlertFreeSpace().beginSheetForWindow(visibleWindow(), std::move(answer));
+}
+
+/// Runs \a panel as a sheet; it ends with its answer.
+void WindowFrontEnd::runPanel(QFileDialog &panel, std::function<void(std::optional<QString>)> answer)
+{
+    panel.setAttribute(Qt::WA_DeleteOnClose);
+    panel.setWindowModality(Qt::WindowModal);
+    QObject::connect(
+        &panel, &QFileDialog::finished, &panel, [&panel, answer = std::move(answer)](int result) {
+            const QStringList files = panel.selectedFiles();
+            const bool chosen = result == QDialog::Accepted && !files.isEmpty();
+            answer(chosen ? std::optional(files.first()) : std::nullopt);
+        });
+    panel.open();
 }
 
 void WindowFrontEnd::runSavePanel(const QString &name,
                                   const QString &type,
                                   std::function<void(std::optional<QString>)> answer)
 {
-    auto *panel = new QFileDialog(visibleWindow(), QObject::tr("Save the recording as"));
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setWindowModality(Qt::WindowModal);
+    auto *panel = new QFileDialog(visibleWindow(), tr("Save the recording as"));
     panel->setAcceptMode(QFileDialog::AcceptSave);
-    panel->setNameFilter(QObject::tr("Movies (*.%1)").arg(type));
+    panel->setNameFilter(tr("Movies (*.%1)").arg(type));
     panel->setDefaultSuffix(type);
-    panel->setDirectory(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation));
+    panel->setDirectory(m_movieFolder);
     panel->selectFile(name);
-    QObject::connect(panel, &QFileDialog::finished, panel, [panel, answer = std::move(answer)](int result) {
-        const QStringList files = panel->selectedFiles();
-        const bool chosen = result == QDialog::Accepted && !files.isEmpty();
-        answer(chosen ? std::optional(files.first()) : std::nullopt);
+    runPanel(*panel, [this, answer = std::move(answer)](const std::optional<QString> &path) {
+        if (path)
+            m_movieFolder = QFileInfo(*path).path();
+        answer(path);
     });
-    panel->open();
 }
 
 void WindowFrontEnd::showHint(std::function<void(int)> answer)
 {
-    if (!showsHintAgain()) {
+    VNHintWndCtroller &hint = VNHintWndCtroller::shareHintWndCtroller();
+    if (hint.showAgain())
+        hint.beginSheetModalForWindow(visibleWindow(), std::move(answer));
+    else
         answer(responseContinue);
-        return;
-    }
-    auto *box
-        = new QMessageBox(QMessageBox::Information,
-                          QStringLiteral("Vornic"),
-                          QObject::tr("The window makes room while the recording runs. Stop it with the red "
-                                      "button, which shows the time."),
-                          QMessageBox::Cancel,
-                          visibleWindow());
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    QPushButton *start = box->addButton(QObject::tr("Start recording"), QMessageBox::AcceptRole);
-    box->setDefaultButton(start);
-    auto *again = new QCheckBox(QObject::tr("Show this again"), box);
-    again->setChecked(true);
-    box->setCheckBox(again);
-    QObject::connect(box, &QMessageBox::finished, box, [box, start, again, answer = std::move(answer)] {
-        user_defaults::setValue(hintKey, again->isChecked());
-        answer(box->clickedButton() == start ? responseContinue : responseStop);
-    });
-    box->open();
 }
 
-void WindowFrontEnd::showStopItem(const QString &title)
+void WindowFrontEnd::showStopItem(const QString &title, const QRectF &recorded)
 {
-    m_stopItem = std::make_unique<StopItem>(title);
+    const QRect frame = desktopPixels(VNRecorderWndCtrl::enlargeRectBounds(recorded));
+    m_stopItem = std::make_unique<StopItem>(
+        title, ToolkitScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_delegate, &VornicAppDelegate::stopRecord);
 }
 
@@ -161,18 +162,15 @@ void WindowFrontEnd::reloadData()
 
 void WindowFrontEnd::askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer)
 {
-    runSavePanel(QObject::tr("Untitled"), type, [this, type, answer = std::move(answer)](const auto &path) {
+    runSavePanel(tr("Untitled"), type, [this, type, answer = std::move(answer)](const auto &path) {
         if (path) {
             answer(path);
             return;
         }
-        QMessageBox box(QMessageBox::Warning,
-                        QStringLiteral("Vornic"),
-                        QObject::tr("Give the recording up? It cannot be brought back."),
-                        QMessageBox::NoButton,
-                        visibleWindow());
-        box.setDefaultButton(box.addButton(QObject::tr("Save elsewhere"), QMessageBox::RejectRole));
-        const QPushButton *givesUp = box.addButton(QObject::tr("Give up"), QMessageBox::DestructiveRole);
+        QMessageBox box(visibleWindow());
+        fill(box, tr("Give the recording up?"), tr("It cannot be brought back."));
+        box.setDefaultButton(box.addButton(tr("Save elsewhere"), QMessageBox::RejectRole));
+        const QPushButton *givesUp = box.addButton(tr("Give up"), QMessageBox::DestructiveRole);
         box.exec();
         if (box.clickedButton() == givesUp)
             answer(std::nullopt);
@@ -181,59 +179,91 @@ void WindowFrontEnd::askForOtherFile(const QString &type, std::function<void(std
     });
 }
 
-void WindowFrontEnd::beginProgress()
+void WindowFrontEnd::beginProgress(std::uint64_t frames)
 {
-    m_progress = std::make_unique<QProgressDialog>(QObject::tr("Writing the movie"),
-                                                   QString(),
-                                                   0,
-                                                   100,
-                                                   visibleWindow(),
-                                                   Qt::Dialog | Qt::CustomizeWindowHint);
-    m_progress->setWindowTitle(QStringLiteral("Vornic"));
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setAutoReset(false);
-    m_progress->setMinimumDuration(0);
-    m_progress->show();
+    VNEncoderProgress::shareEncoderProgress().beginSheet(visibleWindow(), frames);
 }
 
 void WindowFrontEnd::setProgress(double percent)
 {
-    if (m_progress)
-        m_progress->setValue(static_cast<int>(percent));
+    VNEncoderProgress::shareEncoderProgress().setPercent(percent);
 }
 
 void WindowFrontEnd::endProgress()
 {
-    m_progress.reset();
+    VNEncoderProgress::shareEncoderProgress().endSheet();
 }
 
 void WindowFrontEnd::alert(const QString &message, const QString &informativeText)
 {
-    QMessageBox box(
-        QMessageBox::Warning, QStringLiteral("Vornic"), message, QMessageBox::Ok, visibleWindow());
-    box.setInformativeText(informativeText);
+    QMessageBox box(visibleWindow());
+    fill(box, message, informativeText);
+    box.setDefaultButton(box.addButton(tr("OK"), QMessageBox::AcceptRole));
     box.exec();
 }
 
 bool WindowFrontEnd::confirmQuit(const QString &message, const QString &informativeText)
 {
-    QMessageBox box(
-        QMessageBox::Question, QStringLiteral("Vornic"), message, QMessageBox::NoButton, visibleWindow());
-    box.setInformativeText(informativeText);
-    box.setDefaultButton(box.addButton(QObject::tr("No"), QMessageBox::RejectRole));
-    const QPushButton *yes = box.addButton(QObject::tr("Yes"), QMessageBox::AcceptRole);
+    QMessageBox box(visibleWindow());
+    fill(box, message, informativeText);
+    box.setDefaultButton(box.addButton(tr("No"), QMessageBox::RejectRole));
+    const QPushButton *yes = box.addButton(tr("Yes"), QMessageBox::AcceptRole);
     box.exec();
     return box.clickedButton() == yes;
 }
 
 void WindowFrontEnd::reveal(const QString &path)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    revealInFileManager(path);
 }
 
 void WindowFrontEnd::open(const QString &path)
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void WindowFrontEnd::announceMovie(const QString &path, double seconds)
+{
+    const QFileInfo movie(path);
+    m_notifier->show(
+        { .title = tr("The recording is finished"),
+          .body
+          = tr("%1: %2 long, %3")
+                .arg(movie.fileName(), minutesAndSeconds(seconds), QLocale().formattedDataSize(movie.size())),
+          .actionLabel = tr("Show in folder"),
+          .action = [path](const QString &token) { revealInFileManager(path, token); } });
+}
+
+void WindowFrontEnd::inhibitIdle(bool inhibits)
+{
+    m_idleInhibitor = inhibits ? std::make_unique<IdleInhibitor>(tr("Recording the screen")) : nullptr;
+}
+
+void WindowFrontEnd::chooseLogoImage(std::function<void(std::optional<QString>)> answer)
+{
+    auto *panel = new QFileDialog(visibleWindow(), tr("Choose the logo's picture"));
+    panel->setFileMode(QFileDialog::ExistingFile);
+    QStringList types;
+    const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    for (const QByteArray &type : formats)
+        types += QStringLiteral("*.%1").arg(QString::fromLatin1(type));
+    panel->setNameFilter(tr("Pictures (%1)").arg(types.join(u' ')));
+    runPanel(*panel, std::move(answer));
+}
+
+void WindowFrontEnd::orderFrontFontPanel(const QFont &selected, std::function<void(const QFont &)> changed)
+{
+    if (!m_fontPanel) {
+        m_fontPanel = new QFontDialog(visibleWindow());
+        m_fontPanel->setAttribute(Qt::WA_DeleteOnClose);
+        m_fontPanel->setOptions(QFontDialog::DontUseNativeDialog | QFontDialog::NoButtons);
+        m_fontPanel->setWindowTitle(tr("The logo's font"));
+        m_fontPanel->setCurrentFont(selected);
+        QObject::connect(m_fontPanel, &QFontDialog::currentFontChanged, m_fontPanel, std::move(changed));
+    }
+    m_fontPanel->show();
+    m_fontPanel->raise();
+    m_fontPanel->activateWindow();
 }
 
 } // namespace vornic

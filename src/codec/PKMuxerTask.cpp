@@ -7,6 +7,7 @@
 #include "platform/assertion.h"
 #include "platform/main_queue.h"
 
+#include <QCoreApplication>
 #include <QVariantMap>
 
 #include <pthread.h>
@@ -70,10 +71,11 @@ writeMovieToItsEnd(const PKMuxerContext &context, PKMuxerTaskDataSource &source,
     } catch (const MovieFailure &failure) {
         return { PKMuxerTaskActionFailed, failure.sentence() };
     } catch (const std::bad_alloc &) {
-        return { PKMuxerTaskActionFailed, QStringLiteral("There is not enough memory to write the movie.") };
+        return { PKMuxerTaskActionFailed,
+                 QCoreApplication::translate("vornic", "There is not enough memory to write the movie.") };
     } catch (const std::exception &failure) {
         return { PKMuxerTaskActionFailed,
-                 QStringLiteral("The movie could not be written to %1: %2.")
+                 QCoreApplication::translate("vornic", "The movie could not be written to %1: %2.")
                      .arg(context.filename(), QString::fromUtf8(failure.what())) };
     }
 }

@@ -5,6 +5,8 @@
 #include "codec/encoder_settings.h"
 #include "codec/movie_failure.h"
 
+#include <QCoreApplication>
+
 extern "C" {
 #include <libavutil/channel_layout.h>
 }
@@ -20,11 +22,14 @@ constexpr AVSampleFormat encodedFormat = AV_SAMPLE_FMT_FLTP;
 const AVCodec &encoderFor(int codecId)
 {
     if (codecId != PKMuxerContext::audioCodecAac) {
-        throw MovieFailure(QStringLiteral("There is no audio encoder with the number %1.").arg(codecId));
+        throw MovieFailure(
+            QCoreApplication::translate("vornic", "There is no audio encoder with the number %1.")
+                .arg(codecId));
     }
     const AVCodec *codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (!codec) {
-        throw MovieFailure(QStringLiteral("The AAC audio encoder is missing on this system."));
+        throw MovieFailure(
+            QCoreApplication::translate("vornic", "The AAC audio encoder is missing on this system."));
     }
     return *codec;
 }
@@ -32,7 +37,8 @@ const AVCodec &encoderFor(int codecId)
 void checkAudio(int result)
 {
     if (result < 0) {
-        throw MovieFailure(QStringLiteral("The sound could not be encoded: %1.").arg(avErrorText(result)));
+        throw MovieFailure(QCoreApplication::translate("vornic", "The sound could not be encoded: %1.")
+                               .arg(avErrorText(result)));
     }
 }
 

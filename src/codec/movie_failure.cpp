@@ -2,6 +2,7 @@
 
 #include "codec/av_support.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <cerrno>
@@ -14,20 +15,26 @@ QString writingFailureSentence(const QString &filename, int error)
     switch (AVUNERROR(error)) {
     case ENOSPC:
     case EDQUOT:
-        return QStringLiteral("The disk is full: the movie could not be written to %1.").arg(filename);
+        return QCoreApplication::translate("vornic",
+                                           "The disk is full: the movie could not be written to %1.")
+            .arg(filename);
     case EFBIG:
-        return QStringLiteral(
+        return QCoreApplication::translate(
+                   "vornic",
                    "The movie has grown larger than a file may be there: it could not be written to %1.")
             .arg(filename);
     case EACCES:
     case EPERM:
     case EROFS:
-        return QStringLiteral("You have no permission to write movies to the folder %1.").arg(folder);
+        return QCoreApplication::translate("vornic",
+                                           "You have no permission to write movies to the folder %1.")
+            .arg(folder);
     case ENOENT:
     case ENOTDIR:
-        return QStringLiteral("The folder %1 does not exist.").arg(folder);
+        return QCoreApplication::translate("vornic", "The folder %1 does not exist.").arg(folder);
     default:
-        return QStringLiteral("The movie could not be written to %1: %2.").arg(filename, avErrorText(error));
+        return QCoreApplication::translate("vornic", "The movie could not be written to %1: %2.")
+            .arg(filename, avErrorText(error));
     }
 }
 

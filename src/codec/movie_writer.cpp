@@ -11,6 +11,7 @@
 #include "codec/movie_file.h"
 #include "codec/video_encoder.h"
 
+#include <QCoreApplication>
 #include <QSize>
 
 #include <algorithm>
@@ -107,7 +108,7 @@ private:
         FrameReader reader([this] { return readFrame(); });
         ConstFrame frame = reader.next();
         if (!frame) {
-            throw MovieFailure(QStringLiteral("The recording holds no frames."));
+            throw MovieFailure(QCoreApplication::translate("vornic", "The recording holds no frames."));
         }
         while (frame) {
             ConstFrame following = nextAfter(*frame, reader);
@@ -191,7 +192,8 @@ writeMovie(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const P
 {
     if (context.format() != PKMuxerContext::formatMp4) {
         throw MovieFailure(
-            QStringLiteral("There is no movie format with the number %1.").arg(context.format()));
+            QCoreApplication::translate("vornic", "There is no movie format with the number %1.")
+                .arg(context.format()));
     }
     return MovieWriter(context, source, progress).write();
 }

@@ -7,6 +7,8 @@
 #include "codec/movie_failure.h"
 #include "codec/planar_picture.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace vornic {
@@ -22,11 +24,14 @@ constexpr int quickestFrameRate = 120;
 const AVCodec &encoderFor(int codecId)
 {
     if (codecId != PKMuxerContext::videoCodecH264) {
-        throw MovieFailure(QStringLiteral("There is no video encoder with the number %1.").arg(codecId));
+        throw MovieFailure(
+            QCoreApplication::translate("vornic", "There is no video encoder with the number %1.")
+                .arg(codecId));
     }
     const AVCodec *codec = avcodec_find_encoder_by_name("libx264");
     if (!codec) {
-        throw MovieFailure(QStringLiteral("The H.264 video encoder (libx264) is missing on this system."));
+        throw MovieFailure(QCoreApplication::translate(
+            "vornic", "The H.264 video encoder (libx264) is missing on this system."));
     }
     return *codec;
 }
@@ -79,7 +84,8 @@ VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     const int result = avcodec_open2(m_codec.get(), nullptr, &options);
     av_dict_free(&options);
     if (result < 0) {
-        throw MovieFailure(QStringLiteral("The video encoder cannot make a movie of %1 x %2 pixels: %3.")
+        throw MovieFailure(QCoreApplication::translate(
+                               "vornic", "The video encoder cannot make a movie of %1 x %2 pixels: %3.")
                                .arg(context.width())
                                .arg(context.height())
                                .arg(avErrorText(result)));
@@ -115,7 +121,8 @@ void VideoEncoder::send(const AVFrame *frame, const PacketSink &sink)
         sink(*m_packet);
     }
     if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) {
-        throw MovieFailure(QStringLiteral("The video encoder failed: %1.").arg(avErrorText(result)));
+        throw MovieFailure(
+            QCoreApplication::translate("vornic", "The video encoder failed: %1.").arg(avErrorText(result)));
     }
 }
 

@@ -243,8 +243,10 @@ void VNLogoContext::setFontAttrs(const TextAttributes &attributes)
 
 void VNLogoContext::setNSImage(const QImage &image)
 {
-    if (!image.isNull())
-        mLogoImage = bitmapOf(image);
+    if (image.isNull())
+        return;
+    mLogoImage = bitmapOf(image);
+    emit logoImageChanged();
 }
 
 ScaledFont VNLogoContext::scaledLogoFont(double scale) const

@@ -128,6 +128,8 @@ signals:
     void LogoRotationChanged();
     void LogoFontFillColorChanged();
     void LogoFontStrokeColorChanged();
+    /// There is another picture.
+    void logoImageChanged();
 
 private:
     explicit VNLogoContext(const KeyedUnarchiver &coder);

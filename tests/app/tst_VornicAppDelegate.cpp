@@ -77,10 +77,13 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
                              "hint",
                              "showStopItem",
                              "minimise",
+                             "inhibit",
                              "hideStopItem",
                              "saving",
                              "beginProgress",
                              "reveal " + moviePath(),
+                             "announce " + moviePath(),
+                             "release",
                              "endProgress" }));
     EXPECT_EQ(frontEnd.titles.first(), "00:00:00");
 }

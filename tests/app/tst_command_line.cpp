@@ -17,6 +17,24 @@ TEST(CommandLineTest, WithoutArgumentsItIsTheWindow)
     EXPECT_EQ(parse({}).action, Action::Window);
 }
 
+TEST(CommandLineTest, TheWindowMayBeginToRecord)
+{
+    const CommandLine full = parseCommandLine({ "vornic", "--record=full" });
+    EXPECT_EQ(full.action, CommandLine::Action::Window);
+    EXPECT_EQ(full.task, CommandLine::Task::RecordFullDisplay);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record", "rectangle" }).task,
+              CommandLine::Task::RecordRectangle);
+    EXPECT_EQ(parseCommandLine({ "vornic" }).task, CommandLine::Task::Show);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).task, CommandLine::Task::Stop);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).action, CommandLine::Action::Window);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
+              CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record=some" }).problem,
+              "--record \"some\" cannot be read; give it as full or rectangle.");
+    EXPECT_EQ(parseCommandLine({ "vornic", "record", "--record=full", "o.mp4" }).problem,
+              "--record belongs to the window.");
+}
+
 TEST(CommandLineTest, Commands)
 {
     EXPECT_EQ(parse({ "devices" }).action, Action::Devices);

@@ -23,6 +23,8 @@ protected:
         program = start(QStringLiteral("env"),
                         { "QT_QPA_PLATFORM=xcb",
                           "PULSE_SERVER=unix:/nonexistent",
+                          "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
+                          "LC_ALL=C.UTF-8",
                           "HOME=" + folder.path(),
                           QStringLiteral(VORNIC_PROGRAM) });
         ASSERT_FALSE(waitForWindow("^Vornic$").isEmpty());
@@ -64,6 +66,24 @@ protected:
     {
         xdotool({ "windowfocus", "--sync", window });
         xdotool({ "key", "--clearmodifiers", keys });
+    }
+    /// The window that has the keyboard in place of \a window, once there is one; empty after 20 s.
+    static QString waitForOtherActiveWindow(const QString &window)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        QString active = window;
+        while ((active == window || active.isEmpty()) && timer.elapsed() < 20'000) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            active = xdotool({ "getactivewindow" });
+        }
+        return active == window ? QString() : active;
+    }
+    /// Something that moves all over the screen.
+    std::unique_ptr<QProcess> startScene() const
+    {
+        return start(QStringLiteral(VORNIC_SHOW_SCENE),
+                     { "video", "--below", "--fps", "30", "--seconds", "1000" });
     }
     bool waitForFile(const QString &path) const
     {

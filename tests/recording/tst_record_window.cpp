@@ -37,5 +37,72 @@ TEST_F(RecordWindowTest, SigtermWhileRecordingLeavesACompleteMovie)
     EXPECT_GT(secondsOf(movie("window.mp4")), 0.7);
 }
 
+/// Waits until the movie is being written, beside its place under another name.
+bool isBeingWritten(const QString &folder)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 20'000) {
+        if (!QDir(folder).entryList({ "*.part" }, QDir::Files | QDir::Hidden).isEmpty())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return false;
+}
+
+TEST_F(RecordWindowTest, QuitWhileRecordingAsksAndLeavesACompleteMovie)
+{
+    const QString window = waitForWindow("^Vornic$");
+    ASSERT_FALSE(startRecording().isEmpty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    // "No" is what Enter and Escape mean.
+    for (const char *answer : { "Escape", "Return" }) {
+        xdotool({ "windowactivate", "--sync", window });
+        xdotool({ "key", "--clearmodifiers", "alt+F4" });
+        key(waitForOtherActiveWindow(window), answer);
+        EXPECT_FALSE(program->waitForFinished(300));
+        EXPECT_FALSE(QFile::exists(movie("window.mp4")));
+    }
+    xdotool({ "windowactivate", "--sync", window });
+    xdotool({ "key", "--clearmodifiers", "alt+F4" });
+    const QString question = waitForOtherActiveWindow(window);
+    ASSERT_FALSE(question.isEmpty());
+    key(question, "Tab");
+    key(question, "space");
+    EXPECT_EQ(finish(*program).status, 0);
+    EXPECT_GT(secondsOf(movie("window.mp4")), 0.9);
+}
+
+TEST_F(RecordWindowTest, SigtermWhileTheMovieIsWrittenLeavesItComplete)
+{
+    const std::unique_ptr<QProcess> scene = startScene();
+    const QString stopBar = startRecording();
+    ASSERT_FALSE(stopBar.isEmpty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(4000));
+    xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
+    ASSERT_TRUE(isBeingWritten(folder.path()));
+    program->terminate();
+    EXPECT_FALSE(QFile::exists(movie("window.mp4")));
+    EXPECT_EQ(finish(*program).status, 0);
+    EXPECT_GT(secondsOf(movie("window.mp4")), 3.0);
+    EXPECT_TRUE(QDir(folder.path()).entryList({ "*.part" }, QDir::Files | QDir::Hidden).isEmpty());
+}
+
+TEST_F(RecordWindowTest, TheWindowDoesNotCloseWhileTheMovieIsWritten)
+{
+    const QString window = waitForWindow("^Vornic$");
+    const std::unique_ptr<QProcess> scene = startScene();
+    const QString stopBar = startRecording();
+    ASSERT_FALSE(stopBar.isEmpty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(4000));
+    xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
+    ASSERT_TRUE(isBeingWritten(folder.path()));
+    xdotool({ "key", "--clearmodifiers", "alt+F4" });
+    ASSERT_TRUE(waitForFile(movie("window.mp4")));
+    EXPECT_GT(secondsOf(movie("window.mp4")), 3.0);
+    program->terminate();
+    EXPECT_EQ(finish(*program).status, 0);
+}
+
 } // namespace
 } // namespace vornic

@@ -4,6 +4,7 @@
 #include "platform/display/null_display.h"
 #include "platform/display/x11_display.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -24,7 +25,8 @@ std::unique_ptr<DisplayBackend> createFake(QString & /*whyNot*/)
 std::unique_ptr<DisplayBackend> createNull(QString &whyNot)
 {
     if (whyNot.isEmpty())
-        whyNot = QStringLiteral("The display is switched off by the environment variable VORNIC_DISPLAY.");
+        whyNot = QCoreApplication::translate(
+            "vornic", "The display is switched off by the environment variable VORNIC_DISPLAY.");
     return std::make_unique<NullDisplay>(whyNot);
 }
 
@@ -47,7 +49,8 @@ std::unique_ptr<DisplayBackend> createForced(const QByteArray &id)
     const auto entry = std::ranges::find(backendTable, std::string_view(id), &DisplayBackendEntry::id);
     QString whyNot;
     if (entry == backendTable.end()) {
-        whyNot = QStringLiteral("VORNIC_DISPLAY names the display backend \"%1\", but there are only: %2.")
+        whyNot = QCoreApplication::translate(
+                     "vornic", "VORNIC_DISPLAY names the display backend \"%1\", but there are only: %2.")
                      .arg(QString::fromUtf8(id), listOfIds());
     } else if (auto display = entry->create(whyNot)) {
         return display;

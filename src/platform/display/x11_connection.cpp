@@ -1,5 +1,6 @@
 #include "platform/display/x11_connection.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <sys/socket.h>
@@ -138,13 +139,15 @@ std::unique_ptr<X11Connection> X11Connection::open(QString &whyNot)
     const auto *screen
         = xcb_connection_has_error(handle.get()) == 0 ? screenNumber(handle.get(), number) : nullptr;
     if (!screen) {
-        whyNot = QStringLiteral("Cannot connect to the X11 display \"%1\".").arg(name);
+        whyNot = QCoreApplication::translate("vornic", "Cannot connect to the X11 display \"%1\".").arg(name);
         return nullptr;
     }
     std::unique_ptr<X11Connection> connection(new X11Connection(std::move(handle), screen));
     if (!isOnThisMachine(connection->get())) {
-        whyNot = QStringLiteral("The X11 display \"%1\" belongs to another machine or is forwarded; "
-                                "only a display of this machine can be recorded.")
+        whyNot = QCoreApplication::translate(
+                     "vornic",
+                     "The X11 display \"%1\" belongs to another machine or is forwarded; "
+                     "only a display of this machine can be recorded.")
                      .arg(name);
     } else {
         whyNot = connection->findExtensions();
@@ -163,12 +166,15 @@ QString X11Connection::findExtensions()
     if (!hasFixes(connection))
         missing += QStringLiteral("XFIXES 2");
     if (!missing.isEmpty()) {
-        return QStringLiteral("The X server lacks what recording its screen needs: %1.")
+        return QCoreApplication::translate("vornic",
+                                           "The X server lacks what recording its screen needs: %1.")
             .arg(missing.join(QStringLiteral(", ")));
     }
     if (isInsideWayland(connection, root())) {
-        return QStringLiteral("This is a Wayland session, which shows its screen to no X11 program; "
-                              "log in to an X11 session to record.");
+        return QCoreApplication::translate(
+            "vornic",
+            "This is a Wayland session, which shows its screen to no X11 program; "
+            "log in to an X11 session to record.");
     }
     m_cursorEvent = firstEvent(connection, &xcb_xfixes_id) + XCB_XFIXES_CURSOR_NOTIFY;
     m_randrEvent = firstEvent(connection, &xcb_randr_id);

@@ -3,6 +3,8 @@
 #include "platform/display/bitmap_image.h"
 #include "platform/display/display_rectangle.h"
 
+#include <QCoreApplication>
+
 #include <utility>
 
 namespace vornic {
@@ -18,7 +20,8 @@ std::unique_ptr<DisplayBackend> X11Display::create(QString &whyNot)
     std::unique_ptr<DisplayBackend> display(new X11Display(std::move(connection), std::move(*format)));
     // What a server says it can do and what it lets this program do are known apart only by trying.
     if (!display->grab(QRect(0, 0, 1, 1))) {
-        whyNot = QStringLiteral("The X server refuses to give pictures of its screen.");
+        whyNot
+            = QCoreApplication::translate("vornic", "The X server refuses to give pictures of its screen.");
         return nullptr;
     }
     return display;

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+
+#include <cstdint>
+
+class QDialog;
+class QLabel;
+class QProgressBar;
+class QWidget;
+
+namespace vornic {
+
+/// The sheet that shows how much of the movie is written, how fast, and how long it will take.
+///
+/// One for the life of the program, made at the first call of shareEncoderProgress(); main thread only.
+class VNEncoderProgress : public QObject
+{
+    Q_OBJECT
+    /// 0 to 100.
+    Q_PROPERTY(double percent READ percent WRITE setPercent NOTIFY percentChanged)
+public:
+    [[nodiscard]] static VNEncoderProgress &shareEncoderProgress();
+
+    [[nodiscard]] double percent() const { return m_percent; }
+    void setPercent(double percent);
+
+    /// \a frames: how many the movie will have. Without a \a window the sheet stands alone.
+    void beginSheet(QWidget *window, std::uint64_t frames);
+    void endSheet();
+
+signals:
+    void percentChanged();
+
+private:
+    VNEncoderProgress() = default;
+    void showFigures();
+
+    double m_percent = 0;
+    std::uint64_t m_frames = 0;
+    QElapsedTimer m_sinceBegin;
+    QPointer<QDialog> m_window; ///< null while none is shown
+    QProgressBar *m_bar = nullptr;
+    QLabel *m_percentLabel = nullptr;
+    QLabel *m_speedLabel = nullptr;
+    QLabel *m_timeLeftLabel = nullptr;
+};
+
+} // namespace vornic

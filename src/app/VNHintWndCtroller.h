@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+
+class QDialog;
+
+namespace vornic {
+
+/// The sheet that tells, before a recording starts, how it is stopped.
+///
+/// One for the life of the program, made at the first call of shareHintWndCtroller(); main thread only.
+class VNHintWndCtroller : public QObject
+{
+    Q_OBJECT
+    /// Whether the sheet is shown before the next recording too; stored in the user defaults.
+    Q_PROPERTY(bool showAgain READ showAgain WRITE setShowAgain NOTIFY showAgainChanged)
+public:
+    [[nodiscard]] static VNHintWndCtroller &shareHintWndCtroller();
+
+    [[nodiscard]] bool showAgain() const;
+    void setShowAgain(bool showAgain);
+
+    /// The window that the sheet stands on, while it is shown.
+    [[nodiscard]] QWidget *parentWindow() const { return m_parent; }
+    /// \a handler gets -1002 to go on, -1000 to stop; it may be empty. Without a \a parent the sheet stands
+    /// alone.
+    void beginSheetModalForWindow(QWidget *parent, std::function<void(int response)> handler);
+
+public slots:
+    void startRecordAction();
+    void cancelAction();
+
+signals:
+    void showAgainChanged();
+
+private:
+    VNHintWndCtroller() = default;
+
+    QPointer<QWidget> m_parent;
+    QPointer<QDialog> m_window; ///< null while none is shown
+};
+
+} // namespace vornic

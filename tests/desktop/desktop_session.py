@@ -1,0 +1,167 @@
+"""A private desktop for a test: X server, window manager, sound server, session bus and accessibility bus.
+
+A test calls run_inside() first: it starts the session, and the same script again inside it. There, the program's
+controls are found over the accessibility bus, as a screen reader finds them, and worked with xdotool, as a person
+does.
+"""
+import contextlib
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+INSIDE = "VORNIC_TEST_SESSION"
+
+
+def run_inside(size="1280x800", services=()):
+    """Returns inside the session only; outside, ends with the exit status of the script inside."""
+    if INSIDE in os.environ:
+        return
+    with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as started:
+        read, write = os.pipe()
+        server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24", "-nolisten", "tcp"],
+                                  pass_fds=[write], stderr=subprocess.DEVNULL)
+        started.callback(end, server)
+        os.close(write)
+        environment = dict(os.environ, DISPLAY=":" + os.read(read, 16).decode().strip(), HOME=folder,
+                           XDG_RUNTIME_DIR=folder, XDG_CONFIG_HOME=folder + "/config", XDG_CACHE_HOME=folder + "/cache",
+                           XDG_DATA_HOME=folder + "/data", LC_ALL="C.UTF-8", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+                           QT_QPA_PLATFORM="xcb", PULSE_SERVER="unix:" + folder + "/native")
+        environment[INSIDE] = folder
+        for name in ("AT_SPI_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY", "XDG_CURRENT_DESKTOP"):
+            environment.pop(name, None)
+        if "sound" in services:
+            if not shutil.which("pulseaudio"):
+                sys.exit(77)  # the desktop of this machine has another sound server
+            sound = subprocess.Popen(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
+                                      f"--load=module-native-protocol-unix auth-anonymous=1 socket={folder}/native",
+                                      "--load=module-null-sink rate=48000"],
+                                     env=environment, stderr=subprocess.DEVNULL)
+            started.callback(end, sound)
+            wait(lambda: os.path.exists(folder + "/native"))
+        for service in ("openbox", "tint2"):
+            if service in services:
+                started.callback(end, subprocess.Popen([service], env=environment, stdout=subprocess.DEVNULL,
+                                                       stderr=subprocess.DEVNULL))
+        inside = subprocess.Popen(["dbus-run-session", "--", sys.executable] + sys.argv, env=environment)
+        started.callback(end, inside)
+        sys.exit(inside.wait(timeout=150))
+
+
+def end(process):
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(timeout=5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+
+
+def wait(holds, seconds=20):
+    """The first true answer; fails when there is none in that time."""
+    stop = time.monotonic() + seconds
+    while True:
+        answer = holds()
+        if answer:
+            return answer
+        if time.monotonic() > stop:
+            raise AssertionError("waited in vain for " + getattr(holds, "what", "an answer"))
+        time.sleep(0.1)
+
+
+def xdotool(*arguments):
+    return subprocess.run(["xdotool"] + [str(argument) for argument in arguments], capture_output=True, text=True,
+                          check=False).stdout.strip()
+
+
+def walk(node):
+    """The node and all beneath it; a spin button is one control, whatever it is made of."""
+    yield node
+    if node.get_role_name() == "spin button":
+        return
+    for index in range(node.get_child_count()):
+        child = node.get_child_at_index(index)
+        if child is not None:
+            yield from walk(child)
+
+
+class Program:
+    """The program, found over the accessibility bus and worked with mouse and keyboard."""
+
+    def __init__(self, path, *arguments):
+        import gi
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi
+        Atspi.init()
+        self.atspi = Atspi
+        self.process = subprocess.Popen([path] + list(arguments))
+        self.window = self.wait_for("Vornic", "frame")
+
+    def applications(self):
+        desktop = self.atspi.get_desktop(0)
+        return [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
+
+    def states(self, node):
+        return {self.atspi.StateType(state).value_nick for state in node.get_state_set().get_states()}
+
+    def find(self, name, *roles):
+        """What is shown with that name and one of the roles; of several the one that came last."""
+        found = None
+        with contextlib.suppress(Exception):  # what is walked over may end meanwhile
+            for application in self.applications():
+                for node in walk(application):
+                    if node.get_name().replace("&", "") == name and (not roles or node.get_role_name() in roles) \
+                            and "showing" in self.states(node):
+                        found = node
+        return found
+
+    def wait_for(self, name, *roles):
+        def holds():
+            return self.find(name, *roles)
+        holds.what = f"\"{name}\" {roles}"
+        return wait(holds)
+
+    def place(self, node):
+        """The middle of the node on the screen."""
+        box = node.get_extents(self.atspi.CoordType.SCREEN)
+        return box.x + box.width // 2, box.y + box.height // 2
+
+    def click(self, name, *roles):
+        x, y = self.place(self.wait_for(name, *roles))
+        xdotool("mousemove", x, y)
+        time.sleep(0.1)
+        xdotool("click", 1)
+        time.sleep(0.3)
+
+    def is_checked(self, name, *roles):
+        return "checked" in self.states(self.wait_for(name, *roles))
+
+    def value(self, name):
+        return self.wait_for(name, "spin button").get_value_iface().get_current_value()
+
+    def text(self, name, *roles):
+        node = self.wait_for(name, *roles)
+        return node.get_text_iface().get_text(0, -1)
+
+    def wait_for_end(self):
+        return self.process.wait(timeout=60)
+
+    def kill(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+            self.process.wait()
+
+
+def key(*keys):
+    for one in keys:
+        xdotool("key", "--clearmodifiers", one)
+        time.sleep(0.2)
+
+
+def type_text(text):
+    xdotool("type", "--clearmodifiers", "--delay", "20", text)
+    time.sleep(0.2)
