@@ -1,0 +1,23 @@
+# Completion of vornic for fish.
+
+set -l window 'not __fish_seen_subcommand_from record devices'
+set -l record '__fish_seen_subcommand_from record'
+
+complete -c vornic -f
+complete -c vornic -n $window -a record -d 'Record without the window'
+complete -c vornic -n $window -a devices -d 'List the audio input devices'
+complete -c vornic -n $window -l record -x -a 'full\t"The full display" rectangle\t"The selected rectangle"' \
+    -d 'Begin to record'
+complete -c vornic -n $window -l stop -d 'End the recording of the window that runs'
+complete -c vornic -n $window -s v -l version -d 'Print the version'
+complete -c vornic -n 'not __fish_seen_subcommand_from devices' -s h -l help -d 'List the commands and options'
+
+complete -c vornic -n $record -l region -x -d 'Record this rectangle: X,Y,W,H in pixels'
+complete -c vornic -n $record -l quality -x -a 'high medium' -d '30 or 20 pictures a second'
+complete -c vornic -n $record -l audio -d 'Sound too, of the first audio input device'
+complete -c vornic -n $record -a '(string match -q -- "--audio=*" (commandline -ct); and vornic devices 2>/dev/null | string replace -r "^" -- --audio=)' \
+    -d 'Audio input device'
+complete -c vornic -n $record -l duration -x -d 'End the recording by itself: seconds'
+complete -c vornic -n $record -l overwrite -d 'Replace the file'
+complete -c vornic -n $record -l ignore-low-space -d 'Go on below the free-space limit'
+complete -c vornic -n $record -a '(string match -q -- "-*" (commandline -ct); or __fish_complete_suffix .mp4)'

@@ -1,0 +1,80 @@
+"""tst_help.py SOURCE MAKER HELP: the help document holds the whole help text, and a broken text is no document."""
+
+import collections
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unicodedata
+import unittest
+
+
+def normalized(text):
+    """With letters apart that are one picture in the document, like "fi"."""
+    return unicodedata.normalize("NFKC", text)
+
+
+def words_of_text(markdown):
+    """The words of a help text, without its marks and pictures."""
+    text = re.sub(r"!\[[^\]]*\]\([^)]*\)", " ", markdown)
+    text = re.sub(r"^\|[-|]+\|$", " ", text, flags=re.MULTILINE)
+    text = re.sub(r"^(#+|-|\d+\.) ", " ", text, flags=re.MULTILINE)
+    return normalized(re.sub(r"[*`]", "", text).replace("|", " ")).split()
+
+
+def words_of_document(path):
+    text = subprocess.run(["pdftotext", "-layout", path, "-"], check=True, capture_output=True, text=True).stdout
+    return normalized(text).split()
+
+
+def make(text):
+    """The maker's exit status, and what it said."""
+    with tempfile.TemporaryDirectory() as folder:
+        place = pathlib.Path(folder)
+        (place / "help.md").write_text(text, encoding="utf-8")
+        environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "ASAN_OPTIONS": "detect_leaks=0"}
+        icon = SOURCE / "resources/icons/png/256.png"
+        ended = subprocess.run(
+            [MAKER, place / "help.md", icon, place / "help.pdf"], env=environment, capture_output=True, text=True
+        )
+        return ended.returncode, ended.stderr
+
+
+class Help(unittest.TestCase):
+    def setUp(self):
+        self.text = (SOURCE / "docs/help.md").read_text(encoding="utf-8")
+
+    def test_no_word_is_lost(self):
+        if not shutil.which("pdftotext"):
+            self.skipTest("there is no pdftotext")
+        in_document = collections.Counter(words_of_document(HELP))
+        self.assertEqual(collections.Counter(words_of_text(self.text)) - in_document, collections.Counter())
+
+    def test_the_pictures_are_in_it(self):
+        if not shutil.which("pdfimages"):
+            self.skipTest("there is no pdfimages")
+        listed = subprocess.run(["pdfimages", "-list", HELP], check=True, capture_output=True, text=True).stdout
+        sizes = {tuple(line.split()[3:5]) for line in listed.splitlines()[2:] if line.split()[2] == "image"}
+        # The icon in the banner is one more.
+        self.assertGreaterEqual(len(sizes), 1 + len(set(re.findall(r"!\[", self.text))))
+
+    def test_a_picture_that_is_missing_is_told(self):
+        status, said = make("# A\n\nB.\n\n## C\n\n![D](nowhere.png)\n")
+        self.assertEqual(status, 1)
+        self.assertIn("nowhere.png", said)
+
+    def test_a_text_without_a_title_is_no_help(self):
+        self.assertEqual(make("Some text.\n\nAnd more.\n\n")[0], 1)
+        self.assertEqual(make("# A\n\nB.\n\n## C\n\nD.\n")[0], 0)
+
+    def test_names_the_commands_for_keys_as_the_program_has_them(self):
+        for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop"):
+            self.assertIn(f"`{command}`", self.text)
+
+
+if __name__ == "__main__":
+    SOURCE, MAKER, HELP = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+    unittest.main(argv=sys.argv[:1], verbosity=2)
