@@ -28,12 +28,15 @@ TEST_F(RecordWindowTest, RecordStopAndMovie)
     EXPECT_EQ(finish(*program).status, 0);
 }
 
-TEST_F(RecordWindowTest, SigtermWhileRecordingLeavesACompleteMovie)
+TEST_F(RecordWindowTest, SigtermWhileRecordingLeavesACompleteMovieAndTheOptions)
 {
     ASSERT_FALSE(startRecording().isEmpty());
     std::this_thread::sleep_for(std::chrono::milliseconds(1000));
     program->terminate();
     EXPECT_EQ(finish(*program).status, 0);
+    QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
+    ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(settings.readAll().contains("com.kavlor.options="));
     EXPECT_GT(secondsOf(movie("window.mp4")), 0.7);
 }
 
