@@ -27,3 +27,7 @@ file(WRITE "${doc}/changelog.Debian" "vornic (${CPACK_PACKAGE_VERSION}) unstable
 ")
 compress("${doc}/changelog.Debian" "${doc}/changelog.Debian.gz")
 file(REMOVE "${doc}/changelog.Debian")
+
+# Whatever the umask of who packs.
+file(CHMOD_RECURSE "${CPACK_TEMPORARY_DIRECTORY}/usr" DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
