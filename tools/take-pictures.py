@@ -40,7 +40,7 @@ def main():
                                    stderr=subprocess.DEVNULL)
         started.append(manager)
         terminal = subprocess.Popen(["xterm", "-fa", "DejaVu Sans Mono", "-fs", "11", "-geometry", "84x24+330+210", "-e",
-                                     "sh", "-c", f"fold -s -w 82 '{ROOT}/README.md' | head -23; sleep 1000"])
+                                     "sh", "-c", f"fold -s -w 82 '{ROOT}/README.md' | head -20; sleep 1000"])
         started.append(terminal)
         time.sleep(1.5)
         program = Program(str(pathlib.Path(sys.argv[1]) / "src/app/vornic"))
