@@ -165,29 +165,22 @@ TEST_F(MainWindowTest, ListsHaveTheirItemsAndActions)
 
 TEST_F(MainWindowTest, WhatCannotBeUsedLooksSo)
 {
+    const QList<const char *> controls { "offsetXField",
+                                         "widthLabel",
+                                         "chkLogoText",
+                                         "logoTextField",
+                                         "fontButton",
+                                         "mLogoFontFillColorWell",
+                                         "mLogoFontStrokeColorWell",
+                                         "scaleSlider",
+                                         "logoXField" };
     options().setRecordRegion(0);
     logo().setLogoValidate(false);
-    for (const char *name : { "offsetXField",
-                              "widthLabel",
-                              "chkLogoText",
-                              "logoTextField",
-                              "fontButton",
-                              "mLogoFontFillColorWell",
-                              "mLogoFontStrokeColorWell",
-                              "scaleSlider",
-                              "logoXField" })
+    for (const char *name : controls)
         EXPECT_FALSE(widget(name).isEnabled()) << name;
     options().setRecordRegion(1);
     control<VNCheckCell>("chkLogo").click();
-    for (const char *name : { "offsetXField",
-                              "widthLabel",
-                              "chkLogoText",
-                              "logoTextField",
-                              "fontButton",
-                              "mLogoFontFillColorWell",
-                              "mLogoFontStrokeColorWell",
-                              "scaleSlider",
-                              "logoXField" })
+    for (const char *name : controls)
         EXPECT_TRUE(widget(name).isEnabled()) << name;
     EXPECT_FALSE(widget("logoImageView").isEnabled());
     logo().setLogoType(1);
