@@ -24,9 +24,8 @@ QStringList actionsOf(const Notification &notification, const QStringList &capab
     if (!notification.action || notification.actionLabel.isEmpty()
         || !capabilities.contains(QStringLiteral("actions")))
         return {};
-    return {
-        QStringLiteral("default"), notification.actionLabel, QStringLiteral("act"), notification.actionLabel
-    };
+    // Without the "default" action, of which some desktops make a second button.
+    return { QStringLiteral("act"), notification.actionLabel };
 }
 
 QString bodyOf(const Notification &notification, const QStringList &capabilities)

@@ -77,18 +77,16 @@ TEST_F(NotifierTest, SaysWhoSpeaksAndWhat)
     EXPECT_EQ(arguments[7], -1);
 }
 
-TEST_F(NotifierTest, OffersTheActionOnTheButtonAndOnTheNotification)
+TEST_F(NotifierTest, OffersTheActionOnOneButton)
 {
     const auto server = notificationServer({ "actions" });
     Notifier notifier;
     notifier.show(notification());
     const QStringList actions = shown(*server).value(5).toStringList();
-    ASSERT_EQ(actions.size(), 4);
-    EXPECT_EQ(actions[0], "default");
+    ASSERT_EQ(actions.size(), 2);
+    EXPECT_NE(actions[0], "default") << "some desktops show a second button for it";
     EXPECT_EQ(actions[1], "Show in folder");
-    EXPECT_NE(actions[2], "default");
-    EXPECT_EQ(actions[3], "Show in folder");
-    server->emitSignal(path, "ActionInvoked", { 7U, actions[2] });
+    server->emitSignal(path, "ActionInvoked", { 7U, actions[0] });
     EXPECT_TRUE(eventually([&] { return m_runs == 1; }));
     server->emitSignal(path, "ActionInvoked", { 7U, "default" });
     EXPECT_TRUE(eventually([&] { return m_runs == 2; }));
