@@ -234,6 +234,7 @@ private:
     std::atomic<std::uint64_t> m_framesUnusable = 0;
     std::uint64_t m_framesWritten = 0;
     std::uint64_t m_framesOutOfOrder = 0;
+    double m_movieSeconds = 0;
     double m_audioSeconds = 0;
 
     std::unique_ptr<SerialQueue> _imgCaptureQueue; ///< last: its thread ends before what it uses

@@ -103,6 +103,7 @@ void VornicAppDelegate::muxerReported(const QString &action, const QVariant &val
         const QVariantMap written = value.toMap();
         m_framesWritten = written.value(QStringLiteral("framesWritten")).toULongLong();
         m_framesOutOfOrder = written.value(QStringLiteral("framesSkipped")).toULongLong();
+        m_movieSeconds = written.value(QStringLiteral("seconds")).toDouble();
         m_audioSeconds = written.value(QStringLiteral("audioSeconds")).toDouble();
         m_composer.reset();
         recordcomplete();

@@ -119,6 +119,7 @@ void VornicAppDelegate::startRecorderAnyway()
     m_framesUnusable = 0;
     m_framesWritten = 0;
     m_framesOutOfOrder = 0;
+    m_movieSeconds = 0;
     m_audioSeconds = 0;
     m_audioWaits = 0;
     setState(1);
@@ -242,7 +243,7 @@ void VornicAppDelegate::recordcomplete()
         m_frontEnd.reveal(m_outfileName);
     if (options()->openRecordedWhenFinished())
         m_frontEnd.open(m_outfileName);
-    m_frontEnd.announceMovie(m_outfileName, static_cast<double>(PKMuxerTaskLength()) / PKTimebase);
+    m_frontEnd.announceMovie(m_outfileName, m_movieSeconds);
     becomeIdle();
 }
 
@@ -284,7 +285,7 @@ void VornicAppDelegate::setState(int state)
 {
     m_state = state;
     notifyChanged({ "state" });
-    mAudioDevicesView->setEnabled(allowedAudioRecord());
+    enableAudioDevices();
     reloadOverlay();
     m_frontEnd.reloadData();
 }

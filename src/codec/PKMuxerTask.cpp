@@ -59,6 +59,7 @@ Outcome outcomeOf(const MovieStatistics &statistics)
     return { PKMuxerTaskActionComplete,
              QVariantMap { { QStringLiteral("framesWritten"), qint64 { statistics.framesWritten } },
                            { QStringLiteral("framesSkipped"), qint64 { statistics.framesSkipped } },
+                           { QStringLiteral("seconds"), statistics.seconds },
                            { QStringLiteral("audioSeconds"), statistics.audioSeconds } } };
 }
 

@@ -162,6 +162,7 @@ private:
         const std::int64_t end = packet.pts + packet.duration;
         m_file.write(packet, m_videoTrack, m_video.timeBase());
         ++m_statistics.framesWritten;
+        m_statistics.seconds = std::max(m_statistics.seconds, static_cast<double>(end) / PKTimebase);
         if (m_length > 0) {
             m_progress(
                 std::clamp(100.0 * static_cast<double>(end) / static_cast<double>(m_length), 0.0, 100.0));

@@ -13,6 +13,7 @@ class PKMuxerContext;
 struct MovieStatistics {
     std::int64_t framesWritten = 0;
     std::int64_t framesSkipped = 0; ///< without a picture, or not later than the one before
+    double seconds = 0;             ///< until the last picture's end
     double audioSeconds = 0;
 };
 

@@ -29,7 +29,8 @@ public:
     std::function<void()> onAlert;
     std::function<void()> onProgress;
 
-    QStringList told;   ///< every call, in order
+    QStringList told; ///< every call, in order
+    double announcedSeconds = 0;
     QStringList titles; ///< of the stop item
     QStringList alerts; ///< message and informative text
     QList<double> percents;
@@ -89,7 +90,11 @@ public:
     }
     void reveal(const QString &revealed) override { told += "reveal " + revealed; }
     void open(const QString &opened) override { told += "open " + opened; }
-    void announceMovie(const QString &movie, double /*seconds*/) override { told += "announce " + movie; }
+    void announceMovie(const QString &movie, double seconds) override
+    {
+        told += "announce " + movie;
+        announcedSeconds = seconds;
+    }
     void inhibitIdle(bool inhibits) override { told += inhibits ? "inhibit" : "release"; }
 };
 

@@ -61,6 +61,8 @@ TEST_F(DelegateTest, ARecordingBecomesAMovie)
     EXPECT_EQ(streamOf(probed, "video")["height"].toInt(), 200);
     EXPECT_EQ(numbersOf(probed, "packets", "video", "pts").size(),
               static_cast<qsizetype>(counts.framesGrabbed));
+    EXPECT_NEAR(
+        frontEnd.announcedSeconds, streamOf(probed, "video")["duration"].toString().toDouble(), 0.001);
     EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
     EXPECT_EQ(frontEnd.percents.first(), 0.0);
@@ -514,6 +516,14 @@ TEST_F(DelegateTest, TheDeviceListRestsWhileARecordingRuns)
     delegate->stopRecord();
     ASSERT_TRUE(runUntilIdle());
     EXPECT_TRUE(delegate->audioDevicesView().isEnabled());
+}
+
+TEST_F(DelegateTest, TheDeviceListStaysDisabledAfterARecordingWithoutSound)
+{
+    addAudioDevice();
+    ASSERT_TRUE(record(1));
+    EXPECT_TRUE(delegate->allowedAudioRecord());
+    EXPECT_FALSE(delegate->audioDevicesView().isEnabled());
 }
 
 TEST_F(DelegateTest, WhoWaitsForSoundIsToldSoUntilItComes)

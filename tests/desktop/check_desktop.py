@@ -89,11 +89,17 @@ def record(program, services):
     assert ("UnInhibit", (7,)) in services.calls
 
 
+def movie_seconds():
+    return float(subprocess.run(["ffprobe", "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", MOVIE],
+                                capture_output=True, text=True, check=True).stdout)
+
+
 def check_notification(services):
     wait(lambda: services.count("Notify") == 1)
     name, _, icon, title, body, actions, hints, _ = next(call[1] for call in services.calls if call[0] == "Notify")
+    length = f"0:{int(movie_seconds()):02} long"
     assert icon == "com.kavlor.vornic" and hints["desktop-entry"] == "com.kavlor.vornic", (name, icon, hints)
-    assert title == "The recording is finished" and body.startswith("Untitled.mp4: 0:0"), (title, body)
+    assert title == "The recording is finished" and body.startswith(f"Untitled.mp4: {length}, "), (title, body)
     # The movie is shown in its folder when it is finished, and again when the notification is asked to.
     wait(lambda: services.count("ShowItems") == 1)
     services.invoke_action(actions[0])
