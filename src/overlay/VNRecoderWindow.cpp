@@ -40,6 +40,10 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
             if (m_view)
                 m_view->redraw();
         });
+        connect(m_server.get(), &OverlayServer::windowsMoved, this, [this] {
+            leaveOutOwnWindows();
+            treat();
+        });
     }
     setFrame(contentRect);
 }
@@ -99,18 +103,35 @@ void VNRecoderWindow::place()
     setGeometry(logical);
 }
 
+void VNRecoderWindow::leaveOutOwnWindows()
+{
+    if (!m_server)
+        return;
+    QList<QWindow *> others = QGuiApplication::topLevelWindows();
+    // Some window managers only put a minimised window away where nobody sees it.
+    others.removeIf([this](const QWindow *other) {
+        return other == windowHandle() || other->windowStates().testFlag(Qt::WindowMinimized);
+    });
+    m_ownWindows = m_server->pixelsOf(others);
+}
+
 void VNRecoderWindow::treat()
 {
     if (!m_server || !m_view || !windowHandle() || !windowHandle()->handle())
         return;
     const bool takesMouse = !m_view->isRecording();
     OverlayServer::Treatment treatment { .shape = {}, .takesMouse = takesMouse, .glass = {}, .lid = nullptr };
+    // Recorded, the logo is whole, and no window needs to be reached through it.
+    const QRegion leftOut = takesMouse ? m_ownWindows.translated(-m_toolkitPixels.topLeft()) : QRegion();
+    const QRect whole(QPoint(), m_toolkitPixels.size());
     if (!isTranslucent())
-        treatment.shape = m_view->shape().translated(pixelInset());
+        treatment.shape = m_view->shape().translated(pixelInset()) - leftOut;
+    else if (leftOut.intersects(whole))
+        treatment.shape = QRegion(whole) - leftOut;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
     const bool wantsGlass = !isTranslucent() || devicePixelRatioF() != 1;
     if (wantsGlass && takesMouse && isVisible())
-        treatment.glass = m_onDesktop;
+        treatment.glass = QRegion(m_onDesktop) - m_ownWindows;
     treatment.lid = m_windowAbove ? m_windowAbove->windowHandle() : nullptr;
     m_server->treat(*windowHandle(), treatment);
 }
@@ -119,6 +140,7 @@ void VNRecoderWindow::orderFront()
 {
     place();
     winId();
+    leaveOutOwnWindows();
     if (m_view)
         m_view->redraw();
     treat();

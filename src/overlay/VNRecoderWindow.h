@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QRect>
 #include <QRectF>
+#include <QRegion>
 #include <QWidget>
 
 #include <memory>
@@ -19,7 +20,9 @@ class VNRecoderWindowDelegate;
 ///
 /// Made by the controller's interface file; main thread only. No window manager touches it: so it stands on
 /// no task bar, keeps its place at once and may reach beyond the edges of the display. With a compositing
-/// manager it is translucent; without one it is cut to what its view shows.
+/// manager it is translucent; without one it is cut to what its view shows. While idle it has a hole where
+/// another window of the program is: some window managers keep windows like this one above all that they
+/// manage.
 class VNRecoderWindow : public QWidget, private GlassReceiver
 {
     Q_OBJECT
@@ -82,12 +85,14 @@ private:
     void glassLeft() override;
     [[nodiscard]] bool glassDropped(const QMimeData &files, QPoint onDesktop) override;
     void place();
+    void leaveOutOwnWindows();
     void treat();
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
     QRect m_onDesktop;     ///< the frame's pixels
     QRect m_toolkitPixels; ///< the pixels of the toolkit's window, which hold them
+    QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
     QPointer<QWidget> m_windowAbove;
     QPointer<VNRecoderView> m_view;
     std::unique_ptr<OverlayServer> m_server; ///< null where there is no X server

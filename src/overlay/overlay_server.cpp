@@ -3,14 +3,12 @@
 #include "overlay/x11_compositing.h"
 #include "overlay/x11_glass.h"
 #include "overlay/x11_link.h"
+#include "overlay/x11_shape.h"
 #include "overlay/x11_stacking.h"
+#include "overlay/x11_windows.h"
 
 #include <QGuiApplication>
 #include <QWindow>
-
-#include <xcb/shape.h>
-
-#include <vector>
 
 namespace vornic {
 
@@ -28,33 +26,6 @@ xcb_window_t idOf(const QWindow *window)
     // A window that the toolkit has not made yet is nobody's lid.
     return window && window->handle() ? static_cast<xcb_window_t>(window->winId())
                                       : xcb_window_t { XCB_NONE };
-}
-
-void setShape(xcb_connection_t *connection,
-              xcb_window_t window,
-              xcb_shape_kind_t kind,
-              const std::optional<QRegion> &shape)
-{
-    if (!shape) {
-        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, kind, window, 0, 0, XCB_PIXMAP_NONE);
-        return;
-    }
-    std::vector<xcb_rectangle_t> rectangles;
-    for (const QRect &part : *shape)
-        rectangles.push_back({ static_cast<std::int16_t>(part.x()),
-                               static_cast<std::int16_t>(part.y()),
-                               static_cast<std::uint16_t>(part.width()),
-                               static_cast<std::uint16_t>(part.height()) });
-    // A region keeps its rectangles by rows, and in each from left to right.
-    xcb_shape_rectangles(connection,
-                         XCB_SHAPE_SO_SET,
-                         kind,
-                         XCB_CLIP_ORDERING_YX_BANDED,
-                         window,
-                         0,
-                         0,
-                         static_cast<std::uint32_t>(rectangles.size()),
-                         rectangles.data());
 }
 
 } // namespace
@@ -90,12 +61,23 @@ std::unique_ptr<OverlayServer> OverlayServer::create(GlassReceiver &receiver)
     server->d = std::make_unique<Private>(std::move(link), receiver);
     connect(
         &server->d->compositing, &X11Compositing::changed, server.get(), &OverlayServer::compositingChanged);
+    connect(&server->d->stacking, &X11Stacking::desktopChanged, server.get(), &OverlayServer::windowsMoved);
     return server;
 }
 
 bool OverlayServer::isComposited() const
 {
     return d->compositing.isActive();
+}
+
+QRegion OverlayServer::pixelsOf(const QList<QWindow *> &windows) const
+{
+    QRegion pixels;
+    for (const QWindow *window : windows) {
+        if (const xcb_window_t id = idOf(window); id != XCB_NONE)
+            pixels += framePixels(*d->link, id);
+    }
+    return pixels;
 }
 
 void OverlayServer::treat(QWindow &window, const Treatment &treatment)

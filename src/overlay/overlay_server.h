@@ -1,7 +1,7 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
-#include <QRect>
 #include <QRegion>
 
 #include <memory>
@@ -24,7 +24,8 @@ public:
     struct Treatment {
         std::optional<QRegion> shape; ///< nothing: the whole window shows
         bool takesMouse = true;
-        QRect glass; ///< where a window that nobody sees takes the mouse in its place, pixels of the desktop
+        QRegion
+            glass; ///< where a window that nobody sees takes the mouse in its place, pixels of the desktop
         QWindow *lid = nullptr; ///< the window directly above; null: none
     };
 
@@ -34,6 +35,9 @@ public:
 
     /// Whether a compositing manager runs, which makes windows translucent.
     [[nodiscard]] bool isComposited() const;
+    /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. Blocks
+    /// for some exchanges with the server.
+    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) const;
     /// Sends what is other than it was. Before the window is shown, and whenever something changes.
     void treat(QWindow &window, const Treatment &treatment);
     /// Puts it above everything but the lid, and keeps it there.
@@ -44,6 +48,8 @@ public:
 
 signals:
     void compositingChanged();
+    /// Some window was shown, hidden, moved or stacked anew, while the overlay is kept in front.
+    void windowsMoved();
 
 private:
     OverlayServer();

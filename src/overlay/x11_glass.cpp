@@ -1,6 +1,7 @@
 #include "overlay/x11_glass.h"
 
 #include "overlay/x11_link.h"
+#include "overlay/x11_shape.h"
 #include "overlay/xdnd_target.h"
 
 #include <array>
@@ -72,7 +73,7 @@ X11Glass::~X11Glass()
     m_link.flush();
 }
 
-void X11Glass::lay(const QRect &onDesktop)
+void X11Glass::lay(const QRegion &onDesktop)
 {
     if (onDesktop == m_laid)
         return;
@@ -80,15 +81,16 @@ void X11Glass::lay(const QRect &onDesktop)
     if (onDesktop.isEmpty()) {
         xcb_unmap_window(m_link.get(), m_window);
     } else {
-        const std::array<std::uint32_t, 4> place { asSigned(onDesktop.x()),
-                                                   asSigned(onDesktop.y()),
-                                                   asSigned(onDesktop.width()),
-                                                   asSigned(onDesktop.height()) };
+        const QRect around = onDesktop.boundingRect();
+        const std::array<std::uint32_t, 4> place {
+            asSigned(around.x()), asSigned(around.y()), asSigned(around.width()), asSigned(around.height())
+        };
         xcb_configure_window(m_link.get(),
                              m_window,
                              XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
                                  | XCB_CONFIG_WINDOW_HEIGHT,
                              place.data());
+        setShape(m_link.get(), m_window, XCB_SHAPE_SK_BOUNDING, onDesktop.translated(-around.topLeft()));
         xcb_map_window(m_link.get(), m_window);
     }
     m_link.flush();

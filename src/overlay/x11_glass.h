@@ -4,7 +4,7 @@
 
 #include <QObject>
 #include <QPoint>
-#include <QRect>
+#include <QRegion>
 #include <QTimer>
 
 #include <cstdint>
@@ -29,8 +29,8 @@ public:
     ~X11Glass() override;
 
     [[nodiscard]] std::uint32_t id() const { return m_window; }
-    /// Shows it at \a onDesktop, pixels of the desktop; an empty rectangle hides it.
-    void lay(const QRect &onDesktop);
+    /// Lays it over \a onDesktop, pixels of the desktop; an empty region hides it.
+    void lay(const QRegion &onDesktop);
 
 private:
     void tellDrag();
@@ -38,7 +38,7 @@ private:
     X11Link &m_link;
     GlassReceiver &m_receiver;
     std::uint32_t m_window;
-    QRect m_laid;
+    QRegion m_laid;
     std::optional<QPoint> m_draggedTo; ///< not told yet; only the last of many movements is
     QTimer m_tellDrag;
     std::unique_ptr<XdndTarget> m_drops;

@@ -74,6 +74,7 @@ void X11Stacking::check()
     if (!isInPlace(lidFrame) && mayRestack())
         restack(lidFrame);
     m_link.flush();
+    emit desktopChanged();
 }
 
 bool X11Stacking::mayRestack()

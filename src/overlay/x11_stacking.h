@@ -27,6 +27,10 @@ public:
     void keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass);
     void stop();
 
+signals:
+    /// Some other window was shown, hidden, moved or stacked anew; this one is in its place again.
+    void desktopChanged();
+
 private:
     void check();
     void restack(std::uint32_t lidFrame);

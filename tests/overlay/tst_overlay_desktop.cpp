@@ -1,5 +1,6 @@
 #include "overlay_live_fixture.h"
 
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace vornic {
@@ -30,6 +31,26 @@ protected:
     static constexpr QPoint onBar { 200, 196 };
     /// A point inside.
     static constexpr QPoint inside { 200, 260 };
+
+    /// What xwininfo says of the desktop's windows, from above.
+    [[nodiscard]] static QStringList windowsFromAbove()
+    {
+        QProcess list;
+        list.start("xwininfo", { "-root", "-children" });
+        list.waitForFinished();
+        return QString::fromUtf8(list.readAllStandardOutput())
+            .split(u'\n')
+            .filter(QRegularExpression("^ +0x"));
+    }
+    [[nodiscard]] static test::ScreenPainter::Window idOf(const QString &line)
+    {
+        return line.trimmed().section(u' ', 0, 0).toUInt(nullptr, 0);
+    }
+    [[nodiscard]] static test::ScreenPainter::Window windowWithName(const QString &name)
+    {
+        return idOf(windowsFromAbove().filter('"' + name + '"').value(0));
+    }
+    [[nodiscard]] static test::ScreenPainter::Window topWindow() { return idOf(windowsFromAbove().value(0)); }
 
     /// What the rectangle shows.
     [[nodiscard]] QImage recordedPixels() const { return painter->screen(recorded); }
@@ -156,6 +177,33 @@ TEST_P(OverlayDesktop, IsBelowTheMainWindow)
     EXPECT_EQ(pixel(onBar), mainColour);
     stage->say("main");
     EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+}
+
+/// Window managers there are that keep every window above that they do not manage, or show it so.
+TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
+{
+    stage->say("place");
+    stage->say("main 150 150 200 150");
+    ASSERT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
+    const test::ScreenPainter::Window overlay = windowWithName("Recorded rectangle");
+    ASSERT_NE(overlay, 0U);
+    painter->raiseWindow(overlay);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ASSERT_EQ(topWindow(), overlay);
+    EXPECT_EQ(pixel(onBar), mainColour);
+    EXPECT_TRUE(isBar(pixel({ 400, 196 }))) << "and is there where the main window is not";
+    click(onBar);
+    EXPECT_TRUE(stage->tells("main pressed", 10'000));
+    stage->say("recording 1");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a movie shows all of the overlay";
+    stage->say("recording 0");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
+    stage->say("main 350 150 100 150");
+    EXPECT_TRUE(eventually([&] { return pixel({ 400, 196 }) == mainColour && isBar(pixel(onBar)); }));
+    drag(inside, inside + QPoint(0, 10));
+    EXPECT_TRUE(stage->tells("rect 100 90 400 300", 10'000)) << "it takes the mouse there again";
+    stage->say("main");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel({ 400, 206 })); }));
 }
 
 TEST_P(OverlayDesktop, FrameIsBrighterWithTheKeyboardFocus)
