@@ -108,10 +108,7 @@ void VNRecoderWindow::leaveOutOwnWindows()
     if (!m_server)
         return;
     QList<QWindow *> others = QGuiApplication::topLevelWindows();
-    // Some window managers only put a minimised window away where nobody sees it.
-    others.removeIf([this](const QWindow *other) {
-        return other == windowHandle() || other->windowStates().testFlag(Qt::WindowMinimized);
-    });
+    others.removeAll(windowHandle());
     m_ownWindows = m_server->pixelsOf(others);
 }
 
@@ -120,14 +117,14 @@ void VNRecoderWindow::treat()
     if (!m_server || !m_view || !windowHandle() || !windowHandle()->handle())
         return;
     const bool takesMouse = !m_view->isRecording();
-    OverlayServer::Treatment treatment { .shape = {}, .takesMouse = takesMouse, .glass = {}, .lid = nullptr };
+    OverlayServer::Treatment treatment;
+    treatment.takesMouse = takesMouse;
     // Recorded, the logo is whole, and no window needs to be reached through it.
     const QRegion leftOut = takesMouse ? m_ownWindows.translated(-m_toolkitPixels.topLeft()) : QRegion();
-    const QRect whole(QPoint(), m_toolkitPixels.size());
-    if (!isTranslucent())
-        treatment.shape = m_view->shape().translated(pixelInset()) - leftOut;
-    else if (leftOut.intersects(whole))
-        treatment.shape = QRegion(whole) - leftOut;
+    // Never all of it: one of the window managers goes on showing the holes of a window that has no shape any
+    // more. On the first pixel nothing is drawn.
+    const QRegion whole = QRegion(QRect(QPoint(), m_toolkitPixels.size())) - QRect(0, 0, 1, 1);
+    treatment.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
     const bool wantsGlass = !isTranslucent() || devicePixelRatioF() != 1;
     if (wantsGlass && takesMouse && isVisible())

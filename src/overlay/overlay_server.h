@@ -5,7 +5,6 @@
 #include <QRegion>
 
 #include <memory>
-#include <optional>
 
 class QWindow;
 
@@ -22,10 +21,9 @@ class OverlayServer : public QObject
 public:
     /// How the window is to be.
     struct Treatment {
-        std::optional<QRegion> shape; ///< nothing: the whole window shows
+        QRegion shape; ///< what of the window shows
         bool takesMouse = true;
-        QRegion
-            glass; ///< where a window that nobody sees takes the mouse in its place, pixels of the desktop
+        QRegion glass; ///< where an unseen window takes the mouse in its place, pixels of the desktop
         QWindow *lid = nullptr; ///< the window directly above; null: none
     };
 

@@ -1,6 +1,7 @@
 #include "overlay/x11_stacking.h"
 
 #include "overlay/x11_link.h"
+#include "overlay/x11_windows.h"
 
 #include <algorithm>
 #include <array>
@@ -45,6 +46,9 @@ X11Stacking::X11Stacking(X11Link &link)
     connect(&m_soon, &QTimer::timeout, this, &X11Stacking::check);
     connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
         const xcb_window_t moved = movedWindow(event);
+        if (m_window != XCB_NONE && kindOf(event) == XCB_PROPERTY_NOTIFY
+            && as<xcb_property_notify_event_t>(event).window == m_lid)
+            m_soon.start(); // it may have been minimised
         if (m_window != XCB_NONE && moved != XCB_NONE && moved != m_window && moved != m_glass)
             m_soon.start();
     });
@@ -56,7 +60,11 @@ void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32
     m_lid = lid;
     m_glass = glass;
     m_restacksInARow = 0;
-    restack(lid != XCB_NONE && isViewable(lid) ? topLevelOf(lid) : xcb_window_t { XCB_NONE });
+    if (lid != XCB_NONE) {
+        const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_change_window_attributes(m_link.get(), lid, XCB_CW_EVENT_MASK, &events);
+    }
+    restack(lidFrame());
 }
 
 void X11Stacking::stop()
@@ -69,12 +77,16 @@ void X11Stacking::check()
 {
     if (m_window == XCB_NONE)
         return;
-    const xcb_window_t lidFrame
-        = m_lid != XCB_NONE && isViewable(m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
-    if (!isInPlace(lidFrame) && mayRestack())
-        restack(lidFrame);
+    if (const xcb_window_t lid = lidFrame(); !isInPlace(lid) && mayRestack())
+        restack(lid);
     m_link.flush();
     emit desktopChanged();
+}
+
+/// The lid's own window on the desktop, its decoration; none while it is not shown.
+std::uint32_t X11Stacking::lidFrame() const
+{
+    return m_lid != XCB_NONE && isShown(m_link, m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
 }
 
 bool X11Stacking::mayRestack()

@@ -36,6 +36,7 @@ private:
     void restack(std::uint32_t lidFrame);
     [[nodiscard]] std::vector<std::uint32_t> windowsFromBelow() const;
     [[nodiscard]] std::uint32_t topLevelOf(std::uint32_t window) const;
+    [[nodiscard]] std::uint32_t lidFrame() const;
     [[nodiscard]] bool isViewable(std::uint32_t window) const;
     [[nodiscard]] bool isInPlace(std::uint32_t lidFrame) const;
     [[nodiscard]] bool mayRestack();

@@ -4,6 +4,8 @@
 
 #include <QMargins>
 
+#include <algorithm>
+
 namespace vornic {
 
 namespace {
@@ -25,18 +27,35 @@ QMargins decorationOf(X11Link &link, xcb_window_t window)
 
 } // namespace
 
+bool isShown(X11Link &link, std::uint32_t window)
+{
+    const XcbOwned<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(link.get(), xcb_get_window_attributes(link.get(), window), nullptr));
+    if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+        return false;
+    // Extended Window Manager Hints 1.5, _NET_WM_STATE: a list of atoms.
+    constexpr std::uint32_t mostStates = 32;
+    const auto cookie
+        = xcb_get_property(link.get(), 0, window, link.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, mostStates);
+    const XcbOwned<xcb_get_property_reply_t> states(xcb_get_property_reply(link.get(), cookie, nullptr));
+    if (!states || states->format != 32)
+        return true;
+    const auto *first = static_cast<const xcb_atom_t *>(xcb_get_property_value(states.get()));
+    const xcb_atom_t *end = first + states->value_len;
+    return std::find(first, end, link.atom("_NET_WM_STATE_HIDDEN")) == end;
+}
+
 QRect framePixels(X11Link &link, std::uint32_t window)
 {
-    const auto attributesCookie = xcb_get_window_attributes(link.get(), window);
+    if (!isShown(link, window))
+        return {};
     const auto geometryCookie = xcb_get_geometry(link.get(), window);
     const auto originCookie = xcb_translate_coordinates(link.get(), window, link.root(), 0, 0);
-    const XcbOwned<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(link.get(), attributesCookie, nullptr));
     const XcbOwned<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(link.get(), geometryCookie, nullptr));
     const XcbOwned<xcb_translate_coordinates_reply_t> origin(
         xcb_translate_coordinates_reply(link.get(), originCookie, nullptr));
-    if (!attributes || !geometry || !origin || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+    if (!geometry || !origin)
         return {};
     const QRect pixels(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
     return pixels.marginsAdded(decorationOf(link, window));

@@ -194,6 +194,7 @@ TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
     EXPECT_TRUE(isBar(pixel({ 400, 196 }))) << "and is there where the main window is not";
     click(onBar);
     EXPECT_TRUE(stage->tells("main pressed", 10'000));
+    painter->raiseWindow(overlay);
     stage->say("recording 1");
     EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); })) << "a movie shows all of the overlay";
     stage->say("recording 0");
@@ -204,6 +205,17 @@ TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
     EXPECT_TRUE(stage->tells("rect 100 90 400 300", 10'000)) << "it takes the mouse there again";
     stage->say("main");
     EXPECT_TRUE(eventually([&] { return isBar(pixel({ 400, 206 })); }));
+}
+
+/// As window managers do that show it small elsewhere.
+TEST_P(OverlayDesktop, IsWholeOverAMinimisedMainWindowThatIsStillMapped)
+{
+    stage->say("place");
+    stage->say("main 150 150 200 150");
+    ASSERT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
+    const QStringList minimised { "-set", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN" };
+    server->run(QStringList { "xprop", "-name", "Stage", "-f", "_NET_WM_STATE", "32a" } + minimised);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
 }
 
 TEST_P(OverlayDesktop, FrameIsBrighterWithTheKeyboardFocus)
