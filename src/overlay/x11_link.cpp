@@ -33,12 +33,17 @@ X11Link::~X11Link()
     xcb_disconnect(m_connection);
 }
 
-xcb_atom_t X11Link::atom(const QByteArray &name) const
+xcb_atom_t X11Link::atom(const QByteArray &name)
 {
+    if (const auto known = m_atoms.constFind(name); known != m_atoms.constEnd())
+        return *known;
     const auto cookie
         = xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.constData());
     const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t { XCB_ATOM_NONE };
+    if (!reply)
+        return XCB_ATOM_NONE;
+    m_atoms.insert(name, reply->atom);
+    return reply->atom;
 }
 
 void X11Link::flush()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
 
 #include <xcb/xcb.h>
@@ -34,8 +35,8 @@ public:
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
-    /// Blocks for one exchange.
-    [[nodiscard]] xcb_atom_t atom(const QByteArray &name) const;
+    /// Blocks for one exchange when it is asked for the first time.
+    [[nodiscard]] xcb_atom_t atom(const QByteArray &name);
     /// Sends what is waiting, and soon reads events that came with replies.
     void flush();
 
@@ -50,6 +51,7 @@ private:
     xcb_connection_t *m_connection;
     const xcb_screen_t *m_screen;
     int m_screenNumber;
+    QHash<QByteArray, xcb_atom_t> m_atoms; ///< those that were asked for
     QSocketNotifier *m_notifier;
 };
 

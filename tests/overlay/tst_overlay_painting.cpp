@@ -48,6 +48,7 @@ bool isTint(const QColor &colour)
 TEST_P(OverlayPainting, IdleHasTintFrameAndHandles)
 {
     const QImage image = painted({ bounds });
+    EXPECT_EQ(image.pixelColor(0, 0), nothing) << "the window has a hole there";
     EXPECT_EQ(at(image, 10, 0), nothing);
     EXPECT_EQ(at(image, 10, 1), nothing);
     EXPECT_EQ(at(image, 50, 2), lightGrey);
