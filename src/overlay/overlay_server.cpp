@@ -74,8 +74,11 @@ QRegion OverlayServer::pixelsOf(const QList<QWindow *> &windows) const
 {
     QRegion pixels;
     for (const QWindow *window : windows) {
-        if (const xcb_window_t id = idOf(window); id != XCB_NONE)
-            pixels += framePixels(*d->link, id);
+        const xcb_window_t id = idOf(window);
+        if (id == XCB_NONE)
+            continue;
+        d->stacking.watch(id); // first, so that no change between is missed
+        pixels += framePixels(*d->link, id);
     }
     return pixels;
 }

@@ -34,7 +34,7 @@ public:
     /// Whether a compositing manager runs, which makes windows translucent.
     [[nodiscard]] bool isComposited() const;
     /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. Blocks
-    /// for some exchanges with the server.
+    /// for some exchanges with the server. From then on windowsMoved() tells when that is another answer.
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) const;
     /// Sends what is other than it was. Before the window is shown, and whenever something changes.
     void treat(QWindow &window, const Treatment &treatment);

@@ -46,10 +46,8 @@ X11Stacking::X11Stacking(X11Link &link)
     connect(&m_soon, &QTimer::timeout, this, &X11Stacking::check);
     connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
         const xcb_window_t moved = movedWindow(event);
-        if (m_window != XCB_NONE && kindOf(event) == XCB_PROPERTY_NOTIFY
-            && as<xcb_property_notify_event_t>(event).window == m_lid)
-            m_soon.start(); // it may have been minimised
-        if (m_window != XCB_NONE && moved != XCB_NONE && moved != m_window && moved != m_glass)
+        const bool isOther = moved != XCB_NONE && moved != m_window && moved != m_glass;
+        if (m_window != XCB_NONE && (isOther || isOfShowing(event)))
             m_soon.start();
     });
 }
@@ -60,11 +58,24 @@ void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32
     m_lid = lid;
     m_glass = glass;
     m_restacksInARow = 0;
-    if (lid != XCB_NONE) {
-        const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(m_link.get(), lid, XCB_CW_EVENT_MASK, &events);
-    }
+    if (lid != XCB_NONE)
+        watch(lid);
     restack(lidFrame());
+}
+
+void X11Stacking::watch(std::uint32_t window)
+{
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_link.get(), window, XCB_CW_EVENT_MASK, &events);
+}
+
+/// Whether a window was minimised or brought back, or is decorated in another way.
+bool X11Stacking::isOfShowing(const xcb_generic_event_t &event) const
+{
+    if (kindOf(event) != XCB_PROPERTY_NOTIFY)
+        return false;
+    const xcb_atom_t atom = as<xcb_property_notify_event_t>(event).atom;
+    return atom == m_link.atom("_NET_WM_STATE") || atom == m_link.atom("_NET_FRAME_EXTENTS");
 }
 
 void X11Stacking::stop()

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <xcb/xcb.h>
+
 #include <cstdint>
 #include <vector>
 
@@ -26,6 +28,9 @@ public:
     /// that is the very top. \a glass goes along, directly above it.
     void keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass);
     void stop();
+    /// Tells of \a window also what happens to it within its decoration: there it is moved and resized a
+    /// little after the decoration, or alone.
+    void watch(std::uint32_t window);
 
 signals:
     /// Some other window was shown, hidden, moved or stacked anew; this one is in its place again.
@@ -39,6 +44,7 @@ private:
     [[nodiscard]] std::uint32_t lidFrame() const;
     [[nodiscard]] bool isViewable(std::uint32_t window) const;
     [[nodiscard]] bool isInPlace(std::uint32_t lidFrame) const;
+    [[nodiscard]] bool isOfShowing(const xcb_generic_event_t &event) const;
     [[nodiscard]] bool mayRestack();
 
     X11Link &m_link;
