@@ -267,10 +267,14 @@ TEST_P(OverlayDesktop, IsOnNoTaskBar)
     stage->say("main 150 150 200 150");
     stage->say("place");
     ASSERT_TRUE(eventually([&] { return isBar(pixel({ 400, 196 })); }));
-    QProcess list;
-    list.start("xprop", { "-root", "_NET_CLIENT_LIST" });
-    list.waitForFinished();
-    const QString clients = QString::fromUtf8(list.readAllStandardOutput());
+    QString clients;
+    EXPECT_TRUE(eventually([&] {
+        QProcess list;
+        list.start("xprop", { "-root", "_NET_CLIENT_LIST" });
+        list.waitForFinished();
+        clients = QString::fromUtf8(list.readAllStandardOutput());
+        return clients.contains("0x");
+    }));
     EXPECT_EQ(clients.count("0x"), 1) << qPrintable(clients) << "the main window alone";
 }
 
