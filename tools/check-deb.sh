@@ -124,7 +124,7 @@ install_package()
 start_display()
 {
   mkdir -p -m 1777 "$root/tmp/.X11-unix"
-  as_user Xvfb -displayfd 5 -screen 0 1280x720x24 -nolisten tcp 5>"$root/tmp/display" >/dev/null 2>&1 &
+  as_user Xvfb -displayfd 5 -screen 0 1280x720x24 -nolisten tcp -noreset 5>"$root/tmp/display" >/dev/null 2>&1 &
   for (( i = 0; i < 100; ++i )); do
     [[ -s $root/tmp/display ]] && break
     sleep 0.1

@@ -9,7 +9,7 @@ folder=$(realpath -m "${2:-$root/docs/pictures}")
 work=$(mktemp -d)
 trap 'kill "${children[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
 children=()
-Xvfb -displayfd 3 -screen 0 2600x1800x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 2600x1800x24 -nolisten tcp -noreset 3>"$work/display" 2>/dev/null &
 children+=($!)
 for (( i = 0; i < 100; ++i )); do [[ -s $work/display ]] && break; sleep 0.1; done
 DISPLAY=:$(<"$work/display")

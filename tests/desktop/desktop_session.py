@@ -22,8 +22,9 @@ def run_inside(size="1280x800", services=()):
         return
     with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as started:
         read, write = os.pipe()
-        server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24", "-nolisten", "tcp"],
-                                  pass_fds=[write], stderr=subprocess.DEVNULL)
+        # A server that resets turns away who comes just when another was the last to leave.
+        server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24",
+                                   "-nolisten", "tcp", "-noreset"], pass_fds=[write], stderr=subprocess.DEVNULL)
         started.callback(end, server)
         os.close(write)
         environment = dict(os.environ, DISPLAY=":" + os.read(read, 16).decode().strip(), HOME=folder,

@@ -365,7 +365,7 @@ TEST_F(SmallVolumeTest, AnOutputVolumeThatFillsLeavesNoPartialFile)
 
 TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpooled)
 {
-    const Result result = inVolume(gibibyte + gibibyte / 10,
+    const Result result = inVolume(gibibyte + gibibyte / 40,
                                    "XDG_CACHE_HOME=$PWD/volume " + program
                                        + " record --ignore-low-space --duration 60 o.mp4");
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
