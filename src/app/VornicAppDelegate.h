@@ -134,6 +134,7 @@ public:
     void startRecorderAnyway();
     /// Raises the exit flag; the next capture pass ends the recording. From any thread.
     void stopRecord();
+    /// Writes the movie of the recording that runs; no more than once.
     void executeStopRecord();
     void recordcomplete();
     void showStopRecordingBtn();

@@ -71,14 +71,15 @@ void VornicAppDelegate::configureAudio(PKMuxerContext &context)
 
 void VornicAppDelegate::executeStopRecord()
 {
+    // Quitting starts the job before the capture loop ends; the loop's own end comes here a second time, it
+    // may be only once the movie is complete.
+    if (m_state != 1 || m_muxing)
+        return;
+    m_muxing = true;
     hideStopRecordingBtn();
     m_frontEnd.setSaving(true);
     if (m_recordsAudio && _audioRecorder)
         _audioRecorder->stopRecord();
-    // Quitting starts the job before the capture loop ends; the loop's own end comes here a second time.
-    if (m_muxing)
-        return;
-    m_muxing = true;
     m_logoContext = options()->logoContext();
     startMuxing();
 }

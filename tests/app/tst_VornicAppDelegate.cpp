@@ -366,6 +366,20 @@ TEST_F(DelegateTest, ConfirmedQuittingStartsTheJobAndEndsWithTheMovieComplete)
     EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
 }
 
+/// Its last pass may be late in telling, and the spool is empty by then.
+TEST_F(DelegateTest, AStopThatComesAfterTheMovieIsCompleteLeavesItAlone)
+{
+    ASSERT_TRUE(record(3));
+    const auto written = static_cast<qsizetype>(delegate->counts().framesWritten);
+    delegate->executeStopRecord();
+    runFor(100);
+    EXPECT_EQ(delegate->state(), 0);
+    EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
+    EXPECT_EQ(frontEnd.told.last(), "endProgress");
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
+}
+
 TEST_F(DelegateTest, TerminatingWhenIdleIsAtOnce)
 {
     const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);

@@ -115,7 +115,7 @@ TEST_P(RecordSoundTest, FlashesAndBeepsAreInStep)
     ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
     // More than are recorded, however long the recording takes to begin.
     const auto player = play({ "flashes", "60", "0.7" });
-    const Result result = record(small + QStringList { "--audio", "--duration", "9" });
+    const Result result = record(small + QStringList { "--audio", "--duration", "20" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
 
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
