@@ -1,6 +1,6 @@
 #include "options/VNLogoContext.h"
 #include "options/legacy_text.h"
-#include "options/y_up.h"
+#include "platform/y_up.h"
 
 #include <QPainter>
 #include <QPainterPath>

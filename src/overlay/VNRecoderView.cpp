@@ -1,11 +1,11 @@
 #include "overlay/VNRecoderView.h"
 
 #include "options/VNLogoContext.h"
-#include "options/y_up.h"
 #include "overlay/VNRecoderViewDelegate.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/dropped_picture.h"
 #include "platform/screen_geometry.h"
+#include "platform/y_up.h"
 
 #include <QDropEvent>
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
 #include "gui_main.h"
 #include "options/VNLogoContext.h"
-#include "options/y_up.h"
+#include "platform/y_up.h"
 
 #include <QPainter>
 

@@ -1,8 +1,8 @@
 #include "options/VNLogoContext.h"
-#include "options/y_up.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_painting.h"
 #include "overlay_main.h"
+#include "platform/y_up.h"
 
 #include <QPainter>
 
