@@ -11,7 +11,6 @@
 #include "options/VNOption.h"
 #include "platform/display/display_backend.h"
 #include "platform/free_space.h"
-#include "platform/screen_geometry.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

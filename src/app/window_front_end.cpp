@@ -7,11 +7,12 @@
 #include "app/main_window.h"
 #include "app/stop_item.h"
 #include "app/time_text.h"
-#include "overlay/VNRecorderWndCtrl.h"
-#include "overlay/desktop_geometry.h"
+#include "overlay/overlay_geometry.h"
 #include "platform/desktop/idle_inhibitor.h"
 #include "platform/desktop/notifier.h"
 #include "platform/desktop/reveal.h"
+#include "platform/display/main_display.h"
+#include "platform/toolkit_scale.h"
 
 #include <QDesktopServices>
 #include <QDir>
@@ -114,7 +115,7 @@ void WindowFrontEnd::showHint(std::function<void(int)> answer)
 
 void WindowFrontEnd::showStopItem(const QString &title, const QRectF &recorded)
 {
-    const QRect frame = desktopPixels(VNRecorderWndCtrl::enlargeRectBounds(recorded));
+    const QRect frame = desktopPixels(recorded, static_cast<int>(overlayMargin), mainDisplayPlacement());
     m_stopItem = std::make_unique<StopItem>(
         title, ToolkitScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_delegate, &VornicAppDelegate::stopRecord);

@@ -8,9 +8,9 @@
 #include "codec/PKVideoFrame2.h"
 #include "platform/display/bitmap_image.h"
 #include "platform/display/display_backend.h"
+#include "platform/display/main_display.h"
 #include "platform/keyed_archive.h"
 #include "platform/log.h"
-#include "platform/screen_geometry.h"
 
 #include <QDir>
 #include <QStandardPaths>

@@ -1,7 +1,8 @@
 #include "options/VNOption.h"
 
+#include "platform/display/main_display.h"
 #include "platform/keyed_archive.h"
-#include "platform/screen_geometry.h"
+#include "platform/y_up.h"
 
 namespace vornic {
 
@@ -17,12 +18,6 @@ double clamped(double value, double lower, double upper)
     if (value > upper)
         value = upper;
     return value;
-}
-
-double flippedAboutMainDisplay(double y)
-{
-    const QRectF frame = VNOption::screenFrame();
-    return (frame.y() + frame.height()) - y;
 }
 
 } // namespace
@@ -211,7 +206,7 @@ double VNOption::screenHeight()
 
 QPointF VNOption::convertScreenPointToQuartz(QPointF point)
 {
-    return { point.x(), flippedAboutMainDisplay(point.y()) };
+    return turnedOver(point, screenHeight());
 }
 
 QPointF VNOption::convertScreenPointFromQuartz(QPointF point)
@@ -221,8 +216,7 @@ QPointF VNOption::convertScreenPointFromQuartz(QPointF point)
 
 QRectF VNOption::convertScreenRectToQuartz(const QRectF &rectangle)
 {
-    const double top = rectangle.y() + rectangle.height();
-    return { rectangle.x(), flippedAboutMainDisplay(top), rectangle.width(), rectangle.height() };
+    return turnedOver(rectangle, screenHeight());
 }
 
 QRectF VNOption::convertScreenRectFromQuartz(const QRectF &rectangle)

@@ -4,7 +4,7 @@
 #include "overlay/VNRecoderViewDelegate.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/dropped_picture.h"
-#include "platform/screen_geometry.h"
+#include "platform/display/main_display.h"
 #include "platform/y_up.h"
 
 #include <QDropEvent>

@@ -1,9 +1,11 @@
 #include "overlay/VNRecoderWindow.h"
 
 #include "overlay/VNRecoderView.h"
-#include "overlay/desktop_geometry.h"
+#include "overlay/overlay_geometry.h"
 #include "overlay/overlay_server.h"
+#include "platform/display/main_display.h"
 #include "platform/screen_geometry.h"
+#include "platform/toolkit_scale.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -16,9 +18,19 @@ namespace vornic {
 
 namespace {
 
+/// The middle of the pixel of the desktop at \a onDesktop, in screen coordinates.
 QPointF middleOfPixel(QPointF onDesktop)
 {
-    return { std::floor(onDesktop.x()) + 0.5, std::floor(onDesktop.y()) + 0.5 };
+    const QPointF middle(std::floor(onDesktop.x()) + 0.5, std::floor(onDesktop.y()) + 0.5);
+    return screenPoint(middle, mainDisplayPlacement());
+}
+
+/// The desktop's pixels of a window with \a frame, in screen coordinates: exactly the margin beyond the
+/// pixels that are recorded, also where the frame is not whole.
+QRect pixelsOfFrame(const QRectF &frame)
+{
+    const QRectF recorded = frame.adjusted(overlayMargin, overlayMargin, -overlayMargin, -overlayMargin);
+    return desktopPixels(recorded, static_cast<int>(overlayMargin), mainDisplayPlacement());
 }
 
 } // namespace
@@ -94,7 +106,7 @@ void VNRecoderWindow::setFrame(const QRectF &frame)
 void VNRecoderWindow::place()
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
-    m_onDesktop = desktopPixels(m_frame);
+    m_onDesktop = pixelsOfFrame(m_frame);
     if (!screen)
         return;
     const ToolkitScale scale(*screen);
@@ -180,14 +192,15 @@ bool VNRecoderWindow::isTranslucent() const
 
 QPointF VNRecoderWindow::pixelOrigin() const
 {
-    return screenPoint(QPointF(m_onDesktop.x(), m_onDesktop.y() + m_onDesktop.height()));
+    return screenPoint(QPointF(m_onDesktop.x(), m_onDesktop.y() + m_onDesktop.height()),
+                       mainDisplayPlacement());
 }
 
 QPointF VNRecoderWindow::mouseLocation(QPointF global) const
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
     // What the toolkit tells is rounded to whole logical coordinates.
-    return screen && screen->devicePixelRatio() != 1 ? pointerLocation() : screenPoint(middleOfPixel(global));
+    return screen && screen->devicePixelRatio() != 1 ? pointerLocation() : middleOfPixel(global);
 }
 
 void VNRecoderWindow::changeEvent(QEvent *event)
@@ -212,13 +225,13 @@ void VNRecoderWindow::glassPressed(QPoint onDesktop)
 {
     becomeKey();
     if (m_view)
-        m_view->mouseDown(screenPoint(middleOfPixel(onDesktop)));
+        m_view->mouseDown(middleOfPixel(onDesktop));
 }
 
 void VNRecoderWindow::glassDragged(QPoint onDesktop)
 {
     if (m_view)
-        m_view->mouseDragged(screenPoint(middleOfPixel(onDesktop)));
+        m_view->mouseDragged(middleOfPixel(onDesktop));
 }
 
 bool VNRecoderWindow::glassEntered(const QMimeData &files, bool mayCopy)
@@ -237,7 +250,7 @@ bool VNRecoderWindow::glassDropped(const QMimeData &files, QPoint onDesktop)
 {
     if (!m_view)
         return false;
-    const QPointF point = m_view->dropPoint(screenPoint(middleOfPixel(onDesktop)));
+    const QPointF point = m_view->dropPoint(middleOfPixel(onDesktop));
     const DraggingInfo info { &files, Qt::CopyAction, nullptr, point };
     return m_view->prepareForDragOperation(info) && m_view->performDragOperation(info);
 }

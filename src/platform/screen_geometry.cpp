@@ -1,6 +1,8 @@
 #include "platform/screen_geometry.h"
 
-#include "platform/display/display_backend.h"
+#include "platform/y_up.h"
+
+#include <QMargins>
 
 #include <algorithm>
 
@@ -18,24 +20,24 @@ int truncated(double value)
 
 } // namespace
 
-QRectF mainDisplayFrame()
-{
-    return { QPointF(0, 0), QSizeF(mainDisplay()->mainDisplaySize()) };
-}
-
-QPointF pointerLocation()
-{
-    const auto display = mainDisplay();
-    const QPointF middle = QPointF(display->pointerPosition()) + QPointF(0.5, 0.5);
-    return { middle.x(), display->mainDisplaySize().height() - middle.y() };
-}
-
 QRect truncatedRect(const QRectF &rectangle)
 {
     return { truncated(rectangle.x()),
              truncated(rectangle.y()),
              truncated(rectangle.width()),
              truncated(rectangle.height()) };
+}
+
+QRect desktopPixels(const QRectF &recorded, int margin, const DisplayPlacement &display)
+{
+    QRect pixels = truncatedRect(turnedOver(recorded, display.size.height()));
+    pixels.setSize(pixels.size().expandedTo(QSize(0, 0)));
+    return pixels.marginsAdded({ margin, margin, margin, margin }).translated(display.origin);
+}
+
+QPointF screenPoint(QPointF onDesktop, const DisplayPlacement &display)
+{
+    return turnedOver(onDesktop - display.origin, display.size.height());
 }
 
 } // namespace vornic

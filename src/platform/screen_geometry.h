@@ -1,20 +1,35 @@
 #pragma once
 
+#include <QPoint>
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
+#include <QSize>
 
 namespace vornic {
 
-/// The main display's frame in screen coordinates: points are device pixels, origin at the bottom left of the
-/// main display, y up. Read afresh from the display on every call; all zeros when there is none.
-[[nodiscard]] QRectF mainDisplayFrame();
+/// Where things on the screen are. Pure functions between three kinds of coordinates, all in device pixels:
+///
+/// - screen coordinates: origin at the lower left of the main display, y up;
+/// - display coordinates: origin at its upper left, y down;
+/// - the desktop's pixels: whole pixels from the upper left of the whole desktop, y down. The main display
+/// may
+///   lie anywhere on it.
 
-/// The middle of the pixel under the pointer's hot spot, in screen coordinates (y up): which pixel that is
-/// stays unambiguous when the y axis is turned over.
-[[nodiscard]] QPointF pointerLocation();
+/// The main display as the desktop has it now.
+struct DisplayPlacement {
+    QSize size;    ///< empty when there is no display
+    QPoint origin; ///< of its upper left, in the desktop's pixels
+};
 
-/// A rectangle of display coordinates (y down) in whole device pixels: truncated origin, truncated size.
+/// A rectangle of display coordinates in whole pixels: truncated origin, truncated size.
 [[nodiscard]] QRect truncatedRect(const QRectF &rectangle);
+
+/// The desktop's pixels that are recorded where \a recorded, in screen coordinates, is asked for, and \a
+/// margin more of them on every side.
+[[nodiscard]] QRect desktopPixels(const QRectF &recorded, int margin, const DisplayPlacement &display);
+
+/// A point of the desktop (a pixel's middle ends in .5) in screen coordinates.
+[[nodiscard]] QPointF screenPoint(QPointF onDesktop, const DisplayPlacement &display);
 
 } // namespace vornic

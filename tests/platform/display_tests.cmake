@@ -4,4 +4,6 @@ vornic_test(tst_display_fake.cpp LIBS vornic::platform vornic::test_support LABE
 vornic_test(tst_display_x11_cursor.cpp LIBS vornic::platform vornic::test_support LABELS x11)
 vornic_test(tst_display_x11_damage.cpp LIBS vornic::platform vornic::test_support LABELS x11 TIMEOUT 180)
 vornic_test(tst_display_x11_grab.cpp LIBS vornic::platform vornic::test_support LABELS x11 TIMEOUT 120)
+vornic_test(tst_main_display.cpp LIBS vornic::platform LABELS unit)
+vornic_test(tst_toolkit_scale.cpp LIBS vornic::platform LABELS unit)
 vornic_test(tst_screen_geometry.cpp LIBS vornic::platform LABELS unit)

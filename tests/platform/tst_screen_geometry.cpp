@@ -1,44 +1,15 @@
-#include "platform/display/fake_display.h"
 #include "platform/screen_geometry.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <memory>
 
 using namespace vornic;
 
 namespace {
 
-class ScreenGeometryTest : public testing::Test
-{
-protected:
-    void SetUp() override { setMainDisplay(m_display); }
-    void TearDown() override { setMainDisplay(nullptr); }
-
-    std::shared_ptr<FakeDisplay> m_display = std::make_shared<FakeDisplay>(QSize(1440, 900));
-};
-
-TEST_F(ScreenGeometryTest, TheMainDisplayStandsAtTheOrigin)
-{
-    EXPECT_EQ(mainDisplayFrame(), QRectF(0, 0, 1440, 900));
-}
-
-TEST_F(ScreenGeometryTest, TheFrameIsReadAfresh)
-{
-    m_display->setReportedSize(QSize(800, 600));
-    EXPECT_EQ(mainDisplayFrame(), QRectF(0, 0, 800, 600));
-    m_display->setReportedSize(QSize(0, 0));
-    EXPECT_EQ(mainDisplayFrame(), QRectF(0, 0, 0, 0));
-}
-
-TEST_F(ScreenGeometryTest, ThePointerCountsFromTheBottom)
-{
-    m_display->setPointerPosition(QPoint(100, 50));
-    EXPECT_EQ(pointerLocation(), QPointF(100.5, 849.5));
-    m_display->setPointerPosition(QPoint(-20, 950));
-    EXPECT_EQ(pointerLocation(), QPointF(-19.5, -50.5));
-}
+const DisplayPlacement onlyDisplay { { 1440, 900 }, { 0, 0 } };
+const DisplayPlacement displayOnTheRight { { 1440, 900 }, { 1280, 60 } };
 
 TEST(TruncatedRectTest, DropsFractionsTowardZero)
 {
@@ -55,6 +26,36 @@ TEST(TruncatedRectTest, TakesNumbersThatNoIntHolds)
     EXPECT_GT(huge.y(), 100000);
     EXPECT_GT(huge.width(), 100000);
     EXPECT_EQ(huge.height(), 5);
+}
+
+TEST(DesktopPixelsTest, AreTheMarginAroundTheRecordedOnes)
+{
+    EXPECT_EQ(desktopPixels({ 320, 150, 800, 600 }, 8, onlyDisplay), QRect(312, 142, 816, 616));
+    EXPECT_EQ(desktopPixels({ 0, 0, 484, 384 }, 8, onlyDisplay), QRect(-8, 508, 500, 400));
+    EXPECT_EQ(desktopPixels({ 0, 0, 1440, 900 }, 0, onlyDisplay), QRect(0, 0, 1440, 900));
+}
+
+TEST(DesktopPixelsTest, OfARectangleThatIsNotWholeFollowTheGrab)
+{
+    // In display coordinates (320.5, 149, 800.5, 600.5), cut off.
+    EXPECT_EQ(desktopPixels({ 320.5, 150.5, 800.5, 600.5 }, 8, onlyDisplay), QRect(312, 141, 816, 616));
+}
+
+TEST(DesktopPixelsTest, OfNothingAreTheMarginAlone)
+{
+    EXPECT_EQ(desktopPixels({ 8, 8, -16, -16 }, 8, onlyDisplay).size(), QSize(16, 16));
+}
+
+TEST(DesktopPixelsTest, CountFromTheDesktopNotTheDisplay)
+{
+    EXPECT_EQ(desktopPixels({ 320, 150, 800, 600 }, 8, displayOnTheRight), QRect(1592, 202, 816, 616));
+}
+
+TEST(ScreenPointTest, CountsFromTheMainDisplaysLowerLeft)
+{
+    EXPECT_EQ(screenPoint({ 0.5, 0.5 }, onlyDisplay), QPointF(0.5, 899.5));
+    EXPECT_EQ(screenPoint({ 1280, 60 }, displayOnTheRight), QPointF(0, 900));
+    EXPECT_EQ(screenPoint({ 0.5, 959.5 }, displayOnTheRight), QPointF(-1279.5, 0.5));
 }
 
 } // namespace

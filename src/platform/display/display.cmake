@@ -8,6 +8,7 @@ target_sources(vornic_platform
     display/changed_bands.cpp
     display/display_backend.cpp
     display/fake_display.cpp
+    display/main_display.cpp
     display/null_display.cpp
     display/shared_pixels.cpp
     display/x11_connection.cpp
@@ -23,6 +24,7 @@ target_sources(vornic_platform
       display/display_backend.h
       display/display_rectangle.h
       display/fake_display.h
+      display/main_display.h
       display/null_display.h
 )
 target_link_libraries(vornic_platform PRIVATE PkgConfig::XCB PkgConfig::XXHASH)

@@ -1,39 +1,10 @@
-#include "overlay/desktop_geometry.h"
+#include "platform/toolkit_scale.h"
 
-#include "options/VNOption.h"
-#include "overlay/overlay_geometry.h"
-#include "platform/display/display_backend.h"
-#include "platform/screen_geometry.h"
-
-#include <QMargins>
 #include <QScreen>
 
-#include <algorithm>
 #include <cmath>
 
 namespace vornic {
-
-namespace {
-
-constexpr QMargins windowMargins { static_cast<int>(overlayMargin),
-                                   static_cast<int>(overlayMargin),
-                                   static_cast<int>(overlayMargin),
-                                   static_cast<int>(overlayMargin) };
-
-} // namespace
-
-QRect desktopPixels(const QRectF &frame)
-{
-    const QRectF recorded = frame.adjusted(overlayMargin, overlayMargin, -overlayMargin, -overlayMargin);
-    QRect pixels = truncatedRect(VNOption::convertScreenRectToQuartz(recorded));
-    pixels.setSize(pixels.size().expandedTo(QSize(0, 0)));
-    return pixels.marginsAdded(windowMargins).translated(mainDisplay()->mainDisplayOrigin());
-}
-
-QPointF screenPoint(QPointF onDesktop)
-{
-    return VNOption::convertScreenPointFromQuartz(onDesktop - mainDisplay()->mainDisplayOrigin());
-}
 
 ToolkitScale::ToolkitScale(const QScreen &screen)
     : ToolkitScale(screen.geometry().topLeft(), screen.devicePixelRatio())
