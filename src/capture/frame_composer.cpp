@@ -6,6 +6,7 @@
 #include "codec/PKVideoFrame2.h"
 #include "platform/display/bitmap_image.h"
 #include "platform/display/display_backend.h"
+#include "platform/y_up.h"
 
 #include <QPainter>
 

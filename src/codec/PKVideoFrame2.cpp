@@ -1,6 +1,7 @@
 #include "codec/PKVideoFrame2.h"
 
 #include "codec/planar_picture.h"
+#include "platform/y_up.h"
 
 #include <utility>
 
@@ -29,8 +30,7 @@ std::unique_ptr<QPainter> PKVideoFrame2::creatContextRef()
         return nullptr;
     }
     auto painter = std::make_unique<QPainter>(&m_image);
-    painter->translate(0, m_image.height());
-    painter->scale(1, -1);
+    turnOver(*painter, m_image.height());
     return painter;
 }
 
@@ -90,17 +90,6 @@ qsizetype PKVideoFrame2::planeStride(int plane) const
 std::shared_ptr<const PlanarPicture> PKVideoFrame2::planes() const
 {
     return m_planes;
-}
-
-void drawImageYUp(QPainter &painter, const QRectF &rectangle, const QImage &image)
-{
-    painter.save();
-    painter.translate(rectangle.x(), rectangle.y() + rectangle.height());
-    painter.scale(1, -1);
-    const bool scaled = rectangle.size() != QSizeF(image.size());
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, scaled);
-    painter.drawImage(QRectF(QPointF(0, 0), rectangle.size()), image);
-    painter.restore();
 }
 
 } // namespace vornic

@@ -4,7 +4,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QRectF>
 
 #include <cstdint>
 #include <memory>
@@ -83,9 +82,5 @@ private:
     std::int64_t m_timeStamp = 0;
     std::int64_t m_duration = 0;
 };
-
-/// Draws \a image upright into \a rectangle of a painter whose y axis points up (as creatContextRef() gives):
-/// the image's bottom row lies along rectangle.y(). Drawn pixel for pixel where the sizes agree.
-void drawImageYUp(QPainter &painter, const QRectF &rectangle, const QImage &image);
 
 } // namespace vornic
