@@ -7,22 +7,8 @@ namespace vornic::encoder_settings {
 /// How much work the video encoder puts into a picture: the wait after a recording, which is what users of
 /// such recorders complain of most, against picture and size.
 ///
-/// Measured at 1920 x 1080, 75 frames at 30 a second, aiming at 5.18 Mbit/s: processor time a frame, bit
-/// rate, luma of all frames against what the encoder was given.
-///
-///                                       scrolling text          moving colours          desktop, 1 of 6
-///                                       changes
-///   ultrafast                           13 ms  6.0 Mb  36.1 dB  17 ms  4.2 Mb  51.1 dB   9 ms  5.8 Mb  39.4
-///   dB ultrafast, looking 10 ahead, aq     11 ms  5.5 Mb  39.1 dB  21 ms  3.9 Mb  51.4 dB   9 ms  5.1
-///   Mb  42.2 dB superfast                           23 ms  4.8 Mb  34.8 dB  22 ms  2.6 Mb  51.4 dB  18
-///   ms  4.6 Mb  36.8 dB superfast, looking 10 ahead         16 ms  5.0 Mb  40.3 dB  23 ms  2.6 Mb  51.5 dB
-///   14 ms  4.5 Mb  42.8 dB
-///     and subme 0, partitions none      14 ms  5.1 Mb  40.0 dB  18 ms  2.5 Mb  51.4 dB  14 ms  4.5 Mb  42.8
-///     dB
-///   veryfast                            26 ms  5.0 Mb  40.3 dB  41 ms  4.2 Mb  51.8 dB  19 ms  4.5 Mb  42.8
-///   dB
-///
 /// Looking ahead is what spends the bits well on a screen; fine motion and small blocks only cost time there.
+/// benchmarks/README.md has the table of what was measured.
 constexpr const char *videoPreset = "superfast";
 
 /// 8x8dct: the fastest presets leave it out, and with it the High profile.
