@@ -97,9 +97,9 @@ void FrameComposer::removeCursor()
 
 bool FrameComposer::bringImage(const std::shared_ptr<const BitmapImage> &image)
 {
+    start();
     if (!image)
         return false;
-    start();
     m_canvas = image->view().copy();
     m_touched.assign(static_cast<std::size_t>(bandCount(m_canvas.height())), true);
     return true;

@@ -256,6 +256,20 @@ TEST_F(ComposerTest, ADamagedPictureInTheMiddleHurtsNoOther)
     composeAndCompare(*spooled(noisePicture({ 100, 60 }, 2), {}));
 }
 
+TEST_F(ComposerTest, ARecordWithoutPictureInTheMiddleLeavesNoPointer)
+{
+    m_display->setCursorShape(
+        { noisePicture({ 16, 16 }, 9).convertToFormat(QImage::Format_ARGB32_Premultiplied), {} });
+    const QImage picture = noisePicture({ 100, 60 }, 1);
+    const QRectF region(0, 0, 100, 60);
+    const auto withPointer = composeAndCompare(*spooled(picture, { 50, 30 }), region);
+    KeyedArchiver nothing;
+    EXPECT_FALSE(m_composer.compose(
+        *VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(nothing.bytes())), region));
+    const auto pointerOutside = composeAndCompare(*spooled(picture, { 250, 30 }), region);
+    EXPECT_NE(planes(*pointerOutside), planes(*withPointer));
+}
+
 TEST_F(ComposerTest, SizesMayChangeAndScaledFramesFollow)
 {
     composeAndCompare(*spooled(noisePicture({ 100, 60 }, 1), {}));
