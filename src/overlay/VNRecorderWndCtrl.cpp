@@ -131,12 +131,14 @@ void VNRecorderWndCtrl::VNRecorderViewWindowFrameDidChanged(VNRecoderView & /*vi
 
 void VNRecorderWndCtrl::windowDidBecomeKey()
 {
-    _recorderView->redraw();
+    if (_recorderView)
+        _recorderView->redraw();
 }
 
 void VNRecorderWndCtrl::windowDidResignKey()
 {
-    _recorderView->redraw();
+    if (_recorderView)
+        _recorderView->redraw();
 }
 
 } // namespace vornic

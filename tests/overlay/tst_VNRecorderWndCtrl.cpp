@@ -237,6 +237,24 @@ TEST_F(RecorderWndCtrl, FrameIsRedrawnWithTheKeyboardFocus)
     EXPECT_EQ(frame(), QColor(204, 204, 204));
 }
 
+TEST_F(RecorderWndCtrl, FocusComesAndGoesWithoutAView)
+{
+    overlay.placeWindow();
+    VNRecoderView *view = overlay.recorderView();
+    overlay.setRecorderView(nullptr);
+    const QSignalSpy came(overlay.window(), &VNRecoderWindow::windowDidBecomeKey);
+    const QSignalSpy went(overlay.window(), &VNRecoderWindow::windowDidResignKey);
+    overlay.window()->becomeKey();
+    QCoreApplication::processEvents();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(came.size(), 1);
+    EXPECT_EQ(went.size(), 1);
+    overlay.setRecorderView(view);
+}
+
 TEST_F(RecorderWndCtrl, FocusGoesToTheMainWindowWhenItIsHidden)
 {
     QWidget main;
