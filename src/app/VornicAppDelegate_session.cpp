@@ -130,7 +130,7 @@ void VornicAppDelegate::startRecorderAnyway()
     _audioValidate = m_recordsAudio;
     _audioStartTime = 0.0;
     const double frameRate = captureFrameRate(chosen.recordQuality());
-    const bool part = chosen.recordRegion() == 1;
+    const bool part = chosen.recordsRectangle();
     const QRectF region = part ? regionToRecord() : VNOption::screenFrame();
     mBufferMgr->setRecordRect(region);
     mBufferMgr->setIsRecordPart(part);
@@ -268,7 +268,7 @@ void VornicAppDelegate::becomeIdle()
 void VornicAppDelegate::showStopRecordingBtn()
 {
     m_stopItemShown = true;
-    const bool part = options()->recordRegion() == 1;
+    const bool part = options()->recordsRectangle();
     m_frontEnd.showStopItem(stringFromeTimestamp(0), part ? regionToRecord() : VNOption::screenFrame());
     m_frontEnd.minimiseMainWindow();
 }

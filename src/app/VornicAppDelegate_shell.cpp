@@ -216,7 +216,7 @@ bool VornicAppDelegate::allowedEditOptions() const
 
 bool VornicAppDelegate::allowedEditRecordRegion()
 {
-    return m_state == 0 && options() && options()->recordRegion() == 1;
+    return m_state == 0 && options() && options()->recordsRectangle();
 }
 
 bool VornicAppDelegate::allowedEditLogo()

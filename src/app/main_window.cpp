@@ -181,7 +181,7 @@ void MainWindow::record(bool fullDisplay)
 {
     if (m_delegate.state() != 0 || QApplication::activeModalWidget())
         return;
-    m_delegate.options()->setRecordRegion(fullDisplay ? 0 : 1);
+    m_delegate.options()->setIsRecordFullScreen(fullDisplay);
     m_delegate.recorded();
 }
 

@@ -97,7 +97,7 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
     options->setRecordQuality(line.quality);
     options->setEnableAudio(line.audio);
     if (line.region) {
-        options->setRecordRegion(1);
+        options->setIsRecordFullScreen(false);
         options->setSelectedRect(VNOption::convertScreenRectFromQuartz(QRectF(*line.region)));
     }
     return options;

@@ -51,9 +51,13 @@ public:
     [[nodiscard]] static std::unique_ptr<VNOption> createWithCoder(const KeyedUnarchiver &coder);
     void encodeWithCoder(KeyedArchiver &coder) const;
 
-    /// 0 records the full main display, 1 the selected rectangle.
+    /// 0 records the full main display, 1 the selected rectangle. An archive may hold any other number: it is
+    /// kept, and recorded like 0.
     [[nodiscard]] int recordRegion() const { return _recordRegion; }
     void setRecordRegion(int region);
+    /// What decides between rectangle and display, wherever one of them is shown, edited or recorded.
+    [[nodiscard]] bool recordsRectangle() const { return _recordRegion == 1; }
+    /// Whether the number is 0: what the check box shows.
     [[nodiscard]] bool isRecordFullScreen() const { return _recordRegion == 0; }
     void setIsRecordFullScreen(bool fullScreen);
     /// 0 is the higher quality, 1 the lower.

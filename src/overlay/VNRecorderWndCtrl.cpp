@@ -70,7 +70,7 @@ void VNRecorderWndCtrl::setOptions(VNOption *options)
 
 void VNRecorderWndCtrl::followSelectedRect()
 {
-    if (m_window && m_window->isVisible() && _options->recordRegion() != 0)
+    if (m_window && m_window->isVisible() && _options->recordsRectangle())
         m_window->setFrame(enlargeRectBounds(_options->selectedRect()));
 }
 
@@ -88,7 +88,7 @@ void VNRecorderWndCtrl::placeWindow()
 {
     if (!m_window)
         return;
-    const bool fullScreen = !_options || _options->recordRegion() == 0;
+    const bool fullScreen = !_options || !_options->recordsRectangle();
     if (fullScreen && !(_options && _options->logoContext()->LogoValidate())) {
         m_window->orderOut();
         return;
@@ -120,7 +120,7 @@ bool VNRecorderWndCtrl::VNRecoderWindowCanBecameKeyWindow(VNRecoderWindow & /*wi
 
 bool VNRecorderWndCtrl::VNRecorderViewWindowIsRecordFullScreen(VNRecoderView & /*view*/)
 {
-    return !_options || _options->recordRegion() == 0;
+    return !_options || !_options->recordsRectangle();
 }
 
 void VNRecorderWndCtrl::VNRecorderViewWindowFrameDidChanged(VNRecoderView & /*view*/)

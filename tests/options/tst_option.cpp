@@ -73,6 +73,17 @@ TEST_F(OptionTest, PlainAccessorsStoreWhatTheyAreGiven)
     EXPECT_FALSE(options.isRecordFullScreen());
 }
 
+TEST_F(OptionTest, OnlyRegionOneRecordsTheRectangle)
+{
+    VNOption options;
+    for (const int region : { -3, 0, 2 }) {
+        options.setRecordRegion(region);
+        EXPECT_FALSE(options.recordsRectangle()) << region;
+    }
+    options.setRecordRegion(1);
+    EXPECT_TRUE(options.recordsRectangle());
+}
+
 TEST_F(OptionTest, FullScreenIsRegionZero)
 {
     VNOption options;

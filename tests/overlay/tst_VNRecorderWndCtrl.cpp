@@ -166,10 +166,20 @@ TEST_F(RecorderWndCtrl, OptionsGivenBackMoveNothing)
     EXPECT_EQ(overlay.window()->frame(), QRectF(312, 142, 816, 616));
 }
 
+TEST_F(RecorderWndCtrl, ARegionOfAnotherNumberIsTheFullDisplay)
+{
+    options.setRecordRegion(2);
+    EXPECT_TRUE(overlay.recorderView()->isRecordFullScreen());
+    overlay.placeWindow();
+    EXPECT_FALSE(overlay.window()->isVisible());
+    options.logoContext()->setLogoValidate(true);
+    overlay.placeWindow();
+    options.setOffsetX(7);
+    EXPECT_EQ(overlay.window()->frame(), QRectF(-8, -8, 1456, 916));
+}
+
 TEST_F(RecorderWndCtrl, FullDisplayIsRegionZero)
 {
-    EXPECT_FALSE(overlay.recorderView()->isRecordFullScreen());
-    options.setRecordRegion(2);
     EXPECT_FALSE(overlay.recorderView()->isRecordFullScreen());
     options.setRecordRegion(0);
     EXPECT_TRUE(overlay.recorderView()->isRecordFullScreen());
