@@ -46,11 +46,9 @@ void VNCGDisplay::measure()
 
 std::shared_ptr<const BitmapImage> VNCGDisplay::readFullScreen() const
 {
-    // Until the display has told its size, all of it is whatever a grab without bounds brings.
+    // The backend cuts this down to the display as it is at the moment of the grab.
     constexpr int unbounded = 1 << 16;
-    const QSize size = _width < 1 ? QSize(unbounded, unbounded)
-                                  : QSize(static_cast<int>(_width), static_cast<int>(_height));
-    return m_backend->grab(QRect(QPoint(0, 0), size));
+    return m_backend->grab(QRect(0, 0, unbounded, unbounded));
 }
 
 std::shared_ptr<const BitmapImage> VNCGDisplay::readPartScreen(const QRectF &rect) const

@@ -12,8 +12,8 @@ class DisplayBackend;
 
 /// Takes pictures of the main display.
 ///
-/// Made once by the application delegate, bound to the display of that moment; measures it once and sees no
-/// later change of resolution. After that it may be called from any thread.
+/// Made once by the application delegate. Width and height are those of that moment and stay so; pictures
+/// show the display as it is when they are taken. May be called from any thread.
 class VNCGDisplay
 {
 public:
@@ -24,13 +24,13 @@ public:
     VNCGDisplay(const VNCGDisplay &) = delete;
     VNCGDisplay &operator=(const VNCGDisplay &) = delete;
 
-    /// A new picture of the whole display, or null where the display server gives none.
+    /// A new picture of the whole display in its size of now, or null where the display server gives none.
     [[nodiscard]] std::shared_ptr<const BitmapImage> readFullScreen() const;
     /// The same for a rectangle in screen coordinates (y up), truncated to whole pixels; the part of it that
     /// lies on the display, null when none does.
     [[nodiscard]] std::shared_ptr<const BitmapImage> readPartScreen(const QRectF &rect) const;
 
-    /// Pixels.
+    /// Pixels, as they were when this object was made.
     [[nodiscard]] std::int64_t displayWidth() const { return _width; }
     [[nodiscard]] std::int64_t displayHeight() const { return _height; }
 

@@ -23,6 +23,35 @@ using testing::numbersOf;
 using testing::probe;
 using testing::streamOf;
 
+/// A picture whose quarters have a colour each: cut or shifted, it is no longer quartered.
+QImage quarteredPicture(QSize size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    const QSize quarter = size / 2;
+    QPainter painter(&picture);
+    painter.fillRect(QRect({ 0, 0 }, quarter), qRgb(200, 40, 40));
+    painter.fillRect(QRect({ quarter.width(), 0 }, quarter), qRgb(40, 200, 40));
+    painter.fillRect(QRect({ 0, quarter.height() }, quarter), qRgb(40, 40, 200));
+    painter.fillRect(QRect(QPoint(quarter.width(), quarter.height()), quarter), qRgb(200, 200, 200));
+    return picture;
+}
+
+/// Whether \a shown has those colours a tenth away from its corners and from its middle.
+bool isQuartered(const QImage &shown)
+{
+    const QImage expected = quarteredPicture(shown.size());
+    for (const int x : { 1, 4, 6, 9 })
+        for (const int y : { 1, 4, 6, 9 }) {
+            const QPoint point(shown.width() * x / 10, shown.height() * y / 10);
+            const QRgb a = shown.pixel(point);
+            const QRgb b = expected.pixel(point);
+            if (std::abs(qRed(a) - qRed(b)) > 12 || std::abs(qGreen(a) - qGreen(b)) > 12
+                || std::abs(qBlue(a) - qBlue(b)) > 12)
+                return false;
+        }
+    return true;
+}
+
 class DelegateTest : public SessionTest
 {
 protected:
@@ -244,6 +273,57 @@ TEST_F(DelegateTest, AFailedGrabEndsTheRecordingAndKeepsWhatThereIs)
     EXPECT_EQ(logged.count("Failed to shot screen buffer."), 1);
     EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
     EXPECT_TRUE(QFile::exists(moviePath()));
+}
+
+TEST_F(DelegateTest, ADisplayThatHasGrownSinceTheLaunchIsRecordedWhole)
+{
+    display->setPicture(quarteredPicture({ 640, 400 }));
+    ASSERT_TRUE(record(2));
+    const QJsonObject video = streamOf(probe(moviePath()), "video");
+    EXPECT_EQ(video["width"].toInt(), 640);
+    EXPECT_EQ(video["height"].toInt(), 400);
+    EXPECT_TRUE(isQuartered(decodedPicture(moviePath(), 0, QSize(640, 400))));
+}
+
+TEST_F(DelegateTest, ADisplayOfAnotherSizeIsFittedIntoTheMovieThatRuns)
+{
+    display->setPicture(quarteredPicture({ 320, 200 }));
+    delegate->recorded();
+    const std::vector<QSize> sizes { { 320, 200 }, { 640, 400 }, { 160, 100 }, { 320, 200 } };
+    std::vector<std::uint64_t> ends;
+    for (const QSize size : sizes) {
+        display->setPicture(quarteredPicture(size));
+        // The first of them may have been grabbed before.
+        ASSERT_TRUE(runUntilGrabbed(delegate->counts().framesGrabbed + 3));
+        ends.push_back(delegate->counts().framesGrabbed);
+    }
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+    EXPECT_EQ(delegate->counts().framesSkipped, 0U);
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    const QJsonObject video = streamOf(probe(moviePath()), "video");
+    EXPECT_EQ(video["width"].toInt(), 320);
+    EXPECT_EQ(video["height"].toInt(), 200);
+    for (const std::uint64_t end : ends)
+        EXPECT_TRUE(isQuartered(decodedPicture(moviePath(), static_cast<int>(end) - 1, QSize(320, 200))))
+            << end;
+}
+
+TEST_F(DelegateTest, ARectangleThatADisplayShrinksAwayFromIsRecordedAsFarAsItLiesOnIt)
+{
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(100, 20, 200, 100));
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(2));
+    display->setPicture(noisePicture({ 160, 100 }, 1));
+    ASSERT_TRUE(runUntilGrabbed(delegate->counts().framesGrabbed + 3));
+    // None of it is left now.
+    display->setPicture(noisePicture({ 80, 100 }, 1));
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(delegate->failure().isEmpty());
+    EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
+    EXPECT_EQ(streamOf(probe(moviePath()), "video")["width"].toInt(), 200);
 }
 
 TEST_F(DelegateTest, AFullCacheEndsTheRecordingWithAnAlert)

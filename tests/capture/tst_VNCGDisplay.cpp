@@ -111,5 +111,27 @@ TEST_F(CGDisplayTest, ItMeasuresOnce)
     EXPECT_EQ(display.displayHeight(), 200);
 }
 
+TEST_F(CGDisplayTest, ADisplayThatHasGrownIsReadWhole)
+{
+    const VNCGDisplay display;
+    const QImage picture = noisePicture({ 640, 400 }, 1);
+    m_display->setPicture(picture);
+    const auto image = display.readFullScreen();
+    ASSERT_TRUE(image);
+    EXPECT_EQ(largestDifference(pixelsOf(*image), picture), 0);
+}
+
+TEST_F(CGDisplayTest, ADisplayThatHasShrunkIsReadWhole)
+{
+    const VNCGDisplay display;
+    for (const QSize size : { QSize(100, 50), QSize(320, 50), QSize(100, 400) }) {
+        const QImage picture = noisePicture(size, 1);
+        m_display->setPicture(picture);
+        const auto image = display.readFullScreen();
+        ASSERT_TRUE(image);
+        EXPECT_EQ(largestDifference(pixelsOf(*image), picture), 0);
+    }
+}
+
 } // namespace
 } // namespace vornic
