@@ -287,6 +287,37 @@ TEST_F(X11GrabTest, ASmallerScreenIsFollowed)
     EXPECT_TRUE(isUpToDate());
 }
 
+TEST_F(X11GrabTest, ADisplayThatKeepsChangingSizeIsNeverRefused)
+{
+    const QStringList mode { "small", "40", "800", "840", "968", "1056", "600", "601", "605", "628" };
+    ASSERT_EQ(m_server->run(QStringList { "xrandr", "--newmode" } + mode), 0);
+    ASSERT_EQ(m_server->run({ "xrandr", "--addmode", "screen", "small" }), 0);
+    std::atomic<bool> isStopping { false };
+    std::atomic<int> grabs { 0 };
+    std::atomic<int> refused { 0 };
+    std::thread grabber([&] {
+        int width = 2000;
+        while (!isStopping) {
+            // Another rectangle every time, so that there is always a fetch.
+            width = width == 2000 ? 500 : 2000;
+            if (!m_display->grab(QRect(0, 0, width, 2000)))
+                ++refused;
+            ++grabs;
+        }
+    });
+    for (int i = 0; i < 30; ++i) {
+        const int before = grabs;
+        EXPECT_EQ(
+            m_server->run({ "xrandr", "--output", "screen", "--mode", i % 2 == 0 ? "small" : "1000x603" }),
+            0);
+        while (grabs == before)
+            std::this_thread::yield();
+    }
+    isStopping = true;
+    grabber.join();
+    EXPECT_EQ(refused, 0);
+}
+
 TEST_F(X11GrabTest, WithAllMonitorsOffTheRootIsTheDisplay)
 {
     ASSERT_EQ(m_server->run({ "xrandr", "--fb", "1000x603", "--output", "screen", "--off" }), 0);

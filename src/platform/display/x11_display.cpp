@@ -52,11 +52,20 @@ QPoint X11Display::mainDisplayOrigin() const
 
 std::shared_ptr<const BitmapImage> X11Display::grab(const QRect &rectangle)
 {
-    const X11Layout layout = m_monitor.layout();
-    const QRect visible = partOnDisplay(rectangle, layout.rectangle.size());
-    if (visible.isEmpty())
-        return nullptr;
-    return m_grabber.grab(visible.translated(layout.rectangle.topLeft()), layout.edition);
+    X11Layout layout = m_monitor.layout();
+    while (true) {
+        const QRect visible = partOnDisplay(rectangle, layout.rectangle.size());
+        auto image = visible.isEmpty()
+            ? nullptr
+            : m_grabber.grab(visible.translated(layout.rectangle.topLeft()), layout.edition);
+        if (image)
+            return image;
+        // A display that has shrunk since refuses what is no longer there, and has told of that before.
+        const X11Layout now = m_monitor.layout();
+        if (now.edition == layout.edition)
+            return nullptr;
+        layout = now;
+    }
 }
 
 QPoint X11Display::pointerPosition()
