@@ -224,6 +224,8 @@ private:
     VNRecorderWndCtrl *m_recorderWndCtrl = nullptr;
     std::unique_ptr<AudioDeviceList> mAudioDevicesView;
     std::unique_ptr<AudioRecorder> _audioRecorder;
+    /// That one, once it has started: what the capture queue stops. Null where the recording has no sound.
+    std::atomic<AudioRecorder *> m_startedRecorder = nullptr;
     std::unique_ptr<FrameComposer> m_composer; ///< on the encoder's thread while a movie is written
     VNLogoContext *m_logoContext = nullptr;    ///< the options', borrowed while a movie is written
 

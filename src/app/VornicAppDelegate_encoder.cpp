@@ -62,6 +62,7 @@ void VornicAppDelegate::configureAudio(PKMuxerContext &context)
         _audioValidate = false;
         return;
     }
+    m_startedRecorder = recorder;
     context.setAudioCodecID(PKMuxerContext::audioCodecAac);
     context.setSamplerate(static_cast<std::int32_t>(format.mSampleRate));
     context.setNumberOfChannels(static_cast<std::int32_t>(format.mChannelsPerFrame));

@@ -129,6 +129,7 @@ void VornicAppDelegate::startRecorderAnyway()
     m_recordsAudio = chosen.enableAudio();
     _audioValidate = m_recordsAudio;
     _audioStartTime = 0.0;
+    m_startedRecorder = nullptr;
     const double frameRate = captureFrameRate(chosen.recordQuality());
     const bool part = chosen.recordsRectangle();
     const QRectF region = part ? regionToRecord() : VNOption::screenFrame();
@@ -190,8 +191,9 @@ void VornicAppDelegate::stopBecauseFull()
 
 void VornicAppDelegate::endCapture()
 {
-    if (m_recordsAudio && _audioRecorder)
-        _audioRecorder->stopRecord();
+    // One that is still starting is stopped by executeStopRecord(), which the main thread runs after that.
+    if (AudioRecorder *recorder = m_startedRecorder)
+        recorder->stopRecord();
     mBufferMgr->endVideoRecord();
     main_queue::async([this] { executeStopRecord(); });
 }

@@ -112,6 +112,7 @@ public:
     std::atomic<int> startCount = 0;
     std::atomic<int> stops = 0;
     std::uint32_t deviceID;
+    std::function<void()> onStart;
 
     void setDelegate(PKAudioRecorderDelegate *newDelegate) override { m_delegate = newDelegate; }
     void setDeviceID(std::uint32_t newID) override { deviceID = newID; }
@@ -119,6 +120,8 @@ public:
     {
         EXPECT_EQ(asked, defaultAudioStreamBasicDescription());
         ++startCount;
+        if (onStart)
+            onStart();
         return starts;
     }
     AudioStreamBasicDescription currentDataFormat() const override { return format; }
@@ -139,6 +142,7 @@ public:
     QStringList names;
     PKAudioControlDelegate *delegate = nullptr;
     FakeAudioRecorder *recorder = nullptr; ///< the one that was made last
+    std::function<void()> onStart;         ///< of the recorders that are made from now on
 
     QStringList inputDevicesName() override { return names; }
     std::uint32_t deviceIDFromName(const QString &name) override
@@ -151,6 +155,7 @@ public:
     {
         auto made = std::make_unique<FakeAudioRecorder>(deviceID);
         recorder = made.get();
+        recorder->onStart = onStart;
         return made;
     }
 };

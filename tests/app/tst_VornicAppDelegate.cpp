@@ -6,6 +6,7 @@
 #include "codec/PKVideoFrame2.h"
 #include "movie_test_support.h"
 #include "platform/clock.h"
+#include "platform/serial_queue.h"
 #include "session_fixture.h"
 #include "support/test_pictures.h"
 
@@ -651,6 +652,38 @@ TEST_F(DelegateTest, AudioIsConfiguredFromWhatIsReallyDelivered)
     EXPECT_EQ(context->numberOfChannels(), 1);
     EXPECT_EQ(context->sampleFormat(), 0);
     EXPECT_EQ(source.startCount, 1);
+}
+
+TEST_F(DelegateTest, ACaptureThatEndsWhileTheSoundStartsDoesNotStopItInTheMiddle)
+{
+    audioControl.names += "Microphone";
+    delegate->audioControlInputDeviceChanged(audioControl);
+    delegate->options()->setEnableAudio(true);
+    // Relaxed, so that these do not order what the two threads do elsewhere: the thread sanitizer looks on.
+    constexpr auto relaxed = std::memory_order_relaxed;
+    std::atomic<bool> isStarting = false;
+    std::atomic<bool> isEnding = false;
+    // Asked at the beginning of every pass, which then ends the capture.
+    delegate->bufferMgr().setFreeSpaceProbe([&] {
+        if (isStarting.load(relaxed)) {
+            delegate->stopRecord();
+            isEnding.store(true, relaxed);
+        }
+        return freeBytes.load();
+    });
+    int stopsWhileStarting = -1;
+    audioControl.onStart = [&] {
+        isStarting.store(true, relaxed);
+        while (!isEnding.load(relaxed))
+            std::this_thread::yield();
+        delegate->imgCaptureQueue().sync([] {});
+        stopsWhileStarting = audioControl.recorder->stops;
+    };
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return stopsWhileStarting >= 0; }));
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(stopsWhileStarting, 0);
+    EXPECT_GE(audioControl.recorder->stops, 1);
 }
 
 TEST_F(DelegateTest, AnUnsupportedBitDepthIsRecordedWithoutSound)
