@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stop_token>
 
 namespace vornic {
 
@@ -240,6 +241,7 @@ private:
     double m_movieSeconds = 0;
     double m_audioSeconds = 0;
 
+    std::stop_source m_ending; ///< stopped as the delegate ends: the capture queue no longer waits for main
     std::unique_ptr<SerialQueue> _imgCaptureQueue; ///< last: its thread ends before what it uses
 };
 

@@ -183,10 +183,11 @@ void VornicAppDelegate::captureInBackground(double origin, const QRectF &rect, d
 void VornicAppDelegate::stopBecauseFull()
 {
     mBufferMgr->setExit(true);
-    main_queue::sync([this] {
+    const auto tell = [this] {
         m_frontEnd.alert(tr("Disk free space is too low"),
                          tr("It will terminate recording because of disk space is insufficient"));
-    });
+    };
+    main_queue::sync(tell, m_ending.get_token());
 }
 
 void VornicAppDelegate::endCapture()
@@ -195,7 +196,10 @@ void VornicAppDelegate::endCapture()
     if (AudioRecorder *recorder = m_startedRecorder)
         recorder->stopRecord();
     mBufferMgr->endVideoRecord();
-    main_queue::async([this] { executeStopRecord(); });
+    main_queue::async([this, ending = m_ending.get_token()] {
+        if (!ending.stop_requested())
+            executeStopRecord();
+    });
 }
 
 /// False when there is no time origin yet: the frame is dropped.
@@ -212,11 +216,12 @@ bool VornicAppDelegate::keepFrame(std::shared_ptr<const BitmapImage> image, doub
     }
     const auto timestamp = static_cast<std::int64_t>((now - origin) * static_cast<double>(PKTimebase));
     record->setBufferTimestamp(static_cast<std::uint64_t>(timestamp));
-    main_queue::sync([this, timestamp] {
+    const auto showClock = [this, timestamp] {
         if (m_stopItemShown)
             m_frontEnd.setStopItemTitle(stringFromeTimestamp(timestamp));
         emit clockTicked(timestamp);
-    });
+    };
+    main_queue::sync(showClock, m_ending.get_token());
     mBufferMgr->pushRecordBuffer(*record);
     ++m_framesGrabbed;
     return true;
@@ -228,8 +233,8 @@ void VornicAppDelegate::tellOfAudioWait()
     constexpr int patience = 40;
     if (++m_audioWaits != patience)
         return;
-    main_queue::async([this] {
-        if (m_stopItemShown)
+    main_queue::async([this, ending = m_ending.get_token()] {
+        if (!ending.stop_requested() && m_stopItemShown)
             m_frontEnd.setStopItemTitle(tr("waiting for audio"));
     });
 }

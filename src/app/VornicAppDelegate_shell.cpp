@@ -46,6 +46,8 @@ VornicAppDelegate::VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOptio
 
 VornicAppDelegate::~VornicAppDelegate()
 {
+    // The capture queue is waited for, and its pass may itself be waiting for this thread.
+    m_ending.request_stop();
     if (m_audioControl)
         m_audioControl->setDelegate(nullptr);
     if (m_recorderWndCtrl) {

@@ -85,7 +85,7 @@ void async(std::function<void()> block)
         post(*application, std::move(block));
 }
 
-void sync(const std::function<void()> &block)
+void sync(const std::function<void()> &block, const std::stop_token &givenUp)
 {
     QCoreApplication *application = QCoreApplication::instance();
     if (!application)
@@ -98,11 +98,14 @@ void sync(const std::function<void()> &block)
         block();
         return;
     }
-    const auto done = std::make_shared<std::binary_semaphore>(0);
-    post(*application, [block, done] {
-        block();
+    // Released by the block, and by who gives it up.
+    const auto done = std::make_shared<std::counting_semaphore<2>>(0);
+    post(*application, [block, done, givenUp] {
+        if (!givenUp.stop_requested())
+            block();
         done->release();
     });
+    const std::stop_callback letGo(givenUp, [done] { done->release(); });
     // An application that has ended takes no more events; then nobody may wait for one.
     while (!done->try_acquire_for(std::chrono::milliseconds(100)) && QCoreApplication::instance()) { }
 }

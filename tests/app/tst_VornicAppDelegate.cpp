@@ -464,6 +464,44 @@ TEST_F(DelegateTest, AStopThatComesAfterTheMovieIsCompleteLeavesItAlone)
     EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
 }
 
+/// Ends the delegate while a pass of the capture waits for the main thread, which runs no events.
+class EndingDelegateTest : public DelegateTest
+{
+protected:
+    void endDuringAPass(const std::function<bool()> &passHasBegun)
+    {
+        VornicAppDelegate &ending = *delegate;
+        ending.bufferMgr().readyToRecord();
+        ending.imgCaptureQueue().async(
+            [&ending] { ending.captureInBackground(absoluteTimeSeconds(), QRectF(), 30); });
+        while (!passHasBegun())
+            std::this_thread::yield();
+        delegate.reset();
+        // What the pass has left for the main thread comes too late.
+        QCoreApplication::processEvents();
+    }
+};
+
+TEST_F(EndingDelegateTest, APassThatWaitsToShowTheClockIsLetGo)
+{
+    int ticks = 0;
+    QObject::connect(delegate.get(), &VornicAppDelegate::clockTicked, &application, [&ticks] { ++ticks; });
+    const int before = display->grabCount();
+    endDuringAPass([&] { return display->grabCount() > before; });
+    EXPECT_EQ(ticks, 0);
+}
+
+TEST_F(EndingDelegateTest, APassThatWaitsToTellOfAFullDiskIsLetGo)
+{
+    std::atomic<bool> hasAsked = false;
+    delegate->bufferMgr().setFreeSpaceProbe([&hasAsked] {
+        hasAsked = true;
+        return std::uint64_t { 0 };
+    });
+    endDuringAPass([&] { return hasAsked.load(); });
+    EXPECT_TRUE(frontEnd.told.isEmpty()) << frontEnd.told.join('\n').toStdString();
+}
+
 TEST_F(DelegateTest, TerminatingWhenIdleIsAtOnce)
 {
     const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);
