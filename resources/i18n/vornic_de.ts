@@ -4,6 +4,14 @@
 <context>
     <name>vornic</name>
     <message>
+        <source>there is no such file</source>
+        <translation>diese Datei gibt es nicht</translation>
+    </message>
+    <message>
+        <source>it is not a regular file</source>
+        <translation>es ist keine gewöhnliche Datei</translation>
+    </message>
+    <message>
         <source>Recording for %1 s; Ctrl-C stops it earlier.
 </source>
         <translation>Aufnahme für %1 s; Strg-C beendet sie früher.
@@ -378,8 +386,8 @@
         <translation>Bild hierher ziehen</translation>
     </message>
     <message>
-        <source>The picture %1 cannot be read.</source>
-        <translation>Das Bild %1 kann nicht gelesen werden.</translation>
+        <source>The picture %1 cannot be read: %2.</source>
+        <translation>Das Bild %1 kann nicht gelesen werden: %2.</translation>
     </message>
     <message>
         <source>&lt;b&gt;Vornic %1&lt;/b&gt;&lt;br&gt;Records the screen of the Linux desktop.</source>

@@ -14,11 +14,11 @@
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
 #include "platform/display/bitmap_image.h"
+#include "platform/picture_file.h"
 #include "platform/serial_queue.h"
 
 #include <QDir>
 #include <QFile>
-#include <QImageReader>
 #include <QStandardPaths>
 #include <QVersionNumber>
 
@@ -94,11 +94,10 @@ void VornicAppDelegate::logoChanged()
 
 void VornicAppDelegate::setLogoImageFile(const QString &path)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QImage picture = reader.read();
+    QString whyNot;
+    const QImage picture = readPictureFile(path, &whyNot);
     if (picture.isNull()) {
-        alertError(tr("The picture %1 cannot be read: %2.").arg(path, reader.errorString()));
+        alertError(tr("The picture %1 cannot be read: %2.").arg(path, whyNot));
         return;
     }
     setLogoImage(picture);

@@ -102,9 +102,12 @@ void MainWindow::connectActions()
         if (const auto &picture = m_ui->logoImageView->image(); picture && !picture->isNull())
             m_delegate.setLogoImage(*picture);
     });
-    connect(m_ui->logoImageView, &VNDragDropImageView::fileUnreadable, this, [this](const QString &path) {
-        m_delegate.alertError(tr("The picture %1 cannot be read.").arg(path));
-    });
+    connect(m_ui->logoImageView,
+            &VNDragDropImageView::fileUnreadable,
+            this,
+            [this](const QString &path, const QString &whyNot) {
+                m_delegate.alertError(tr("The picture %1 cannot be read: %2.").arg(path, whyNot));
+            });
     connect(m_ui->chooseButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::selImageFile);
     connect(m_ui->fontButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::setFontAttrs);
 

@@ -4,6 +4,7 @@
 #include "controls/picture_data.h"
 #include "controls/skin_colors.h"
 #include "controls/skin_painting.h"
+#include "platform/picture_file.h"
 
 #include <QDropEvent>
 #include <QFileDialog>
@@ -22,16 +23,6 @@ constexpr double highlightWidth = 5;
 constexpr QSize usualSize(120, 80);
 constexpr QSize leastSize(48, 48);
 
-QImage readPicture(const QString &path)
-{
-    if (path.isEmpty())
-        return {};
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    return reader.read();
-}
-
 /// Of the pixels that are dragged, or of the first of the files.
 QImage pictureFrom(const QMimeData *pasteboard)
 {
@@ -39,7 +30,7 @@ QImage pictureFrom(const QMimeData *pasteboard)
         return {};
     if (pasteboard->hasImage())
         return pasteboard->imageData().value<QImage>();
-    return readPicture(pasteboard->urls().value(0).toLocalFile());
+    return readPictureFile(pasteboard->urls().value(0).toLocalFile());
 }
 
 QString fileNameFilter()
@@ -218,9 +209,10 @@ void VNDragDropImageView::popUp()
 
 void VNDragDropImageView::loadFile(const QString &path)
 {
-    const QImage picture = readPicture(path);
+    QString whyNot;
+    const QImage picture = readPictureFile(path, &whyNot);
     if (picture.isNull())
-        emit fileUnreadable(path);
+        emit fileUnreadable(path, whyNot);
     else
         setImage(std::make_shared<QImage>(picture));
 }

@@ -66,8 +66,9 @@ public slots:
 signals:
     /// There is another picture, or other pixels in the one that there is.
     void imageChanged();
-    /// The chosen file is no picture that can be read; the picture is still the one before.
-    void fileUnreadable(const QString &path);
+    /// The chosen file is no picture that can be read; the picture is still the one before. \a whyNot ends
+    /// the sentence "It cannot be read: ".
+    void fileUnreadable(const QString &path, const QString &whyNot);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

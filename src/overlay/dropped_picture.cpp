@@ -1,6 +1,7 @@
 #include "overlay/dropped_picture.h"
 
-#include <QImageReader>
+#include "platform/picture_file.h"
+
 #include <QMimeData>
 #include <QUrl>
 
@@ -17,23 +18,12 @@ QString firstFile(const QMimeData *pasteboard)
 
 bool holdsPicture(const QMimeData *pasteboard)
 {
-    const QString file = firstFile(pasteboard);
-    if (file.isEmpty())
-        return false;
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    return reader.canRead();
+    return isPictureFile(firstFile(pasteboard));
 }
 
 QImage droppedPicture(const QMimeData *pasteboard)
 {
-    const QString file = firstFile(pasteboard);
-    if (file.isEmpty())
-        return {};
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    return reader.read();
+    return readPictureFile(firstFile(pasteboard));
 }
 
 } // namespace vornic

@@ -1,5 +1,6 @@
 #include "app/hyperlink.h"
 #include "session_fixture.h"
+#include "support/named_pipe.h"
 
 #include <QDir>
 #include <QFile>
@@ -108,6 +109,18 @@ TEST_F(ShellTest, ThePictureIsTheChosenFiles)
     ASSERT_EQ(panels->alerts.size(), 1);
     EXPECT_TRUE(panels->alerts.first().startsWith("Error|")) << panels->alerts.first().toStdString();
     EXPECT_TRUE(panels->alerts.first().contains("broken.png"));
+}
+
+TEST_F(ShellTest, ANamedPipeIsNoPictureAndIsNotWaitedFor)
+{
+    panels->picture = folder.filePath("pipe.png");
+    test::NamedPipe pipe(*panels->picture);
+    ASSERT_TRUE(pipe.isMade());
+    shell->selImageFile();
+    EXPECT_FALSE(pipe.wasOpened());
+    EXPECT_EQ(panels->alerts,
+              QStringList { "Error|The picture " + *panels->picture
+                            + " cannot be read: it is not a regular file." });
 }
 
 TEST_F(ShellTest, TheTitlesHaveTheirGrey)

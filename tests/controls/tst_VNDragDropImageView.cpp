@@ -1,6 +1,7 @@
 #include "control_pictures.h"
 #include "controls/VNDragDropImageView.h"
 #include "controls/skin_colors.h"
+#include "support/named_pipe.h"
 
 #include <QAccessible>
 #include <QDragEnterEvent>
@@ -300,6 +301,20 @@ TEST_F(ImageView, AFileThatCannotBeReadLeavesThePicture)
     ASSERT_EQ(failures.count(), 1);
     EXPECT_EQ(failures.at(0).at(0).toString(), "/no/such/file.png");
     EXPECT_EQ(view.image()->pixelColor(0, 0), QColor(Qt::red));
+}
+
+TEST_F(ImageView, ANamedPipeIsRefusedWithoutBeingOpened)
+{
+    const QString path = folder.filePath(QStringLiteral("pipe.png"));
+    test::NamedPipe pipe(path);
+    ASSERT_TRUE(pipe.isMade());
+    EXPECT_EQ(view.draggingEntered(drag(draggedFile(path))), Qt::IgnoreAction);
+    EXPECT_FALSE(view.prepareForDragOperation(drag(draggedFile(path))));
+    QSignalSpy failures(&view, &VNDragDropImageView::fileUnreadable);
+    view.loadFile(path);
+    ASSERT_EQ(failures.count(), 1);
+    EXPECT_FALSE(pipe.wasOpened());
+    EXPECT_EQ(failures.at(0).value(1).toString(), "it is not a regular file");
 }
 
 TEST_F(ImageView, AFileIsWhatItsContentsSay)

@@ -3,6 +3,7 @@
 #include "overlay/VNRecoderWindow.h"
 #include "overlay_main.h"
 #include "platform/y_up.h"
+#include "support/named_pipe.h"
 
 #include <QCursor>
 #include <QDir>
@@ -368,6 +369,17 @@ TEST_F(Drops, PictureIsCentredWhereItIsDropped)
     EXPECT_EQ(logo.getNSImage().size(), QSize(120, 80));
     EXPECT_EQ(logo.LogoPosition(), QPointF(340, 260)) << "the unscaled centre";
     EXPECT_EQ(logo.getNSImage().pixelColor(5, 5), QColor(Qt::yellow));
+}
+
+TEST_F(Drops, ANamedPipeIsRefusedWithoutBeingOpened)
+{
+    test::NamedPipe pipe(folder.filePath("pipe.png"));
+    ASSERT_TRUE(pipe.isMade());
+    const DraggingInfo dropped = info("pipe.png");
+    EXPECT_EQ(view.draggingEntered(dropped), Qt::IgnoreAction);
+    EXPECT_FALSE(view.prepareForDragOperation(dropped));
+    EXPECT_FALSE(view.performDragOperation(dropped));
+    EXPECT_FALSE(pipe.wasOpened());
 }
 
 TEST_F(Drops, RecordingDoesNotRefuse)
