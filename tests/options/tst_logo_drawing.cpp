@@ -232,6 +232,26 @@ TEST_F(LogoDrawing, TranslucentOutlineShowsTheFillBeneathIt)
     EXPECT_NEAR(surface.at(middle, 60).alpha(), 128, 2) << "fill alone";
 }
 
+/// Each of ten letters is followed by its advance, which grows with the font, and by 10 points, which do not.
+TEST_F(LogoDrawing, CharactersStandTenPointsApartWhateverTheSize)
+{
+    logo.setLogoPosition({ 20, 20 });
+    const auto widthOf = [&](const char *text, double logoScale, double scale) {
+        logo.setLogoText(text);
+        logo.setLogoScale(logoScale);
+        Surface surface({ 500, 120 }, 4);
+        surface.draw(logo, noBound, scale);
+        return surface.inked().width();
+    };
+    const auto toTheTenth = [&](double logoScale, double scale) {
+        return widthOf("IIIIIIIIIII", logoScale, scale) - widthOf("I", logoScale, scale);
+    };
+    // Letters of size 1 take 10 a + 10 * 10 points, of size 2 they take 20 a + 10 * 10.
+    const double once = toTheTenth(1, 1);
+    EXPECT_NEAR(2 * once - toTheTenth(2, 1), 10 * 10, 1.5);
+    EXPECT_NEAR(2 * once - toTheTenth(1, 2), 10 * 10, 1.5);
+}
+
 TEST_F(LogoDrawing, TextTurnsAboutTheStartOfItsBaseline)
 {
     logo.setLogoText("HHH");
