@@ -222,6 +222,19 @@ TEST(BottomEdge, TakesFourPointsOffTheTopAtItsLimit)
     EXPECT_EQ(adjustedBottomEdge({ 100, 100, 300, 200 }, 500), QRectF(100, 224, 300, 76));
 }
 
+TEST(BottomEdge, FractionsAreCutOff)
+{
+    // y + s = 103.5, h - s = 197.75
+    EXPECT_EQ(adjustedBottomEdge({ 0, 100.5, 300, 200.75 }, 3), QRectF(0, 103, 300, 197));
+    // y + s = -8.5 counts as -8, which is no stop yet.
+    EXPECT_EQ(adjustedBottomEdge({ 0, -8.5, 300, 200 }, 0), QRectF(0, -8, 300, 200)) << "towards zero";
+    EXPECT_EQ(adjustedBottomEdge({ 0, 0.5, 300, 200.5 }, -9), QRectF(0, -8, 300, 209)) << "h - s = 209.5";
+    // y + s = -9.5 counts as -9: the stop, which cuts nothing off.
+    EXPECT_EQ(adjustedBottomEdge({ 0, 0.5, 300, 200.25 }, -10), QRectF(0, -8, 300, 200.25 + 0.5 + 4));
+    // h - s = 75.75 counts as 75: the shortest side, which cuts nothing off.
+    EXPECT_EQ(adjustedBottomEdge({ 0, 10.5, 300, 300.75 }, 225), QRectF(0, 10.5 + (300.75 - 76), 300, 76));
+}
+
 TEST(TopEdge, StopsAboveTheScreenBeforeAnythingElse)
 {
     EXPECT_EQ(adjustedTopEdge({ 0, 700, 300, 200 }, 50, screen), QRectF(0, 700, 300, 208));
@@ -261,6 +274,33 @@ TEST(Move, StopsEightPointsBeyondTheOtherEdges)
     EXPECT_EQ(movedOrigin(frame, { 0, 508 }, screen), QPointF(1000, 608));
     EXPECT_EQ(movedOrigin(frame, { 0, 900 }, screen), QPointF(1000, 608));
     EXPECT_EQ(movedOrigin({ 0.5, 0.25, 100, 100 }, { 2, 3 }, screen), QPointF(2.5, 3.25));
+}
+
+TEST(Move, HasNoSnapAtTheTop)
+{
+    const QRectF frame(1000, 100, 300, 300);
+    // The top edge starts at 100 + 300 = 400 and may go to 900 + 8.
+    for (const int dy : { 504, 505, 506, 507, 508 })
+        EXPECT_EQ(movedOrigin(frame, { 0, dy }, screen), QPointF(1000, 100 + dy));
+    EXPECT_EQ(movedOrigin(frame, { 0, 509 }, screen), QPointF(1000, 908 - 300));
+}
+
+TEST(Move, TopAndRightLimitsComeFirst)
+{
+    // Beyond two limits at once: higher than 900 + 16, wider than 1440 + 16.
+    EXPECT_EQ(movedOrigin({ 100, -8, 300, 1000 }, { 0, -42 }, screen), QPointF(100, 908 - 1000));
+    EXPECT_EQ(movedOrigin({ -8, 100, 1500, 300 }, { -22, 0 }, screen), QPointF(1448 - 1500, 100));
+    // Clear of the right limit of 1440 + 4, the left one counts.
+    EXPECT_EQ(movedOrigin({ -8, 100, 1500, 300 }, { -60, 0 }, screen), QPointF(-8, 100));
+    EXPECT_EQ(movedOrigin({ 100, -8, 300, 1000 }, { 0, -100 }, screen), QPointF(100, -8));
+}
+
+TEST(Move, LowerLimitsAreThoseOfTheDisplayUpperOnesThoseOfTheScreen)
+{
+    const QRectF other(100, 50, 1000, 700);
+    EXPECT_EQ(movedOrigin({ 200, 200, 300, 300 }, { -5000, -5000 }, other), QPointF(-8, -8));
+    EXPECT_EQ(movedOrigin({ 200, 200, 300, 300 }, { 5000, 5000 }, other),
+              QPointF(100 + 1000 + 8 - 300, 50 + 700 + 8 - 300));
 }
 
 struct DragRow {
