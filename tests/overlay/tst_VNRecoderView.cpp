@@ -162,6 +162,17 @@ TEST_F(RecoderView, OnlyTheLogoMovesWhileTheFullDisplayIsRecorded)
     EXPECT_EQ(delegate.changes, 0);
 }
 
+TEST_F(RecoderView, PressWhileTheFullDisplayIsRecordedLeavesTheFrameThatDragsStartFrom)
+{
+    view.mouseDown({ 512, 342 });
+    delegate.isFullScreen = true;
+    window.setFrame({ -8, -8, 1456, 916 });
+    view.mouseDown({ 700, 500 });
+    delegate.isFullScreen = false;
+    view.mouseDragged({ 710, 520 });
+    EXPECT_EQ(window.frame(), QRectF(312 + 10, 142 + 20, 816, 616)) << "from the rectangle's own press";
+}
+
 TEST_F(RecoderView, LogoThatIsOffDoesNotMove)
 {
     usePicture({ 100, 100 });
