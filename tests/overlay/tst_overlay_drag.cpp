@@ -3,7 +3,9 @@
 
 #include <QTemporaryDir>
 
-#include <array>
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace vornic {
 namespace {
@@ -59,7 +61,6 @@ protected:
                      frame.size().toSize())
             .translated(display.topLeft());
     }
-    [[nodiscard]] QRectF screen() const { return { QPointF(0, 0), QSizeF(display.size()) }; }
 
     void place(const QRectF &frame)
     {
@@ -73,27 +74,38 @@ protected:
         stage->say("place");
     }
 
+    /// In the middle of what is dragged, from the frame's lower left.
+    [[nodiscard]] static QPointF placeOf(DragRegion region, const QSizeF &frame)
+    {
+        using enum DragRegion;
+        const double middle = frame.width() / 2;
+        const double right = frame.width() - 4;
+        const double centre = frame.height() / 2;
+        const double top = frame.height() - 4;
+        const std::map<DragRegion, QPointF> places {
+            { TopLeft, { 4, top } },   { Top, { middle, top } },      { TopRight, { right, top } },
+            { Left, { 4, centre } },   { Right, { right, centre } },  { BottomLeft, { 4, 4 } },
+            { Bottom, { middle, 4 } }, { BottomRight, { right, 4 } }, { Centre, { middle, centre } },
+            { Elsewhere, { 50, 60 } },
+        };
+        return places.at(region);
+    }
+
     /// Presses in the middle of a region, goes \a by (y up), and checks what is told and seen.
-    void dragAndCheck(DragRegion region, QPoint by)
+    void dragAndCheck(DragRegion region, QPoint by, const QRectF &expected)
     {
         SCOPED_TRACE(testing::Message()
                      << "region " << static_cast<int>(region) << " by " << by.x() << ' ' << by.y());
-        const QRectF bounds(QPointF(0, 0), current.size());
-        const QPointF inView = region == DragRegion::Elsewhere
-            ? QPointF(50, 60)
-            : hotRegion(bounds, static_cast<int>(region))->boundingRect().center();
-        const QPoint from = onDesktop(current.topLeft() + inView);
-        const QRectF expected
-            = draggedFrame(current, region, { by.x(), by.y() }, screen()).adjusted(8, 8, -8, -8);
+        const QPoint from = onDesktop(current.topLeft() + placeOf(region, current.size()));
         drag(from, from + QPoint(by.x(), -by.y()));
         const QString wanted = QStringLiteral("rect %1 %2 %3 %4")
-                                   .arg(expected.x())
-                                   .arg(expected.y())
-                                   .arg(expected.width())
-                                   .arg(expected.height());
+                                   .arg(expected.x() + 8)
+                                   .arg(expected.y() + 8)
+                                   .arg(expected.width() - 16)
+                                   .arg(expected.height() - 16);
         EXPECT_TRUE(eventually([&] { return lastTold("rect ") == wanted; }))
             << qPrintable(wanted) << ", not " << qPrintable(lastTold("rect "));
-        current = expected.adjusted(-8, -8, 8, 8);
+        current = expected;
         EXPECT_TRUE(eventually([&] { return isFrameAt(onDesktop(current)); }));
     }
     /// The last line of that kind that the stage has told by now.
@@ -128,59 +140,102 @@ protected:
         return true;
     }
 
+    /// Each of them in turn, by as much as no limit hinders.
     void dragEverything()
     {
         using enum DragRegion;
+        struct Step {
+            DragRegion region;
+            QRectF grown; ///< what comes on top of x, y, width and height
+        };
         place({ 200, 150, 300, 240 });
-        for (const DragRegion region :
-             { TopLeft, Top, TopRight, Left, Right, BottomLeft, Bottom, BottomRight, Centre, Elsewhere })
-            dragAndCheck(region, { 23, -17 });
-        for (const DragRegion region :
-             { TopLeft, Top, TopRight, Left, Right, BottomLeft, Bottom, BottomRight, Centre, Elsewhere })
-            dragAndCheck(region, { -31, 29 });
+        for (const auto &[dx, dy] : { std::pair(23, -17), std::pair(-31, 29) }) {
+            const double x = dx;
+            const double y = dy;
+            for (const auto &[region, grown] : { Step { TopLeft, { x, 0, -x, y } },
+                                                 Step { Top, { 0, 0, 0, y } },
+                                                 Step { TopRight, { 0, 0, x, y } },
+                                                 Step { Left, { x, 0, -x, 0 } },
+                                                 Step { Right, { 0, 0, x, 0 } },
+                                                 Step { BottomLeft, { x, y, -x, -y } },
+                                                 Step { Bottom, { 0, y, 0, -y } },
+                                                 Step { BottomRight, { 0, y, x, -y } },
+                                                 Step { Centre, { x, y, 0, 0 } },
+                                                 Step { Elsewhere, { x, y, 0, 0 } } })
+                dragAndCheck(region,
+                             { dx, dy },
+                             { current.topLeft() + grown.topLeft(), current.size() + grown.size() });
+        }
     }
 
-    /// As far as the mouse goes in each direction, and back inside out.
-    void dragAtTheEdges()
+    struct FarDrag {
+        DragRegion region;
+        QPoint by;
+        QRectF result;
+    };
+
+    /// From (200, 150, 300, 240) as far as the mouse goes on a desktop of 800 x 600, which the display fills:
+    /// from 0 to 799 and, y up, from 0 to 599.
+    [[nodiscard]] static std::vector<FarDrag> dragsToTheEdgesOfTheDesktop()
     {
         using enum DragRegion;
-        const std::array rows { std::pair(TopLeft, QPoint(-2000, 2000)),
-                                std::pair(BottomRight, QPoint(2000, -2000)),
-                                std::pair(Left, QPoint(-2000, 0)),
-                                std::pair(Right, QPoint(2000, 0)),
-                                std::pair(Top, QPoint(0, 2000)),
-                                std::pair(Bottom, QPoint(0, -2000)),
-                                std::pair(BottomLeft, QPoint(-2000, -2000)),
-                                std::pair(TopRight, QPoint(2000, 2000)),
-                                std::pair(Elsewhere, QPoint(2000, 2000)),
-                                std::pair(Elsewhere, QPoint(-2000, -2000)),
-                                std::pair(TopLeft, QPoint(2000, -2000)),
-                                std::pair(BottomRight, QPoint(-2000, 2000)) };
-        for (const auto &[region, by] : rows) {
+        // The mouse holds a handle 4 points within the frame, so left and bottom edge come to -4, the right
+        // edge to 799 + 4 and the top edge to 599 + 4, without a limit.
+        return {
+            { TopLeft, { -204, 213 }, { 200 - 204, 150, 300 + 204, 240 + 213 } },
+            { BottomRight, { 303, -154 }, { 200, 150 - 154, 300 + 303, 240 + 154 } },
+            { Left, { -204, 0 }, { 200 - 204, 150, 300 + 204, 240 } },
+            { Right, { 303, 0 }, { 200, 150, 300 + 303, 240 } },
+            { Top, { 0, 213 }, { 200, 150, 300, 240 + 213 } },
+            { Bottom, { 0, -154 }, { 200, 150 - 154, 300, 240 + 154 } },
+            { BottomLeft, { -204, -154 }, { 200 - 204, 150 - 154, 300 + 204, 240 + 154 } },
+            { TopRight, { 303, 213 }, { 200, 150, 300 + 303, 240 + 213 } },
+            // The limits of a move: 8 points beyond the display.
+            { Elsewhere, { 549, 389 }, { 808 - 300, 608 - 240, 300, 240 } },
+            { Elsewhere, { -250, -210 }, { -8, -8, 300, 240 } },
+            // Inside out: 76 points are left at the edge that stays.
+            { TopLeft, { 595, -386 }, { 200 + 300 - 76, 150, 76, 76 } },
+            { BottomRight, { -496, 445 }, { 200, 150 + 240 - 76, 76, 76 } },
+        };
+    }
+
+    /// The same on a display of 800 x 600 with 640 more points of desktop on its left, 40 above and 60 below
+    /// it: the limits are reached, but for the right one.
+    [[nodiscard]] static std::vector<FarDrag> dragsBeyondTheDisplay()
+    {
+        using enum DragRegion;
+        // Left and bottom edge stop at -8, the top edge at 608; the bottom edge then takes 4 off the top.
+        return {
+            { TopLeft, { -844, 253 }, { -8, 150, 300 + 200 + 8, 608 - 150 } },
+            { BottomRight, { 303, -214 }, { 200, -8, 300 + 303, 240 + 150 + 8 - 4 } },
+            { Left, { -844, 0 }, { -8, 150, 300 + 200 + 8, 240 } },
+            { Right, { 303, 0 }, { 200, 150, 300 + 303, 240 } },
+            { Top, { 0, 253 }, { 200, 150, 300, 608 - 150 } },
+            { Bottom, { 0, -214 }, { 200, -8, 300, 240 + 150 + 8 - 4 } },
+            { BottomLeft, { -844, -214 }, { -8, -8, 300 + 200 + 8, 240 + 150 + 8 - 4 } },
+            { TopRight, { 303, 253 }, { 200, 150, 300 + 303, 608 - 150 } },
+            { Elsewhere, { 549, 429 }, { 808 - 300, 608 - 240, 300, 240 } },
+            { Elsewhere, { -890, -270 }, { -8, -8, 300, 240 } },
+            { TopLeft, { 595, -446 }, { 200 + 300 - 76, 150, 76, 76 } },
+            { BottomRight, { -1136, 485 }, { 200, 150 + 240 - 76, 76, 76 } },
+        };
+    }
+
+    void dragAtTheEdges(const std::vector<FarDrag> &drags)
+    {
+        ASSERT_EQ(display.size(), QSize(800, 600));
+        for (const auto &[region, by, result] : drags) {
             place({ 200, 150, 300, 240 });
-            dragAndCheck(region, reachable(region, by));
+            dragAndCheck(region, by, result);
         }
         // The snap at the right edge: 4 points beyond it nothing, one more and it is at its limit.
-        place({ screen().width() - 299, 150, 300, 240 });
-        dragAndCheck(Elsewhere, { 3, 0 });
-        dragAndCheck(Elsewhere, { 1, 0 });
-        dragAndCheck(Elsewhere, { -40, 0 });
+        place({ 501, 150, 300, 240 });
+        dragAndCheck(DragRegion::Elsewhere, { 3, 0 }, { 804 - 300, 150, 300, 240 });
+        dragAndCheck(DragRegion::Elsewhere, { 1, 0 }, { 808 - 300, 150, 300, 240 });
+        dragAndCheck(DragRegion::Elsewhere, { -40, 0 }, { 808 - 300 - 40, 150, 300, 240 });
         // Eight points beyond every edge at once.
-        place(screen().adjusted(-8, -8, 8, 8));
+        place({ -8, -8, 816, 616 });
         EXPECT_TRUE(eventually([&] { return isFrameAt(onDesktop(current)); }));
-    }
-    /// As far as the mouse can go from the region's middle: it stops at the edges of the desktop.
-    [[nodiscard]] QPoint reachable(DragRegion region, QPoint by) const
-    {
-        const QRectF bounds(QPointF(0, 0), current.size());
-        const QPointF inView = region == DragRegion::Elsewhere
-            ? QPointF(50, 60)
-            : hotRegion(bounds, static_cast<int>(region))->boundingRect().center();
-        const QPoint from = onDesktop(current.topLeft() + inView);
-        const QRect desktop(QPoint(0, 0), painter->screenSize());
-        const QPoint to(qBound(desktop.left(), from.x() + by.x(), desktop.right()),
-                        qBound(desktop.top(), from.y() - by.y(), desktop.bottom()));
-        return { to.x() - from.x(), from.y() - to.y() };
     }
 
     void dragLogo()
@@ -230,7 +285,7 @@ TEST_P(OverlayDrag, EachHandleAndTheInside)
 TEST_P(OverlayDrag, AtTheEdgesOfTheScreen)
 {
     start({ 800, 600 }, { 0, 0, 800, 600 });
-    dragAtTheEdges();
+    dragAtTheEdges(dragsToTheEdgesOfTheDesktop());
 }
 
 TEST_P(OverlayDrag, Logo)
@@ -243,7 +298,7 @@ TEST_P(OverlayDrag, OnAMainDisplayOnTheRight)
 {
     start({ 1440, 700 }, { 640, 40, 800, 600 });
     dragEverything();
-    dragAtTheEdges();
+    dragAtTheEdges(dragsBeyondTheDisplay());
     dragLogo();
 }
 
@@ -256,7 +311,7 @@ TEST_P(OverlayDrag, AtScaleFactors)
         startStage(factor);
         stage->say("set recordRegion 1");
         dragEverything();
-        dragAtTheEdges();
+        dragAtTheEdges(dragsToTheEdgesOfTheDesktop());
         dragLogo();
     }
 }
@@ -265,7 +320,7 @@ TEST_P(OverlayDrag, OnAMainDisplayOnTheRightAtAScaleFactor)
 {
     start({ 1440, 700 }, { 640, 40, 800, 600 }, 1.5);
     dragEverything();
-    dragAtTheEdges();
+    dragAtTheEdges(dragsBeyondTheDisplay());
     dragLogo();
 }
 
