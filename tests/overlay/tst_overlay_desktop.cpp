@@ -106,6 +106,37 @@ TEST_P(OverlayDesktop, RecordingShowsTheDesktopAsItIs)
     EXPECT_TRUE(eventually([&] { return isAll(recordedPixels(), background); }));
 }
 
+TEST_P(OverlayDesktop, LogoShowsTheDesktopBehindItAtItsOpacity)
+{
+    useLogo();
+    stage->say("set logoContext.LogoTransparency 128");
+    stage->say("place");
+    stage->say("recording 1");
+    // Pure red at 128 of 255 over (40, 60, 80).
+    const QColor blended((255 * 128 + 40 * 127) / 255, 60 * 127 / 255, 80 * 127 / 255);
+    const auto isBlended = [&](QColor colour) {
+        return std::abs(colour.red() - blended.red()) <= 2 && std::abs(colour.green() - blended.green()) <= 2
+            && std::abs(colour.blue() - blended.blue()) <= 2;
+    };
+    const auto showsTheLogo = [&] {
+        // 16 rows of it.
+        const QImage logo = painter->screen(QRect(onLogo - QPoint(4, 8), QSize(8, 16)));
+        int red = 0;
+        int behind = 0;
+        int both = 0;
+        for (int y = 0; y < logo.height(); ++y) {
+            red += logo.pixelColor(4, y) == QColor(Qt::red) ? 1 : 0;
+            behind += logo.pixelColor(4, y) == background ? 1 : 0;
+            both += isBlended(logo.pixelColor(4, y)) ? 1 : 0;
+        }
+        // Without a compositing manager half of the rows are left out instead.
+        return isComposited() ? both == 16 : red == 8 && behind == 8;
+    };
+    EXPECT_TRUE(eventually(showsTheLogo)) << pixel(onLogo).name().toStdString();
+    stage->say("set logoContext.LogoTransparency 255");
+    EXPECT_TRUE(eventually([&] { return pixel(onLogo) == QColor(Qt::red); }));
+}
+
 TEST_P(OverlayDesktop, RecordingLetsEveryClickThrough)
 {
     useLogo();
