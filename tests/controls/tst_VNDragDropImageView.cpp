@@ -366,6 +366,20 @@ TEST_F(ImageView, OnlyVisibleChangesArePainted)
     EXPECT_EQ(counter.paints(), 0);
 }
 
+TEST_F(ImageView, PreparingAndPerformingADropArePainted)
+{
+    window.show();
+    view.setImage(std::make_shared<QImage>(plain(Qt::red)));
+    PaintCounter counter(view);
+    static_cast<void>(view.draggingEntered(drag(dragged(plain(Qt::blue)))));
+    EXPECT_EQ(counter.paints(), 1);
+    EXPECT_TRUE(view.prepareForDragOperation(drag(data)));
+    EXPECT_EQ(counter.paints(), 1) << "the highlight goes";
+    EXPECT_TRUE(view.performDragOperation(drag(data)));
+    EXPECT_EQ(counter.paints(), 1) << "the picture comes";
+    EXPECT_EQ(at(painted(view, 1), 60, 40), QColor(Qt::blue));
+}
+
 TEST_F(ImageView, AssistiveProgramsSeeAButtonWithAPicture)
 {
     view.setAccessibleName(QStringLiteral("Logo"));

@@ -473,6 +473,43 @@ TEST_F(Drops, EnteringAndLeavingRedraw)
     EXPECT_TRUE(redrawn.isEmpty());
 }
 
+TEST_F(Drops, PreparingRedraws)
+{
+    logo.setLogoPosition({ 100, 100 });
+    QSignalSpy redrawn(&view, &VNRecoderView::redrawn);
+    Painted painted(view);
+    painted.take();
+    for (const auto &[file, isTaken] : { std::pair("good.png", true), std::pair("text.png", false) }) {
+        redrawn.clear();
+        EXPECT_EQ(view.prepareForDragOperation(info(file)), isTaken);
+        EXPECT_EQ(redrawn.size(), 1) << file;
+        // The logo's 60 x 40 pixels; its top is 616 - (100 + 40) from that of the view.
+        EXPECT_TRUE(painted.take().contains(QRect(100, 476, 60, 40))) << file;
+    }
+    logo.setLogoType(0);
+    redrawn.clear();
+    EXPECT_FALSE(view.prepareForDragOperation(info("good.png")));
+    EXPECT_TRUE(redrawn.isEmpty());
+}
+
+TEST_F(Drops, PerformingRedrawsByItself)
+{
+    logo.setLogoPosition({ 100, 100 });
+    Painted painted(view);
+    painted.take();
+    QSignalSpy redrawn(&view, &VNRecoderView::redrawn);
+    {
+        const QSignalBlocker silent(logo); // whose new position would make the view redraw as well
+        EXPECT_TRUE(view.performDragOperation(info("good.png")));
+    }
+    EXPECT_EQ(redrawn.size(), 1);
+    const QRegion region = painted.take();
+    EXPECT_TRUE(region.contains(QRect(100, 476, 60, 40))) << "where the logo was";
+    // 120 x 80 about (400, 300): from (340, 260) on, 616 - (260 + 80) from the top.
+    EXPECT_TRUE(region.contains(QRect(340, 276, 120, 80))) << "where it is";
+    EXPECT_EQ(view.grab().toImage().pixelColor(400, 316), QColor(Qt::yellow));
+}
+
 TEST_F(Drops, ToolkitsDragTakesTheSameWay)
 {
     view.setAcceptDrops(true);
