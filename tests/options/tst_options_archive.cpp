@@ -5,7 +5,9 @@
 
 #include <QCborArray>
 #include <QCborMap>
+#include <QCborStreamReader>
 #include <QCborValue>
+#include <QStringList>
 
 #include <gtest/gtest.h>
 
@@ -152,6 +154,45 @@ TEST_F(OptionsArchiveTest, EveryKeyHasItsValueType)
     EXPECT_TRUE(logo["mLogoRotation"_L1].isInteger());
     EXPECT_TRUE(logo["mLogoFontAttr"_L1].isMap());
     EXPECT_TRUE(logo["mLogoImage"_L1].isMap());
+}
+
+/// The keys of an archive as they stand in its bytes.
+QStringList keysInOrder(const QByteArray &archive)
+{
+    QCborStreamReader reader(archive);
+    QStringList keys;
+    if (!reader.isMap() || !reader.enterContainer())
+        return keys;
+    while (reader.hasNext()) {
+        keys += QCborValue::fromCbor(reader).toString();
+        reader.next(); // its value
+    }
+    return keys;
+}
+
+TEST_F(OptionsArchiveTest, KeysAreWrittenInTheirOrder)
+{
+    const auto options = changedOptions();
+    EXPECT_EQ(keysInOrder(archivedData(*options)),
+              QStringList({ "_logoContext",
+                            "_recordBounds",
+                            "_recordQuality",
+                            "_recordRegion",
+                            "_enableAudio",
+                            "_showInFinder",
+                            "_openRecorded" }));
+    EXPECT_EQ(keysInOrder(archivedData(*options->logoContext())),
+              QStringList({ "mLogoValidate",
+                            "mLogoType",
+                            "mLogoText",
+                            "mLogoPosition",
+                            "mLogoScale",
+                            "mLogoTransparency",
+                            "mLogoFontFillColor",
+                            "mLogoFontStrokeColor",
+                            "mLogoRotation",
+                            "mLogoFontAttr",
+                            "mLogoImage" }));
 }
 
 TEST_F(OptionsArchiveTest, WhatIsNotThereIsNotWritten)
