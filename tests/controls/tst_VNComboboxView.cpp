@@ -86,6 +86,27 @@ TEST_F(ComboboxView, NewFramesAddTrackingRectanglesAndRemoveNone)
     EXPECT_THAT(other.trackingRects(), testing::ElementsAre(QRect(72, 0, 28, 28), QRect(122, 0, 28, 28)));
 }
 
+TEST_F(ComboboxView, ItsTitleIsDrawnThirteenPixelsHigh)
+{
+    EXPECT_EQ(view.font().pixelSize(), 13);
+    const QString title = QStringLiteral("MMMMMMMM");
+    view.addMenuItem(title);
+    const QImage without = painted(view, 1);
+    view.setIndexOfSelected(4);
+    const QImage with = painted(view, 1);
+    QRect ink;
+    for (int y = 0; y < with.height(); ++y)
+        for (int x = 0; x < with.width(); ++x)
+            if (with.pixel(x, y) != without.pixel(x, y))
+                ink |= QRect(x, y, 1, 1);
+    QFont thirteen = view.font();
+    thirteen.setPixelSize(13);
+    const QRectF expected = QFontMetricsF(thirteen).tightBoundingRect(title);
+    // Eight letters: a pixel more of size makes the title some 7 pixels wider.
+    EXPECT_NEAR(ink.width(), expected.width(), 2);
+    EXPECT_NEAR(ink.height(), expected.height(), 1);
+}
+
 TEST_F(ComboboxView, BeginsWithoutASelection)
 {
     const VNComboboxView fresh;

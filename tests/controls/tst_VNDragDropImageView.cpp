@@ -254,6 +254,25 @@ TEST_P(ImageView, TheHighlightIsOfTheRectangleThatIsPainted)
     EXPECT_EQ(at(image, 40, 35), skin::recess());
 }
 
+TEST_P(ImageView, TheHighlightIsFivePointsWide)
+{
+    static_cast<void>(view.draggingEntered(drag(dragged(plain(Qt::red)))));
+    QImage image = blank(view.size(), GetParam());
+    QPainter painter(&image);
+    view.drawRect({ 30, 20, 60, 40 }, painter);
+    painter.end();
+    // Across the left line, which lies about x = 30, and the upper one, about y = 20.
+    const auto greyPixels = [&](QPoint from, QPoint step) {
+        int count = 0;
+        for (QPoint pixel = from * GetParam(); pixel.x() <= 60 * GetParam() && pixel.y() <= 40 * GetParam();
+             pixel += step)
+            count += image.pixelColor(pixel) == QColor(128, 128, 128) ? 1 : 0;
+        return count;
+    };
+    EXPECT_EQ(greyPixels({ 10, 40 }, { 1, 0 }), 5 * GetParam());
+    EXPECT_EQ(greyPixels({ 60, 10 }, { 0, 1 }), 5 * GetParam());
+}
+
 INSTANTIATE_TEST_SUITE_P(Ratios, ImageView, testing::Values(1, 2));
 
 TEST_F(ImageView, AnEmptyWellShowsItsHint)
