@@ -55,6 +55,29 @@ TEST_F(CGDisplayTest, WhatLiesOffTheDisplayIsLeftOut)
     EXPECT_FALSE(display.readPartScreen(QRectF(0, 250, 100, 100)));
 }
 
+TEST_F(CGDisplayTest, ANegativeOriginIsTruncatedTowardsZero)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 1);
+    m_display->setPicture(picture);
+    const VNCGDisplay display;
+    // From -10 on, so 100 - 10 columns are on the display; from 200 - (20 + 50) rows below its top.
+    const auto left = display.readPartScreen(QRectF(-10.75, 20, 100, 50));
+    ASSERT_TRUE(left);
+    EXPECT_EQ(largestDifference(pixelsOf(*left), picture.copy(0, 130, 90, 50)), 0);
+    // From 200 - (180.5 + 50) = -30.5 rows below the top on: -30, so 50 - 30 are on the display.
+    const auto above = display.readPartScreen(QRectF(0, 180.5, 100, 50));
+    ASSERT_TRUE(above);
+    EXPECT_EQ(largestDifference(pixelsOf(*above), picture.copy(0, 0, 100, 20)), 0);
+}
+
+TEST_F(CGDisplayTest, AnEmptyRectangleIsNoPictureWhereverItLies)
+{
+    m_display->setPicture(noisePicture({ 320, 200 }, 1));
+    const VNCGDisplay display;
+    for (const QRectF &empty : { QRectF(10, 20, 0, 0), QRectF(10, 20, 100, 0), QRectF(10, 20, 0, 50) })
+        EXPECT_FALSE(display.readPartScreen(empty));
+}
+
 TEST_F(CGDisplayTest, ARefusedGrabIsPassedOn)
 {
     m_display->setRefusesGrabs(true);

@@ -111,6 +111,22 @@ TEST_F(FrameCompositionTest, AnEmptyRegionAlwaysDrawsWithoutOffset)
     EXPECT_EQ(drawnCursor(*record, QRectF()), QRect(30, 24, 16, 16));
 }
 
+TEST_F(FrameCompositionTest, AnEmptyRegionWithAnOriginDrawsWithoutOffset)
+{
+    // The pointer at (30, 40) lies in none of them.
+    for (const QRectF &region :
+         { QRectF(100.7, 200.2, 0, 0), QRectF(100, 200, 640, 0), QRectF(100, 200, 0, 480) }) {
+        const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+        EXPECT_EQ(drawnCursor(*record, region), QRect(30, 40 - 16, 16, 16));
+    }
+}
+
+TEST_F(FrameCompositionTest, ANegativeOriginIsTruncatedTowardsZero)
+{
+    const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+    EXPECT_EQ(drawnCursor(*record, QRectF(-10.7, -20.2, 640, 480)), QRect(30 + 10, 40 + 20 - 16, 16, 16));
+}
+
 TEST_F(FrameCompositionTest, APointerPixelIsHitExactly)
 {
     // As a grab stores it: the middle of the pixel at (10, 3) from the top left of a display 480 high.
