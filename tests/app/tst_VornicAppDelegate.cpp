@@ -252,6 +252,33 @@ TEST_F(DelegateTest, ARectanglePartlyOffTheDisplayIsRecordedWhereItLiesOnIt)
     EXPECT_EQ(delegate->bufferMgr().recordRect(), QRectF(0, 0, 60, 60));
 }
 
+TEST_F(DelegateTest, ANegativeFractionalOriginIsCutOffTowardsZero)
+{
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(-10.75, -20.25, 100, 50));
+    ASSERT_TRUE(record(2));
+    // From -10 on: 100 - 10 columns. From 200 - (50 - 20.25) = 170.25 rows below the top on: 200 - 170.
+    const QJsonObject video = streamOf(probe(moviePath()), "video");
+    EXPECT_EQ(video["width"].toInt(), 90);
+    EXPECT_EQ(video["height"].toInt(), 30);
+    EXPECT_EQ(delegate->bufferMgr().recordRect(), QRectF(0, 0, 90, 30));
+}
+
+/// All zeros mean the whole display to the capture; a place without a size is none.
+TEST_F(DelegateTest, AnEmptyRectangleIsNotTheWholeDisplay)
+{
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(QRectF(10, 20, 0, 0));
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([this] { return delegate->state() == 1; }));
+    ASSERT_TRUE(runUntil([this] { return delegate->state() == 0 || delegate->counts().framesGrabbed > 0; }));
+    EXPECT_EQ(delegate->counts().framesGrabbed, 0U);
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_TRUE(logged.contains("Failed to shot screen buffer."));
+    EXPECT_FALSE(QFile::exists(moviePath()));
+}
+
 TEST_F(DelegateTest, ARectangleWhollyOffTheDisplayFailsInOneSentence)
 {
     delegate->options()->setRecordRegion(1);
