@@ -3,6 +3,7 @@
 #include "capture/picture_spooler.h"
 #include "capture_fixture.h"
 #include "codec/PKVideoFrame2.h"
+#include "options/VNLogoContext.h"
 #include "platform/keyed_archive.h"
 #include "support/test_pictures.h"
 
@@ -125,6 +126,33 @@ TEST_F(FrameCompositionTest, ANegativeOriginIsTruncatedTowardsZero)
 {
     const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
     EXPECT_EQ(drawnCursor(*record, QRectF(-10.7, -20.2, 640, 480)), QRect(30 + 10, 40 + 20 - 16, 16, 16));
+}
+
+/// It stands on the screen, and so in the picture already.
+TEST_F(FrameCompositionTest, ALogoIsNotDrawnOnceMore)
+{
+    QImage red(60, 40, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    VNLogoContext logo;
+    logo.setLogoType(1);
+    logo.setNSImage(red);
+    logo.setLogoPosition({ 100, 100 });
+    const QRectF region(0, 0, 640, 480);
+    for (const bool isOn : { false, true }) {
+        logo.setLogoValidate(isOn);
+        const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+        const auto frame = record->getVideoFrameWithLogoContext(&logo, region);
+        ASSERT_TRUE(frame);
+        // White where the pointer is, the grey of the desktop everywhere else.
+        const QRect pointer(300, 480 - 300, 16, 16);
+        EXPECT_EQ(brightPixels(*frame), pointer);
+        int others = 0;
+        for (int y = 0; y < 480; ++y)
+            for (int x = 0; x < 640; ++x)
+                if (!pointer.contains(x, y) && std::abs(lumaAt(*frame, x, y) - greyLuma) > 2)
+                    ++others;
+        EXPECT_EQ(others, 0) << isOn;
+    }
 }
 
 TEST_F(FrameCompositionTest, APointerPixelIsHitExactly)
