@@ -100,6 +100,22 @@ TEST(FastLzCodec, CompressesSeventeenBytesOrSaysThatItCannot)
     EXPECT_EQ(log.lines(), notCompressed);
 }
 
+TEST(FastLzCodec, ABlockAsLargeAsItsInputIsNoGain)
+{
+    // Random bytes cost a byte for every 32 of them; a repeat behind them gains, the more the longer it is.
+    const QByteArray random = sampleOf(Content::Random, 200);
+    QByteArray input;
+    for (qsizetype repeated = 0; repeated < random.size() && input.isEmpty(); ++repeated) {
+        const QByteArray candidate = random + random.first(repeated);
+        if (libraryBlock(candidate).size() == candidate.size())
+            input = candidate;
+    }
+    ASSERT_FALSE(input.isEmpty());
+    const CapturedLog log;
+    EXPECT_TRUE(isSameBuffer(fastLZCompress(input), input));
+    EXPECT_EQ(log.lines(), notCompressed);
+}
+
 TEST(FastLzCodec, TheFramedResultMayBeLongerThanTheInput)
 {
     // Twenty different bytes and a short repeat: the block gains less than the length in front of it takes.
