@@ -110,6 +110,23 @@ TEST_F(BufferMgrTest, TheFileIsThePlainConcatenationOfArchives)
     EXPECT_FALSE(m_manager.getAudioBuffer());
 }
 
+TEST_F(BufferMgrTest, OnlyAChunkThatWasCompressedIsUncompressed)
+{
+    const QStringList incompressible { "This block contains incompressible data." };
+    const QByteArray random = randomBytes(4000, 1);
+    m_manager.pushAudioBuffer(chunkOf(random));
+    EXPECT_EQ(logged(), incompressible);
+    const QByteArray even(4000, 'x');
+    m_manager.pushAudioBuffer(chunkOf(even));
+    for (const QByteArray &samples : { random, even }) {
+        const auto chunk = m_manager.getAudioBuffer();
+        ASSERT_TRUE(chunk);
+        EXPECT_EQ(chunk->data(), samples);
+    }
+    // Uncompressing what is not compressed gives it back, but not without a word.
+    EXPECT_EQ(logged(), incompressible);
+}
+
 TEST_F(BufferMgrTest, AChunkKeepsItsFormat)
 {
     AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
@@ -205,6 +222,58 @@ TEST_F(BufferMgrTest, ReadyToRecordBeginsAnew)
     push(noisePicture({ 64, 64 }, 1), 2);
     m_manager.endVideoRecord();
     EXPECT_TRUE(m_manager.getBufferVideoFrame()->recordImage());
+}
+
+TEST_F(BufferMgrTest, WhatACrashLeftInTheFilesIsGone)
+{
+    for (const QString &path : { VNBufferMgr::tempVideoPathfile(), VNBufferMgr::tempAudioPathfile() }) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(100'000, 'x'));
+    }
+    VNBufferMgr next { 4 };
+    next.readyToRecord();
+    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
+    EXPECT_EQ(QFile(VNBufferMgr::tempAudioPathfile()).size(), 0);
+    EXPECT_TRUE(logged().isEmpty());
+
+    const PKAudioRecorderData chunk = chunkOf(randomBytes(4000, 1));
+    next.pushAudioBuffer(chunk);
+    next.endAudioRecord();
+    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
+    const auto record = VNBufferDiscr::createWithScreenImage(grabOf(noisePicture({ 64, 64 }, 1)));
+    next.pushRecordBuffer(*record);
+    next.endVideoRecord();
+    EXPECT_FALSE(fileOf(VNBufferMgr::tempVideoPathfile()).contains("xxxx"));
+    const auto popped = next.getBufferVideoFrame();
+    ASSERT_TRUE(popped);
+    EXPECT_TRUE(popped->recordImage());
+}
+
+TEST_F(BufferMgrTest, ReadyToRecordForgetsWhatWasInMemoryAndLeavesTheIndex)
+{
+    push(noisePicture({ 64, 64 }, 1), 1);
+    m_manager.pushAudioBuffer(chunkOf("old"));
+    m_manager.readyToRecord();
+    EXPECT_EQ(m_manager.recordBufferCount(), 1U);
+
+    push(noisePicture({ 64, 64 }, 2), 2);
+    const PKAudioRecorderData chunk = chunkOf(randomBytes(4000, 1));
+    m_manager.pushAudioBuffer(chunk);
+    m_manager.endVideoRecord();
+    m_manager.endAudioRecord();
+    EXPECT_EQ(m_manager.recordBufferCount(), 2U);
+    EXPECT_EQ(m_manager.nextBufferTimestamp(), 1);
+    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
+    // The entries of the old blocks are still there, and lead to nothing of theirs.
+    static_cast<void>(m_manager.getBufferVideoFrame());
+    static_cast<void>(m_manager.getAudioBuffer());
+    const auto record = m_manager.getBufferVideoFrame();
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->timestamp(), 2U);
+    const auto popped = m_manager.getAudioBuffer();
+    ASSERT_TRUE(popped);
+    EXPECT_EQ(popped->data(), chunk.data());
 }
 
 TEST_F(BufferMgrTest, ARewoundSpoolIsReadAgainFromTheStart)
@@ -388,6 +457,35 @@ TEST_F(SpoolStreamTest, BlocksLieBehindOneAnotherFromZero)
         expected += static_cast<std::uint64_t>(size);
     }
     EXPECT_FALSE(take());
+}
+
+TEST_F(SpoolStreamTest, AnEntrySaysWhetherItsBlockIsCompressed)
+{
+    for (const bool compressed : { true, false, true }) {
+        onQueue([&] { m_stream.append("block", 7, compressed); });
+        const auto block = take();
+        ASSERT_TRUE(block);
+        EXPECT_EQ(block->entry.isCompressed(), compressed);
+        EXPECT_EQ(block->entry.timeStamp(), 7);
+    }
+}
+
+TEST_F(SpoolStreamTest, OpeningBeginsAgainAtZeroAndLeavesTheIndex)
+{
+    append(QByteArray(SpoolStream::flushLength, 'a')); // flushed: the next lies behind it in the file
+    append("in memory");
+    onQueue([this] { m_stream.open(m_path); });
+    EXPECT_EQ(QFile(m_path).size(), 0);
+    append("new");
+    onQueue([this] { EXPECT_EQ(m_stream.index().count(), 3U); });
+    onQueue([this] { m_stream.end(); });
+    EXPECT_EQ(QFile(m_path).size(), 3);
+    EXPECT_EQ(take()->entry.length(), static_cast<std::uint64_t>(SpoolStream::flushLength));
+    EXPECT_EQ(take()->entry.length(), 9U);
+    const auto block = take();
+    ASSERT_TRUE(block);
+    EXPECT_EQ(block->entry.offset(), 0U);
+    EXPECT_EQ(block->bytes, "new");
 }
 
 TEST_F(SpoolStreamTest, ABlockThatEndsAtTheMarkIsFlushed)
