@@ -7,13 +7,16 @@
 #include "codec/PKTimebase.h"
 #include "platform/keyed_archive.h"
 #include "support/test_pictures.h"
+#include "support/wait_until.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -23,6 +26,7 @@ namespace {
 
 using test::noisePicture;
 using test::pixelsOf;
+using test::waitUntil;
 
 class BufferMgrTest : public CaptureTest
 {
@@ -58,6 +62,41 @@ QByteArray randomBytes(qsizetype size, quint32 seed)
         byte = static_cast<char>(generator.generate());
     return bytes;
 }
+
+/// How often thread \a id of this process has given the processor away to wait for something.
+qint64 waitsOf(pid_t id)
+{
+    QFile status(QStringLiteral("/proc/self/task/%1/status").arg(id));
+    const QByteArray field = "\nvoluntary_ctxt_switches:";
+    const QByteArray all = status.open(QIODevice::ReadOnly) ? status.readAll() : QByteArray();
+    const qsizetype start = all.indexOf(field) + field.size();
+    return all.mid(start, all.indexOf('\n', start) - start).trimmed().toLongLong();
+}
+
+/// A thread that runs one pop, and how often that has waited.
+class Consumer
+{
+public:
+    explicit Consumer(std::function<void()> pop)
+        : m_thread([this, pop = std::move(pop)] {
+            m_waitsBefore = waitsOf(gettid());
+            m_id = gettid();
+            pop();
+        })
+    {
+        waitUntil([this] { return m_id != 0; });
+    }
+    ~Consumer() { m_thread.join(); }
+    Consumer(const Consumer &) = delete;
+    Consumer &operator=(const Consumer &) = delete;
+
+    [[nodiscard]] qint64 waits() const { return waitsOf(m_id) - m_waitsBefore; }
+
+private:
+    std::atomic<qint64> m_waitsBefore = 0;
+    std::atomic<pid_t> m_id = 0;
+    std::thread m_thread; ///< last: it uses the others
+};
 
 TEST_F(BufferMgrTest, FramesComeBackInTheOrderOfTheirPush)
 {
@@ -165,6 +204,23 @@ TEST_F(BufferMgrTest, APopThatWaitsEndsWithTheExitFlag)
     });
     EXPECT_FALSE(m_manager.popRecordBuffer());
     stopper.join();
+}
+
+TEST_F(BufferMgrTest, AConsumerOfAnEmptySpoolLooksAgainTenTimesASecond)
+{
+    const Consumer video([this] { EXPECT_FALSE(m_manager.popRecordBuffer()); });
+    const Consumer audio([this] { EXPECT_FALSE(m_manager.popAudioBuffer()); });
+    // The measure: this thread sleeps as often and as long as a consumer should, side by side with them.
+    constexpr int sleeps = 20;
+    for (int i = 0; i < sleeps; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    const qint64 waits[] = { video.waits(), audio.waits() };
+    m_manager.setExit(true);
+    for (const qint64 count : waits) {
+        // A look waits once for the time to pass, and once or twice for the queue.
+        EXPECT_GE(count, sleeps / 2);
+        EXPECT_LE(count, sleeps * 10);
+    }
 }
 
 TEST_F(BufferMgrTest, TimestampsOfAnEmptyIndexAreZero)
