@@ -91,6 +91,8 @@ public:
     Consumer &operator=(const Consumer &) = delete;
 
     [[nodiscard]] qint64 waits() const { return waitsOf(m_id) - m_waitsBefore; }
+    /// A look waits once for the time to pass, and once or twice for the queue.
+    [[nodiscard]] bool hasLookedTwice() const { return waits() > 3; }
 
 private:
     std::atomic<qint64> m_waitsBefore = 0;
@@ -186,24 +188,27 @@ TEST_F(BufferMgrTest, WithTheExitFlagUpAnEmptySpoolEndsAtOnce)
 
 TEST_F(BufferMgrTest, APopWaitsForAPush)
 {
-    std::thread producer([this] {
-        VNBufferMgr::waitSeconds(0.15);
-        push(noisePicture({ 32, 20 }, 1), 77);
-        m_manager.pushAudioBuffer(chunkOf("abcd"));
+    const Consumer video([this] {
+        const auto record = m_manager.popRecordBuffer();
+        ASSERT_TRUE(record);
+        EXPECT_EQ(record->timestamp(), 77U);
     });
-    EXPECT_EQ(m_manager.popRecordBuffer()->timestamp(), 77U);
-    EXPECT_EQ(m_manager.popAudioBuffer()->data(), "abcd");
-    producer.join();
+    const Consumer audio([this] {
+        const auto chunk = m_manager.popAudioBuffer();
+        ASSERT_TRUE(chunk);
+        EXPECT_EQ(chunk->data(), "abcd");
+    });
+    EXPECT_TRUE(waitUntil([&] { return video.hasLookedTwice() && audio.hasLookedTwice(); }));
+    push(noisePicture({ 32, 20 }, 1), 77);
+    m_manager.pushAudioBuffer(chunkOf("abcd"));
 }
 
 TEST_F(BufferMgrTest, APopThatWaitsEndsWithTheExitFlag)
 {
-    std::thread stopper([this] {
-        VNBufferMgr::waitSeconds(0.15);
-        m_manager.setExit(true);
-    });
-    EXPECT_FALSE(m_manager.popRecordBuffer());
-    stopper.join();
+    const Consumer video([this] { EXPECT_FALSE(m_manager.popRecordBuffer()); });
+    const Consumer audio([this] { EXPECT_FALSE(m_manager.popAudioBuffer()); });
+    EXPECT_TRUE(waitUntil([&] { return video.hasLookedTwice() && audio.hasLookedTwice(); }));
+    m_manager.setExit(true);
 }
 
 TEST_F(BufferMgrTest, AConsumerOfAnEmptySpoolLooksAgainTenTimesASecond)
@@ -217,7 +222,6 @@ TEST_F(BufferMgrTest, AConsumerOfAnEmptySpoolLooksAgainTenTimesASecond)
     const qint64 waits[] = { video.waits(), audio.waits() };
     m_manager.setExit(true);
     for (const qint64 count : waits) {
-        // A look waits once for the time to pass, and once or twice for the queue.
         EXPECT_GE(count, sleeps / 2);
         EXPECT_LE(count, sleeps * 10);
     }
