@@ -335,6 +335,8 @@ TEST_F(PKMuxerTaskTest, aFrameThatClaimsToShowMoreThanItHoldsIsScaled)
 TEST_F(PKMuxerTaskTest, progressGrowsInWholeStepsOnTheMainThread)
 {
     m_source.addGreys({ 320, 240 }, 200);
+    // Progress is told at most once in 50 ms, so the movie has to take some time: the sleep is what is
+    // tested.
     m_source.onVideo = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
     const auto report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
     ASSERT_TRUE(report.isComplete());
