@@ -1,14 +1,12 @@
+#include "support/wait_until.h"
 #include "x11_display_fixture.h"
 
-#include <chrono>
 #include <functional>
 #include <random>
-#include <thread>
 #include <vector>
 
 using namespace vornic;
 using namespace vornic::test;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -29,27 +27,24 @@ protected:
     /// readings of the screen must equal them, whenever it is made; true once the screen holds still.
     [[nodiscard]] bool isFollowed() const
     {
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
         int timesStill = 0;
-        while (timesStill < 4 && std::chrono::steady_clock::now() < deadline) {
+        bool isRight = true;
+        const auto holdsStill = [&] {
             const QImage before = m_painter->screen();
             const QImage picture = grabbed(wholeDisplay());
             const bool isStill = m_painter->screen() == before;
-            if (isStill && picture != before)
-                return false;
+            isRight = !isStill || picture == before;
             timesStill = isStill ? timesStill + 1 : 0;
-            std::this_thread::sleep_for(5ms);
-        }
-        return timesStill == 4;
+            return !isRight || timesStill == 8;
+        };
+        return waitUntil(holdsStill) && isRight;
     }
 
     /// The same, after waiting until \a rectangle of the screen shows \a picture.
     [[nodiscard]] bool isFollowedTo(const QRect &rectangle, const QImage &picture) const
     {
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
-        while (m_painter->screen(rectangle) != picture && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(2ms);
-        return m_painter->screen(rectangle) == picture && grabbed(rectangle) == picture && isFollowed();
+        return waitUntil([&] { return m_painter->screen(rectangle) == picture; })
+            && grabbed(rectangle) == picture && isFollowed();
     }
 
     void changeEverything(const std::function<bool()> &isRight)

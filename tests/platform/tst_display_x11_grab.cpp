@@ -1,3 +1,4 @@
+#include "support/wait_until.h"
 #include "x11_display_fixture.h"
 
 #include <atomic>
@@ -193,8 +194,7 @@ TEST_F(X11GrabTest, TheServerMayEndInTheMiddle)
             grabs += m_display->grab(rectangle) ? 1 : 0;
         }
     });
-    while (grabs < 20)
-        std::this_thread::yield();
+    EXPECT_TRUE(waitUntil([&grabs] { return grabs >= 20; }));
     m_server->kill();
     isStopping = true;
     grabber.join();
