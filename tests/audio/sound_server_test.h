@@ -1,15 +1,14 @@
 #pragma once
 
 #include "support/sound_server.h"
+#include "support/wait_until.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
-#include <thread>
+#include <memory>
+#include <string>
 
 namespace vornic {
 
@@ -23,18 +22,6 @@ protected:
             GTEST_SKIP() << "this sound server is not installed";
         server = test::SoundServer::start(GetParam());
         ASSERT_TRUE(server);
-    }
-
-    /// Runs the main loop until \a holds, \a milliseconds at most.
-    static bool runUntil(const std::function<bool()> &holds, int milliseconds = 20'000)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!holds() && timer.elapsed() < milliseconds) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return holds();
     }
 
     int argc = 1;
