@@ -2,8 +2,8 @@
 /// of one core that a recording of 48 kHz stereo spends on it.
 
 #include "audio/PKAudioRecorderData.h"
-#include "capture/VNBufferMgr.h"
-#include "platform/log.h"
+#include "base/log.h"
+#include "capture/spool/VNBufferMgr.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>

@@ -4,12 +4,12 @@
 /// Needs an X server of 1920 x 1080 on $DISPLAY whose screen nobody else changes (benchmarks/run starts one).
 /// Floor and pass take turns within one run; times are milliseconds, ratios are of their medians.
 
-#include "capture/VNBufferDiscr.h"
-#include "capture/VNBufferMgr.h"
 #include "capture/VNCGDisplay.h"
-#include "capture/jpeg_codec.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/display/display_backend.h"
+#include "capture/jpeg/jpeg_codec.h"
+#include "capture/record/VNBufferDiscr.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "display/bitmap_image.h"
+#include "display/display_backend.h"
 #include "support/screen_painter.h"
 #include "support/test_pictures.h"
 

@@ -1,7 +1,7 @@
+#include "base/PKTimebase.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKPixelFormat.h"
 #include "codec/PKScaleContext.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/av_support.h"
 #include "codec/bgrx_to_yuv.h"

@@ -3,19 +3,19 @@
 ///
 /// Both run on all processors, in turns, five times; ratios are of medians of wall time.
 
-#include "capture/VNBufferDiscr.h"
-#include "capture/VNBufferMgr.h"
-#include "capture/frame_composer.h"
-#include "capture/jpeg_picture.h"
+#include "base/PKTimebase.h"
+#include "capture/jpeg/jpeg_picture.h"
+#include "capture/record/VNBufferDiscr.h"
+#include "capture/record/frame_composer.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTask.h"
 #include "codec/PKMuxerTaskDataSource.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/encoder_settings.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/display/fake_display.h"
+#include "display/bitmap_image.h"
+#include "display/fake_display.h"
 #include "support/test_pictures.h"
 
 #include <QFile>

@@ -1,12 +1,14 @@
-# vornic_module(<folder> SOURCES a.cpp... HEADERS a.h... [PUBLIC deps] [PRIVATE deps])
+# vornic_module(<room> SOURCES a.cpp... HEADERS a.h... [PUBLIC deps] [PRIVATE deps])
 #
-# One static library per folder under src/. Headers go in a file set, so that
+# One static library per room, which is a folder under src/: the room capture/jpeg is the target
+# vornic_capture_jpeg and the alias vornic::capture::jpeg. Headers go in a file set, so that
 # all_verify_interface_header_sets compiles each of them on its own.
 function(vornic_module name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
-  set(target "vornic_${name}")
+  string(REPLACE "/" "_" target "vornic_${name}")
+  string(REPLACE "/" "::" alias "vornic::${name}")
   add_library(${target} STATIC ${arg_SOURCES})
-  add_library(vornic::${name} ALIAS ${target})
+  add_library(${alias} ALIAS ${target})
   target_sources(${target} PUBLIC
     FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS})
   target_compile_features(${target} PUBLIC cxx_std_20)

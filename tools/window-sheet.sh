@@ -4,7 +4,7 @@
 # (windows@2x.png). BUILD is a build folder with the program window_sheet; FOLDER is docs/pictures when it is not given.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-program=$(realpath "${1:?a build folder}")/tests/app/window_sheet
+program=$(realpath "${1:?a build folder}")/tests/app/window/window_sheet
 folder=$(realpath -m "${2:-$root/docs/pictures}")
 work=$(mktemp -d)
 trap 'kill "${children[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/recording_counts.h"
+#include "app/session/recording_counts.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "codec/PKMuxerTaskDataSource.h"
+#include "observing/observable_object.h"
 #include "overlay/VNRecorderWndCtrlDelegate.h"
-#include "platform/observable_object.h"
 
 #include <QColor>
 #include <QFont>

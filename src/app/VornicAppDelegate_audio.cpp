@@ -1,13 +1,13 @@
 // Audio input: the devices, the recording's time origin, and the chunks on their way into the spool.
 
 #include "app/VornicAppDelegate.h"
-#include "app/audio_device_list.h"
+#include "app/session/audio_device_list.h"
 #include "audio/PKAudioRecorderData.h"
 #include "audio/audio_control.h"
 #include "audio/audio_recorder.h"
-#include "capture/VNBufferMgr.h"
+#include "base/clock.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "options/VNOption.h"
-#include "platform/clock.h"
 
 #include <cmath>
 

@@ -1,23 +1,23 @@
 // The encoder hand-off: the muxer's settings, its job, and the frames that it pulls out of the spool.
 
 #include "app/VornicAppDelegate.h"
-#include "app/front_end.h"
-#include "app/recording_settings.h"
+#include "app/session/front_end.h"
+#include "app/session/recording_settings.h"
 #include "audio/PKAudioRecorderData.h"
 #include "audio/audio_recorder.h"
-#include "capture/VNBufferDiscr.h"
-#include "capture/VNBufferMgr.h"
-#include "capture/frame_composer.h"
+#include "base/PKTimebase.h"
+#include "base/log.h"
+#include "base/serial_queue.h"
+#include "capture/record/VNBufferDiscr.h"
+#include "capture/record/frame_composer.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTask.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
+#include "display/bitmap_image.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/log.h"
-#include "platform/serial_queue.h"
 
 #include <QFile>
 

@@ -1,21 +1,21 @@
 // The shell: launch and end, the options, and what may be edited when.
 
 #include "app/VornicAppDelegate.h"
-#include "app/audio_device_list.h"
-#include "app/front_end.h"
-#include "app/stored_options.h"
+#include "app/session/audio_device_list.h"
+#include "app/session/front_end.h"
+#include "app/session/stored_options.h"
 #include "audio/audio_control.h"
 #include "audio/audio_recorder.h"
-#include "capture/VNBufferMgr.h"
+#include "base/serial_queue.h"
 #include "capture/VNCGDisplay.h"
-#include "capture/frame_composer.h"
+#include "capture/record/frame_composer.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "controls/picture_file.h"
+#include "display/bitmap_image.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/picture_file.h"
-#include "platform/serial_queue.h"
 
 #include <QDir>
 #include <QFile>

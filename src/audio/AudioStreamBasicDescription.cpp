@@ -1,6 +1,6 @@
 #include "audio/AudioStreamBasicDescription.h"
 
-#include "platform/keyed_archive.h"
+#include "base/keyed_archive.h"
 
 #include <array>
 #include <cstddef>

@@ -3,8 +3,8 @@
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorder.h"
 #include "audio/pulse_connection.h"
-#include "platform/clock.h"
-#include "platform/main_queue.h"
+#include "base/clock.h"
+#include "base/main_queue.h"
 
 #include <pulse/context.h>
 #include <pulse/introspect.h>

@@ -3,8 +3,8 @@
 #include "audio/PKAudioControl.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "audio/pulse_connection.h"
-#include "platform/clock.h"
-#include "platform/log.h"
+#include "base/clock.h"
+#include "base/log.h"
 
 #include <pulse/operation.h>
 #include <pulse/sample.h>

@@ -1,6 +1,6 @@
 #include "audio/PKAudioRecorderData.h"
 
-#include "platform/keyed_archive.h"
+#include "base/keyed_archive.h"
 
 #include <utility>
 

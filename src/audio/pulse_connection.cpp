@@ -1,6 +1,6 @@
 #include "audio/pulse_connection.h"
 
-#include "platform/clock.h"
+#include "base/clock.h"
 
 #include <pulse/context.h>
 #include <pulse/rtclock.h>

@@ -1,10 +1,10 @@
 #include "capture/VNCGDisplay.h"
 
+#include "base/assertion.h"
+#include "display/bitmap_image.h"
+#include "display/display_backend.h"
+#include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
-#include "platform/assertion.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/display/display_backend.h"
-#include "platform/screen_geometry.h"
 
 namespace vornic {
 

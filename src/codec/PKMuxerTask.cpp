@@ -1,11 +1,11 @@
 #include "codec/PKMuxerTask.h"
 
+#include "base/assertion.h"
+#include "base/main_queue.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/av_support.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_writer.h"
-#include "platform/assertion.h"
-#include "platform/main_queue.h"
 
 #include <QCoreApplication>
 #include <QVariantMap>

@@ -1,10 +1,10 @@
 #include "codec/PKScaleContext.h"
 
+#include "base/assertion.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/av_support.h"
 #include "codec/bgrx_to_yuv.h"
 #include "codec/planar_picture.h"
-#include "platform/assertion.h"
 
 extern "C" {
 #include <libavutil/opt.h>

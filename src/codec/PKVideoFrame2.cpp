@@ -1,7 +1,7 @@
 #include "codec/PKVideoFrame2.h"
 
 #include "codec/planar_picture.h"
-#include "platform/y_up.h"
+#include "geometry/y_up.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 // The keyed archive of a frame: its format, sizes, times, and rows without padding.
 
+#include "base/keyed_archive.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/planar_picture.h"
-#include "platform/keyed_archive.h"
 
 #include <cstring>
 

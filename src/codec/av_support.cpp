@@ -1,8 +1,8 @@
 #include "codec/av_support.h"
 
+#include "base/log.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/planar_picture.h"
-#include "platform/log.h"
 
 extern "C" {
 #include <libavutil/log.h>

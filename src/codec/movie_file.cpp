@@ -1,6 +1,6 @@
 #include "codec/movie_file.h"
 
-#include "codec/PKTimebase.h"
+#include "base/PKTimebase.h"
 #include "codec/movie_failure.h"
 
 #include <QFile>

@@ -1,9 +1,9 @@
 #include "codec/movie_writer.h"
 
+#include "base/PKTimebase.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKScaleContext.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/audio_encoder.h"
 #include "codec/frame_reader.h"

@@ -1,7 +1,7 @@
 #include "codec/video_encoder.h"
 
+#include "base/PKTimebase.h"
 #include "codec/PKMuxerContext.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/encoder_settings.h"
 #include "codec/movie_failure.h"

@@ -1,7 +1,7 @@
+#include "base/assertion.h"
+#include "base/log.h"
 #include "compression/codecs.h"
 #include "compression/framing.h"
-#include "platform/assertion.h"
-#include "platform/log.h"
 
 #include <QByteArrayView>
 

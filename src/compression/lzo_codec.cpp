@@ -1,6 +1,6 @@
+#include "base/log.h"
 #include "compression/codecs.h"
 #include "compression/framing.h"
-#include "platform/log.h"
 
 #include <lzo/lzo1x.h>
 

@@ -2,9 +2,9 @@
 
 #include "controls/painted_control_access.h"
 #include "controls/picture_data.h"
+#include "controls/picture_file.h"
 #include "controls/skin_colors.h"
 #include "controls/skin_painting.h"
-#include "platform/picture_file.h"
 
 #include <QDropEvent>
 #include <QFileDialog>

@@ -1,7 +1,7 @@
 #include "options/VNLogoContext.h"
 
+#include "base/keyed_archive.h"
 #include "options/archived_values.h"
-#include "platform/keyed_archive.h"
 
 #include <algorithm>
 #include <cmath>

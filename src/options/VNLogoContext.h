@@ -1,7 +1,7 @@
 #pragma once
 
-#include "options/logo_font.h"
-#include "platform/observable_object.h"
+#include "observing/observable_object.h"
+#include "options/logo/logo_font.h"
 
 #include <QColor>
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "options/VNOption.h"
 
-#include "platform/display/main_display.h"
-#include "platform/keyed_archive.h"
-#include "platform/y_up.h"
+#include "base/keyed_archive.h"
+#include "display/main_display.h"
+#include "geometry/y_up.h"
 
 namespace vornic {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "observing/observable_object.h"
 #include "options/VNLogoContext.h"
-#include "platform/observable_object.h"
 
 #include <QPointF>
 #include <QRectF>

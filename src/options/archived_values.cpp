@@ -1,6 +1,6 @@
 #include "options/archived_values.h"
 
-#include "platform/keyed_archive.h"
+#include "base/keyed_archive.h"
 
 #include <QBuffer>
 #include <QImageReader>

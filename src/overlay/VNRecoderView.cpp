@@ -1,11 +1,11 @@
 #include "overlay/VNRecoderView.h"
 
+#include "display/main_display.h"
+#include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
 #include "overlay/VNRecoderViewDelegate.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/dropped_picture.h"
-#include "platform/display/main_display.h"
-#include "platform/y_up.h"
 
 #include <QDropEvent>
 #include <QMouseEvent>

@@ -1,11 +1,11 @@
 #include "overlay/VNRecoderWindow.h"
 
+#include "display/main_display.h"
+#include "geometry/screen_geometry.h"
+#include "geometry/toolkit_scale.h"
 #include "overlay/VNRecoderView.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_server.h"
-#include "platform/display/main_display.h"
-#include "platform/screen_geometry.h"
-#include "platform/toolkit_scale.h"
 
 #include <QEvent>
 #include <QGuiApplication>

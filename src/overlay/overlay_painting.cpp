@@ -1,8 +1,8 @@
 #include "overlay/overlay_painting.h"
 
+#include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
 #include "overlay/overlay_geometry.h"
-#include "platform/y_up.h"
 
 #include <QPainter>
 

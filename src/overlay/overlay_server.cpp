@@ -1,11 +1,11 @@
 #include "overlay/overlay_server.h"
 
-#include "overlay/x11_compositing.h"
-#include "overlay/x11_glass.h"
-#include "overlay/x11_link.h"
-#include "overlay/x11_shape.h"
-#include "overlay/x11_stacking.h"
-#include "overlay/x11_windows.h"
+#include "overlay/x11/x11_compositing.h"
+#include "overlay/x11/x11_glass.h"
+#include "overlay/x11/x11_stacking.h"
+#include "overlay/x11/x11_windows.h"
+#include "x11/x11_link.h"
+#include "x11/x11_shape.h"
 
 #include <QGuiApplication>
 #include <QWindow>

@@ -1,13 +1,13 @@
+#include "app/session/session_fixture.h"
 #include "audio/PKAudioRecorderData.h"
-#include "capture/VNBufferDiscr.h"
+#include "base/PKTimebase.h"
+#include "base/clock.h"
+#include "base/serial_queue.h"
+#include "capture/record/VNBufferDiscr.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "movie_test_support.h"
-#include "platform/clock.h"
-#include "platform/serial_queue.h"
-#include "session_fixture.h"
 #include "support/test_pictures.h"
 
 #include <QDir>

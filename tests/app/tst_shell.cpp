@@ -1,5 +1,5 @@
-#include "app/hyperlink.h"
-#include "session_fixture.h"
+#include "app/session/session_fixture.h"
+#include "app/window/hyperlink.h"
 #include "support/named_pipe.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "audio/PKAudioControl.h"
 #include "audio/PKAudioControlDelegate.h"
-#include "platform/clock.h"
-#include "platform/main_queue.h"
+#include "base/clock.h"
+#include "base/main_queue.h"
 #include "sound_server_test.h"
 
 #include <QThread>

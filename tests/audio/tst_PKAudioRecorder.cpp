@@ -1,8 +1,8 @@
 #include "audio/PKAudioControl.h"
 #include "audio/PKAudioRecorder.h"
 #include "audio/PKAudioRecorderDelegate.h"
-#include "platform/clock.h"
-#include "platform/log.h"
+#include "base/clock.h"
+#include "base/log.h"
 #include "sound_server_test.h"
 
 #include <QThread>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/assertion.h"
-#include "platform/display/bitmap_image.h"
-#include "platform/display/fake_display.h"
-#include "platform/log.h"
+#include "base/assertion.h"
+#include "base/log.h"
+#include "display/bitmap_image.h"
+#include "display/fake_display.h"
 
 #include <QImage>
 #include <QStringList>

@@ -1,5 +1,5 @@
 #include "capture/VNCGDisplay.h"
-#include "capture_fixture.h"
+#include "capture/capture_fixture.h"
 #include "support/test_pictures.h"
 
 namespace vornic {

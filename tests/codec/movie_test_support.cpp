@@ -1,7 +1,7 @@
 #include "movie_test_support.h"
 
+#include "base/PKTimebase.h"
 #include "codec/PKMuxerTask.h"
-#include "codec/PKTimebase.h"
 
 #include <QEventLoop>
 #include <QFile>

@@ -1,8 +1,8 @@
+#include "base/PKTimebase.h"
+#include "base/assertion.h"
 #include "codec/PKMuxerTask.h"
 #include "codec/PKScaleContext.h"
-#include "codec/PKTimebase.h"
 #include "movie_test_support.h"
-#include "platform/assertion.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
+#include "base/assertion.h"
 #include "codec/PKScaleContext.h"
 #include "codec/PKVideoFrame2.h"
-#include "platform/assertion.h"
 
 #include <QColor>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "codec/PKScaleContext.h"
 #include "codec/PKVideoFrame2.h"
-#include "platform/y_up.h"
+#include "geometry/y_up.h"
 
 #include <QColor>
 

@@ -1,5 +1,5 @@
+#include "base/PKTimebase.h"
 #include "codec/PKMuxerTask.h"
-#include "codec/PKTimebase.h"
 #include "codec/movie_failure.h"
 #include "movie_test_support.h"
 

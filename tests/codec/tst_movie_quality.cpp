@@ -1,5 +1,5 @@
+#include "base/PKTimebase.h"
 #include "codec/PKScaleContext.h"
-#include "codec/PKTimebase.h"
 #include "codec/PKVideoFrame2.h"
 #include "movie_test_support.h"
 

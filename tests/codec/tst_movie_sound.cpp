@@ -1,5 +1,5 @@
+#include "base/PKTimebase.h"
 #include "codec/PKAudioFrame2.h"
-#include "codec/PKTimebase.h"
 #include "movie_test_support.h"
 
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/log.h"
 #include "codec_samples.h"
-#include "platform/log.h"
 
 #include <QStringList>
 

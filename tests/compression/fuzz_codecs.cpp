@@ -5,9 +5,9 @@
 //
 // Built with VORNIC_LIBFUZZER, libFuzzer makes the inputs instead.
 
+#include "base/log.h"
 #include "codec_samples.h"
 #include "compression/codecs.h"
-#include "platform/log.h"
 
 #include <sys/resource.h>
 

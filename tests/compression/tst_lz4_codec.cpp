@@ -1,6 +1,6 @@
+#include "base/assertion.h"
 #include "codec_test_support.h"
 #include "compression/codecs.h"
-#include "platform/assertion.h"
 
 #define LZ4_DISABLE_DEPRECATE_WARNINGS
 #include <lz4.h>

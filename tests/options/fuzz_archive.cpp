@@ -3,9 +3,9 @@
 /// Prints how many gave an object, the slowest archive and the most memory; a crash or a sanitizer's report
 /// is the failure. Deterministic for a seed.
 
+#include "base/keyed_archive.h"
+#include "display/fake_display.h"
 #include "options/VNOption.h"
-#include "platform/display/fake_display.h"
-#include "platform/keyed_archive.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/key_path_observer.h"
+#include "observing/key_path_observer.h"
 
 #include <QMetaProperty>
 #include <QStringList>

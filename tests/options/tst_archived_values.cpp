@@ -1,6 +1,6 @@
+#include "base/keyed_archive.h"
 #include "gui_main.h"
 #include "options/archived_values.h"
-#include "platform/keyed_archive.h"
 
 #include <QBuffer>
 

@@ -1,5 +1,5 @@
 #include "gui_main.h"
-#include "options/legacy_text.h"
+#include "options/logo/legacy_text.h"
 
 #include <gtest/gtest.h>
 

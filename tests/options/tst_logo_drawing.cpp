@@ -1,6 +1,6 @@
+#include "geometry/y_up.h"
 #include "gui_main.h"
 #include "options/VNLogoContext.h"
-#include "platform/y_up.h"
 
 #include <QPainter>
 

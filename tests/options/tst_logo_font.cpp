@@ -1,5 +1,5 @@
 #include "gui_main.h"
-#include "options/logo_font.h"
+#include "options/logo/logo_font.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>

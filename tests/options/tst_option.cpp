@@ -1,8 +1,8 @@
+#include "display/fake_display.h"
 #include "gui_main.h"
+#include "observing/key_path_binding.h"
+#include "observing/key_path_observer.h"
 #include "options/VNOption.h"
-#include "platform/display/fake_display.h"
-#include "platform/key_path_binding.h"
-#include "platform/key_path_observer.h"
 #include "told.h"
 
 #include <gtest/gtest.h>

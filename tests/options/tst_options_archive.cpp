@@ -1,7 +1,7 @@
+#include "base/keyed_archive.h"
+#include "display/fake_display.h"
 #include "gui_main.h"
 #include "options/VNOption.h"
-#include "platform/display/fake_display.h"
-#include "platform/keyed_archive.h"
 
 #include <QCborArray>
 #include <QCborMap>

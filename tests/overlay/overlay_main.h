@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/display/fake_display.h"
+#include "display/fake_display.h"
 
 #include <QApplication>
 

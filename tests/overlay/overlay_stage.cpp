@@ -11,11 +11,11 @@
 // Told: "rect X Y W H", "logo X Y", "picture W H" at every change, "main pressed" for a click on the main
 // window.
 
+#include "observing/key_path_observer.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/VNRecorderWndCtrlDelegate.h"
-#include "platform/key_path_observer.h"
 
 #include <QApplication>
 #include <QMouseEvent>

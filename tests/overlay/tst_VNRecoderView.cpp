@@ -1,8 +1,8 @@
+#include "geometry/y_up.h"
 #include "overlay/VNRecoderView.h"
 #include "overlay/VNRecoderViewDelegate.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay_main.h"
-#include "platform/y_up.h"
 #include "support/named_pipe.h"
 
 #include <QCursor>

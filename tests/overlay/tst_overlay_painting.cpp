@@ -1,8 +1,8 @@
+#include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_painting.h"
 #include "overlay_main.h"
-#include "platform/y_up.h"
 
 #include <QPainter>
 

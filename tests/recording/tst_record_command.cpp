@@ -1,4 +1,4 @@
-#include "codec/PKTimebase.h"
+#include "base/PKTimebase.h"
 #include "recording_fixture.h"
 
 #include <QDir>

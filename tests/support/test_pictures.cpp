@@ -1,6 +1,6 @@
 #include "support/test_pictures.h"
 
-#include "platform/display/bitmap_image.h"
+#include "display/bitmap_image.h"
 
 #include <QFont>
 #include <QFontMetrics>

@@ -1,0 +1,217 @@
+#include "app/cli/command_line.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+#include <array>
+#include <cmath>
+
+namespace vornic {
+
+namespace {
+
+constexpr double mostSeconds = 60.0 * 60 * 24 * 365;
+
+CommandLine wrongUsage(const QString &problem)
+{
+    CommandLine line;
+    line.action = CommandLine::Action::WrongUsage;
+    line.problem = problem;
+    return line;
+}
+
+CommandLine wrongValue(const QString &option, const QString &value, const QString &form)
+{
+    return wrongUsage(QStringLiteral("--%1 \"%2\" cannot be read; give it as %3.").arg(option, value, form));
+}
+
+const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4.
+
+  vornic                            the window
+      --record=full|rectangle
+                         begin to record the full display, or the selected rectangle
+      --stop             end the recording of the window that runs
+  vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it
+      --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
+                         ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
+      --quality high|medium
+                         30 or 20 pictures a second; default high
+      --audio[=NAME]     sound too: of the first audio input device, or of the one named
+      --duration SECONDS
+      --overwrite        replace FILE.mp4; without it an existing file is refused
+      --ignore-low-space go on below the free-space limit
+  vornic devices                    the audio input devices, one a line
+  vornic --help, --version
+
+The last line of standard output is the movie's path. Exit status: 0 the movie is complete, 1 it failed,
+2 wrong usage.
+)");
+
+void addOptions(QCommandLineParser &parser)
+{
+    const auto flag = [](const char *name) { return QCommandLineOption(QLatin1StringView(name)); };
+    const auto value = [](const char *name) {
+        return QCommandLineOption(QLatin1StringView(name), QString(), QStringLiteral("value"));
+    };
+    parser.addOptions({ value("record"),
+                        flag("stop"),
+                        value("region"),
+                        value("quality"),
+                        flag("audio"),
+                        value("duration"),
+                        flag("overwrite"),
+                        flag("ignore-low-space") });
+    parser.addOption(QCommandLineOption(QStringList { QStringLiteral("h"), QStringLiteral("help") }));
+    parser.addOption(QCommandLineOption(QStringList { QStringLiteral("v"), QStringLiteral("version") }));
+}
+
+/// The parser knows options with a value and without, but none that may have one: takes NAME out of
+/// "--audio=NAME".
+QStringList withoutAudioName(const QStringList &arguments, QString &name)
+{
+    QStringList rest = arguments;
+    const QString prefix = QStringLiteral("--audio=");
+    for (QString &argument : rest) {
+        if (argument == QStringLiteral("--"))
+            break;
+        if (argument.startsWith(prefix)) {
+            name = argument.sliced(prefix.size());
+            argument = QStringLiteral("--audio");
+        }
+    }
+    return rest;
+}
+
+/// Reads the options of a recording into \a line; the problem, or an empty text.
+QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
+{
+    if (parser.isSet(QStringLiteral("region"))) {
+        const QString value = parser.value(QStringLiteral("region"));
+        line.region = parseRegion(value);
+        if (!line.region)
+            return wrongValue(
+                       QStringLiteral("region"), value, QStringLiteral("X,Y,W,H in pixels, W and H above 0"))
+                .problem;
+    }
+    const QString quality = parser.value(QStringLiteral("quality"));
+    if (quality == QStringLiteral("medium"))
+        line.quality = 1;
+    else if (parser.isSet(QStringLiteral("quality")) && quality != QStringLiteral("high"))
+        return wrongValue(QStringLiteral("quality"), quality, QStringLiteral("high or medium")).problem;
+    if (parser.isSet(QStringLiteral("duration"))) {
+        const QString value = parser.value(QStringLiteral("duration"));
+        bool isNumber = false;
+        const double seconds = value.toDouble(&isNumber);
+        if (!isNumber || !(seconds > 0) || seconds > mostSeconds)
+            return wrongValue(
+                       QStringLiteral("duration"), value, QStringLiteral("a number of seconds above 0"))
+                .problem;
+        line.durationSeconds = seconds;
+    }
+    line.audio = parser.isSet(QStringLiteral("audio"));
+    line.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    line.ignoreLowSpace = parser.isSet(QStringLiteral("ignore-low-space"));
+    return {};
+}
+
+CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
+{
+    if (parser.isSet(QStringLiteral("stop"))) {
+        line.task = CommandLine::Task::Stop;
+        return line;
+    }
+    const QString value = parser.value(QStringLiteral("record"));
+    if (value == QStringLiteral("full"))
+        line.task = CommandLine::Task::RecordFullDisplay;
+    else if (value == QStringLiteral("rectangle"))
+        line.task = CommandLine::Task::RecordRectangle;
+    else
+        return wrongValue(QStringLiteral("record"), value, QStringLiteral("full or rectangle"));
+    return line;
+}
+
+CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
+{
+    line.action = CommandLine::Action::Record;
+    for (const auto *option : { "record", "stop" }) {
+        if (parser.isSet(QLatin1StringView(option)))
+            return wrongUsage(QStringLiteral("--%1 belongs to the window.").arg(QLatin1StringView(option)));
+    }
+    const QStringList files = parser.positionalArguments().mid(1);
+    if (files.size() != 1)
+        return wrongUsage(files.isEmpty()
+                              ? QStringLiteral("record needs the movie's name: FILE.mp4.")
+                              : QStringLiteral("record takes one FILE.mp4, not %1.").arg(files.size()));
+    line.file = files.first();
+    if (!line.file.endsWith(QStringLiteral(".mp4"), Qt::CaseInsensitive))
+        return wrongUsage(QStringLiteral("The movie's name \"%1\" must end in .mp4.").arg(line.file));
+    const QString problem = readRecordOptions(parser, line);
+    return problem.isEmpty() ? line : wrongUsage(problem);
+}
+
+} // namespace
+
+std::optional<QRect> parseRegion(const QString &text)
+{
+    static const std::array forms {
+        QRegularExpression(QStringLiteral(R"(^(?<x>-?\d+),(?<y>-?\d+),(?<w>\d+),(?<h>\d+)$)")),
+        QRegularExpression(QStringLiteral(R"(^(?<x>-?\d+),(?<y>-?\d+) (?<w>\d+)x(?<h>\d+)$)")),
+        QRegularExpression(QStringLiteral(R"(^(?<w>\d+)x(?<h>\d+)(?<x>[+-]\d+)(?<y>[+-]\d+)$)")),
+    };
+    for (const QRegularExpression &form : forms) {
+        const QRegularExpressionMatch match = form.match(text.trimmed());
+        if (!match.hasMatch())
+            continue;
+        std::array<int, 4> numbers {};
+        const std::array names { "x", "y", "w", "h" };
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            constexpr int most = 1'000'000;
+            bool isNumber = false;
+            numbers[i] = match.captured(QLatin1StringView(names[i])).toInt(&isNumber);
+            if (!isNumber || std::abs(numbers[i]) > most)
+                return std::nullopt;
+        }
+        if (numbers[2] < 1 || numbers[3] < 1)
+            return std::nullopt;
+        return QRect(numbers[0], numbers[1], numbers[2], numbers[3]);
+    }
+    return std::nullopt;
+}
+
+CommandLine parseCommandLine(const QStringList &arguments)
+{
+    CommandLine line;
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(withoutAudioName(arguments, line.audioDevice)))
+        return wrongUsage(parser.errorText());
+    const QStringList words = parser.positionalArguments();
+    if (parser.isSet(QStringLiteral("help"))) {
+        line.action = CommandLine::Action::Help;
+        line.helpText = helpText;
+        return line;
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        line.action = CommandLine::Action::Version;
+        return line;
+    }
+    if (!words.isEmpty() && words.first() == QStringLiteral("record"))
+        return readRecord(parser, line);
+    const bool isForWindow = parser.isSet(QStringLiteral("record")) || parser.isSet(QStringLiteral("stop"));
+    if (words.isEmpty() && isForWindow && parser.optionNames().size() == 1)
+        return readWindow(parser, line);
+    if (!parser.optionNames().isEmpty())
+        return wrongUsage(
+            QStringLiteral("--%1 belongs to \"vornic record\".").arg(parser.optionNames().first()));
+    if (words.isEmpty())
+        return line;
+    if (words.first() != QStringLiteral("devices"))
+        return wrongUsage(
+            QStringLiteral("\"%1\" is no command; there are record and devices.").arg(words.first()));
+    if (words.size() > 1)
+        return wrongUsage(QStringLiteral("devices takes nothing more."));
+    line.action = CommandLine::Action::Devices;
+    return line;
+}
+
+} // namespace vornic

@@ -1,0 +1,134 @@
+#include "app/cli/command_line_front_end.h"
+
+#include "app/VornicAppDelegate.h"
+#include "app/session/time_text.h"
+#include "desktop/idle_inhibitor.h"
+
+#include <QCoreApplication>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+void writeError(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
+}
+
+QString bar(int percent)
+{
+    constexpr int width = 30;
+    const int filled = percent * width / 100;
+    return QStringLiteral("[%1%2]").arg(QString(filled, u'#'), QString(width - filled, u'-'));
+}
+
+} // namespace
+
+CommandLineFrontEnd::CommandLineFrontEnd(const CommandLine &line)
+    : m_line(line)
+    , m_isTerminal(::isatty(STDERR_FILENO) == 1)
+{
+}
+
+CommandLineFrontEnd::~CommandLineFrontEnd() = default;
+
+void CommandLineFrontEnd::redraw(const QString &text)
+{
+    writeError(QStringLiteral("\r\x1b[K") + text);
+    m_lineIsOpen = true;
+}
+
+void CommandLineFrontEnd::endRedrawnLine()
+{
+    if (std::exchange(m_lineIsOpen, false))
+        writeError(QStringLiteral("\n"));
+}
+
+void CommandLineFrontEnd::askAboutFreeSpace(std::function<void(bool)> answer)
+{
+    answer(m_line.ignoreLowSpace);
+}
+
+void CommandLineFrontEnd::runSavePanel(const QString & /*name*/,
+                                       const QString & /*type*/,
+                                       std::function<void(std::optional<QString>)> answer)
+{
+    answer(m_line.file);
+}
+
+void CommandLineFrontEnd::showStopItem(const QString & /*title*/, const QRectF & /*recorded*/)
+{
+    writeError(m_line.durationSeconds
+                   ? QCoreApplication::translate("vornic", "Recording for %1 s; Ctrl-C stops it earlier.\n")
+                         .arg(*m_line.durationSeconds)
+                   : QCoreApplication::translate("vornic", "Recording; Ctrl-C stops it.\n"));
+}
+
+void CommandLineFrontEnd::setStopItemTitle(const QString &title)
+{
+    if (title == std::exchange(m_lastTitle, title))
+        return;
+    if (m_isTerminal)
+        redraw(title);
+    else if (title.endsWith(u'0') || !title.front().isDigit())
+        writeError(title + u'\n');
+}
+
+void CommandLineFrontEnd::hideStopItem()
+{
+    endRedrawnLine();
+}
+
+void CommandLineFrontEnd::beginProgress(std::uint64_t /*frames*/)
+{
+    m_encoding.start();
+    m_lastPercent = -1;
+}
+
+void CommandLineFrontEnd::setProgress(double percent)
+{
+    const int whole = static_cast<int>(percent);
+    if (whole == m_lastPercent || (whole == 0 && !m_isTerminal))
+        return;
+    const int before = std::exchange(m_lastPercent, whole);
+    const double left
+        = whole > 0 ? static_cast<double>(m_encoding.elapsed()) * (100 - whole) / whole / 1000 : 0.0;
+    if (m_isTerminal)
+        redraw(QCoreApplication::translate("vornic", "Writing the movie %1 %2 %, %3 left")
+                   .arg(bar(whole))
+                   .arg(whole, 3)
+                   .arg(minutesAndSeconds(left)));
+    else if (whole / 10 != before / 10)
+        writeError(QCoreApplication::translate("vornic", "Writing the movie: %1 %, %2 left\n")
+                       .arg(whole)
+                       .arg(minutesAndSeconds(left)));
+}
+
+void CommandLineFrontEnd::endProgress()
+{
+    endRedrawnLine();
+}
+
+void CommandLineFrontEnd::inhibitIdle(bool inhibits)
+{
+    m_idleInhibitor = inhibits
+        ? std::make_unique<IdleInhibitor>(QCoreApplication::translate("vornic", "Recording the screen"))
+        : nullptr;
+}
+
+void CommandLineFrontEnd::alert(const QString &message, const QString &informativeText)
+{
+    endRedrawnLine();
+    writeError(message == VornicAppDelegate::tr("Error")
+                   ? QStringLiteral("vornic: %1\n").arg(informativeText)
+                   : QStringLiteral("vornic: %1. %2.\n").arg(message, informativeText));
+}
+
+} // namespace vornic

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/cli/command_line.h"
+#include "app/session/front_end.h"
+
+#include <QElapsedTimer>
+
+#include <memory>
+
+namespace vornic {
+
+class IdleInhibitor;
+
+/// A recording on the command line: answers from the flags, progress on standard error.
+///
+/// Made by main for "vornic record"; lives on the main thread. On a terminal the clock and the bar redraw
+/// their line; elsewhere they are plain lines, a clock every ten seconds and a percentage every ten percent.
+class CommandLineFrontEnd final : public FrontEnd
+{
+public:
+    explicit CommandLineFrontEnd(const CommandLine &line);
+    ~CommandLineFrontEnd() override;
+
+    void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
+    void runSavePanel(const QString &name,
+                      const QString &type,
+                      std::function<void(std::optional<QString> path)> answer) override;
+    void showStopItem(const QString &title, const QRectF &recorded) override;
+    void setStopItemTitle(const QString &title) override;
+    void hideStopItem() override;
+    void beginProgress(std::uint64_t frames) override;
+    void setProgress(double percent) override;
+    void endProgress() override;
+    void inhibitIdle(bool inhibits) override;
+    void alert(const QString &message, const QString &informativeText) override;
+
+private:
+    void redraw(const QString &text);
+    void endRedrawnLine();
+
+    CommandLine m_line;
+    bool m_isTerminal;
+    bool m_lineIsOpen = false;
+    QString m_lastTitle;
+    int m_lastPercent = -1;
+    QElapsedTimer m_encoding;
+    std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
+};
+
+} // namespace vornic

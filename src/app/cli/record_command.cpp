@@ -1,0 +1,183 @@
+#include "app/cli/record_command.h"
+
+#include "app/VornicAppDelegate.h"
+#include "app/cli/command_line_front_end.h"
+#include "app/cli/unix_signals.h"
+#include "app/session/audio_device_list.h"
+#include "app/session/output_check.h"
+#include "audio/PKAudioControl.h"
+#include "base/PKTimebase.h"
+#include "base/free_space.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "display/display_backend.h"
+#include "options/VNOption.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+
+namespace vornic {
+
+namespace {
+
+QString gibibytes(std::uint64_t bytes)
+{
+    return QStringLiteral("%1 GiB").arg(static_cast<double>(bytes) / (1U << 30U), 0, 'f', 1);
+}
+
+QString whyTooLittleSpace(bool ignoreLowSpace)
+{
+    const QString folder = VNBufferMgr::cachePath();
+    const std::uint64_t freeBytes = freeSpaceBytes(folder);
+    if (freeBytes < VNBufferMgr::limitSpaceForRecord())
+        return QCoreApplication::translate(
+                   "vornic", "A recording stops when less than %1 is free for it in %2, and only %3 is.")
+            .arg(gibibytes(VNBufferMgr::limitSpaceForRecord()), folder, gibibytes(freeBytes));
+    if (freeBytes < VNBufferMgr::freeSpaceRequired() && !ignoreLowSpace)
+        return QCoreApplication::translate(
+                   "vornic",
+                   "A recording needs %1 free in %2, and only %3 is; --ignore-low-space records all "
+                   "the same, until %4 is left.")
+            .arg(gibibytes(VNBufferMgr::freeSpaceRequired()),
+                 folder,
+                 gibibytes(freeBytes),
+                 gibibytes(VNBufferMgr::limitSpaceForRecord()));
+    return {};
+}
+
+QString whyNoSound(const CommandLine &line)
+{
+    if (!line.audio)
+        return {};
+    const QStringList devices = PKAudioControl::sharedAudioControl().inputDevicesName();
+    if (devices.isEmpty())
+        return QCoreApplication::translate("vornic",
+                                           "There is no audio input device; is the sound server running?");
+    if (line.audioDevice.isEmpty() || devices.contains(line.audioDevice))
+        return {};
+    return QCoreApplication::translate("vornic",
+                                       "There is no audio input device \"%1\". These are there:\n  %2")
+        .arg(line.audioDevice, devices.join(QStringLiteral("\n  ")));
+}
+
+/// Everything that can be known to go wrong before the recording starts.
+QString whyNotRecord(const CommandLine &line)
+{
+    if (const QString reason = noDisplayReason(); !reason.isEmpty())
+        return reason;
+    const QSize display = mainDisplay()->mainDisplaySize();
+    if (line.region && !line.region->intersects(QRect(QPoint(0, 0), display)))
+        return QCoreApplication::translate(
+                   "vornic", "The region %1,%2,%3,%4 lies off the display, which has %5x%6 pixels.")
+            .arg(line.region->x())
+            .arg(line.region->y())
+            .arg(line.region->width())
+            .arg(line.region->height())
+            .arg(display.width())
+            .arg(display.height());
+    if (const QString reason = whyNoSound(line); !reason.isEmpty())
+        return reason;
+    if (const QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
+        return reason;
+    if (QFileInfo::exists(line.file) && !line.overwrite)
+        return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
+    if (const QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
+        return reason;
+    return whyTooLittleSpace(line.ignoreLowSpace);
+}
+
+std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
+{
+    auto options = std::make_unique<VNOption>();
+    options->setRecordQuality(line.quality);
+    options->setEnableAudio(line.audio);
+    if (line.region) {
+        options->setIsRecordFullScreen(false);
+        options->setSelectedRect(VNOption::convertScreenRectFromQuartz(QRectF(*line.region)));
+    }
+    return options;
+}
+
+QString describeCounts(const RecordingCounts &counts)
+{
+    return QCoreApplication::translate(
+               "vornic", "%1 frames grabbed, %2 frames written, %3 frames skipped, %4 s of audio")
+        .arg(counts.framesGrabbed)
+        .arg(counts.framesWritten)
+        .arg(counts.framesSkipped)
+        .arg(counts.audioSeconds, 0, 'f', 1);
+}
+
+void chooseAudioDevice(VornicAppDelegate &delegate, const CommandLine &line)
+{
+    AudioDeviceList &list = delegate.audioDevicesView();
+    const qsizetype index = list.titles().indexOf(line.audioDevice);
+    if (line.audio && index >= 0) {
+        list.setIndexOfSelected(index);
+        delegate.selAudioDevice();
+    }
+}
+
+/// Stops \a delegate when the clock has run \a seconds: counted from the recording's origin, so that waiting
+/// for the sound does not eat into it.
+void stopAfter(VornicAppDelegate &delegate, double seconds)
+{
+    const auto startTimer = [&delegate, seconds](qint64 ticks) {
+        const double left = seconds - static_cast<double>(ticks) / static_cast<double>(PKTimebase);
+        QTimer::singleShot(std::chrono::milliseconds(static_cast<qint64>(std::max(0.0, left) * 1000)),
+                           Qt::PreciseTimer,
+                           &delegate,
+                           [&delegate] { delegate.stopRecord(); });
+    };
+    QObject::connect(
+        &delegate, &VornicAppDelegate::clockTicked, &delegate, startTimer, Qt::SingleShotConnection);
+}
+
+} // namespace
+
+int runRecordCommand(const CommandLine &line)
+{
+    CommandLineFrontEnd frontEnd(line);
+    if (const QString reason = whyNotRecord(line); !reason.isEmpty()) {
+        frontEnd.alert(VornicAppDelegate::tr("Error"), reason);
+        return 1;
+    }
+    VornicAppDelegate delegate(frontEnd, optionsFrom(line));
+    if (line.audio)
+        delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
+    delegate.applicationDidFinishLaunching();
+    chooseAudioDevice(delegate, line);
+    const UnixSignals signalled;
+    QObject::connect(
+        &signalled, &UnixSignals::terminationAsked, &delegate, [&delegate] { delegate.terminate(); });
+    QObject::connect(&delegate, &VornicAppDelegate::stateChanged, &delegate, [&delegate] {
+        if (delegate.state() == 0)
+            delegate.terminate();
+    });
+    QObject::connect(
+        &delegate, &VornicAppDelegate::recordingRefused, &delegate, [&delegate] { delegate.terminate(); });
+    QObject::connect(&delegate,
+                     &VornicAppDelegate::readyToTerminate,
+                     QCoreApplication::instance(),
+                     &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    if (line.durationSeconds)
+        stopAfter(delegate, *line.durationSeconds);
+    delegate.recorded();
+    QCoreApplication::exec();
+
+    const bool complete = delegate.failure().isEmpty() && delegate.counts().framesWritten > 0;
+    if (!complete)
+        return 1;
+    std::printf("%s\n%s\n",
+                describeCounts(delegate.counts()).toUtf8().constData(),
+                line.file.toLocal8Bit().constData());
+    return 0;
+}
+
+} // namespace vornic

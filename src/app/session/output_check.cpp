@@ -1,0 +1,49 @@
+#include "app/session/output_check.h"
+
+#include "capture/spool/VNBufferMgr.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+namespace vornic {
+
+namespace {
+
+/// The reason the system gives, as the end of a sentence; empty when a file can be made in \a folder.
+QString whyNotWritable(const QString &folder)
+{
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".vornic-probe-XXXXXX")));
+    return probe.open() ? QString() : probe.errorString();
+}
+
+} // namespace
+
+QString whyNoMovieCanBeWritten(const QString &path)
+{
+    const QFileInfo file(path);
+    const QString folder = file.absolutePath();
+    if (file.isDir())
+        return QCoreApplication::translate("vornic", "%1 is a folder; the movie needs a file name.")
+            .arg(path);
+    if (!QFileInfo(folder).isDir())
+        return QCoreApplication::translate("vornic", "The folder %1 does not exist.").arg(folder);
+    const QString reason = whyNotWritable(folder);
+    return reason.isEmpty() ? QString()
+                            : QCoreApplication::translate("vornic", "The folder %1 cannot be written to: %2.")
+                                  .arg(folder, reason);
+}
+
+QString whyNothingCanBeSpooled()
+{
+    const QString folder = VNBufferMgr::cachePath();
+    const QString reason = whyNotWritable(folder);
+    return reason.isEmpty()
+        ? QString()
+        : QCoreApplication::translate("vornic",
+                                      "The recording needs the folder %1, which cannot be written to: %2.")
+              .arg(folder, reason);
+}
+
+} // namespace vornic

@@ -1,0 +1,24 @@
+#include "app/session/time_text.h"
+
+#include "base/PKTimebase.h"
+
+namespace vornic {
+
+QString stringFromeTimestamp(std::int64_t timestamp)
+{
+    const std::int64_t seconds = timestamp / PKTimebase;
+    const std::int64_t hours = seconds / 3600;
+    const std::int64_t minutes = (seconds - hours * 3600) / 60;
+    return QString::asprintf("%02lld:%02lld:%02lld",
+                             static_cast<long long>(hours),
+                             static_cast<long long>(minutes),
+                             static_cast<long long>(seconds - hours * 3600 - minutes * 60));
+}
+
+QString minutesAndSeconds(double seconds)
+{
+    const auto whole = static_cast<qint64>(seconds);
+    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace vornic

@@ -1,0 +1,70 @@
+#include "app/window/VNHintWndCtroller.h"
+
+#include "app/session/front_end.h"
+#include "app/window/sheet.h"
+#include "base/user_defaults.h"
+#include "observing/key_path_binding.h"
+
+#include <QDialog>
+
+#include <ui_VNHintWndCtroller.h>
+
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+const QString showAgainKey = QStringLiteral("VNShowHintWndAgain");
+
+} // namespace
+
+VNHintWndCtroller &VNHintWndCtroller::shareHintWndCtroller()
+{
+    static VNHintWndCtroller *const shared = new VNHintWndCtroller;
+    return *shared;
+}
+
+bool VNHintWndCtroller::showAgain() const
+{
+    const QVariant stored = user_defaults::value(showAgainKey);
+    return !stored.isValid() || stored.toBool();
+}
+
+void VNHintWndCtroller::setShowAgain(bool showAgain)
+{
+    user_defaults::setValue(showAgainKey, showAgain);
+    emit showAgainChanged();
+}
+
+void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<void(int)> handler)
+{
+    m_parent = parent;
+    m_window = makeSheet<Ui::VNHintWndCtroller>(parent, [this](Ui::VNHintWndCtroller &ui) {
+        connect(ui.startButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::startRecordAction);
+        connect(ui.cancelButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::cancelAction);
+        new KeyPathBinding(ui.chkShowAgain, "checked", this, "showAgain");
+    });
+    connect(m_window, &QDialog::finished, this, [this, handler = std::move(handler)](int response) {
+        m_window.clear();
+        m_parent.clear();
+        // Closed in whatever other way is no wish to record.
+        if (handler)
+            handler(response == FrontEnd::responseContinue ? response : FrontEnd::responseStop);
+    });
+    m_window->open();
+}
+
+void VNHintWndCtroller::startRecordAction()
+{
+    if (m_window)
+        m_window->done(FrontEnd::responseContinue);
+}
+
+void VNHintWndCtroller::cancelAction()
+{
+    if (m_window)
+        m_window->done(FrontEnd::responseStop);
+}
+
+} // namespace vornic

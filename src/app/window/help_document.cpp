@@ -1,0 +1,19 @@
+#include "app/window/help_document.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+namespace vornic {
+
+QString helpDocument()
+{
+    const QString folder = QCoreApplication::applicationDirPath();
+    // Beside the installed program, and in the build folder, where programs stand in src/app.
+    for (const char *place : { "/../share/vornic/Help.pdf", "/../../share/vornic/Help.pdf" }) {
+        if (const QString path = folder + QLatin1String(place); QFile::exists(path))
+            return path;
+    }
+    return {};
+}
+
+} // namespace vornic

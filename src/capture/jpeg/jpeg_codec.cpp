@@ -1,0 +1,205 @@
+#include "capture/jpeg/jpeg_codec.h"
+
+#include <jpeglib.h>
+
+#include <algorithm>
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+namespace vornic {
+
+namespace {
+
+/// The library reports failure through a function that must not return: it jumps back to the caller, which
+/// therefore keeps no C++ object between the mark and the jump.
+struct ErrorManager {
+    jpeg_error_mgr base;
+    std::jmp_buf jump;
+};
+
+[[noreturn]] void leaveOnError(j_common_ptr info)
+{
+    auto *manager = reinterpret_cast<ErrorManager *>(info->err); // NOLINT: the library's way to derive
+    std::longjmp(manager->jump, 1);
+}
+
+/// Damaged data is a warning to the library, which goes on with made-up colours; here it ends the picture.
+void leaveOnWarning(j_common_ptr info, int level)
+{
+    if (level < 0)
+        leaveOnError(info);
+}
+
+void ignoreMessage(j_common_ptr /*info*/)
+{
+}
+
+void prepare(ErrorManager &manager)
+{
+    jpeg_std_error(&manager.base);
+    manager.base.error_exit = leaveOnError;
+    manager.base.emit_message = leaveOnWarning;
+    manager.base.output_message = ignoreMessage;
+}
+
+/// Memory that the library writes to, kept by a thread for its next picture: fresh memory costs more to fault
+/// in than to fill. Where it is too small, the library allocates more and \a bytes points there.
+struct MemoryOutput {
+    explicit MemoryOutput(std::vector<unsigned char> &kept)
+        : bytes(kept.data())
+        , size(kept.size())
+        , m_kept(kept.data())
+    {
+    }
+    ~MemoryOutput()
+    {
+        if (bytes != m_kept)
+            std::free(bytes); // NOLINT: the library's malloc
+    }
+    MemoryOutput(const MemoryOutput &) = delete;
+    MemoryOutput &operator=(const MemoryOutput &) = delete;
+
+    unsigned char *bytes;
+    unsigned long size;
+
+private:
+    const unsigned char *m_kept;
+};
+
+bool compressInto(MemoryOutput &output, const uchar *pixels, int width, int height, qsizetype bytesPerLine)
+{
+    jpeg_compress_struct info;
+    ErrorManager errors;
+    prepare(errors);
+    info.err = &errors.base;
+    if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
+        jpeg_destroy_compress(&info);
+        return false;
+    }
+    jpeg_create_compress(&info);
+    jpeg_mem_dest(&info, &output.bytes, &output.size);
+    info.image_width = static_cast<JDIMENSION>(width);
+    info.image_height = static_cast<JDIMENSION>(height);
+    info.input_components = 4;
+    info.in_color_space = JCS_EXT_BGRX;
+    jpeg_set_defaults(&info); // 4:2:0 is among them
+    jpeg_set_quality(&info, jpegQuality, TRUE);
+    info.restart_in_rows = 1;
+    jpeg_start_compress(&info, TRUE);
+    while (info.next_scanline < info.image_height) {
+        constexpr JDIMENSION rowsAtOnce = 16;
+        JSAMPROW rows[rowsAtOnce];
+        const JDIMENSION count = std::min(rowsAtOnce, info.image_height - info.next_scanline);
+        for (JDIMENSION i = 0; i < count; ++i)
+            rows[i]
+                = const_cast<uchar *>(pixels + static_cast<qsizetype>(info.next_scanline + i) * bytesPerLine);
+        jpeg_write_scanlines(&info, rows, count);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    return true;
+}
+
+/// The fewest bytes that a unit of 16 x 16 pixels takes with the standard tables (ITU-T T.81, annex K.3):
+/// four luma blocks of 2 + 4 bits and two chroma blocks of 2 + 2 bits.
+constexpr qint64 leastBytesPerUnit = 4;
+
+bool isPlausible(const jpeg_decompress_struct &info, qsizetype bytes)
+{
+    const qint64 units = qint64 { (info.image_width + 15) / 16 } * ((info.image_height + 15) / 16);
+    return info.progressive_mode == FALSE && info.arith_code == FALSE && info.num_components == 3
+        && units * leastBytesPerUnit <= bytes;
+}
+
+void readFrom(jpeg_decompress_struct &info, const QByteArray &jpeg)
+{
+    jpeg_mem_src(&info,
+                 reinterpret_cast<const unsigned char *>(jpeg.constData()),
+                 static_cast<unsigned long>(jpeg.size()));
+}
+
+bool readSize(const QByteArray &jpeg, int &width, int &height)
+{
+    jpeg_decompress_struct info;
+    ErrorManager errors;
+    prepare(errors);
+    info.err = &errors.base;
+    if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
+        jpeg_destroy_decompress(&info);
+        return false;
+    }
+    jpeg_create_decompress(&info);
+    readFrom(info, jpeg);
+    jpeg_read_header(&info, TRUE);
+    const bool plausible = isPlausible(info, jpeg.size());
+    width = static_cast<int>(info.image_width);
+    height = static_cast<int>(info.image_height);
+    jpeg_destroy_decompress(&info);
+    return plausible;
+}
+
+bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
+{
+    jpeg_decompress_struct info;
+    ErrorManager errors;
+    prepare(errors);
+    info.err = &errors.base;
+    if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
+        jpeg_destroy_decompress(&info);
+        return false;
+    }
+    jpeg_create_decompress(&info);
+    readFrom(info, jpeg);
+    jpeg_read_header(&info, TRUE);
+    bool good = isPlausible(info, jpeg.size()) && info.image_width == static_cast<JDIMENSION>(width)
+        && info.image_height == static_cast<JDIMENSION>(height);
+    if (good) {
+        info.out_color_space = JCS_EXT_BGRX;
+        info.do_fancy_upsampling = FALSE;
+        jpeg_start_decompress(&info);
+        while (info.output_scanline < info.output_height) {
+            JSAMPROW rows[2]
+                = { pixels + static_cast<qsizetype>(info.output_scanline) * bytesPerLine, nullptr };
+            // Two rows at once where there are two: the library then writes them without a copy.
+            const bool two = info.output_scanline + 1 < info.output_height;
+            rows[1] = two ? rows[0] + bytesPerLine : nullptr;
+            jpeg_read_scanlines(&info, rows, two ? 2 : 1);
+        }
+        jpeg_finish_decompress(&info);
+    }
+    jpeg_destroy_decompress(&info);
+    return good;
+}
+
+} // namespace
+
+std::optional<QByteArray> jpegCompress(const uchar *pixels, int width, int height, qsizetype bytesPerLine)
+{
+    if (width < 1 || height < 1)
+        return std::nullopt;
+    // A byte a pixel is what noise takes.
+    constexpr std::size_t headerRoom = 4096;
+    static thread_local std::vector<unsigned char> kept;
+    kept.resize(std::max(kept.size(),
+                         static_cast<std::size_t>(width) * static_cast<std::size_t>(height) + headerRoom));
+    MemoryOutput output(kept);
+    if (!compressInto(output, pixels, width, height, bytesPerLine))
+        return std::nullopt;
+    return QByteArray(reinterpret_cast<const char *>(output.bytes), static_cast<qsizetype>(output.size));
+}
+
+QSize jpegDeclaredSize(const QByteArray &jpeg)
+{
+    int width = 0;
+    int height = 0;
+    return readSize(jpeg, width, height) ? QSize(width, height) : QSize();
+}
+
+bool jpegDecompress(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
+{
+    return decompressInto(jpeg, pixels, width, height, bytesPerLine);
+}
+
+} // namespace vornic

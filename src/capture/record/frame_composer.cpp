@@ -1,0 +1,189 @@
+#include "capture/record/frame_composer.h"
+
+#include "capture/jpeg/jpeg_picture.h"
+#include "capture/record/VNBufferDiscr.h"
+#include "codec/PKScaleContext.h"
+#include "codec/PKVideoFrame2.h"
+#include "display/bitmap_image.h"
+#include "display/display_backend.h"
+#include "geometry/y_up.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// The left and bottom edges belong to the rectangle, the right and top ones do not (y up).
+bool holdsPoint(const QRectF &rectangle, QPointF point)
+{
+    return point.x() >= rectangle.x() && point.x() < rectangle.x() + rectangle.width()
+        && point.y() >= rectangle.y() && point.y() < rectangle.y() + rectangle.height();
+}
+
+void copyPixels(QImage &to, QPoint toTopLeft, const QImage &from)
+{
+    const QRect target = QRect(toTopLeft, from.size()) & to.rect();
+    for (int y = target.top(); y <= target.bottom(); ++y) {
+        const uchar *source = from.constScanLine(y - toTopLeft.y()) + 4 * (target.left() - toTopLeft.x());
+        std::memcpy(to.scanLine(y) + 4 * target.left(), source, 4 * static_cast<std::size_t>(target.width()));
+    }
+}
+
+} // namespace
+
+FrameComposer::FrameComposer() = default;
+FrameComposer::~FrameComposer() = default;
+
+QRect FrameComposer::DrawnCursor::rect() const
+{
+    return { topLeft, shape->picture.size() };
+}
+
+void FrameComposer::start()
+{
+    m_decoder.forget();
+    m_picture = nullptr;
+    m_cursor.reset();
+    m_frame = nullptr;
+}
+
+std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorOf(const VNBufferDiscr &record,
+                                                                  const QRectF &region) const
+{
+    const QPointF mouse = record.mouseLocation();
+    if (!region.isEmpty() && !holdsPoint(region, mouse))
+        return std::nullopt;
+    const std::shared_ptr<const CursorShape> shape = VNBufferDiscr::cusorAtIndex(record.cursorIndex());
+    if (!shape || shape->picture.isNull())
+        return std::nullopt;
+    const QPointF offset
+        = region.isEmpty() ? QPointF() : QPointF(std::trunc(region.x()), std::trunc(region.y()));
+    const double left = mouse.x() - shape->hotSpot.x() - offset.x();
+    const double bottom = mouse.y() + shape->hotSpot.y() - offset.y() - shape->picture.height();
+    // The mouse is in the middle of its pixel, so rounding down lands the hot spot on that pixel.
+    const double top = m_canvas.height() - (bottom + shape->picture.height());
+    constexpr double farOff = 1e6;
+    if (!(std::abs(left) < farOff) || !(std::abs(top) < farOff))
+        return std::nullopt;
+    return DrawnCursor { shape,
+                         QPoint(static_cast<int>(std::floor(left)), static_cast<int>(std::floor(top))) };
+}
+
+void FrameComposer::touchRows(const QRect &rectangle)
+{
+    const QRect rows = rectangle & m_canvas.rect();
+    if (rows.isEmpty())
+        return;
+    for (int band = rows.top() / BitmapImage::bandHeight; band <= rows.bottom() / BitmapImage::bandHeight;
+         ++band)
+        m_touched[static_cast<std::size_t>(band)] = true;
+}
+
+void FrameComposer::removeCursor()
+{
+    if (!m_cursor)
+        return;
+    copyPixels(m_canvas, m_cursor->topLeft, m_beneathCursor);
+    touchRows(m_cursor->rect());
+    m_cursor.reset();
+}
+
+bool FrameComposer::bringImage(const std::shared_ptr<const BitmapImage> &image)
+{
+    start();
+    if (!image)
+        return false;
+    m_canvas = image->view().copy();
+    m_touched.assign(static_cast<std::size_t>(bandCount(m_canvas.height())), true);
+    return true;
+}
+
+bool FrameComposer::bringPicture(const VNBufferDiscr &record)
+{
+    const std::shared_ptr<const JpegPicture> &picture = record.recordPicture();
+    if (!picture)
+        return bringImage(record.recordImage());
+    if (picture == m_picture)
+        return true;
+    const QSize sizeBefore = m_canvas.size();
+    const std::vector<bool> written = m_decoder.decode(picture->jpeg(), m_canvas);
+    if (written.empty() || m_canvas.size() != sizeBefore)
+        start();
+    if (written.empty())
+        return false;
+    m_touched.resize(written.size(), true);
+    std::transform(
+        m_touched.begin(), m_touched.end(), written.begin(), m_touched.begin(), std::logical_or<bool>());
+    m_picture = picture;
+    return true;
+}
+
+void FrameComposer::drawCursor(PKVideoFrame2 &frame) const
+{
+    if (!m_cursor)
+        return;
+    const QRect rect = m_cursor->rect();
+    const QPointF bottomLeft(rect.left(), frame.codeHeight() - rect.top() - rect.height());
+    drawImageYUp(*frame.creatContextRef(), QRectF(bottomLeft, QSizeF(rect.size())), m_cursor->shape->picture);
+}
+
+std::shared_ptr<PKVideoFrame2> FrameComposer::convert(const PKVideoFrame2 &frame)
+{
+    const bool scales
+        = frame.codeWidth() != frame.displayWidth() || frame.codeHeight() != frame.displayHeight();
+    if (!m_frame || scales) {
+        if (!m_scaler || !m_frame)
+            m_scaler = std::make_unique<PKScaleContext>(frame.codeWidth(),
+                                                        frame.displayWidth(),
+                                                        frame.codeHeight(),
+                                                        frame.displayHeight(),
+                                                        frame.pixFormat(),
+                                                        PKPixelFormatYUV420P);
+        return m_scaler->scaleFrame(frame);
+    }
+    std::shared_ptr<PKVideoFrame2> result = m_frame->sharingPixels();
+    for (auto run = std::find(m_touched.begin(), m_touched.end(), true); run != m_touched.end();) {
+        const auto end = std::find(run, m_touched.end(), false);
+        const int firstRow = static_cast<int>(run - m_touched.begin()) * BitmapImage::bandHeight;
+        const int lastRow = std::min(static_cast<int>(end - m_touched.begin()) * BitmapImage::bandHeight,
+                                     frame.codeHeight());
+        m_scaler->convertRows(frame, *result, firstRow, lastRow - firstRow);
+        run = std::find(end, m_touched.end(), true);
+    }
+    return result;
+}
+
+std::shared_ptr<PKVideoFrame2> FrameComposer::compose(const VNBufferDiscr &record, const QRectF &region)
+{
+    // A pointer that stays where it was over pixels that stay is left in the canvas.
+    const bool samePicture = record.recordPicture() && record.recordPicture() == m_picture;
+    if (samePicture && m_frame && cursorOf(record, region) == m_cursor)
+        return m_frame->sharingPixels();
+
+    removeCursor();
+    if (!bringPicture(record))
+        return nullptr;
+    m_cursor = cursorOf(record, region);
+    if (m_cursor) {
+        m_beneathCursor = m_canvas.copy(m_cursor->rect());
+        touchRows(m_cursor->rect());
+    }
+
+    PKVideoFrame2 frame(std::exchange(m_canvas, {}));
+    const auto [width, height] = VNBufferDiscr::calcMaxFitSize(frame.codeWidth(), frame.codeHeight());
+    frame.setDisplaySize(std::max(1, static_cast<int>(width)), std::max(1, static_cast<int>(height)));
+    drawCursor(frame);
+    m_frame = convert(frame);
+    m_canvas = frame.takeImage();
+    std::fill(m_touched.begin(), m_touched.end(), false);
+    return m_frame ? m_frame->sharingPixels() : nullptr;
+}
+
+} // namespace vornic

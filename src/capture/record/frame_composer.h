@@ -1,0 +1,73 @@
+#pragma once
+
+#include "capture/jpeg/jpeg_band_decoder.h"
+
+#include <QImage>
+#include <QPoint>
+#include <QRect>
+#include <QRectF>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace vornic {
+
+class BitmapImage;
+class JpegPicture;
+class PKScaleContext;
+class PKVideoFrame2;
+class VNBufferDiscr;
+struct CursorShape;
+
+/// Composes the encoder's frames of one movie, one record after the other: decodes the picture, draws the
+/// pointer, converts to planar YUV at the movie's size.
+///
+/// Only what differs from the frame before is done again: bands of the picture, and the rows that the pointer
+/// left or came to. A frame that equals the one before shares its pixels. Owned by whoever feeds the encoder
+/// and used by one thread at a time; inside a frame it works on all processors.
+class FrameComposer
+{
+public:
+    FrameComposer();
+    ~FrameComposer();
+    FrameComposer(const FrameComposer &) = delete;
+    FrameComposer &operator=(const FrameComposer &) = delete;
+
+    /// The frame of \a record without times; null when its picture is missing or damaged. \a region in
+    /// screen coordinates (y up), empty for none: the pointer is then always drawn, without an offset.
+    [[nodiscard]] std::shared_ptr<PKVideoFrame2> compose(const VNBufferDiscr &record, const QRectF &region);
+
+private:
+    /// Where a pointer is drawn, in pixels of the canvas from its top left.
+    struct DrawnCursor {
+        std::shared_ptr<const CursorShape> shape;
+        QPoint topLeft;
+
+        [[nodiscard]] QRect rect() const;
+        friend bool operator==(const DrawnCursor &, const DrawnCursor &) = default;
+    };
+
+    [[nodiscard]] bool bringPicture(const VNBufferDiscr &record);
+    [[nodiscard]] bool bringImage(const std::shared_ptr<const BitmapImage> &image);
+    void removeCursor();
+    void drawCursor(PKVideoFrame2 &frame) const;
+    void touchRows(const QRect &rectangle);
+    [[nodiscard]] std::shared_ptr<PKVideoFrame2> convert(const PKVideoFrame2 &frame);
+    void start();
+
+    [[nodiscard]] std::optional<DrawnCursor> cursorOf(const VNBufferDiscr &record,
+                                                      const QRectF &region) const;
+
+    JpegBandDecoder m_decoder;
+    std::shared_ptr<const JpegPicture> m_picture; ///< the one in the canvas
+    QImage m_canvas;                              ///< the picture with the pointer drawn in
+    std::optional<DrawnCursor> m_cursor;          ///< the one in the canvas
+    QImage m_beneathCursor;                       ///< the canvas's pixels that the pointer covers
+    std::vector<bool> m_touched;                  ///< bands of the canvas that the last frame does not show
+    std::unique_ptr<PKScaleContext> m_scaler;
+    std::shared_ptr<PKVideoFrame2> m_frame; ///< the last one
+};
+
+} // namespace vornic

@@ -1,0 +1,55 @@
+#include "capture/record/picture_spooler.h"
+
+#include "base/PKTimebase.h"
+#include "base/keyed_archive.h"
+#include "capture/jpeg/jpeg_picture.h"
+#include "display/bitmap_image.h"
+
+namespace vornic {
+
+namespace {
+
+constexpr std::uint64_t ticksBetweenWholePictures = 2 * std::uint64_t { PKTimebase };
+
+} // namespace
+
+bool PictureSpooler::canMark(const BitmapImage &image, std::uint64_t timestamp) const
+{
+    return !m_lastVersions.empty() && QSize(image.width(), image.height()) == m_lastSize
+        && image.bandVersions() == m_lastVersions && timestamp >= m_lastWholeTimestamp
+        && timestamp - m_lastWholeTimestamp < ticksBetweenWholePictures;
+}
+
+void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
+                            std::uint64_t timestamp,
+                            KeyedArchiver &archiver)
+{
+    if (!image) {
+        m_lastVersions.clear();
+        return;
+    }
+    if (canMark(*image, timestamp)) {
+        archiver.encodeBool(samePictureKey, true);
+        return;
+    }
+    const std::optional<QByteArray> jpeg = m_compressor.compress(*image);
+    if (!jpeg) {
+        m_lastVersions.clear();
+        return;
+    }
+    archiver.encodeData(pictureKey, *jpeg);
+    m_lastSize = QSize(image->width(), image->height());
+    m_lastVersions = image->bandVersions();
+    m_lastWholeTimestamp = timestamp;
+}
+
+std::shared_ptr<const JpegPicture> PictureUnspooler::decode(const KeyedUnarchiver &unarchiver)
+{
+    if (unarchiver.decodeBool(samePictureKey))
+        return m_last;
+    const std::optional<QByteArray> jpeg = unarchiver.decodeData(pictureKey);
+    m_last = jpeg ? std::make_shared<const JpegPicture>(*jpeg) : nullptr;
+    return m_last;
+}
+
+} // namespace vornic

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "capture/spool/VNDataBlock.h"
+
+#include <deque>
+#include <optional>
+
+namespace vornic {
+
+/// Where the blocks of one spool lie, oldest first: first in, first out. Used on the spool's queue only.
+///
+/// In memory for now; nothing else knows how entries are kept, so that a journal on disk can take its place
+/// and let a recording be found again after a crash.
+class BlockIndex
+{
+public:
+    void append(const VNDataBlock &block) { mBufferDescris.push_back(block); }
+    [[nodiscard]] std::optional<VNDataBlock> takeOldest();
+    /// 0 when empty.
+    [[nodiscard]] std::int64_t oldestTimeStamp() const;
+    [[nodiscard]] std::int64_t newestTimeStamp() const;
+    [[nodiscard]] std::size_t count() const { return mBufferDescris.size(); }
+    /// Puts the blocks that were taken back, so that the whole spool can be read again.
+    void rewind();
+    void clear();
+
+private:
+    std::deque<VNDataBlock> mBufferDescris;
+    std::deque<VNDataBlock> m_taken; ///< since the last clear()
+};
+
+} // namespace vornic

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "desktop/single_instance.h"
+
+#include <QDBusAbstractAdaptor>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace vornic {
+
+/// The program's face on the bus: whoever calls is answered before anything is done.
+///
+/// Made by SingleInstance, lives on the main thread.
+class ApplicationAdaptor final : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    explicit ApplicationAdaptor(SingleInstance *instance);
+
+public slots:
+    void Activate(const QVariantMap &platform_data);
+    /// There is nothing to open: it counts as a plain start.
+    void Open(const QStringList &uris, const QVariantMap &platform_data);
+    void ActivateAction(const QString &action_name,
+                        const QVariantList &parameter,
+                        const QVariantMap &platform_data);
+
+private:
+    SingleInstance *m_instance;
+};
+
+} // namespace vornic

@@ -1,0 +1,45 @@
+#include "desktop/dbus_call.h"
+
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QFileInfo>
+#include <QMetaObject>
+
+#include <algorithm>
+#include <limits>
+
+namespace vornic {
+
+QDBusConnection sessionBus()
+{
+    // Without an address the D-Bus library starts a bus that nobody else is on and that outlives the program.
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const bool isThere = !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
+        || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus")));
+    return isThere ? QDBusConnection::sessionBus() : QDBusConnection(QString());
+}
+
+void callLater(const QDBusConnection &bus,
+               const QDBusMessage &call,
+               QObject *context,
+               const AnswerHandler &handler,
+               std::chrono::milliseconds timeout)
+{
+    if (!bus.isConnected()) {
+        const auto answer = [handler] {
+            handler(QDBusMessage::createError(QDBusError::Disconnected, QStringLiteral("There is no bus")));
+        };
+        QMetaObject::invokeMethod(context, answer, Qt::QueuedConnection);
+        return;
+    }
+    constexpr std::chrono::milliseconds::rep longest = std::numeric_limits<int>::max(); // taken as no limit
+    const auto limit = static_cast<int>(std::min(timeout.count(), longest));
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, limit), context);
+    QObject::connect(
+        watcher, &QDBusPendingCallWatcher::finished, context, [handler](QDBusPendingCallWatcher *answered) {
+            answered->deleteLater();
+            handler(answered->reply());
+        });
+}
+
+} // namespace vornic

@@ -1,0 +1,72 @@
+#include "desktop/idle_inhibitor.h"
+
+#include "desktop/application_id.h"
+#include "desktop/dbus_call.h"
+#include "desktop/dbus_inhibition.h"
+#include "desktop/x11_blanking_pause.h"
+
+namespace vornic {
+
+namespace {
+
+/// The one that most desktops have, and browsers and players use.
+InhibitRequest screenSaver(const QString &reason)
+{
+    return { sessionBus(),
+             QStringLiteral("org.freedesktop.ScreenSaver"),
+             { QStringLiteral("/org/freedesktop/ScreenSaver"), QStringLiteral("/ScreenSaver") },
+             QStringLiteral("org.freedesktop.ScreenSaver"),
+             { applicationId(), reason },
+             QStringLiteral("UnInhibit") };
+}
+
+InhibitRequest sessionManager(const QString &reason)
+{
+    constexpr uint noWindow = 0;
+    constexpr uint suspend = 4;
+    constexpr uint idle = 8;
+    return { sessionBus(),
+             QStringLiteral("org.gnome.SessionManager"),
+             { QStringLiteral("/org/gnome/SessionManager") },
+             QStringLiteral("org.gnome.SessionManager"),
+             { applicationId(), noWindow, reason, suspend | idle },
+             QStringLiteral("Uninhibit") };
+}
+
+InhibitRequest powerManagement(const QString &reason)
+{
+    return { sessionBus(),
+             QStringLiteral("org.freedesktop.PowerManagement"),
+             { QStringLiteral("/org/freedesktop/PowerManagement/Inhibit") },
+             QStringLiteral("org.freedesktop.PowerManagement.Inhibit"),
+             { applicationId(), reason },
+             QStringLiteral("UnInhibit") };
+}
+
+InhibitRequest loginManager(const QString &reason)
+{
+    return { QDBusConnection::systemBus(),
+             QStringLiteral("org.freedesktop.login1"),
+             { QStringLiteral("/org/freedesktop/login1") },
+             QStringLiteral("org.freedesktop.login1.Manager"),
+             { QStringLiteral("sleep:idle"), QStringLiteral("Vornic"), reason, QStringLiteral("block") },
+             {} };
+}
+
+} // namespace
+
+void IdleInhibitor::Release::operator()(DBusInhibition *inhibition) const
+{
+    inhibition->release();
+}
+
+IdleInhibitor::IdleInhibitor(const QString &reason)
+    : m_blankingPause(std::make_unique<X11BlankingPause>())
+{
+    for (const auto &request : { screenSaver, sessionManager, powerManagement, loginManager })
+        m_inhibitions.emplace_back(new DBusInhibition(request(reason)));
+}
+
+IdleInhibitor::~IdleInhibitor() = default;
+
+} // namespace vornic

@@ -1,0 +1,112 @@
+#include "desktop/notifier.h"
+
+#include "desktop/application_id.h"
+#include "desktop/dbus_call.h"
+
+#include <QDBusServiceWatcher>
+#include <QVariantMap>
+
+namespace vornic {
+
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.Notifications");
+const QString path = QStringLiteral("/org/freedesktop/Notifications");
+
+QDBusMessage methodCall(const QString &method)
+{
+    return QDBusMessage::createMethodCall(service, path, service, method);
+}
+
+/// Keys and labels by turns; servers without actions may show them in a window that waits for an answer.
+QStringList actionsOf(const Notification &notification, const QStringList &capabilities)
+{
+    if (!notification.action || notification.actionLabel.isEmpty()
+        || !capabilities.contains(QStringLiteral("actions")))
+        return {};
+    // Without the "default" action, of which some desktops make a second button.
+    return { QStringLiteral("act"), notification.actionLabel };
+}
+
+QString bodyOf(const Notification &notification, const QStringList &capabilities)
+{
+    const bool isMarkup = capabilities.contains(QStringLiteral("body-markup"));
+    return isMarkup ? notification.body.toHtmlEscaped() : notification.body;
+}
+
+} // namespace
+
+Notifier::Notifier(QObject *parent)
+    : QObject(parent)
+{
+}
+
+void Notifier::listen()
+{
+    QDBusConnection bus = sessionBus();
+    if (m_isListening || !bus.isConnected())
+        return;
+    m_isListening = true;
+    const auto connectTo = [&](const char *signal, const char *slot) {
+        bus.connect(service, path, service, QString::fromLatin1(signal), this, slot);
+    };
+    connectTo("ActionInvoked", SLOT(actionInvoked(uint, QString)));
+    connectTo("ActivationToken", SLOT(activationTokenGiven(uint, QString)));
+    connectTo("NotificationClosed", SLOT(notificationClosed(uint, uint)));
+    // Whoever takes the service over gives the same numbers to the notifications of other programs.
+    auto *watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] { m_shown.clear(); });
+}
+
+void Notifier::show(const Notification &notification)
+{
+    listen();
+    callLater(sessionBus(),
+              methodCall(QStringLiteral("GetCapabilities")),
+              this,
+              [this, notification](const QDBusMessage &answer) {
+                  send(notification,
+                       isReply(answer) ? answer.arguments().value(0).toStringList() : QStringList());
+              });
+}
+
+void Notifier::send(const Notification &notification, const QStringList &capabilities)
+{
+    constexpr uint replacesNothing = 0;
+    constexpr int asLongAsUsual = -1;
+    QDBusMessage call = methodCall(QStringLiteral("Notify"));
+    call.setArguments({ QStringLiteral("Vornic"),
+                        replacesNothing,
+                        applicationId(),
+                        notification.title,
+                        bodyOf(notification, capabilities),
+                        actionsOf(notification, capabilities),
+                        QVariantMap { { QStringLiteral("desktop-entry"), applicationId() } },
+                        asLongAsUsual });
+    callLater(sessionBus(), call, this, [this, action = notification.action](const QDBusMessage &answer) {
+        if (isReply(answer) && action)
+            m_shown.insert(answer.arguments().value(0).toUInt(), { action, QString() });
+    });
+}
+
+void Notifier::activationTokenGiven(uint id, const QString &token)
+{
+    if (const auto shown = m_shown.find(id); shown != m_shown.end())
+        shown->activationToken = token;
+}
+
+void Notifier::actionInvoked(uint id, const QString &key)
+{
+    Q_UNUSED(key); // all do the same
+    const Shown shown = m_shown.value(id);
+    if (shown.action)
+        shown.action(shown.activationToken);
+}
+
+void Notifier::notificationClosed(uint id, uint reason)
+{
+    Q_UNUSED(reason);
+    m_shown.remove(id);
+}
+
+} // namespace vornic

@@ -1,0 +1,79 @@
+#include "desktop/single_instance.h"
+
+#include "desktop/application_adaptor.h"
+#include "desktop/application_id.h"
+#include "desktop/dbus_call.h"
+
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace vornic {
+
+namespace {
+
+const QString objectPath = QStringLiteral("/com/kavlor/vornic");
+const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+constexpr int longestWaitMs = 2000;
+
+/// What the desktop gave this process to bring a window to the front with.
+QVariantMap ownPlatformData()
+{
+    QVariantMap data;
+    const auto add = [&](const QString &key, const char *variable) {
+        if (!qEnvironmentVariableIsEmpty(variable))
+            data.insert(key, qEnvironmentVariable(variable));
+    };
+    add(QStringLiteral("desktop-startup-id"), "DESKTOP_STARTUP_ID");
+    add(QStringLiteral("activation-token"), "XDG_ACTIVATION_TOKEN");
+    return data;
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(QObject *parent)
+    : QObject(parent)
+{
+    new ApplicationAdaptor(this);
+    claim();
+}
+
+SingleInstance::~SingleInstance()
+{
+    QDBusConnection bus = sessionBus();
+    if (!bus.isConnected())
+        return;
+    if (m_isOnly)
+        bus.unregisterService(applicationId());
+    bus.unregisterObject(objectPath);
+}
+
+void SingleInstance::claim()
+{
+    QDBusConnection bus = sessionBus();
+    // The object first: who sees the name may call at once.
+    m_isOnly = !bus.isConnected()
+        || (bus.registerObject(objectPath, this, QDBusConnection::ExportAdaptors)
+            && bus.registerService(applicationId()));
+    if (!m_isOnly)
+        bus.unregisterObject(objectPath);
+}
+
+bool SingleInstance::handOver(const QString &action)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(applicationId(),
+                                                       objectPath,
+                                                       interfaceName,
+                                                       action.isEmpty() ? QStringLiteral("Activate")
+                                                                        : QStringLiteral("ActivateAction"));
+    if (action.isEmpty())
+        call.setArguments({ ownPlatformData() });
+    else
+        call.setArguments({ action, QVariantList(), ownPlatformData() });
+    call.setAutoStartService(false);
+    const bool isTaken = isReply(sessionBus().call(call, QDBus::Block, longestWaitMs));
+    if (!isTaken)
+        claim();
+    return isTaken;
+}
+
+} // namespace vornic

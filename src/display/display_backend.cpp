@@ -1,0 +1,121 @@
+#include "display/display_backend.h"
+
+#include "display/fake_display.h"
+#include "display/null_display.h"
+#include "display/x11/x11_display.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+std::unique_ptr<DisplayBackend> createFake(QString & /*whyNot*/)
+{
+    return std::make_unique<FakeDisplay>(QSize(1920, 1080));
+}
+
+/// Takes what the backends before it have said as its own sentence.
+std::unique_ptr<DisplayBackend> createNull(QString &whyNot)
+{
+    if (whyNot.isEmpty())
+        whyNot = QCoreApplication::translate(
+            "vornic", "The display is switched off by the environment variable VORNIC_DISPLAY.");
+    return std::make_unique<NullDisplay>(whyNot);
+}
+
+constexpr std::array backendTable {
+    DisplayBackendEntry { "x11", true, X11Display::create },
+    DisplayBackendEntry { "fake", false, createFake },
+    DisplayBackendEntry { "null", true, createNull },
+};
+
+QString listOfIds()
+{
+    QStringList ids;
+    for (const DisplayBackendEntry &entry : backendTable)
+        ids += QString::fromUtf8(entry.id.data(), static_cast<qsizetype>(entry.id.size()));
+    return ids.join(QStringLiteral(", "));
+}
+
+std::unique_ptr<DisplayBackend> createForced(const QByteArray &id)
+{
+    const auto entry = std::ranges::find(backendTable, std::string_view(id), &DisplayBackendEntry::id);
+    QString whyNot;
+    if (entry == backendTable.end()) {
+        whyNot = QCoreApplication::translate(
+                     "vornic", "VORNIC_DISPLAY names the display backend \"%1\", but there are only: %2.")
+                     .arg(QString::fromUtf8(id), listOfIds());
+    } else if (auto display = entry->create(whyNot)) {
+        return display;
+    }
+    return createNull(whyNot);
+}
+
+std::unique_ptr<DisplayBackend> createBest()
+{
+    QStringList refusals;
+    for (const DisplayBackendEntry &entry : backendTable) {
+        if (!entry.selectedByItself)
+            continue;
+        QString whyNot = refusals.join(QLatin1Char(' '));
+        if (auto display = entry.create(whyNot))
+            return display;
+        refusals += whyNot;
+    }
+    return nullptr;
+}
+
+struct ChosenDisplay {
+    std::mutex mutex;
+    std::shared_ptr<DisplayBackend> display;
+};
+
+ChosenDisplay &chosenDisplay()
+{
+    static ChosenDisplay chosen;
+    return chosen;
+}
+
+} // namespace
+
+std::span<const DisplayBackendEntry> displayBackends()
+{
+    return backendTable;
+}
+
+std::shared_ptr<DisplayBackend> mainDisplay()
+{
+    ChosenDisplay &chosen = chosenDisplay();
+    const std::lock_guard lock(chosen.mutex);
+    if (!chosen.display) {
+        const QByteArray forced = qgetenv("VORNIC_DISPLAY");
+        chosen.display = forced.isEmpty() ? createBest() : createForced(forced);
+    }
+    return chosen.display;
+}
+
+QString noDisplayReason()
+{
+    const auto display = mainDisplay();
+    const auto *none = dynamic_cast<const NullDisplay *>(display.get());
+    return none ? none->reason() : QString();
+}
+
+void setMainDisplay(std::shared_ptr<DisplayBackend> display)
+{
+    ChosenDisplay &chosen = chosenDisplay();
+    {
+        const std::lock_guard lock(chosen.mutex);
+        std::swap(chosen.display, display);
+    }
+    // The display before ends here, outside the lock.
+}
+
+} // namespace vornic

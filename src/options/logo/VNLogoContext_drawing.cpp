@@ -1,0 +1,149 @@
+#include "geometry/y_up.h"
+#include "options/VNLogoContext.h"
+#include "options/logo/legacy_text.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QTransform>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace vornic {
+
+namespace {
+
+constexpr double characterSpacing = 10;
+constexpr double outlineWidth = 1;
+/// How far a mitre may reach, in widths of the line.
+constexpr double mitreLimit = 5;
+
+/// A colour with its own alpha left out; black for none.
+QColor opaque(const QColor &color)
+{
+    return QColor::fromRgbF(color.redF(), color.greenF(), color.blueF());
+}
+
+/// What can be drawn into: neither without an area nor beyond all numbers.
+bool isDrawable(const QRectF &rectangle)
+{
+    const double sum = rectangle.x() + rectangle.y() + rectangle.width() + rectangle.height();
+    return std::isfinite(sum) && rectangle.width() != 0 && rectangle.height() != 0;
+}
+
+/// Glyph by glyph: one path of them all takes ten times as long to fill.
+void drawText(QPainter &context,
+              const std::vector<QPainterPath> &outlines,
+              const QColor &fill,
+              const QColor &stroke)
+{
+    QPen pen(opaque(stroke), outlineWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
+    pen.setMiterLimit(mitreLimit);
+    for (const QPainterPath &outline : outlines)
+        context.fillPath(outline, opaque(fill));
+    for (const QPainterPath &outline : outlines)
+        context.strokePath(outline, pen);
+}
+
+} // namespace
+
+QPointF VNLogoContext::anchor(const QRectF &bound, double scale) const
+{
+    return LogoPosition() * scale + bound.topLeft();
+}
+
+QTransform VNLogoContext::rotation() const
+{
+    return QTransform().rotate(static_cast<double>(mLogoRotation % 360));
+}
+
+QRectF VNLogoContext::centredPicture(double scale) const
+{
+    const QSizeF size = QSizeF(mLogoImage.size()) * mLogoScale * scale;
+    return { -0.5 * size.width(), -0.5 * size.height(), size.width(), size.height() };
+}
+
+QTransform VNLogoContext::pictureTransform(const QRectF &bound, double scale) const
+{
+    const QPointF centre = anchor(bound, scale) - centredPicture(scale).topLeft();
+    return rotation() * QTransform::fromTranslate(centre.x(), centre.y());
+}
+
+std::vector<QPainterPath> VNLogoContext::textOutlines(const QRectF &bound, double scale) const
+{
+    const QPointF start = anchor(bound, scale);
+    if (!std::isfinite(start.x() + start.y()))
+        return {};
+    std::vector<QPainterPath> outlines
+        = glyphOutlines(singleByteCharacters(LogoText()), scaledLogoFont(scale), characterSpacing);
+    const QTransform place = rotation() * QTransform::fromTranslate(start.x(), start.y());
+    for (QPainterPath &outline : outlines)
+        outline = place.map(outline);
+    return outlines;
+}
+
+void VNLogoContext::decorateImage(QPainter &context, const QRectF &bound, double scale) const
+{
+    const float opacity = static_cast<float>(mLogoTransparency) / 255.F;
+    decorateAtOpacity(static_cast<double>(std::clamp(opacity, 0.F, 1.F)), context, bound, scale);
+}
+
+void VNLogoContext::decorateAtOpacity(double opacity,
+                                      QPainter &context,
+                                      const QRectF &bound,
+                                      double scale) const
+{
+    context.save();
+    context.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    context.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    context.setOpacity(opacity);
+    if (isLogoTypeText()) {
+        drawText(context, textOutlines(bound, scale), LogoFontFillColor(), LogoFontStrokeColor());
+    } else if (const QRectF picture = centredPicture(scale);
+               isDrawable(picture.translated(anchor(bound, scale)))) {
+        context.setTransform(pictureTransform(bound, scale), true);
+        drawImageYUp(context, picture.normalized(), mLogoImage);
+    }
+    context.restore();
+}
+
+QRectF VNLogoContext::decoratedRect(const QRectF &bound, double scale) const
+{
+    if (isLogoTypeText()) {
+        QRectF text;
+        for (const QPainterPath &outline : textOutlines(bound, scale))
+            text |= outline.controlPointRect();
+        constexpr double reach = outlineWidth * mitreLimit;
+        return text.isEmpty() ? QRectF() : text.adjusted(-reach, -reach, reach, reach);
+    }
+    const QRectF picture = centredPicture(scale);
+    return isDrawable(picture.translated(anchor(bound, scale)))
+        ? pictureTransform(bound, scale).mapRect(picture.normalized())
+        : QRectF();
+}
+
+QImage VNLogoContext::decorateCGImage(const QImage &image) const
+{
+    if (image.isNull())
+        return {};
+    QImage stamped(image.size(), QImage::Format_RGB32);
+    if (stamped.isNull())
+        return {};
+    stamped.fill(Qt::black);
+    const QRect whole = stamped.rect();
+    QPainter painter(&stamped);
+    painter.drawImage(whole, image, image.rect());
+    turnOver(painter, whole.height());
+    decorateImage(painter, whole, 1.0);
+    return stamped;
+}
+
+QImage VNLogoContext::decorateNSImage(const QImage &image) const
+{
+    if (image.isNull())
+        return {};
+    return LogoValidate() ? decorateCGImage(image) : image;
+}
+
+} // namespace vornic

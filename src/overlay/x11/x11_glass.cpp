@@ -1,0 +1,99 @@
+#include "overlay/x11/x11_glass.h"
+
+#include "overlay/x11/xdnd_target.h"
+#include "x11/x11_link.h"
+#include "x11/x11_shape.h"
+
+#include <array>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+constexpr std::uint32_t asSigned(int value)
+{
+    return static_cast<std::uint32_t>(value);
+}
+
+} // namespace
+
+X11Glass::X11Glass(X11Link &link, GlassReceiver &receiver)
+    : m_link(link)
+    , m_receiver(receiver)
+    , m_window(xcb_generate_id(link.get()))
+{
+    const std::array<std::uint32_t, 2> values {
+        1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION
+    };
+    xcb_create_window(link.get(),
+                      0,
+                      m_window,
+                      link.root(),
+                      0,
+                      0,
+                      1,
+                      1,
+                      0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT,
+                      XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
+                      values.data());
+    m_drops = std::make_unique<XdndTarget>(link, m_window, receiver);
+    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+        if (kindOf(event) == XCB_BUTTON_PRESS) {
+            const auto &press = as<xcb_button_press_event_t>(event);
+            if (press.event == m_window && press.detail == XCB_BUTTON_INDEX_1) {
+                tellDrag();
+                m_receiver.glassPressed({ press.root_x, press.root_y });
+            }
+        } else if (kindOf(event) == XCB_MOTION_NOTIFY) {
+            const auto &motion = as<xcb_motion_notify_event_t>(event);
+            if (motion.event == m_window) {
+                m_draggedTo = QPoint(motion.root_x, motion.root_y);
+                m_tellDrag.start();
+            }
+        }
+    });
+    m_tellDrag.setSingleShot(true);
+    m_tellDrag.setInterval(0);
+    connect(&m_tellDrag, &QTimer::timeout, this, &X11Glass::tellDrag);
+}
+
+void X11Glass::tellDrag()
+{
+    m_tellDrag.stop();
+    if (const auto to = std::exchange(m_draggedTo, std::nullopt))
+        m_receiver.glassDragged(*to);
+}
+
+X11Glass::~X11Glass()
+{
+    xcb_destroy_window(m_link.get(), m_window);
+    m_link.flush();
+}
+
+void X11Glass::lay(const QRegion &onDesktop)
+{
+    if (onDesktop == m_laid)
+        return;
+    m_laid = onDesktop;
+    if (onDesktop.isEmpty()) {
+        xcb_unmap_window(m_link.get(), m_window);
+    } else {
+        const QRect around = onDesktop.boundingRect();
+        const std::array<std::uint32_t, 4> place {
+            asSigned(around.x()), asSigned(around.y()), asSigned(around.width()), asSigned(around.height())
+        };
+        xcb_configure_window(m_link.get(),
+                             m_window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+                                 | XCB_CONFIG_WINDOW_HEIGHT,
+                             place.data());
+        setShape(m_link.get(), m_window, XCB_SHAPE_SK_BOUNDING, onDesktop.translated(-around.topLeft()));
+        xcb_map_window(m_link.get(), m_window);
+    }
+    m_link.flush();
+}
+
+} // namespace vornic

@@ -1,0 +1,171 @@
+#include "overlay/x11/x11_stacking.h"
+
+#include "overlay/x11/x11_windows.h"
+#include "x11/x11_link.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vornic {
+
+namespace {
+
+/// Restacks closer together than this are a quarrel with a window that wants to be on top as well.
+constexpr qint64 quarrelMs = 1000;
+constexpr int mostRestacksInAQuarrel = 20;
+
+/// The window of the desktop that \a event says was shown, hidden or stacked anew; 0 for another event.
+xcb_window_t movedWindow(const xcb_generic_event_t &event)
+{
+    switch (kindOf(event)) {
+    case XCB_MAP_NOTIFY:
+        return as<xcb_map_notify_event_t>(event).window;
+    case XCB_UNMAP_NOTIFY:
+        return as<xcb_unmap_notify_event_t>(event).window;
+    case XCB_CONFIGURE_NOTIFY:
+        return as<xcb_configure_notify_event_t>(event).window;
+    case XCB_CIRCULATE_NOTIFY:
+        return as<xcb_circulate_notify_event_t>(event).window;
+    case XCB_REPARENT_NOTIFY:
+        return as<xcb_reparent_notify_event_t>(event).window;
+    default:
+        return XCB_NONE;
+    }
+}
+
+} // namespace
+
+X11Stacking::X11Stacking(X11Link &link)
+    : m_link(link)
+{
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(link.get(), link.root(), XCB_CW_EVENT_MASK, &events);
+    link.flush();
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(0);
+    connect(&m_soon, &QTimer::timeout, this, &X11Stacking::check);
+    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+        const xcb_window_t moved = movedWindow(event);
+        const bool isOther = moved != XCB_NONE && moved != m_window && moved != m_glass;
+        if (m_window != XCB_NONE && (isOther || isOfShowing(event)))
+            m_soon.start();
+    });
+}
+
+void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass)
+{
+    m_window = window;
+    m_lid = lid;
+    m_glass = glass;
+    m_restacksInARow = 0;
+    if (lid != XCB_NONE)
+        watch(lid);
+    restack(lidFrame());
+}
+
+void X11Stacking::watch(std::uint32_t window)
+{
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_link.get(), window, XCB_CW_EVENT_MASK, &events);
+}
+
+/// Whether a window was minimised or brought back, or is decorated in another way.
+bool X11Stacking::isOfShowing(const xcb_generic_event_t &event) const
+{
+    if (kindOf(event) != XCB_PROPERTY_NOTIFY)
+        return false;
+    const xcb_atom_t atom = as<xcb_property_notify_event_t>(event).atom;
+    return atom == m_link.atom("_NET_WM_STATE") || atom == m_link.atom("_NET_FRAME_EXTENTS");
+}
+
+void X11Stacking::stop()
+{
+    m_window = XCB_NONE;
+    m_soon.stop();
+}
+
+void X11Stacking::check()
+{
+    if (m_window == XCB_NONE)
+        return;
+    if (const xcb_window_t lid = lidFrame(); !isInPlace(lid) && mayRestack())
+        restack(lid);
+    m_link.flush();
+    emit desktopChanged();
+}
+
+/// The lid's own window on the desktop, its decoration; none while it is not shown.
+std::uint32_t X11Stacking::lidFrame() const
+{
+    return m_lid != XCB_NONE && isShown(m_link, m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
+}
+
+bool X11Stacking::mayRestack()
+{
+    const bool quarrels = m_sinceRestack.isValid() && m_sinceRestack.elapsed() < quarrelMs;
+    m_restacksInARow = quarrels ? m_restacksInARow + 1 : 0;
+    return m_restacksInARow < mostRestacksInAQuarrel;
+}
+
+bool X11Stacking::isInPlace(std::uint32_t lidFrame) const
+{
+    const std::vector<xcb_window_t> windows = windowsFromBelow();
+    const auto ours = std::ranges::find(windows, m_window);
+    if (ours == windows.end())
+        return true; // not on this desktop
+    const auto lid = lidFrame == XCB_NONE ? windows.end() : std::find(ours, windows.end(), lidFrame);
+    if (lidFrame != XCB_NONE && lid == windows.end())
+        return false; // the lid is below
+    return std::none_of(
+        ours + 1, lid, [this](xcb_window_t other) { return other != m_glass && isViewable(other); });
+}
+
+void X11Stacking::restack(std::uint32_t lidFrame)
+{
+    m_sinceRestack.start();
+    const std::array<std::uint32_t, 2> belowLid { lidFrame, XCB_STACK_MODE_BELOW };
+    const std::uint32_t top = XCB_STACK_MODE_ABOVE;
+    for (const xcb_window_t window : { m_window, m_glass }) {
+        if (lidFrame != XCB_NONE)
+            xcb_configure_window(m_link.get(),
+                                 window,
+                                 XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
+                                 belowLid.data());
+        else
+            xcb_configure_window(m_link.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &top);
+    }
+    m_link.flush();
+}
+
+std::vector<std::uint32_t> X11Stacking::windowsFromBelow() const
+{
+    const XcbOwned<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(m_link.get(), xcb_query_tree(m_link.get(), m_link.root()), nullptr));
+    if (!tree)
+        return {};
+    const xcb_window_t *first = xcb_query_tree_children(tree.get());
+    return { first, first + tree->children_len };
+}
+
+std::uint32_t X11Stacking::topLevelOf(std::uint32_t window) const
+{
+    while (true) {
+        const XcbOwned<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(m_link.get(), xcb_query_tree(m_link.get(), window), nullptr));
+        if (!tree)
+            return XCB_NONE;
+        if (tree->parent == m_link.root() || tree->parent == XCB_NONE)
+            return window;
+        window = tree->parent;
+    }
+}
+
+bool X11Stacking::isViewable(std::uint32_t window) const
+{
+    const XcbOwned<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        m_link.get(), xcb_get_window_attributes(m_link.get(), window), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE
+        && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
+}
+
+} // namespace vornic

@@ -1,0 +1,186 @@
+#include "overlay/x11/xdnd_target.h"
+
+#include "overlay/glass_receiver.h"
+#include "x11/x11_link.h"
+
+#include <QMimeData>
+
+#include <algorithm>
+#include <cstring>
+
+namespace vornic {
+
+namespace {
+
+constexpr std::uint32_t protocolVersion = 5;
+constexpr std::uint32_t mostPropertyWords = 1U << 18;
+
+void fill(QMimeData &files, const QByteArray &names)
+{
+    files.setData(QStringLiteral("text/uri-list"), names);
+}
+
+} // namespace
+
+XdndTarget::XdndTarget(X11Link &link, std::uint32_t window, GlassReceiver &receiver)
+    : m_link(link)
+    , m_window(window)
+    , m_receiver(receiver)
+    , m_atoms { .enter = link.atom("XdndEnter"),
+                .position = link.atom("XdndPosition"),
+                .status = link.atom("XdndStatus"),
+                .leave = link.atom("XdndLeave"),
+                .drop = link.atom("XdndDrop"),
+                .finished = link.atom("XdndFinished"),
+                .selection = link.atom("XdndSelection"),
+                .typeList = link.atom("XdndTypeList"),
+                .actionList = link.atom("XdndActionList"),
+                .actionCopy = link.atom("XdndActionCopy"),
+                .uriList = link.atom("text/uri-list"),
+                .names = link.atom("VORNIC_DROP") }
+{
+    xcb_change_property(link.get(),
+                        XCB_PROP_MODE_REPLACE,
+                        window,
+                        link.atom("XdndAware"),
+                        XCB_ATOM_ATOM,
+                        32,
+                        1,
+                        &protocolVersion);
+    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+        if (kindOf(event) == XCB_SELECTION_NOTIFY) {
+            const auto &notice = as<xcb_selection_notify_event_t>(event);
+            if (notice.requestor == m_window)
+                namesCame(notice.property != XCB_ATOM_NONE);
+        } else if (kindOf(event) == XCB_CLIENT_MESSAGE) {
+            const auto &message = as<xcb_client_message_event_t>(event);
+            if (message.window != m_window)
+                return;
+            if (message.type == m_atoms.enter)
+                enter(message.data.data32);
+            else if (!m_drag || message.data.data32[0] != m_drag->source)
+                return;
+            else if (message.type == m_atoms.position)
+                move(message.data.data32);
+            else if (message.type == m_atoms.leave)
+                leave();
+            else if (message.type == m_atoms.drop)
+                drop(message.data.data32);
+        }
+    });
+}
+
+void XdndTarget::enter(const std::uint32_t (&data)[5])
+{
+    leave();
+    m_drag.emplace();
+    m_drag->source = data[0];
+    const bool hasLongList = (data[1] & 1U) != 0;
+    m_drag->namesFiles = hasLongList ? listContains(data[0], m_atoms.typeList, m_atoms.uriList)
+                                     : std::find(data + 2, data + 5, m_atoms.uriList) != data + 5;
+}
+
+void XdndTarget::move(const std::uint32_t (&data)[5])
+{
+    m_drag->onDesktop
+        = QPoint(static_cast<std::int16_t>(data[2] >> 16U), static_cast<std::int16_t>(data[2] & 0xffffU));
+    m_drag->mayCopy
+        = data[4] == m_atoms.actionCopy || listContains(data[0], m_atoms.actionList, m_atoms.actionCopy);
+    m_drag->owesStatus = true;
+    if (m_drag->namesFiles && !m_drag->isAsked)
+        askForNames(data[3]);
+    if (!m_drag->namesFiles || m_drag->names)
+        send(m_atoms.status, m_drag->isTaken);
+}
+
+void XdndTarget::askForNames(std::uint32_t time)
+{
+    m_drag->isAsked = true;
+    xcb_convert_selection(m_link.get(), m_window, m_atoms.selection, m_atoms.uriList, m_atoms.names, time);
+    m_link.flush();
+}
+
+void XdndTarget::namesCame(bool isThere)
+{
+    const QByteArray names = isThere ? property(m_window, m_atoms.names, true) : QByteArray();
+    if (!m_drag || !m_drag->isAsked || m_drag->names)
+        return;
+    m_drag->names = names;
+    QMimeData files;
+    fill(files, names);
+    m_drag->isTaken = m_receiver.glassEntered(files, m_drag->mayCopy);
+    if (m_drag->owesStatus)
+        send(m_atoms.status, m_drag->isTaken);
+    if (m_drag->isDropped)
+        finish();
+}
+
+void XdndTarget::leave()
+{
+    if (m_drag && m_drag->isTaken)
+        m_receiver.glassLeft();
+    m_drag.reset();
+}
+
+void XdndTarget::drop(const std::uint32_t (&data)[5])
+{
+    if (m_drag->namesFiles && !m_drag->isAsked)
+        askForNames(data[2]);
+    m_drag->isDropped = true;
+    m_drag->owesStatus = false;
+    if (!m_drag->namesFiles || m_drag->names)
+        finish();
+}
+
+void XdndTarget::finish()
+{
+    QMimeData files;
+    fill(files, m_drag->names.value_or(QByteArray()));
+    const bool isTaken = m_drag->isTaken && m_receiver.glassDropped(files, m_drag->onDesktop);
+    send(m_atoms.finished, isTaken);
+    m_drag.reset();
+}
+
+void XdndTarget::send(std::uint32_t type, bool isTaken)
+{
+    const bool isStatus = type == m_atoms.status;
+    xcb_client_message_event_t message {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = m_drag->source;
+    message.type = type;
+    message.data.data32[0] = m_window;
+    // Without a rectangle the source tells every movement anyway; another flag than this one would count as a
+    // yes for some of them.
+    message.data.data32[1] = isTaken ? 1 : 0;
+    message.data.data32[isStatus ? 4 : 2] = isTaken ? m_atoms.actionCopy : 0;
+    xcb_send_event(m_link.get(), 0, m_drag->source, 0, reinterpret_cast<const char *>(&message));
+    m_link.flush();
+    if (isStatus)
+        m_drag->owesStatus = false;
+}
+
+QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t name, bool isRemoved) const
+{
+    const auto cookie = xcb_get_property(
+        m_link.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, mostPropertyWords);
+    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_link.get(), cookie, nullptr));
+    if (!reply)
+        return {};
+    return { static_cast<const char *>(xcb_get_property_value(reply.get())),
+             xcb_get_property_value_length(reply.get()) };
+}
+
+bool XdndTarget::listContains(std::uint32_t window, std::uint32_t name, std::uint32_t atom) const
+{
+    const QByteArray list = property(window, name, false);
+    for (qsizetype at = 0; at + 4 <= list.size(); at += 4) {
+        std::uint32_t entry = 0;
+        std::memcpy(&entry, list.constData() + at, sizeof entry);
+        if (entry == atom)
+            return true;
+    }
+    return false;
+}
+
+} // namespace vornic

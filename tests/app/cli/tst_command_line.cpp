@@ -1,0 +1,140 @@
+#include "app/cli/command_line.h"
+
+#include <gtest/gtest.h>
+
+namespace vornic {
+namespace {
+
+using Action = CommandLine::Action;
+
+CommandLine parse(const QStringList &arguments)
+{
+    return parseCommandLine(QStringList { "vornic" } + arguments);
+}
+
+TEST(CommandLineTest, WithoutArgumentsItIsTheWindow)
+{
+    EXPECT_EQ(parse({}).action, Action::Window);
+}
+
+TEST(CommandLineTest, TheWindowMayBeginToRecord)
+{
+    const CommandLine full = parseCommandLine({ "vornic", "--record=full" });
+    EXPECT_EQ(full.action, CommandLine::Action::Window);
+    EXPECT_EQ(full.task, CommandLine::Task::RecordFullDisplay);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record", "rectangle" }).task,
+              CommandLine::Task::RecordRectangle);
+    EXPECT_EQ(parseCommandLine({ "vornic" }).task, CommandLine::Task::Show);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).task, CommandLine::Task::Stop);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).action, CommandLine::Action::Window);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
+              CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record=some" }).problem,
+              "--record \"some\" cannot be read; give it as full or rectangle.");
+    EXPECT_EQ(parseCommandLine({ "vornic", "record", "--record=full", "o.mp4" }).problem,
+              "--record belongs to the window.");
+}
+
+TEST(CommandLineTest, Commands)
+{
+    EXPECT_EQ(parse({ "devices" }).action, Action::Devices);
+    EXPECT_EQ(parse({ "--version" }).action, Action::Version);
+    EXPECT_EQ(parse({ "-v" }).action, Action::Version);
+    const CommandLine help = parse({ "record", "--help" });
+    EXPECT_EQ(help.action, Action::Help);
+    for (const char *option :
+         { "--region", "--quality", "--audio", "--duration", "--overwrite", "--ignore-low-space" })
+        EXPECT_TRUE(help.helpText.contains(option)) << option;
+}
+
+TEST(CommandLineTest, ARecordingWithoutOptionsHasTheDefaults)
+{
+    const CommandLine line = parse({ "record", "o.mp4" });
+    EXPECT_EQ(line.action, Action::Record);
+    EXPECT_EQ(line.file, "o.mp4");
+    EXPECT_FALSE(line.region);
+    EXPECT_EQ(line.quality, 0);
+    EXPECT_FALSE(line.audio);
+    EXPECT_FALSE(line.durationSeconds);
+    EXPECT_FALSE(line.overwrite);
+    EXPECT_FALSE(line.ignoreLowSpace);
+}
+
+TEST(CommandLineTest, ARecordingWithAllOptions)
+{
+    const CommandLine line = parse({ "record",
+                                     "--region",
+                                     "101,57,641,361",
+                                     "--quality=medium",
+                                     "--audio=Built-in microphone",
+                                     "--duration",
+                                     "2.5",
+                                     "--overwrite",
+                                     "--ignore-low-space",
+                                     "/tmp/o.MP4" });
+    ASSERT_EQ(line.action, Action::Record) << line.problem.toStdString();
+    EXPECT_EQ(line.region, QRect(101, 57, 641, 361));
+    EXPECT_EQ(line.quality, 1);
+    EXPECT_TRUE(line.audio);
+    EXPECT_EQ(line.audioDevice, "Built-in microphone");
+    EXPECT_EQ(line.durationSeconds, 2.5);
+    EXPECT_TRUE(line.overwrite);
+    EXPECT_TRUE(line.ignoreLowSpace);
+}
+
+TEST(CommandLineTest, AudioNeedsNoName)
+{
+    const CommandLine line = parse({ "record", "--audio", "o.mp4" });
+    EXPECT_TRUE(line.audio);
+    EXPECT_TRUE(line.audioDevice.isEmpty());
+    EXPECT_EQ(line.file, "o.mp4");
+}
+
+TEST(CommandLineTest, RegionsInTheFormsThatToolsPrint)
+{
+    const QRect region(-3, 20, 640, 480);
+    EXPECT_EQ(parseRegion("-3,20,640,480"), region);
+    EXPECT_EQ(parseRegion("-3,20 640x480"), region);
+    EXPECT_EQ(parseRegion("640x480-3+20"), region);
+    for (const char *wrong : { "",
+                               "1,2,3",
+                               "1,2,3,4,5",
+                               "1,2,0,4",
+                               "1,2,3,0",
+                               "1,2,-3,4",
+                               "a,b,c,d",
+                               "1.5,2,3,4",
+                               "99999999999,0,10,10",
+                               "2000000,0,10,10",
+                               "640x480",
+                               "640x480+1",
+                               "1,2 3,4",
+                               "1 2 3 4" })
+        EXPECT_FALSE(parseRegion(wrong)) << wrong;
+}
+
+TEST(CommandLineTest, WrongUsageNamesTheValueAndTheForm)
+{
+    const auto problem = [](const QStringList &arguments) {
+        const CommandLine line = parse(arguments);
+        EXPECT_EQ(line.action, Action::WrongUsage) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(line.problem.isEmpty());
+        return line.problem;
+    };
+    EXPECT_TRUE(problem({ "record", "--region", "5x5", "o.mp4" }).contains("5x5"));
+    EXPECT_TRUE(problem({ "record", "--region", "5x5", "o.mp4" }).contains("X,Y,W,H"));
+    EXPECT_TRUE(problem({ "record", "--quality", "best", "o.mp4" }).contains("high or medium"));
+    for (const char *wrong : { "0", "-1", "abc", "nan", "inf", "1e300", "" })
+        EXPECT_TRUE(problem({ "record", "--duration", wrong, "o.mp4" }).contains("seconds")) << wrong;
+    problem({ "record" });
+    problem({ "record", "a.mp4", "b.mp4" });
+    problem({ "record", "o.avi" });
+    problem({ "record", "--bitrate", "5", "o.mp4" });
+    problem({ "play", "o.mp4" });
+    problem({ "devices", "more" });
+    problem({ "--overwrite" });
+    problem({ "devices", "--duration", "5" });
+}
+
+} // namespace
+} // namespace vornic

@@ -1,0 +1,163 @@
+#pragma once
+
+#include "app/VornicAppDelegate.h"
+#include "app/session/audio_device_list.h"
+#include "app/session/front_end.h"
+#include "audio/PKAudioControlDelegate.h"
+#include "audio/PKAudioRecorderDelegate.h"
+#include "audio/audio_control.h"
+#include "audio/audio_recorder.h"
+#include "options/VNLogoContext.h"
+#include "options/VNOption.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+namespace vornic {
+
+/// Answers as a test wants and writes down what it was told.
+class FakeFrontEnd : public FrontEnd
+{
+public:
+    bool goesOn = true;
+    std::optional<QString> path;
+    int hintResponse = responseContinue;
+    bool quits = true;
+    std::optional<QString> otherPath;
+    std::function<void()> onAlert;
+    std::function<void()> onProgress;
+
+    QStringList told; ///< every call, in order
+    double announcedSeconds = 0;
+    QStringList titles; ///< of the stop item
+    QStringList alerts; ///< message and informative text
+    QList<double> percents;
+    QRectF recordedRegion; ///< that the stop item was told of
+
+    void askAboutFreeSpace(std::function<void(bool)> answer) override
+    {
+        told += "freeSpace";
+        answer(goesOn);
+    }
+    void runSavePanel(const QString &name,
+                      const QString &type,
+                      std::function<void(std::optional<QString>)> answer) override
+    {
+        told += "savePanel " + name + "." + type;
+        answer(path);
+    }
+    void showHint(std::function<void(int)> answer) override
+    {
+        told += "hint";
+        answer(hintResponse);
+    }
+    void showStopItem(const QString &title, const QRectF &recorded) override
+    {
+        told += "showStopItem";
+        recordedRegion = recorded;
+        titles += title;
+    }
+    void setStopItemTitle(const QString &title) override { titles += title; }
+    void hideStopItem() override { told += "hideStopItem"; }
+    void minimiseMainWindow() override { told += "minimise"; }
+    void setSaving(bool saving) override { told += saving ? "saving" : "notSaving"; }
+    void askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer) override
+    {
+        told += "otherFile " + type;
+        answer(std::exchange(otherPath, std::nullopt));
+    }
+    void beginProgress(std::uint64_t /*frames*/) override { told += "beginProgress"; }
+    void setProgress(double percent) override
+    {
+        percents += percent;
+        if (onProgress)
+            onProgress();
+    }
+    void endProgress() override { told += "endProgress"; }
+    void alert(const QString &message, const QString &informativeText) override
+    {
+        told += "alert";
+        alerts += message + "|" + informativeText;
+        if (onAlert)
+            onAlert();
+    }
+    bool confirmQuit(const QString &message, const QString &informativeText) override
+    {
+        told += "confirmQuit " + message + "|" + informativeText;
+        return quits;
+    }
+    void reveal(const QString &revealed) override { told += "reveal " + revealed; }
+    void open(const QString &opened) override { told += "open " + opened; }
+    void announceMovie(const QString &movie, double seconds) override
+    {
+        told += "announce " + movie;
+        announcedSeconds = seconds;
+    }
+    void inhibitIdle(bool inhibits) override { told += inhibits ? "inhibit" : "release"; }
+};
+
+/// A recorder that says yes or no, and delivers what the test gives it.
+class FakeAudioRecorder final : public AudioRecorder
+{
+public:
+    explicit FakeAudioRecorder(std::uint32_t id)
+        : deviceID(id)
+    {
+    }
+
+    bool starts = true;
+    AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    std::atomic<int> startCount = 0;
+    std::atomic<int> stops = 0;
+    std::uint32_t deviceID;
+    std::function<void()> onStart;
+
+    void setDelegate(PKAudioRecorderDelegate *newDelegate) override { m_delegate = newDelegate; }
+    void setDeviceID(std::uint32_t newID) override { deviceID = newID; }
+    bool startRecordWithFormat(const AudioStreamBasicDescription &asked) override
+    {
+        EXPECT_EQ(asked, defaultAudioStreamBasicDescription());
+        ++startCount;
+        if (onStart)
+            onStart();
+        return starts;
+    }
+    AudioStreamBasicDescription currentDataFormat() const override { return format; }
+    void stopRecord() override { ++stops; }
+    void deliver(const void *bytes, std::uint32_t byteCount)
+    {
+        m_delegate->dataRecord(*this, bytes, byteCount, format);
+    }
+
+private:
+    PKAudioRecorderDelegate *m_delegate = nullptr;
+};
+
+/// Has the devices that the test names; their numbers are 11, 12 and so on.
+class FakeAudioControl final : public AudioControl
+{
+public:
+    QStringList names;
+    PKAudioControlDelegate *delegate = nullptr;
+    FakeAudioRecorder *recorder = nullptr; ///< the one that was made last
+    std::function<void()> onStart;         ///< of the recorders that are made from now on
+
+    QStringList inputDevicesName() override { return names; }
+    std::uint32_t deviceIDFromName(const QString &name) override
+    {
+        const qsizetype index = names.indexOf(name);
+        return index < 0 ? 0 : static_cast<std::uint32_t>(11 + index);
+    }
+    void setDelegate(PKAudioControlDelegate *newDelegate) override { delegate = newDelegate; }
+    std::unique_ptr<AudioRecorder> createRecorder(std::uint32_t deviceID) override
+    {
+        auto made = std::make_unique<FakeAudioRecorder>(deviceID);
+        recorder = made.get();
+        recorder->onStart = onStart;
+        return made;
+    }
+};
+
+} // namespace vornic

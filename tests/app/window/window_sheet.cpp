@@ -1,0 +1,189 @@
+// window_sheet PICTURE: the main window in its modes, the sheets, the questions and the stop bar, as one
+// picture to look at. QT_SCALE_FACTOR=2 and LC_ALL=de_DE.UTF-8 show how they are there.
+
+#include "app/session/session_fakes.h"
+#include "app/session/translations.h"
+#include "app/window/VNAlertFreeSpace.h"
+#include "app/window/VNEncoderProgress.h"
+#include "app/window/VNHintWndCtroller.h"
+#include "app/window/main_window.h"
+#include "app/window/stop_item.h"
+#include "app/window/window_front_end.h"
+#include "controls/skin_colors.h"
+#include "window_main.h"
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QPainter>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+using namespace vornic;
+
+void settle(int milliseconds = 60)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+/// Rows of pictures, one beneath the other.
+class Sheet
+{
+public:
+    void add(QWidget &window)
+    {
+        settle();
+        m_row += window.grab().toImage();
+    }
+    void endRow() { m_rows += std::exchange(m_row, {}); }
+    bool save(const QString &path)
+    {
+        endRow();
+        constexpr int gap = 16;
+        QSize size(gap, gap);
+        for (const QList<QImage> &row : m_rows) {
+            QSize rowSize(gap, 0);
+            for (const QImage &picture : row)
+                rowSize = { rowSize.width() + picture.width() + gap,
+                            std::max(rowSize.height(), picture.height()) };
+            size = { std::max(size.width(), rowSize.width()), size.height() + rowSize.height() + gap };
+        }
+        QImage sheet(size, QImage::Format_RGB32);
+        sheet.fill(QColor(0x80, 0x90, 0xa0));
+        QPainter painter(&sheet);
+        int y = gap;
+        for (const QList<QImage> &row : m_rows) {
+            int x = gap;
+            int height = 0;
+            for (QImage picture : row) {
+                picture.setDevicePixelRatio(1);
+                painter.drawImage(x, y, picture);
+                x += picture.width() + gap;
+                height = std::max(height, picture.height());
+            }
+            y += height + gap;
+        }
+        painter.end();
+        return sheet.save(path);
+    }
+
+private:
+    QList<QList<QImage>> m_rows;
+    QList<QImage> m_row;
+};
+
+/// Asks, and photographs the question.
+template<typename Ask>
+void addQuestion(Sheet &sheet, const Ask &ask)
+{
+    QTimer::singleShot(100, qApp, [&sheet] {
+        QWidget *question = QApplication::activeModalWidget();
+        if (!question)
+            return;
+        sheet.add(*question);
+        question->close();
+    });
+    ask();
+}
+
+void addSheets(Sheet &sheet, MainWindow &window)
+{
+    VNHintWndCtroller::shareHintWndCtroller().beginSheetModalForWindow(&window, {});
+    sheet.add(*window.findChild<QDialog *>());
+    VNHintWndCtroller::shareHintWndCtroller().cancelAction();
+    settle();
+    VNAlertFreeSpace::shareAlertFreeSpace().beginSheetForWindow(&window, {});
+    sheet.add(*window.findChild<QDialog *>());
+    VNAlertFreeSpace::shareAlertFreeSpace().cancelAction();
+    settle();
+    VNEncoderProgress::shareEncoderProgress().beginSheet(&window, 5400);
+    settle(400);
+    VNEncoderProgress::shareEncoderProgress().setPercent(3.2);
+    sheet.add(*window.findChild<QDialog *>());
+    VNEncoderProgress::shareEncoderProgress().endSheet();
+    sheet.endRow();
+}
+
+void addQuestions(Sheet &sheet, WindowFrontEnd &frontEnd)
+{
+    addQuestion(sheet, [&] {
+        static_cast<void>(frontEnd.confirmQuit(
+            VornicAppDelegate::tr("Are you sure to quit it?"),
+            VornicAppDelegate::tr(
+                "The application is recording video, video recording will stop if it quit.")));
+    });
+    addQuestion(sheet, [&] {
+        frontEnd.alert(
+            VornicAppDelegate::tr("Disk free space is too low"),
+            VornicAppDelegate::tr("It will terminate recording because of disk space is insufficient"));
+    });
+    StopItem item("00:12:34", {});
+    for (QWidget *bar : QApplication::topLevelWidgets()) {
+        if (bar->objectName() == "stopBar")
+            sheet.add(*bar);
+    }
+    sheet.endRow();
+}
+
+int paint(const QString &path)
+{
+    FakeFrontEnd fake;
+    FakeAudioControl audioControl;
+    audioControl.names
+        = QStringList { "Built-in Audio Analog Stereo", "Monitor of Built-in Audio Analog Stereo" };
+    VornicAppDelegate delegate(fake, std::make_unique<VNOption>());
+    delegate.setAudioControl(&audioControl);
+    delegate.applicationDidFinishLaunching();
+    MainWindow window(delegate);
+    WindowFrontEnd frontEnd;
+    frontEnd.setWindow(&window, &delegate);
+    window.show();
+    Sheet sheet;
+    sheet.add(window);
+    delegate.options()->setRecordRegion(1);
+    delegate.options()->setEnableAudio(true);
+    delegate.recordRegionChanged();
+    delegate.options()->logoContext()->setLogoValidate(true);
+    sheet.add(window);
+    sheet.endRow();
+    QImage picture(300, 180, QImage::Format_RGB32);
+    QPainter painter(&picture);
+    painter.fillRect(picture.rect(), QGradient(QGradient::SunnyMorning));
+    painter.end();
+    delegate.options()->logoContext()->setNSImage(picture);
+    delegate.options()->logoContext()->setLogoType(1);
+    sheet.add(window);
+    window.setSaving(true);
+    sheet.add(window);
+    window.setSaving(false);
+    sheet.endRow();
+    addSheets(sheet, window);
+    addQuestions(sheet, frontEnd);
+    return sheet.save(path) ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QTemporaryDir home;
+    qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
+    qputenv("XDG_CACHE_HOME", home.filePath("cache").toUtf8());
+    setMainDisplay(std::make_shared<FakeDisplay>(QSize(1440, 900)));
+    const QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("window_sheet PICTURE\n", stderr);
+        return 2;
+    }
+    const Translations translations;
+    QApplication::setStyle("Fusion");
+    QApplication::setPalette(skinPalette());
+    return paint(QString::fromLocal8Bit(argv[1]));
+}

@@ -1,0 +1,608 @@
+#include "audio/PKAudioRecorderData.h"
+#include "base/PKTimebase.h"
+#include "base/keyed_archive.h"
+#include "capture/capture_fixture.h"
+#include "capture/record/VNBufferDiscr.h"
+#include "capture/record/picture_spooler.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "codec/PKMuxerContext.h"
+#include "support/test_pictures.h"
+#include "support/wait_until.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace vornic {
+namespace {
+
+using test::noisePicture;
+using test::pixelsOf;
+using test::waitUntil;
+
+class BufferMgrTest : public CaptureTest
+{
+protected:
+    BufferMgrTest() { m_manager.readyToRecord(); }
+
+    void push(const QImage &picture, std::uint64_t timestamp)
+    {
+        const auto record = VNBufferDiscr::createWithScreenImage(grabOf(picture));
+        record->setBufferTimestamp(timestamp);
+        m_manager.pushRecordBuffer(*record);
+    }
+
+    static PKAudioRecorderData chunkOf(const QByteArray &samples)
+    {
+        return PKAudioRecorderData(samples, defaultAudioStreamBasicDescription());
+    }
+
+    static QByteArray fileOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    VNBufferMgr m_manager { 4 };
+};
+
+QByteArray randomBytes(qsizetype size, quint32 seed)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator generator(seed);
+    for (char &byte : bytes)
+        byte = static_cast<char>(generator.generate());
+    return bytes;
+}
+
+/// How often thread \a id of this process has given the processor away to wait for something.
+qint64 waitsOf(pid_t id)
+{
+    QFile status(QStringLiteral("/proc/self/task/%1/status").arg(id));
+    const QByteArray field = "\nvoluntary_ctxt_switches:";
+    const QByteArray all = status.open(QIODevice::ReadOnly) ? status.readAll() : QByteArray();
+    const qsizetype start = all.indexOf(field) + field.size();
+    return all.mid(start, all.indexOf('\n', start) - start).trimmed().toLongLong();
+}
+
+/// A thread that runs one pop, and how often that has waited.
+class Consumer
+{
+public:
+    explicit Consumer(std::function<void()> pop)
+        : m_thread([this, pop = std::move(pop)] {
+            m_waitsBefore = waitsOf(gettid());
+            m_id = gettid();
+            pop();
+        })
+    {
+        waitUntil([this] { return m_id != 0; });
+    }
+    ~Consumer() { m_thread.join(); }
+    Consumer(const Consumer &) = delete;
+    Consumer &operator=(const Consumer &) = delete;
+
+    [[nodiscard]] qint64 waits() const { return waitsOf(m_id) - m_waitsBefore; }
+    /// A look waits once for the time to pass, and once or twice for the queue.
+    [[nodiscard]] bool hasLookedTwice() const { return waits() > 3; }
+
+private:
+    std::atomic<qint64> m_waitsBefore = 0;
+    std::atomic<pid_t> m_id = 0;
+    std::thread m_thread; ///< last: it uses the others
+};
+
+TEST_F(BufferMgrTest, FramesComeBackInTheOrderOfTheirPush)
+{
+    for (int i = 0; i < 10; ++i)
+        push(boxPicture({ 320, 200 }, qRgb(i * 20, 100, 50), {}, 0),
+             static_cast<std::uint64_t>(1000 * i + 1));
+    m_manager.endVideoRecord();
+    m_manager.setExit(true);
+    EXPECT_EQ(m_manager.recordBufferCount(), 10U);
+    EXPECT_EQ(m_manager.nextBufferTimestamp(), 1);
+    EXPECT_EQ(m_manager.lastBufferTimestamp(), 9001);
+    for (int i = 0; i < 10; ++i) {
+        const auto record = m_manager.popRecordBuffer();
+        ASSERT_TRUE(record);
+        EXPECT_EQ(record->timestamp(), static_cast<std::uint64_t>(1000 * i + 1));
+        EXPECT_LE(std::abs(qRed(record->recordImage()->view().pixel(100, 100)) - i * 20), 2);
+        EXPECT_EQ(m_manager.nextBufferTimestamp(), i == 9 ? 0 : 1000 * (i + 1) + 1);
+    }
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+    EXPECT_EQ(m_manager.skippedBlockCount(), 0U);
+}
+
+TEST_F(BufferMgrTest, FramesAreReadFromMemoryBeforeTheEndToo)
+{
+    push(noisePicture({ 320, 200 }, 1), 5);
+    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
+    const auto record = m_manager.getBufferVideoFrame();
+    ASSERT_TRUE(record);
+    EXPECT_TRUE(record->recordImage());
+}
+
+TEST_F(BufferMgrTest, TheFileIsThePlainConcatenationOfArchives)
+{
+    const PKAudioRecorderData first = chunkOf(randomBytes(4000, 1));
+    const PKAudioRecorderData second = chunkOf(QByteArray(4000, 'x'));
+    m_manager.pushAudioBuffer(first);
+    m_manager.pushAudioBuffer(second);
+    m_manager.endAudioRecord();
+    const QByteArray file = fileOf(VNBufferMgr::tempAudioPathfile());
+    // The first cannot be compressed and stands raw; the second stands behind its 8 bytes of length.
+    const QByteArray raw = archivedData(first);
+    ASSERT_TRUE(file.startsWith(raw));
+    const QByteArray rest = file.mid(raw.size());
+    quint64 length = 0;
+    std::memcpy(&length, rest.constData(), sizeof length);
+    EXPECT_EQ(length, static_cast<quint64>(archivedData(second).size()));
+    EXPECT_LT(rest.size(), 1000);
+    EXPECT_EQ(m_manager.getAudioBuffer()->data(), first.data());
+    EXPECT_EQ(m_manager.getAudioBuffer()->data(), second.data());
+    EXPECT_FALSE(m_manager.getAudioBuffer());
+}
+
+TEST_F(BufferMgrTest, OnlyAChunkThatWasCompressedIsUncompressed)
+{
+    const QStringList incompressible { "This block contains incompressible data." };
+    const QByteArray random = randomBytes(4000, 1);
+    m_manager.pushAudioBuffer(chunkOf(random));
+    EXPECT_EQ(logged(), incompressible);
+    const QByteArray even(4000, 'x');
+    m_manager.pushAudioBuffer(chunkOf(even));
+    for (const QByteArray &samples : { random, even }) {
+        const auto chunk = m_manager.getAudioBuffer();
+        ASSERT_TRUE(chunk);
+        EXPECT_EQ(chunk->data(), samples);
+    }
+    // Uncompressing what is not compressed gives it back, but not without a word.
+    EXPECT_EQ(logged(), incompressible);
+}
+
+TEST_F(BufferMgrTest, AChunkKeepsItsFormat)
+{
+    AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    format.mSampleRate = 44100.5;
+    format.mReserved = 0xFFFFFFFF;
+    m_manager.pushAudioBuffer(PKAudioRecorderData("abcd", format));
+    EXPECT_EQ(m_manager.getAudioBuffer()->dataFormat(), format);
+}
+
+TEST_F(BufferMgrTest, WithTheExitFlagUpAnEmptySpoolEndsAtOnce)
+{
+    m_manager.setExit(true);
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+    EXPECT_FALSE(m_manager.popAudioBuffer());
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(95));
+}
+
+TEST_F(BufferMgrTest, APopWaitsForAPush)
+{
+    const Consumer video([this] {
+        const auto record = m_manager.popRecordBuffer();
+        ASSERT_TRUE(record);
+        EXPECT_EQ(record->timestamp(), 77U);
+    });
+    const Consumer audio([this] {
+        const auto chunk = m_manager.popAudioBuffer();
+        ASSERT_TRUE(chunk);
+        EXPECT_EQ(chunk->data(), "abcd");
+    });
+    EXPECT_TRUE(waitUntil([&] { return video.hasLookedTwice() && audio.hasLookedTwice(); }));
+    push(noisePicture({ 32, 20 }, 1), 77);
+    m_manager.pushAudioBuffer(chunkOf("abcd"));
+}
+
+TEST_F(BufferMgrTest, APopThatWaitsEndsWithTheExitFlag)
+{
+    const Consumer video([this] { EXPECT_FALSE(m_manager.popRecordBuffer()); });
+    const Consumer audio([this] { EXPECT_FALSE(m_manager.popAudioBuffer()); });
+    EXPECT_TRUE(waitUntil([&] { return video.hasLookedTwice() && audio.hasLookedTwice(); }));
+    m_manager.setExit(true);
+}
+
+TEST_F(BufferMgrTest, AConsumerOfAnEmptySpoolLooksAgainTenTimesASecond)
+{
+    const Consumer video([this] { EXPECT_FALSE(m_manager.popRecordBuffer()); });
+    const Consumer audio([this] { EXPECT_FALSE(m_manager.popAudioBuffer()); });
+    // The measure: this thread sleeps as often and as long as a consumer should, side by side with them.
+    constexpr int sleeps = 20;
+    for (int i = 0; i < sleeps; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    const qint64 waits[] = { video.waits(), audio.waits() };
+    m_manager.setExit(true);
+    for (const qint64 count : waits) {
+        EXPECT_GE(count, sleeps / 2);
+        EXPECT_LE(count, sleeps * 10);
+    }
+}
+
+TEST_F(BufferMgrTest, TimestampsOfAnEmptyIndexAreZero)
+{
+    EXPECT_EQ(m_manager.lastBufferTimestamp(), 0);
+    EXPECT_EQ(m_manager.nextBufferTimestamp(), 0);
+    EXPECT_EQ(m_manager.recordBufferCount(), 0U);
+}
+
+TEST_F(BufferMgrTest, RecordedSizesAreTruncated)
+{
+    m_manager.setRecordRect(QRectF(3.5, 4.5, 1920.9, 1080.4));
+    EXPECT_EQ(m_manager.recordWidth(), 1920);
+    EXPECT_EQ(m_manager.recordHeight(), 1080);
+    EXPECT_EQ(m_manager.encodeWidth(), 1920);
+    EXPECT_EQ(m_manager.encodeHeight(), 1080);
+    m_manager.setRecordRect(QRectF(0, 0, 2560, 1440));
+    EXPECT_EQ(m_manager.encodeWidth(), 1920);
+    EXPECT_EQ(m_manager.encodeHeight(), 1080);
+}
+
+TEST_F(BufferMgrTest, FreeSpaceRules)
+{
+    std::uint64_t freeBytes = 0;
+    m_manager.setFreeSpaceProbe([&] { return freeBytes; });
+    freeBytes = 10'737'418'240;
+    EXPECT_TRUE(m_manager.freespaceIsEough());
+    EXPECT_FALSE(m_manager.cacheFull());
+    freeBytes = 10'737'418'239;
+    EXPECT_FALSE(m_manager.freespaceIsEough());
+    freeBytes = 1'073'741'824;
+    EXPECT_FALSE(m_manager.cacheFull());
+    freeBytes = 1'073'741'823;
+    EXPECT_TRUE(m_manager.cacheFull());
+    EXPECT_EQ(VNBufferMgr::freeSpaceRequired(), 10'737'418'240U);
+    EXPECT_EQ(VNBufferMgr::limitSpaceForRecord(), 1'073'741'824U);
+    EXPECT_EQ(VNBufferMgr::descriptionOfFreeSpaceRequired(), "25GBytes");
+}
+
+TEST_F(BufferMgrTest, ReadyToRecordBeginsAnew)
+{
+    push(noisePicture({ 64, 64 }, 1), 1);
+    m_manager.endVideoRecord();
+    m_manager.setExit(true);
+    m_manager.setMuxerContext(std::make_shared<PKMuxerContext>("x.mp4"));
+    m_manager.clear();
+    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
+    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempAudioPathfile()));
+    EXPECT_EQ(m_manager.recordBufferCount(), 0U);
+
+    m_manager.readyToRecord();
+    EXPECT_FALSE(m_manager.exit());
+    EXPECT_FALSE(m_manager.muxerContext());
+    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
+    push(noisePicture({ 64, 64 }, 1), 2);
+    m_manager.endVideoRecord();
+    EXPECT_TRUE(m_manager.getBufferVideoFrame()->recordImage());
+}
+
+TEST_F(BufferMgrTest, WhatACrashLeftInTheFilesIsGone)
+{
+    for (const QString &path : { VNBufferMgr::tempVideoPathfile(), VNBufferMgr::tempAudioPathfile() }) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(100'000, 'x'));
+    }
+    VNBufferMgr next { 4 };
+    next.readyToRecord();
+    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
+    EXPECT_EQ(QFile(VNBufferMgr::tempAudioPathfile()).size(), 0);
+    EXPECT_TRUE(logged().isEmpty());
+
+    const PKAudioRecorderData chunk = chunkOf(randomBytes(4000, 1));
+    next.pushAudioBuffer(chunk);
+    next.endAudioRecord();
+    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
+    const auto record = VNBufferDiscr::createWithScreenImage(grabOf(noisePicture({ 64, 64 }, 1)));
+    next.pushRecordBuffer(*record);
+    next.endVideoRecord();
+    EXPECT_FALSE(fileOf(VNBufferMgr::tempVideoPathfile()).contains("xxxx"));
+    const auto popped = next.getBufferVideoFrame();
+    ASSERT_TRUE(popped);
+    EXPECT_TRUE(popped->recordImage());
+}
+
+TEST_F(BufferMgrTest, ReadyToRecordForgetsWhatWasInMemoryAndLeavesTheIndex)
+{
+    push(noisePicture({ 64, 64 }, 1), 1);
+    m_manager.pushAudioBuffer(chunkOf("old"));
+    m_manager.readyToRecord();
+    EXPECT_EQ(m_manager.recordBufferCount(), 1U);
+
+    push(noisePicture({ 64, 64 }, 2), 2);
+    const PKAudioRecorderData chunk = chunkOf(randomBytes(4000, 1));
+    m_manager.pushAudioBuffer(chunk);
+    m_manager.endVideoRecord();
+    m_manager.endAudioRecord();
+    EXPECT_EQ(m_manager.recordBufferCount(), 2U);
+    EXPECT_EQ(m_manager.nextBufferTimestamp(), 1);
+    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
+    // The entries of the old blocks are still there, and lead to nothing of theirs.
+    static_cast<void>(m_manager.getBufferVideoFrame());
+    static_cast<void>(m_manager.getAudioBuffer());
+    const auto record = m_manager.getBufferVideoFrame();
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->timestamp(), 2U);
+    const auto popped = m_manager.getAudioBuffer();
+    ASSERT_TRUE(popped);
+    EXPECT_EQ(popped->data(), chunk.data());
+}
+
+TEST_F(BufferMgrTest, ARewoundSpoolIsReadAgainFromTheStart)
+{
+    for (std::uint32_t i = 0; i < 5; ++i)
+        push(noisePicture({ 64, 64 }, i / 2), i);
+    m_manager.pushAudioBuffer(chunkOf("abcd"));
+    m_manager.endVideoRecord();
+    m_manager.endAudioRecord();
+    m_manager.setExit(true);
+    for (int turn = 0; turn < 2; ++turn) {
+        for (std::uint64_t i = 0; i < 3; ++i)
+            EXPECT_EQ(m_manager.popRecordBuffer()->timestamp(), i);
+        EXPECT_EQ(m_manager.popAudioBuffer()->data(), "abcd");
+        m_manager.rewind();
+        EXPECT_EQ(m_manager.recordBufferCount(), 5U);
+    }
+    for (std::uint64_t i = 0; i < 5; ++i)
+        EXPECT_TRUE(m_manager.popRecordBuffer()->recordImage());
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+}
+
+TEST_F(BufferMgrTest, AFileThatCannotBeMadeIsLoggedAndTheRecordingGoesOn)
+{
+    qputenv("XDG_CACHE_HOME", "/proc/none");
+    m_manager.readyToRecord();
+    EXPECT_EQ(logged().count("Failed to create tmp file."), 2);
+    push(noisePicture({ 64, 64 }, 1), 1);
+    m_manager.endVideoRecord();
+    m_manager.setExit(true);
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+    EXPECT_EQ(m_manager.skippedBlockCount(), 1U);
+}
+
+TEST_F(BufferMgrTest, AnEqualPictureTakesNoSpaceAndComesBackAllTheSame)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 4);
+    push(picture, 0);
+    push(picture, 3000);
+    push(picture, 6000);
+    m_manager.endVideoRecord();
+    const qint64 one = [&] {
+        PictureSpooler spooler;
+        KeyedArchiver archiver;
+        VNBufferDiscr::createWithScreenImage(grabOf(picture))->encodeWithCoder(archiver, spooler);
+        return archiver.bytes().size();
+    }();
+    EXPECT_LT(QFile(VNBufferMgr::tempVideoPathfile()).size(), one + 300);
+    const auto first = m_manager.getBufferVideoFrame();
+    for (int i = 1; i < 3; ++i) {
+        const auto next = m_manager.getBufferVideoFrame();
+        EXPECT_EQ(next->timestamp(), static_cast<std::uint64_t>(3000 * i));
+        EXPECT_EQ(next->recordPicture(), first->recordPicture());
+    }
+    EXPECT_TRUE(first->recordImage());
+}
+
+TEST_F(BufferMgrTest, AWholePictureStandsAtLeastEveryTwoSeconds)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 4);
+    const auto twoSeconds = static_cast<std::uint64_t>(2 * PKTimebase);
+    for (const std::uint64_t time :
+         { std::uint64_t { 0 }, twoSeconds - 1, twoSeconds, 2 * twoSeconds - 1, 2 * twoSeconds })
+        push(picture, time);
+    std::vector<std::shared_ptr<const JpegPicture>> pictures;
+    while (const auto record = m_manager.getBufferVideoFrame())
+        pictures.push_back(record->recordPicture());
+    ASSERT_EQ(pictures.size(), 5U);
+    EXPECT_EQ(pictures[0], pictures[1]);
+    EXPECT_NE(pictures[1], pictures[2]);
+    EXPECT_EQ(pictures[2], pictures[3]);
+    EXPECT_NE(pictures[3], pictures[4]);
+}
+
+TEST_F(BufferMgrTest, ADamagedBlockCostsItselfAndTheMarksBehindIt)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 4);
+    push(noisePicture({ 320, 200 }, 3), 0);
+    push(picture, 1000);
+    push(picture, 2000);
+    push(noisePicture({ 320, 200 }, 5), 3000);
+    m_manager.endVideoRecord();
+    m_manager.setExit(true);
+    const auto first = m_manager.popRecordBuffer();
+    ASSERT_TRUE(first);
+    {
+        // Overwrites the start of the second block.
+        QFile file(VNBufferMgr::tempVideoPathfile());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray all = file.readAll();
+        const qsizetype second = all.indexOf(QByteArray("mMouseLocation"), all.indexOf("mMouseLocation") + 1);
+        file.seek(second - 8);
+        file.write(QByteArray(64, '\xFF'));
+    }
+    const auto next = m_manager.popRecordBuffer();
+    ASSERT_TRUE(next);
+    // The mark at 2000 has no picture to stand for; the record itself is readable.
+    EXPECT_EQ(next->timestamp(), 2000U);
+    EXPECT_FALSE(next->recordImage());
+    const auto last = m_manager.popRecordBuffer();
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->timestamp(), 3000U);
+    EXPECT_TRUE(last->recordImage());
+    EXPECT_FALSE(m_manager.popRecordBuffer());
+    EXPECT_EQ(m_manager.skippedBlockCount(), 1U);
+    EXPECT_EQ(logged().size(), 1);
+}
+
+TEST_F(BufferMgrTest, AudioChunksOfAllSizesComeBackBitForBit)
+{
+    std::vector<QByteArray> chunks;
+    for (const qsizetype size : { 0, 1, 16, 3840, 19200, 100'000 }) {
+        chunks.push_back(randomBytes(size, static_cast<quint32>(size)));
+        chunks.push_back(QByteArray(size, '\0'));
+    }
+    for (const QByteArray &samples : chunks)
+        m_manager.pushAudioBuffer(chunkOf(samples));
+    m_manager.endAudioRecord();
+    m_manager.setExit(true);
+    for (const QByteArray &samples : chunks)
+        EXPECT_EQ(m_manager.popAudioBuffer()->data(), samples);
+}
+
+/// The two spools at once, from several threads, with a consumer that follows.
+TEST_F(BufferMgrTest, ProducersAndConsumersMayRunAtOnce)
+{
+    constexpr int count = 60;
+    std::thread video([this] {
+        for (int i = 0; i < count; ++i)
+            push(noisePicture({ 64, 64 }, static_cast<std::uint32_t>(i)), static_cast<std::uint64_t>(i));
+    });
+    std::thread audio([this] {
+        for (int i = 0; i < count; ++i)
+            m_manager.pushAudioBuffer(chunkOf(QByteArray::number(i)));
+    });
+    std::thread audioConsumer([this] {
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(m_manager.popAudioBuffer()->data(), QByteArray::number(i));
+    });
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(m_manager.popRecordBuffer()->timestamp(), static_cast<std::uint64_t>(i));
+    video.join();
+    audio.join();
+    audioConsumer.join();
+}
+
+/// One spool without pictures, to reach the 16 MiB mark exactly.
+class SpoolStreamTest : public CaptureTest
+{
+protected:
+    SpoolStreamTest()
+    {
+        onQueue([this] { m_stream.open(m_path); });
+    }
+    void onQueue(const std::function<void()> &block) { m_stream.queue().sync(block); }
+    void append(const QByteArray &block)
+    {
+        onQueue([&] { m_stream.append(block, 0, false); });
+    }
+    std::optional<SpoolStream::Block> take()
+    {
+        std::optional<SpoolStream::Block> block;
+        onQueue([&] { block = m_stream.takeOldest(); });
+        return block;
+    }
+
+    QString m_path = m_cacheHome.filePath("spool");
+    SpoolStream m_stream { "test" };
+};
+
+TEST_F(SpoolStreamTest, BlocksLieBehindOneAnotherFromZero)
+{
+    std::uint64_t expected = 0;
+    for (const qsizetype size : { 5, 100, 0, 70'000 })
+        append(QByteArray(size, 'a'));
+    for (const qsizetype size : { 5, 100, 0, 70'000 }) {
+        const auto block = take();
+        ASSERT_TRUE(block);
+        EXPECT_EQ(block->entry.offset(), expected);
+        EXPECT_EQ(block->entry.length(), static_cast<std::uint64_t>(size));
+        expected += static_cast<std::uint64_t>(size);
+    }
+    EXPECT_FALSE(take());
+}
+
+TEST_F(SpoolStreamTest, AnEntrySaysWhetherItsBlockIsCompressed)
+{
+    for (const bool compressed : { true, false, true }) {
+        onQueue([&] { m_stream.append("block", 7, compressed); });
+        const auto block = take();
+        ASSERT_TRUE(block);
+        EXPECT_EQ(block->entry.isCompressed(), compressed);
+        EXPECT_EQ(block->entry.timeStamp(), 7);
+    }
+}
+
+TEST_F(SpoolStreamTest, OpeningBeginsAgainAtZeroAndLeavesTheIndex)
+{
+    append(QByteArray(SpoolStream::flushLength, 'a')); // flushed: the next lies behind it in the file
+    append("in memory");
+    onQueue([this] { m_stream.open(m_path); });
+    EXPECT_EQ(QFile(m_path).size(), 0);
+    append("new");
+    onQueue([this] { EXPECT_EQ(m_stream.index().count(), 3U); });
+    onQueue([this] { m_stream.end(); });
+    EXPECT_EQ(QFile(m_path).size(), 3);
+    EXPECT_EQ(take()->entry.length(), static_cast<std::uint64_t>(SpoolStream::flushLength));
+    EXPECT_EQ(take()->entry.length(), 9U);
+    const auto block = take();
+    ASSERT_TRUE(block);
+    EXPECT_EQ(block->entry.offset(), 0U);
+    EXPECT_EQ(block->bytes, "new");
+}
+
+TEST_F(SpoolStreamTest, ABlockThatEndsAtTheMarkIsFlushed)
+{
+    const QByteArray first = randomBytes(1000, 1);
+    const QByteArray second = randomBytes(SpoolStream::flushLength - 1000, 2);
+    append(first);
+    EXPECT_EQ(QFile(m_path).size(), 0);
+    append(second);
+    EXPECT_EQ(QFile(m_path).size(), SpoolStream::flushLength);
+    const QByteArray third = randomBytes(3000, 3);
+    append(third);
+    EXPECT_EQ(take()->bytes, first);
+    EXPECT_EQ(take()->bytes, second);
+    const auto block = take();
+    EXPECT_EQ(block->entry.offset(), static_cast<std::uint64_t>(SpoolStream::flushLength));
+    EXPECT_EQ(block->bytes, third);
+}
+
+TEST_F(SpoolStreamTest, AfterTheEndEverythingIsReadFromTheFile)
+{
+    std::vector<QByteArray> blocks;
+    for (quint32 i = 0; i < 5; ++i)
+        blocks.push_back(randomBytes(4'500'000, i));
+    for (const QByteArray &block : blocks)
+        append(block);
+    onQueue([this] { m_stream.end(); });
+    EXPECT_EQ(QFile(m_path).size(), 5 * 4'500'000);
+    for (const QByteArray &block : blocks)
+        EXPECT_EQ(take()->bytes, block);
+}
+
+TEST_F(SpoolStreamTest, AFullFileSystemLosesNothingThatWasSpooled)
+{
+    // A limit on the size of files stands in for a full file system: a write beyond it fails.
+    rlimit before {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit = before;
+    limit.rlim_cur = static_cast<rlim_t>(SpoolStream::flushLength) * 3 / 2;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+
+    std::vector<QByteArray> blocks;
+    for (quint32 i = 0; i < 9; ++i)
+        blocks.push_back(randomBytes(SpoolStream::flushLength / 4, i));
+    for (const QByteArray &block : blocks)
+        append(block);
+    EXPECT_TRUE(m_stream.writeFailed());
+    onQueue([this] { m_stream.end(); });
+    for (const QByteArray &block : blocks) {
+        const auto taken = take();
+        ASSERT_TRUE(taken);
+        EXPECT_EQ(taken->bytes, block);
+    }
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+}
+
+} // namespace
+} // namespace vornic
