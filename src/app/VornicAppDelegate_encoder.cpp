@@ -15,6 +15,7 @@
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTask.h"
 #include "codec/PKVideoFrame2.h"
+#include "codec/movie_statistics.h"
 #include "display/bitmap_image.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
@@ -102,11 +103,11 @@ void VornicAppDelegate::muxerReported(const QString &action, const QVariant &val
     } else if (action == PKMuxerTaskActionProgress) {
         m_frontEnd.setProgress(value.toDouble());
     } else if (action == PKMuxerTaskActionComplete) {
-        const QVariantMap written = value.toMap();
-        m_framesWritten = written.value(QStringLiteral("framesWritten")).toULongLong();
-        m_framesOutOfOrder = written.value(QStringLiteral("framesSkipped")).toULongLong();
-        m_movieSeconds = written.value(QStringLiteral("seconds")).toDouble();
-        m_audioSeconds = written.value(QStringLiteral("audioSeconds")).toDouble();
+        const auto statistics = value.value<MovieStatistics>();
+        m_framesWritten = static_cast<std::uint64_t>(statistics.framesWritten);
+        m_framesOutOfOrder = static_cast<std::uint64_t>(statistics.framesSkipped);
+        m_movieSeconds = statistics.seconds;
+        m_audioSeconds = statistics.audioSeconds;
         m_composer.reset();
         recordcomplete();
         m_frontEnd.setProgress(100.0);

@@ -8,7 +8,6 @@
 #include "codec/movie_writer.h"
 
 #include <QCoreApplication>
-#include <QVariantMap>
 
 #include <pthread.h>
 
@@ -54,21 +53,12 @@ struct Outcome {
     QVariant value;
 };
 
-Outcome outcomeOf(const MovieStatistics &statistics)
-{
-    return { PKMuxerTaskActionComplete,
-             QVariantMap { { QStringLiteral("framesWritten"), qint64 { statistics.framesWritten } },
-                           { QStringLiteral("framesSkipped"), qint64 { statistics.framesSkipped } },
-                           { QStringLiteral("seconds"), statistics.seconds },
-                           { QStringLiteral("audioSeconds"), statistics.audioSeconds } } };
-}
-
 /// Nothing may be thrown out of a thread; whatever goes wrong ends the task with a sentence.
 Outcome
 writeMovieToItsEnd(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
 {
     try {
-        return outcomeOf(writeMovie(context, source, progress));
+        return { PKMuxerTaskActionComplete, QVariant::fromValue(writeMovie(context, source, progress)) };
     } catch (const MovieFailure &failure) {
         return { PKMuxerTaskActionFailed, failure.sentence() };
     } catch (const std::bad_alloc &) {

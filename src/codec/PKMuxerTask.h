@@ -16,9 +16,7 @@ class PKMuxerTaskDataSource;
 inline constexpr QLatin1StringView PKMuxerTaskActionStart { "PKMuxerTaskActionStart" }; ///< value: 0.0
 /// Value: percent as a double, whole steps that only grow, at most 20 a second.
 inline constexpr QLatin1StringView PKMuxerTaskActionProgress { "PKMuxerTaskActionProgress" };
-/// The movie stands under its name. Value: a QVariantMap of "framesWritten" (qint64), "framesSkipped"
-/// (qint64, frames whose time was not after the one before), "seconds" (double, the movie's length) and
-/// "audioSeconds" (double).
+/// The movie stands under its name. Value: its MovieStatistics.
 inline constexpr QLatin1StringView PKMuxerTaskActionComplete { "PKMuxerTaskActionComplete" };
 /// No movie was written and nothing of it is left. Value: one sentence for the user, a QString.
 inline constexpr QLatin1StringView PKMuxerTaskActionFailed { "PKMuxerTaskActionFailed" };

@@ -93,9 +93,9 @@ QString TaskReport::sentence() const
     return isComplete() || values.isEmpty() ? QString() : values.last().toString();
 }
 
-double TaskReport::statistic(const QString &name) const
+MovieStatistics TaskReport::statistics() const
 {
-    return values.isEmpty() ? -1 : values.last().toMap().value(name, -1).toDouble();
+    return isComplete() ? values.last().value<MovieStatistics>() : MovieStatistics { -1, -1, -1, -1 };
 }
 
 PKMuxerContext videoContext(const QString &filename, QSize size)

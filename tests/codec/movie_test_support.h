@@ -4,6 +4,7 @@
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTaskDataSource.h"
 #include "codec/PKVideoFrame2.h"
+#include "codec/movie_statistics.h"
 
 #include <QByteArray>
 #include <QColor>
@@ -54,8 +55,8 @@ struct TaskReport {
     [[nodiscard]] bool isComplete() const;
     /// The failure's sentence; empty when the movie was completed.
     [[nodiscard]] QString sentence() const;
-    /// One of the numbers of the last report.
-    [[nodiscard]] double statistic(const QString &name) const;
+    /// Of the movie; all -1 when it failed.
+    [[nodiscard]] MovieStatistics statistics() const;
 };
 
 /// High quality settings for a movie without sound.

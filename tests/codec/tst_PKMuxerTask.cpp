@@ -73,9 +73,9 @@ TEST_F(PKMuxerTaskTest, writesH264HighInBt709LimitedRangeAndSaysSo)
     EXPECT_EQ(text(stream, "chroma_location"), u"center");
     EXPECT_EQ(text(stream, "time_base"), u"1/90000");
     EXPECT_TRUE(streamOf(probed, QStringLiteral("audio")).isEmpty());
-    EXPECT_EQ(report.statistic(QStringLiteral("framesWritten")), 10);
-    EXPECT_EQ(report.statistic(QStringLiteral("framesSkipped")), 0);
-    EXPECT_EQ(report.statistic(QStringLiteral("audioSeconds")), 0);
+    EXPECT_EQ(report.statistics().framesWritten, 10);
+    EXPECT_EQ(report.statistics().framesSkipped, 0);
+    EXPECT_EQ(report.statistics().audioSeconds, 0);
 }
 
 TEST_F(PKMuxerTaskTest, containerItselfCarriesTheColourTags)
@@ -145,8 +145,8 @@ TEST_F(PKMuxerTaskTest, framesThatAreNotLaterAreSkippedAndCounted)
     m_source.add(flat({ 64, 48 }, Qt::white), 6000, 1500);
     const auto report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
     ASSERT_TRUE(report.isComplete());
-    EXPECT_EQ(report.statistic(QStringLiteral("framesWritten")), 3);
-    EXPECT_EQ(report.statistic(QStringLiteral("framesSkipped")), 2);
+    EXPECT_EQ(report.statistics().framesWritten, 3);
+    EXPECT_EQ(report.statistics().framesSkipped, 2);
     const auto probed = probe(m_movie);
     EXPECT_EQ(videoNumbers(probed, "packets", "pts"), (QList<qint64> { 0, 3000, 6000 }));
     EXPECT_EQ(videoNumbers(probed, "packets", "duration"), (QList<qint64> { 3000, 3000, 1500 }));
@@ -159,8 +159,8 @@ TEST_F(PKMuxerTaskTest, framesWithoutAPictureAreSkippedAndCounted)
     m_source.add(flat({ 64, 48 }, Qt::white), 6000, 1500);
     const auto report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
     ASSERT_TRUE(report.isComplete());
-    EXPECT_EQ(report.statistic(QStringLiteral("framesWritten")), 2);
-    EXPECT_EQ(report.statistic(QStringLiteral("framesSkipped")), 1);
+    EXPECT_EQ(report.statistics().framesWritten, 2);
+    EXPECT_EQ(report.statistics().framesSkipped, 1);
     EXPECT_EQ(videoNumbers(probe(m_movie), "packets", "duration"), (QList<qint64> { 6000, 1500 }));
 }
 

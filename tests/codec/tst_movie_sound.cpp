@@ -107,7 +107,7 @@ TEST_F(MovieSoundTest, sixteenBitStereoOf48kHz)
     addSound(tone<std::int16_t>(1000, 48000, 2, 96000, 16000, 0), 48000, 2, 4800);
     const auto report = run();
     ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
-    EXPECT_NEAR(report.statistic(QStringLiteral("audioSeconds")), 2.0, 1e-9);
+    EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 1000, 16000, 96000);
 }
 
@@ -117,7 +117,7 @@ TEST_F(MovieSoundTest, eightBitMonoAtALowRateInUnevenBlocks)
     addSound(tone<std::uint8_t>(500, 11025, 1, 22050, 60, 128), 11025, 1, 777);
     const auto report = run();
     ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
-    EXPECT_NEAR(report.statistic(QStringLiteral("audioSeconds")), 2.0, 1e-9);
+    EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 500, 60 * 256, 96000);
 }
 
@@ -145,7 +145,7 @@ TEST_F(MovieSoundTest, aChangeOfFormatOnTheWayLeavesNoGap)
     addSound(tone<std::int16_t>(1000, 16000, 1, 16000, 16000, 0), 16000, 1, 1600);
     const auto report = run();
     ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
-    EXPECT_NEAR(report.statistic(QStringLiteral("audioSeconds")), 2.0, 1e-9);
+    EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 1000, 16000, 96000);
 }
 
@@ -171,7 +171,7 @@ TEST_F(MovieSoundTest, aTrackThatGetsNoSoundIsLeftOut)
     m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 0, 48000, 10, nullptr)); // makes no sense
     const auto report = run();
     ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
-    EXPECT_EQ(report.statistic(QStringLiteral("audioSeconds")), 0);
+    EXPECT_EQ(report.statistics().audioSeconds, 0);
     const auto probed = probe(m_movie);
     EXPECT_TRUE(streamOf(probed, QStringLiteral("audio")).isEmpty());
     EXPECT_FALSE(streamOf(probed, QStringLiteral("video")).isEmpty());
