@@ -1,0 +1,147 @@
+#include "app/session/audio_input.h"
+
+#include "app/session/audio_device_list.h"
+#include "app/session/recording.h"
+#include "audio/PKAudioRecorderData.h"
+#include "audio/audio_control.h"
+#include "audio/audio_recorder.h"
+#include "base/log.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "codec/PKMuxerContext.h"
+
+#include <utility>
+
+namespace vornic {
+
+AudioInput::AudioInput(VNBufferMgr &spool, AudioControl *control)
+    : m_spool(spool)
+    , m_control(control)
+    , m_devices(std::make_unique<AudioDeviceList>())
+{
+}
+
+AudioInput::~AudioInput()
+{
+    if (m_control)
+        m_control->setDelegate(nullptr);
+}
+
+bool AudioInput::fillDevices()
+{
+    QStringList names;
+    if (m_control) {
+        names = m_control->inputDevicesName();
+        m_control->setDelegate(this);
+    }
+    addDevices(names);
+    return !names.isEmpty();
+}
+
+void AudioInput::addDevices(const QStringList &names)
+{
+    for (const QString &name : names)
+        m_devices->addMenuItem(name);
+    if (!names.isEmpty())
+        m_devices->setIndexOfSelected(0);
+}
+
+bool AudioInput::hasDevices() const
+{
+    return m_control && !m_control->inputDevicesName().isEmpty();
+}
+
+/// The list keeps what it has shown: a device that comes back is found under its old name.
+void AudioInput::audioControlInputDeviceChanged(AudioControl &control)
+{
+    const QStringList names = control.inputDevicesName();
+    control.setDelegate(this);
+    addDevices(names);
+    emit devicesChanged();
+}
+
+std::uint32_t AudioInput::currentAudioID()
+{
+    return m_control ? m_control->deviceIDFromName(m_devices->stringValue()) : 0;
+}
+
+AudioRecorder *AudioInput::audioRecorder()
+{
+    if (!m_recorder && m_control) {
+        m_recorder = m_control->createRecorder(currentAudioID());
+        m_recorder->setDelegate(this);
+    }
+    return m_recorder.get();
+}
+
+void AudioInput::selAudioDevice()
+{
+    if (AudioRecorder *recorder = audioRecorder())
+        recorder->setDeviceID(currentAudioID());
+}
+
+void AudioInput::adopt(std::shared_ptr<Recording> recording)
+{
+    m_startedRecorder = nullptr;
+    const std::lock_guard lock(m_mutex);
+    m_recording = std::move(recording);
+}
+
+std::shared_ptr<Recording> AudioInput::recording() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_recording;
+}
+
+void AudioInput::start(PKMuxerContext &context)
+{
+    AudioRecorder *recorder = audioRecorder();
+    if (!recorder || !recorder->startRecordWithFormat(defaultAudioStreamBasicDescription())) {
+        logMessage(QStringLiteral("Can support 16bit, 8bit record."));
+        return;
+    }
+    const AudioStreamBasicDescription format = recorder->currentDataFormat();
+    if (format.mBitsPerChannel != 8 && format.mBitsPerChannel != 16) {
+        logMessage(QStringLiteral("Only support 16bit & 8bit : %1").arg(format.mBitsPerChannel));
+        recorder->stopRecord();
+        context.setAudioCodecID(PKMuxerContext::audioCodecNone);
+        recording()->clock.dropSound();
+        return;
+    }
+    m_startedRecorder = recorder;
+    context.setAudioCodecID(PKMuxerContext::audioCodecAac);
+    context.setSamplerate(static_cast<std::int32_t>(format.mSampleRate));
+    context.setNumberOfChannels(static_cast<std::int32_t>(format.mChannelsPerFrame));
+    context.setSampleFormat(format.mBitsPerChannel == 16 ? PKMuxerContext::sampleFormatSigned16
+                                                         : PKMuxerContext::sampleFormatUnsigned8);
+}
+
+void AudioInput::stop()
+{
+    if (m_recorder)
+        m_recorder->stopRecord();
+}
+
+void AudioInput::endCapture()
+{
+    if (AudioRecorder *recorder = m_startedRecorder)
+        recorder->stopRecord();
+}
+
+void AudioInput::dataRecord(AudioRecorder & /*recorder*/,
+                            const void *bytes,
+                            std::uint32_t byteCount,
+                            const AudioStreamBasicDescription &format)
+{
+    if (m_spool.exit()) {
+        m_spool.endAudioRecord();
+        return;
+    }
+    if (const std::shared_ptr<Recording> adopted = recording()) {
+        const double seconds = byteCount / (format.mBytesPerFrame * format.mSampleRate);
+        adopted->clock.soundBegins(adopted->clock.now() - seconds);
+    }
+    m_spool.pushAudioBuffer(PKAudioRecorderData(
+        QByteArray(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount)), format));
+}
+
+} // namespace vornic

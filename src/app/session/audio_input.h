@@ -1,0 +1,80 @@
+#pragma once
+
+#include "audio/PKAudioControlDelegate.h"
+#include "audio/PKAudioRecorderDelegate.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+namespace vornic {
+
+class AudioControl;
+class AudioDeviceList;
+class AudioRecorder;
+class PKMuxerContext;
+class VNBufferMgr;
+struct AudioStreamBasicDescription;
+struct Recording;
+
+/// The sound of the recordings: the list of devices, the recorder, and the chunks on their way into the spool.
+///
+/// Owned by RecordingSession; lives on the main thread. dataRecord() runs on the recorder's thread, endCapture()
+/// on the capture queue.
+class AudioInput : public QObject, public PKAudioControlDelegate, public PKAudioRecorderDelegate
+{
+    Q_OBJECT
+public:
+    /// Borrows both for life; without a \a control there are no devices.
+    AudioInput(VNBufferMgr &spool, AudioControl *control);
+    ~AudioInput() override;
+
+    /// Fills the list of devices and follows their coming and going; false when there is none.
+    bool fillDevices();
+    [[nodiscard]] AudioDeviceList &devices() { return *m_devices; }
+    [[nodiscard]] bool hasDevices() const;
+    /// The number of the device that the list shows; 0 when it is not there.
+    [[nodiscard]] std::uint32_t currentAudioID();
+    /// Made at the first call; null without a control.
+    [[nodiscard]] AudioRecorder *audioRecorder();
+    /// The user has chosen a device in the list.
+    void selAudioDevice();
+
+    /// What comes from now on belongs to \a recording.
+    void adopt(std::shared_ptr<Recording> recording);
+    /// Starts the recorder for the adopted recording and enters what it delivers into \a context; without usable
+    /// sound the recording goes on without. Blocks for a few seconds at most.
+    void start(PKMuxerContext &context);
+    void stop();
+    /// Stops the recorder at the end of the capture, unless it is still being started: then stop() does.
+    void endCapture();
+
+    void audioControlInputDeviceChanged(AudioControl &control) override;
+    void dataRecord(AudioRecorder &recorder,
+                    const void *bytes,
+                    std::uint32_t byteCount,
+                    const AudioStreamBasicDescription &format) override;
+
+signals:
+    /// Devices have come or gone.
+    void devicesChanged();
+
+private:
+    void addDevices(const QStringList &names);
+    [[nodiscard]] std::shared_ptr<Recording> recording() const;
+
+    VNBufferMgr &m_spool;
+    AudioControl *m_control;
+    std::unique_ptr<AudioDeviceList> m_devices;
+    std::unique_ptr<AudioRecorder> m_recorder;
+    /// The recorder, once it has started: what the capture queue stops. Null where the recording has no sound.
+    std::atomic<AudioRecorder *> m_startedRecorder = nullptr;
+    mutable std::mutex m_mutex;             ///< guards the one below; held for a copy only
+    std::shared_ptr<Recording> m_recording; ///< the one that sound belongs to; null before the first
+};
+
+} // namespace vornic

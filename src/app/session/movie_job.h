@@ -1,0 +1,50 @@
+#pragma once
+
+#include "codec/PKMuxerTaskDataSource.h"
+
+#include <QString>
+#include <QVariant>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace vornic {
+
+class FrameComposer;
+class VNBufferMgr;
+class VNLogoContext;
+struct Recording;
+
+/// One attempt to write a recording's movie: pops frames and sound out of the spool, composes them, and hands
+/// them to the encoder.
+///
+/// Made by RecordingSession on the main thread, for each attempt anew, and kept until the job has reported its
+/// end; the PKMuxerTask… functions run on the encoder's threads.
+class MovieJob final : public PKMuxerTaskDataSource
+{
+public:
+    /// Borrows \a spool and \a logo.
+    MovieJob(std::shared_ptr<const Recording> recording, VNBufferMgr &spool, VNLogoContext *logo);
+    ~MovieJob() override;
+
+    /// Starts writing, with the spool's muxer context. \a report is what a PKMuxerTask tells.
+    void start(std::function<void(const QString &action, const QVariant &value)> report);
+
+    /// Frames that hold no readable picture.
+    [[nodiscard]] std::uint64_t unusableFrameCount() const { return m_unusableFrames; }
+
+    [[nodiscard]] std::int64_t PKMuxerTaskLength() override;
+    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame() override;
+    [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() override;
+
+private:
+    std::shared_ptr<const Recording> m_recording;
+    VNBufferMgr &m_spool;
+    VNLogoContext *m_logo;
+    std::unique_ptr<FrameComposer> m_composer;
+    std::atomic<std::uint64_t> m_unusableFrames = 0;
+};
+
+} // namespace vornic

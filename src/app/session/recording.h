@@ -1,0 +1,45 @@
+#pragma once
+
+#include "app/session/recording_clock.h"
+#include "codec/movie_statistics.h"
+#include "options/VNOption.h"
+
+#include <QRectF>
+#include <QString>
+
+#include <atomic>
+#include <cstdint>
+
+namespace vornic {
+
+/// One recording: what was asked for at its start, and what has become of it.
+///
+/// Made anew for each by RecordingSession and shared with the threads that work for it. What is asked for is
+/// never changed once they do; what has become of it belongs to the main thread but for the atomic ones.
+struct Recording {
+    Recording() = default;
+    Recording(QString file, const VNOption &options, const QRectF &recorded, RecordingClock::Now now)
+        : path(std::move(file))
+        , rectangle(recorded)
+        , isPart(options.recordsRectangle())
+        , quality(options.recordQuality())
+        , hasSound(options.enableAudio())
+        , clock(hasSound ? RecordingClock::Origin::FirstSound : RecordingClock::Origin::FirstPass,
+                std::move(now))
+    {
+    }
+
+    QString path;          ///< of the movie; another one where it could not be written there
+    QRectF rectangle;      ///< screen coordinates (y up), device pixels
+    bool isPart = false;   ///< a rectangle, not the full display
+    int quality = 0;       ///< the options' step
+    bool hasSound = false; ///< was asked for
+    RecordingClock clock { RecordingClock::Origin::FirstPass };
+
+    bool stopItemIsShown = false;
+    std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
+    MovieStatistics movie;                        ///< zeros until the movie is complete
+    QString failure;                              ///< why there is no movie; empty where there is one
+};
+
+} // namespace vornic
