@@ -1,0 +1,381 @@
+#include "app/session/recording_session.h"
+
+#include "app/session/audio_device_list.h"
+#include "app/session/audio_input.h"
+#include "app/session/desktop_services.h"
+#include "app/session/movie_job.h"
+#include "app/session/output_check.h"
+#include "app/session/recording.h"
+#include "app/session/recording_progress.h"
+#include "app/session/recording_questions.h"
+#include "app/session/recording_settings.h"
+#include "app/session/time_text.h"
+#include "base/main_queue.h"
+#include "base/serial_queue.h"
+#include "capture/VNCGDisplay.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "codec/PKMuxerContext.h"
+#include "codec/PKMuxerTask.h"
+#include "geometry/screen_geometry.h"
+#include "options/VNOption.h"
+
+#include <QFile>
+
+#include <utility>
+
+namespace vornic {
+
+RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, AudioControl *audio)
+    : m_frontEnd(frontEnd)
+    , m_options(options)
+    , m_now(absoluteTimeSeconds)
+    , m_spool(std::make_unique<VNBufferMgr>(4))
+    , m_display(std::make_unique<VNCGDisplay>())
+    , m_audio(std::make_unique<AudioInput>(*m_spool, audio))
+{
+    adopt(std::make_shared<Recording>());
+    if (!m_audio->fillDevices())
+        m_options.setEnableAudio(false);
+    enableAudioDevices();
+    connect(&m_options, &VNOption::enableAudioChanged, this, &RecordingSession::enableAudioDevices);
+    connect(m_audio.get(), &AudioInput::devicesChanged, this, &RecordingSession::enableAudioDevices);
+}
+
+RecordingSession::~RecordingSession()
+{
+    // The capture queue is waited for, and its pass may itself be waiting for this thread.
+    m_loop->abandon();
+}
+
+void RecordingSession::adopt(std::shared_ptr<Recording> recording)
+{
+    if (m_loop)
+        m_loop->abandon();
+    m_recording = std::move(recording);
+    m_audio->adopt(m_recording);
+    CaptureLoop::Listener &listener = *this;
+    const CaptureLoop::Tools tools { imgCaptureQueue(), *m_display, *m_spool, *m_audio };
+    m_loop = std::make_shared<CaptureLoop>(m_recording, tools, listener);
+    m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
+}
+
+SerialQueue &RecordingSession::imgCaptureQueue()
+{
+    if (!m_captureQueue)
+        m_captureQueue = std::make_unique<SerialQueue>();
+    return *m_captureQueue;
+}
+
+void RecordingSession::setPhase(Phase phase)
+{
+    const int before = state();
+    m_phase = phase;
+    if (state() == before)
+        return;
+    enableAudioDevices();
+    emit stateChanged();
+}
+
+void RecordingSession::enableAudioDevices()
+{
+    m_audio->devices().setEnabled(m_options.enableAudio() && state() == 0 && m_audio->hasDevices());
+}
+
+// ---- the questions
+
+void RecordingSession::recorded()
+{
+    if (m_phase != Phase::Idle)
+        return;
+    setPhase(Phase::Asking);
+    if (m_spool->freespaceIsEough()) {
+        startRecordSelectOutFile();
+        return;
+    }
+    m_frontEnd.questions.askAboutFreeSpace([this](bool goOn) {
+        if (goOn)
+            startRecordSelectOutFile();
+        else
+            refuse();
+    });
+}
+
+void RecordingSession::startRecordSelectOutFile()
+{
+    m_frontEnd.questions.runSavePanel(
+        tr("Untitled"), QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
+            if (!path) {
+                refuse();
+                return;
+            }
+            m_chosenFile = *path;
+            main_queue::async([this] { startRecorderWithHintWindow(); });
+        });
+}
+
+void RecordingSession::startRecorderWithHintWindow()
+{
+    m_frontEnd.questions.showHint([this](int response) {
+        if (response == RecordingQuestions::responseContinue)
+            main_queue::async([this] { startRecorderAnyway(); });
+        else
+            refuse();
+    });
+}
+
+void RecordingSession::refuse()
+{
+    setPhase(Phase::Idle);
+    emit recordingRefused();
+}
+
+bool RecordingSession::outputAndSpoolAreReady()
+{
+    QString reason = whyNoMovieCanBeWritten(m_chosenFile);
+    if (reason.isEmpty())
+        reason = whyNothingCanBeSpooled();
+    if (!reason.isEmpty())
+        m_frontEnd.questions.alertError(reason);
+    return reason.isEmpty();
+}
+
+// ---- the capture
+
+QRectF RecordingSession::regionToRecord() const
+{
+    if (!m_options.recordsRectangle())
+        return VNOption::screenFrame();
+    const QRectF selected = m_options.selectedRect();
+    const QRect pixels = truncatedRect(VNOption::convertScreenRectToQuartz(selected));
+    const QRect visible = pixels & QRect(QPoint(0, 0), VNOption::screenFrame().size().toSize());
+    // Where none of it is on the display, the grab finds that out and ends the recording.
+    return visible.isEmpty() ? selected : VNOption::convertScreenRectFromQuartz(QRectF(visible));
+}
+
+void RecordingSession::startRecorderAnyway()
+{
+    if (state() != 0)
+        return;
+    if (m_terminating || !outputAndSpoolAreReady()) {
+        refuse();
+        return;
+    }
+    adopt(std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_now));
+    showStopRecordingBtn();
+    m_spool->readyToRecord();
+    setPhase(Phase::Capturing);
+    m_frontEnd.desktop.inhibitIdle(true);
+
+    m_spool->setRecordRect(m_recording->rectangle);
+    m_spool->setIsRecordPart(m_recording->isPart);
+    if (m_recording->isPart)
+        m_frontEnd.progress.setSaving(true);
+    m_loop->start(m_settlingTime ? m_settlingTime() : std::chrono::nanoseconds(0),
+                  m_recording->isPart ? m_recording->rectangle : QRectF(),
+                  captureFrameRate(m_recording->quality));
+    startRecorder({ m_recording->path, m_recording->quality, m_recording->hasSound ? 1 : 0 });
+}
+
+void RecordingSession::startRecorder(const QVariantList &arguments)
+{
+    const QString path = arguments.value(0).toString();
+    const std::int32_t quality = arguments.value(1).toInt();
+    const bool audio = arguments.value(2).toInt() == 1;
+
+    QFile::remove(path);
+    const auto context = std::make_shared<PKMuxerContext>(path, PKMuxerContext::formatMp4);
+    const std::int64_t width = m_spool->encodeWidth();
+    const std::int64_t height = m_spool->encodeHeight();
+    context->setWidth(static_cast<std::int32_t>(width));
+    context->setHeight(static_cast<std::int32_t>(height));
+    context->setVideoCodecID(PKMuxerContext::videoCodecH264);
+    context->setFrameRate(movieFrameRate(quality));
+    context->setVideoBitrate(movieBitRate(quality, width, height));
+    if (audio)
+        m_audio->start(*context);
+    else
+        context->setAudioCodecID(PKMuxerContext::audioCodecNone);
+    m_spool->setMuxerContext(context);
+}
+
+void RecordingSession::frameKept(std::int64_t timestamp)
+{
+    if (m_recording->stopItemIsShown)
+        m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
+    emit clockTicked(timestamp);
+}
+
+void RecordingSession::soundAwaited()
+{
+    if (m_recording->stopItemIsShown)
+        m_frontEnd.progress.setStopItemTitle(tr("waiting for audio"));
+}
+
+void RecordingSession::spoolFull()
+{
+    m_frontEnd.questions.alert(tr("Disk free space is too low"),
+                               tr("It will terminate recording because of disk space is insufficient"));
+}
+
+void RecordingSession::captureEnded(const CaptureLoop &loop)
+{
+    if (&loop == m_loop.get())
+        executeStopRecord();
+}
+
+void RecordingSession::stopRecord()
+{
+    m_spool->setExit(true);
+}
+
+// ---- the movie
+
+void RecordingSession::executeStopRecord()
+{
+    // Quitting starts the job before the capture loop ends; the loop's own end comes here a second time, it
+    // may be only once the movie is complete.
+    if (m_phase != Phase::Capturing)
+        return;
+    setPhase(Phase::Writing);
+    hideStopRecordingBtn();
+    m_frontEnd.progress.setSaving(true);
+    if (m_recording->hasSound)
+        m_audio->stop();
+    startWriting();
+}
+
+void RecordingSession::startWriting()
+{
+    m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
+    m_job->start([this](const QString &action, const QVariant &value) { muxerReported(action, value); });
+}
+
+void RecordingSession::muxerReported(const QString &action, const QVariant &value)
+{
+    RecordingProgress &progress = m_frontEnd.progress;
+    if (action == PKMuxerTaskActionStart) {
+        progress.beginProgress(m_recording->framesGrabbed);
+        progress.setProgress(0.0);
+    } else if (action == PKMuxerTaskActionProgress) {
+        progress.setProgress(value.toDouble());
+    } else if (action == PKMuxerTaskActionComplete) {
+        m_recording->movie = value.value<MovieStatistics>();
+        recordcomplete();
+        progress.setProgress(100.0);
+        progress.endProgress();
+    } else if (action == PKMuxerTaskActionFailed) {
+        progress.endProgress();
+        m_frontEnd.questions.alertError(value.toString());
+        muxerFailed(value.toString());
+    }
+}
+
+/// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere.
+void RecordingSession::muxerFailed(const QString &sentence)
+{
+    m_recording->failure = sentence;
+    if (m_recording->framesGrabbed == 0) {
+        becomeIdle();
+        return;
+    }
+    m_frontEnd.questions.askForOtherFile(QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
+        if (path)
+            writeTo(*path);
+        else
+            becomeIdle();
+    });
+}
+
+void RecordingSession::writeTo(const QString &path)
+{
+    m_recording->path = path;
+    m_recording->failure.clear();
+    const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
+    context->setFilename(path);
+    m_spool->setMuxerContext(context);
+    m_spool->rewind();
+    startWriting();
+}
+
+void RecordingSession::recordcomplete()
+{
+    DesktopServices &desktop = m_frontEnd.desktop;
+    if (m_options.showInFinderWhenFinished())
+        desktop.reveal(m_recording->path);
+    if (m_options.openRecordedWhenFinished())
+        desktop.open(m_recording->path);
+    desktop.announceMovie(m_recording->path, m_recording->movie.seconds);
+    becomeIdle();
+}
+
+void RecordingSession::becomeIdle()
+{
+    m_spool->clear();
+    hideStopRecordingBtn();
+    m_frontEnd.progress.setSaving(false);
+    m_frontEnd.desktop.inhibitIdle(false);
+    setPhase(Phase::Idle);
+    if (m_terminating)
+        main_queue::async([this] { emit readyToTerminate(); });
+}
+
+void RecordingSession::showStopRecordingBtn()
+{
+    m_recording->stopItemIsShown = true;
+    m_frontEnd.progress.showStopItem(stringFromeTimestamp(0), regionToRecord());
+    m_frontEnd.progress.minimiseMainWindow();
+}
+
+void RecordingSession::hideStopRecordingBtn()
+{
+    if (std::exchange(m_recording->stopItemIsShown, false))
+        m_frontEnd.progress.hideStopItem();
+    m_frontEnd.progress.bringMainWindowToFront();
+}
+
+// ---- the end of the program
+
+void RecordingSession::terminate()
+{
+    m_terminating = true;
+    if (state() == 0)
+        emit readyToTerminate();
+    else
+        stopRecord();
+}
+
+bool RecordingSession::mayQuit()
+{
+    if (state() == 0)
+        return true;
+    const bool quits = m_frontEnd.questions.confirmQuit(
+        tr("Are you sure to quit it?"),
+        tr("The application is recording video, video recording will stop if it quit."));
+    // The recording may have ended while the question stood.
+    if (quits && state() == 1)
+        executeStopRecord();
+    return quits;
+}
+
+// ---- what has become of it
+
+const QString &RecordingSession::outfileName() const
+{
+    return m_recording->path;
+}
+
+const QString &RecordingSession::failure() const
+{
+    return m_recording->failure;
+}
+
+RecordingCounts RecordingSession::counts() const
+{
+    return { m_recording->framesGrabbed,
+             static_cast<std::uint64_t>(m_recording->movie.framesWritten),
+             m_job->unusableFrameCount() + static_cast<std::uint64_t>(m_recording->movie.framesSkipped)
+                 + m_spool->skippedBlockCount(),
+             m_recording->movie.audioSeconds };
+}
+
+} // namespace vornic

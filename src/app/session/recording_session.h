@@ -1,0 +1,131 @@
+#pragma once
+
+#include "app/session/capture_loop.h"
+#include "app/session/front_end.h"
+#include "app/session/recording_clock.h"
+#include "app/session/recording_counts.h"
+
+#include <QObject>
+#include <QRectF>
+#include <QString>
+#include <QVariantList>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vornic {
+
+class AudioControl;
+class AudioInput;
+class MovieJob;
+class SerialQueue;
+class VNBufferMgr;
+class VNCGDisplay;
+class VNOption;
+struct Recording;
+
+/// One recording at a time, from the record button to the finished movie.
+///
+/// Owned by the application delegate, or by the command line; lives on the main thread. What one recording is
+/// and works with (Recording, CaptureLoop, MovieJob) is made anew for each and never reset; the spool, the
+/// grabber, the sound and the capture queue are there for all.
+class RecordingSession : public QObject, private CaptureLoop::Listener
+{
+    Q_OBJECT
+public:
+    enum class Phase {
+        Idle,
+        Asking,    ///< questions stand between the record button and the recording
+        Capturing, ///< passes run
+        Writing,   ///< the movie is written
+    };
+
+    /// Borrows all for life. Without an \a audio control there is no sound.
+    RecordingSession(const FrontEnd &frontEnd, VNOption &options, AudioControl *audio);
+    ~RecordingSession() override;
+
+    [[nodiscard]] Phase phase() const { return m_phase; }
+    /// 1 from the start of the capture until the movie is complete, else 0.
+    [[nodiscard]] int state() const { return m_phase == Phase::Idle || m_phase == Phase::Asking ? 0 : 1; }
+    /// The clock of the recordings that begin from now on, for tests.
+    void setClock(RecordingClock::Now now) { m_now = std::move(now); }
+    /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
+    void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
+
+    /// The record button: begins the questions when idle.
+    void recorded();
+    void startRecordSelectOutFile();
+    void startRecorderWithHintWindow();
+    void startRecorderAnyway();
+    /// \a arguments: the output path, the quality step, 1 for audio or 0.
+    void startRecorder(const QVariantList &arguments);
+    /// Raises the exit flag; the next capture pass ends the recording. From any thread.
+    void stopRecord();
+    /// Writes the movie of the recording that is captured; no more than once.
+    void executeStopRecord();
+    void recordcomplete();
+    void showStopRecordingBtn();
+    void hideStopRecordingBtn();
+    /// Ends a running recording normally: its movie is written, then the phase is Idle. Then, or at once when
+    /// idle, readyToTerminate() is sent.
+    void terminate();
+    /// True when the program may end; asks while a recording runs.
+    [[nodiscard]] bool mayQuit();
+
+    [[nodiscard]] AudioInput &audioInput() { return *m_audio; }
+    [[nodiscard]] VNBufferMgr &bufferMgr() { return *m_spool; }
+    [[nodiscard]] SerialQueue &imgCaptureQueue();
+    [[nodiscard]] CaptureLoop &captureLoop() { return *m_loop; }
+    [[nodiscard]] MovieJob &movieJob() { return *m_job; }
+    /// Of the recording that runs or ran last; complete once the phase is Idle again.
+    [[nodiscard]] const QString &outfileName() const;
+    [[nodiscard]] RecordingCounts counts() const;
+    /// Empty when the last recording became a movie, else why it did not.
+    [[nodiscard]] const QString &failure() const;
+    /// The device list may be used only while idle, with sound switched on.
+    void enableAudioDevices();
+
+signals:
+    void stateChanged();
+    /// The timestamp of a kept frame, in PKTimebase ticks.
+    void clockTicked(qint64 timestamp);
+    /// The questions ended without a recording: the user thought better of it, or it cannot be made.
+    void recordingRefused();
+    void readyToTerminate();
+
+private:
+    void frameKept(std::int64_t timestamp) override;
+    void soundAwaited() override;
+    void spoolFull() override;
+    void captureEnded(const CaptureLoop &loop) override;
+
+    void setPhase(Phase phase);
+    void refuse();
+    [[nodiscard]] bool outputAndSpoolAreReady();
+    [[nodiscard]] QRectF regionToRecord() const;
+    void adopt(std::shared_ptr<Recording> recording);
+    void startWriting();
+    void muxerReported(const QString &action, const QVariant &value);
+    void muxerFailed(const QString &sentence);
+    void writeTo(const QString &path);
+    void becomeIdle();
+
+    FrontEnd m_frontEnd;
+    VNOption &m_options;
+    RecordingClock::Now m_now;
+    std::function<std::chrono::nanoseconds()> m_settlingTime;
+    Phase m_phase = Phase::Idle;
+    bool m_terminating = false;
+    QString m_chosenFile; ///< the save panel's answer
+    std::unique_ptr<VNBufferMgr> m_spool;
+    std::unique_ptr<VNCGDisplay> m_display;
+    std::unique_ptr<AudioInput> m_audio;
+    std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, as the two below
+    std::shared_ptr<CaptureLoop> m_loop;
+    std::unique_ptr<MovieJob> m_job;
+    std::unique_ptr<SerialQueue> m_captureQueue; ///< last: its thread ends before what it uses
+};
+
+} // namespace vornic
