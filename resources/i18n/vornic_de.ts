@@ -180,6 +180,13 @@
     </message>
 </context>
 <context>
+    <name>vornic::LogoActions</name>
+    <message>
+        <source>The picture %1 cannot be read: %2.</source>
+        <translation>Das Bild %1 kann nicht gelesen werden: %2.</translation>
+    </message>
+</context>
+<context>
     <name>vornic::MainWindow</name>
     <message>
         <source>Record</source>
@@ -403,6 +410,33 @@
     </message>
 </context>
 <context>
+    <name>vornic::RecordingSession</name>
+    <message>
+        <source>Untitled</source>
+        <translation>Unbenannt</translation>
+    </message>
+    <message>
+        <source>Disk free space is too low</source>
+        <translation>Es ist zu wenig Speicherplatz frei</translation>
+    </message>
+    <message>
+        <source>It will terminate recording because of disk space is insufficient</source>
+        <translation>Die Aufnahme wird beendet, weil der Speicherplatz nicht reicht</translation>
+    </message>
+    <message>
+        <source>waiting for audio</source>
+        <translation>wartet auf Ton</translation>
+    </message>
+    <message>
+        <source>Are you sure to quit it?</source>
+        <translation>Wirklich beenden?</translation>
+    </message>
+    <message>
+        <source>The application is recording video, video recording will stop if it quit.</source>
+        <translation>Das Programm nimmt gerade auf; die Aufnahme endet, wenn es beendet wird.</translation>
+    </message>
+</context>
+<context>
     <name>vornic::StopItem</name>
     <message>
         <source>Stop the recording</source>
@@ -520,41 +554,6 @@
     </message>
 </context>
 <context>
-    <name>vornic::VornicAppDelegate</name>
-    <message>
-        <source>Error</source>
-        <translation>Fehler</translation>
-    </message>
-    <message>
-        <source>Untitled</source>
-        <translation>Unbenannt</translation>
-    </message>
-    <message>
-        <source>Disk free space is too low</source>
-        <translation>Es ist zu wenig Speicherplatz frei</translation>
-    </message>
-    <message>
-        <source>It will terminate recording because of disk space is insufficient</source>
-        <translation>Die Aufnahme wird beendet, weil der Speicherplatz nicht reicht</translation>
-    </message>
-    <message>
-        <source>waiting for audio</source>
-        <translation>wartet auf Ton</translation>
-    </message>
-    <message>
-        <source>The picture %1 cannot be read: %2.</source>
-        <translation>Das Bild %1 kann nicht gelesen werden: %2.</translation>
-    </message>
-    <message>
-        <source>Are you sure to quit it?</source>
-        <translation>Wirklich beenden?</translation>
-    </message>
-    <message>
-        <source>The application is recording video, video recording will stop if it quit.</source>
-        <translation>Das Programm nimmt gerade auf; die Aufnahme endet, wenn es beendet wird.</translation>
-    </message>
-</context>
-<context>
     <name>vornic::WindowFrontEnd</name>
     <message>
         <source>Save the recording as</source>
@@ -623,6 +622,10 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
     </message>
 </context>
 </TS>

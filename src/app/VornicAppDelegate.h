@@ -1,53 +1,22 @@
 #pragma once
 
-#include "app/session/recording_counts.h"
-#include "audio/PKAudioControlDelegate.h"
-#include "audio/PKAudioRecorderDelegate.h"
-#include "codec/PKMuxerTaskDataSource.h"
+#include "app/logo_actions.h"
+#include "app/session/audio_input.h"
+#include "app/session/movie_job.h"
+#include "app/session/recording_session.h"
 #include "observing/observable_object.h"
 #include "overlay/VNRecorderWndCtrlDelegate.h"
 
 #include <QColor>
-#include <QFont>
-#include <QRectF>
-#include <QString>
-#include <QStringList>
-#include <QVariant>
-
-#include <atomic>
-#include <chrono>
-#include <cstdint>
-#include <functional>
-#include <memory>
-#include <stop_token>
 
 namespace vornic {
 
-class AudioControl;
-class AudioDeviceList;
-class AudioRecorder;
-class BitmapImage;
-class FrameComposer;
-class FrontEnd;
-class PKMuxerContext;
-class SerialQueue;
-class VNBufferMgr;
-class VNCGDisplay;
-class VNLogoContext;
-class VNOption;
-class VNRecorderWndCtrl;
-struct AudioStreamBasicDescription;
-
-/// The spine of the program: one recording at a time, from the record button to the finished movie.
+/// The face of the program that the user interface and the delegates know: its properties and its operations.
 ///
-/// Made by main, which owns it and the front end that it talks to; lives on the main thread. The capture
-/// passes run on imgCaptureQueue, the PKMuxerTask… functions on the encoder's threads, dataRecord() on the
-/// audio recorder's thread.
-class VornicAppDelegate : public ObservableObject,
-                          public PKMuxerTaskDataSource,
-                          public PKAudioControlDelegate,
-                          public PKAudioRecorderDelegate,
-                          public VNRecorderWndCtrlDelegate
+/// Made by main, which owns it and the front end that it talks to; lives on the main thread. What it does is
+/// done by the objects that it owns: the recording session, the logo's actions, the options. Operations that
+/// only forward are described there.
+class VornicAppDelegate : public ObservableObject, public VNRecorderWndCtrlDelegate
 {
     Q_OBJECT
     Q_MOC_INCLUDE("options/VNOption.h")
@@ -62,37 +31,38 @@ class VornicAppDelegate : public ObservableObject,
     Q_PROPERTY(bool allowedAudioRecord READ allowedAudioRecord NOTIFY allowedAudioRecordChanged)
 
 public:
-    /// Borrows \a frontEnd for life. The options are the user's stored ones.
-    explicit VornicAppDelegate(FrontEnd &frontEnd);
-    /// The options are \a options; the stored ones are neither read nor written.
-    VornicAppDelegate(FrontEnd &frontEnd, std::unique_ptr<VNOption> options);
+    /// Without \a options they are the user's stored ones; given ones are neither read nor stored.
+    explicit VornicAppDelegate(const FrontEnd &frontEnd, std::unique_ptr<VNOption> options = nullptr);
     ~VornicAppDelegate() override;
 
-    /// Makes the spool manager and the grabber; before anything else is called.
+    /// Borrow for life, before applicationDidFinishLaunching(): the sound, without which there are no devices; the
+    /// overlay, without which nothing is shown of region and logo; the path of the help document.
+    void setAudioControl(AudioControl *control) { m_audioControl = control; }
+    void setRecorderWndCtrl(VNRecorderWndCtrl *controller) { m_recorderWndCtrl = controller; }
+    void setHelpDocument(const QString &path) { m_helpDocument = path; }
+    /// Makes the session; before anything else is called but the above, options() and alertError().
     void applicationDidFinishLaunching();
-    /// Ends a running recording normally: its movie is written, then state is 0. Then, or at once when idle,
-    /// readyToTerminate() is sent.
-    void terminate();
+    void terminate() { m_session->terminate(); }
     /// Stores the options, if they are the user's stored ones.
-    void applicationWillTerminate();
+    void applicationWillTerminate() { saveOptions(); }
+    /// Writes the options to the user defaults, and those to disk.
+    void saveOptions();
 
     // shell
     /// Null once when the stored options cannot be read; the next call makes fresh ones.
     [[nodiscard]] VNOption *options();
-    [[nodiscard]] bool allowedEditOptions() const;
+    [[nodiscard]] bool allowedEditOptions() const { return state() == 0; }
     [[nodiscard]] bool allowedEditRecordRegion();
     [[nodiscard]] bool allowedEditLogo();
     [[nodiscard]] bool allowedEditFont();
     [[nodiscard]] bool allowedAudioRecord() const;
     void alertError(const QString &text);
-    /// True when the main window may close; asks while a recording runs.
-    [[nodiscard]] bool windowShouldClose();
-    /// Borrows the overlay, until the delegate ends; without one nothing is shown of region and logo. Before
-    /// applicationDidFinishLaunching().
-    void setRecorderWndCtrl(VNRecorderWndCtrl *controller) { m_recorderWndCtrl = controller; }
+    [[nodiscard]] bool windowShouldClose() { return m_session->mayQuit(); }
+    /// The main window closes: the overlay goes with it.
+    void windowWillClose();
     [[nodiscard]] bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override
     {
-        return m_state == 1;
+        return state() == 1;
     }
     /// The choice between display and rectangle has changed: the overlay is placed, or hidden.
     void recordRegionChanged();
@@ -100,79 +70,68 @@ public:
     void logoChanged();
     /// The quality list's action.
     void setVideoQualiy(int index);
-    /// Opens the font panel with the logo's font.
-    void setFontAttrs();
-    /// The font panel's choice becomes the logo's font, and its only attribute.
-    void changeFont(const QFont &font);
-    void setFontFillColor(const QColor &color);
-    void setFontStrokeColor(const QColor &color);
-    /// Asks for a file with the logo's picture.
-    void selImageFile();
-    /// The picture of the logo, from a file; what cannot be read is told, and the old one stays.
-    void setLogoImageFile(const QString &path);
-    void setLogoImage(const QImage &picture);
+    void setFontAttrs() { m_logo->setFontAttrs(); }
+    void changeFont(const QFont &font) { m_logo->changeFont(font); }
+    void setFontFillColor(const QColor &color) { m_logo->setFontFillColor(color); }
+    void setFontStrokeColor(const QColor &color) { m_logo->setFontStrokeColor(color); }
+    void selImageFile() { m_logo->selImageFile(); }
+    void setLogoImageFile(const QString &path) { m_logo->setLogoImageFile(path); }
+    void setLogoImage(const QImage &picture) { m_logo->setLogoImage(picture); }
     /// The grey of the titles of check boxes and radio buttons.
     [[nodiscard]] static QColor attributeForChkTitle();
-    /// The path of the help document; there is none until it is set.
-    void setHelpDocument(const QString &path) { m_helpDocument = path; }
-    /// Opens a copy of the help document in the caches folder, made at the first time; without the document
-    /// nothing happens.
+    /// Opens a copy of the help document in the caches folder; without the document nothing happens.
     void helpScreenRecord();
     /// Whether the version \a version ("12", "12.4") of an operating system is above 10, or 10 and above 6 in
     /// its second number; false where it cannot be read.
     [[nodiscard]] static bool osOverLion(const QString &version);
-    /// Writes the options to the user defaults, and those to disk.
-    void saveOptions();
-    /// The main window closes: the overlay goes with it.
-    void windowWillClose();
 
     // recording session
-    [[nodiscard]] int state() const { return m_state; }
-    /// The record button: begins the start sequence when idle.
-    void recorded();
-    void startRecordSelectOutFile();
-    void startRecorderWithHintWindow();
-    void startRecorderAnyway();
-    /// Raises the exit flag; the next capture pass ends the recording. From any thread.
-    void stopRecord();
-    /// Writes the movie of the recording that runs; no more than once.
-    void executeStopRecord();
-    void recordcomplete();
-    void showStopRecordingBtn();
-    void hideStopRecordingBtn();
-    /// One pass, on the capture queue: \a origin in seconds of the absolute clock, a null \a rect for the
-    /// full display, \a frameRate in frames a second.
-    void captureInBackground(double origin, const QRectF &rect, double frameRate);
-    [[nodiscard]] SerialQueue &imgCaptureQueue();
-    [[nodiscard]] VNBufferMgr &bufferMgr() { return *mBufferMgr; }
-    [[nodiscard]] const QString &outfileName() const { return m_outfileName; }
-    /// Of the recording that runs or ran last; complete once state is 0 again.
-    [[nodiscard]] RecordingCounts counts() const;
-    /// Empty when the last recording became a movie, else why it did not.
-    [[nodiscard]] const QString &failure() const { return m_failure; }
-
-    // encoder hand-off
-    /// \a arguments: the output path, the quality step, 1 for audio or 0.
-    void startRecorder(const QVariantList &arguments);
-    [[nodiscard]] std::int64_t PKMuxerTaskLength() override;
-    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame() override;
-    [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() override;
+    [[nodiscard]] int state() const { return m_session ? m_session->state() : 0; }
+    void recorded() { m_session->recorded(); }
+    void startRecordSelectOutFile() { m_session->startRecordSelectOutFile(); }
+    void startRecorderWithHintWindow() { m_session->startRecorderWithHintWindow(); }
+    void startRecorderAnyway() { m_session->startRecorderAnyway(); }
+    void startRecorder(const QVariantList &arguments) { m_session->startRecorder(arguments); }
+    void stopRecord() { m_session->stopRecord(); }
+    void executeStopRecord() { m_session->executeStopRecord(); }
+    void recordcomplete() { m_session->recordcomplete(); }
+    void showStopRecordingBtn() { m_session->showStopRecordingBtn(); }
+    void hideStopRecordingBtn() { m_session->hideStopRecordingBtn(); }
+    void captureInBackground(double origin, const QRectF &rect, double frameRate)
+    {
+        m_session->captureLoop().run(origin, rect, frameRate);
+    }
+    [[nodiscard]] SerialQueue &imgCaptureQueue() { return m_session->imgCaptureQueue(); }
+    [[nodiscard]] VNBufferMgr &bufferMgr() { return m_session->bufferMgr(); }
+    [[nodiscard]] const QString &outfileName() const { return m_session->outfileName(); }
+    [[nodiscard]] RecordingCounts counts() const { return m_session->counts(); }
+    [[nodiscard]] const QString &failure() const { return m_session->failure(); }
+    [[nodiscard]] std::int64_t PKMuxerTaskLength() { return m_session->movieJob().PKMuxerTaskLength(); }
+    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame()
+    {
+        return m_session->movieJob().PKMuxerTaskGetVideoFrame();
+    }
+    [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame()
+    {
+        return m_session->movieJob().PKMuxerTaskGetAudioFrame();
+    }
 
     // audio input
-    /// Borrows \a control for life; without one there are no devices. Before applicationDidFinishLaunching().
-    void setAudioControl(AudioControl *control) { m_audioControl = control; }
-    [[nodiscard]] AudioDeviceList &audioDevicesView() { return *mAudioDevicesView; }
-    /// The number of the device that the list shows; 0 when it is not there.
-    [[nodiscard]] std::uint32_t currentAudioID();
-    /// Made at the first call; null without a control.
-    [[nodiscard]] AudioRecorder *audioRecorder();
-    /// The list's action: the user has chosen a device.
-    void selAudioDevice();
-    void audioControlInputDeviceChanged(AudioControl &control) override;
+    [[nodiscard]] AudioDeviceList &audioDevicesView() { return audio().devices(); }
+    [[nodiscard]] std::uint32_t currentAudioID() { return audio().currentAudioID(); }
+    [[nodiscard]] AudioRecorder *audioRecorder() { return audio().audioRecorder(); }
+    void selAudioDevice() { audio().selAudioDevice(); }
+    void audioControlInputDeviceChanged(AudioControl &control)
+    {
+        audio().audioControlInputDeviceChanged(control);
+    }
     void dataRecord(AudioRecorder &recorder,
                     const void *bytes,
                     std::uint32_t byteCount,
-                    const AudioStreamBasicDescription &format) override;
+                    const AudioStreamBasicDescription &format)
+    {
+        audio().dataRecord(recorder, bytes, byteCount, format);
+    }
 
 signals:
     void stateChanged();
@@ -181,68 +140,25 @@ signals:
     void allowedEditLogoChanged();
     void allowedEditFontChanged();
     void allowedAudioRecordChanged();
-    /// The timestamp of a kept frame, in PKTimebase ticks; on the main thread.
+    /// As the session's signals of these names.
     void clockTicked(qint64 timestamp);
-    /// The start sequence ended without a recording: the user thought better of it, or it cannot be made.
     void recordingRefused();
     void readyToTerminate();
 
 private:
-    void setState(int state);
-    [[nodiscard]] bool outputAndSpoolAreReady();
-    [[nodiscard]] QRectF regionToRecord();
-    void stopBecauseFull();
-    void endCapture();
-    [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image, double origin);
-    void tellOfAudioWait();
-    [[nodiscard]] std::chrono::nanoseconds overlayWait() const;
-    void scheduleCapture(std::chrono::nanoseconds delay, double origin, const QRectF &rect, double frameRate);
+    [[nodiscard]] AudioInput &audio() const { return m_session->audioInput(); }
     void adoptOverlay();
+    void followSession();
     void reloadOverlay();
-    void fillAudioDevices();
-    void addAudioDevices(const QStringList &names);
-    void enableAudioDevices();
-    void configureAudio(PKMuxerContext &context);
-    void muxerReported(const QString &action, const QVariant &value);
-    void startMuxing();
-    void muxerFailed(const QString &sentence);
-    void recordFailed(const QString &sentence);
-    void becomeIdle();
 
-    FrontEnd &m_frontEnd;
+    FrontEnd m_frontEnd;
     std::unique_ptr<VNOption> m_options;
     const bool m_optionsAreStored;
-    int m_state = 0;
-    bool m_stopItemShown = false;
-    bool m_muxing = false;
-    bool m_terminating = false;
-    QString m_outfileName;
-    QString m_failure;
     QString m_helpDocument; ///< empty when there is none
-    std::unique_ptr<VNBufferMgr> mBufferMgr;
-    std::unique_ptr<VNCGDisplay> mDisplay;
     AudioControl *m_audioControl = nullptr;
     VNRecorderWndCtrl *m_recorderWndCtrl = nullptr;
-    std::unique_ptr<AudioDeviceList> mAudioDevicesView;
-    std::unique_ptr<AudioRecorder> _audioRecorder;
-    /// That one, once it has started: what the capture queue stops. Null where the recording has no sound.
-    std::atomic<AudioRecorder *> m_startedRecorder = nullptr;
-    std::unique_ptr<FrameComposer> m_composer; ///< on the encoder's thread while a movie is written
-    VNLogoContext *m_logoContext = nullptr;    ///< the options', borrowed while a movie is written
-
-    bool m_recordsAudio = false; ///< the options' enableAudio when the recording started
-    std::atomic<bool> _audioValidate = false;
-    int m_audioWaits = 0;                      ///< passes that found no time origin, on the capture queue
-    std::atomic<double> _audioStartTime = 0.0; ///< seconds of the absolute clock; 0: no chunk yet
-    std::atomic<std::uint64_t> m_framesGrabbed = 0;
-    std::atomic<std::uint64_t> m_framesUnusable = 0;
-    std::uint64_t m_framesWritten = 0;
-    std::uint64_t m_framesOutOfOrder = 0;
-    double m_movieSeconds = 0;
-    double m_audioSeconds = 0;
-
-    std::stop_source m_ending; ///< stopped as the delegate ends: the capture queue no longer waits for main
-    std::unique_ptr<SerialQueue> _imgCaptureQueue; ///< last: its thread ends before what it uses
+    std::unique_ptr<LogoActions> m_logo;
+    std::unique_ptr<RecordingSession> m_session; ///< null before the launch
 };
 
 } // namespace vornic

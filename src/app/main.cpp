@@ -83,7 +83,7 @@ int runWindow(int &argc, char **argv, CommandLine::Task task)
     const Translations translations;
     dress();
     WindowFrontEnd frontEnd;
-    VornicAppDelegate delegate(frontEnd);
+    VornicAppDelegate delegate(frontEnd.frontEnd());
     delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
     VNRecorderWndCtrl &overlay = VNRecorderWndCtrl::shareRecorderWndCtrl();
     delegate.setRecorderWndCtrl(&overlay);

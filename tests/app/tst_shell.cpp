@@ -48,7 +48,7 @@ class ShellTest : public SessionTest
 protected:
     ShellTest()
         : panels(std::make_unique<PanelFrontEnd>())
-        , shell(std::make_unique<VornicAppDelegate>(*panels, std::make_unique<VNOption>()))
+        , shell(std::make_unique<VornicAppDelegate>(panels->frontEnd(), std::make_unique<VNOption>()))
     {
         shell->applicationDidFinishLaunching();
     }
@@ -178,11 +178,11 @@ TEST_F(ShellTest, OptionsAreStoredAtTheEndOnly)
     delegate->options()->setRecordQuality(1);
     delegate->options()->logoContext()->setLogoText("kept");
     {
-        VornicAppDelegate second(*panels);
+        VornicAppDelegate second(panels->frontEnd());
         EXPECT_EQ(second.options()->recordQuality(), 0);
     }
     delegate->applicationWillTerminate();
-    VornicAppDelegate third(*panels);
+    VornicAppDelegate third(panels->frontEnd());
     EXPECT_EQ(third.options()->recordQuality(), 1);
     EXPECT_EQ(third.options()->logoContext()->LogoText(), "kept");
 }

@@ -1,6 +1,5 @@
 #include "app/cli/command_line_front_end.h"
 
-#include "app/VornicAppDelegate.h"
 #include "app/session/time_text.h"
 #include "desktop/idle_inhibitor.h"
 
@@ -126,9 +125,13 @@ void CommandLineFrontEnd::inhibitIdle(bool inhibits)
 void CommandLineFrontEnd::alert(const QString &message, const QString &informativeText)
 {
     endRedrawnLine();
-    writeError(message == VornicAppDelegate::tr("Error")
-                   ? QStringLiteral("vornic: %1\n").arg(informativeText)
-                   : QStringLiteral("vornic: %1. %2.\n").arg(message, informativeText));
+    writeError(QStringLiteral("vornic: %1. %2.\n").arg(message, informativeText));
+}
+
+void CommandLineFrontEnd::alertError(const QString &sentence)
+{
+    endRedrawnLine();
+    writeError(QStringLiteral("vornic: %1\n").arg(sentence));
 }
 
 } // namespace vornic

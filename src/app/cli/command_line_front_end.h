@@ -1,7 +1,11 @@
 #pragma once
 
 #include "app/cli/command_line.h"
+#include "app/session/desktop_services.h"
 #include "app/session/front_end.h"
+#include "app/session/logo_panels.h"
+#include "app/session/recording_progress.h"
+#include "app/session/recording_questions.h"
 
 #include <QElapsedTimer>
 
@@ -15,11 +19,18 @@ class IdleInhibitor;
 ///
 /// Made by main for "vornic record"; lives on the main thread. On a terminal the clock and the bar redraw
 /// their line; elsewhere they are plain lines, a clock every ten seconds and a percentage every ten percent.
-class CommandLineFrontEnd final : public FrontEnd
+class CommandLineFrontEnd final : public RecordingQuestions,
+                                  public RecordingProgress,
+                                  public DesktopServices,
+                                  public LogoPanels
 {
 public:
     explicit CommandLineFrontEnd(const CommandLine &line);
-    ~CommandLineFrontEnd() override;
+    ~CommandLineFrontEnd();
+    CommandLineFrontEnd(const CommandLineFrontEnd &) = delete;
+    CommandLineFrontEnd &operator=(const CommandLineFrontEnd &) = delete;
+
+    [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
 
     void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
     void runSavePanel(const QString &name,
@@ -33,6 +44,7 @@ public:
     void endProgress() override;
     void inhibitIdle(bool inhibits) override;
     void alert(const QString &message, const QString &informativeText) override;
+    void alertError(const QString &sentence) override;
 
 private:
     void redraw(const QString &text);

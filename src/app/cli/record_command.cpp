@@ -1,10 +1,11 @@
 #include "app/cli/record_command.h"
 
-#include "app/VornicAppDelegate.h"
 #include "app/cli/command_line_front_end.h"
 #include "app/cli/unix_signals.h"
 #include "app/session/audio_device_list.h"
+#include "app/session/audio_input.h"
 #include "app/session/output_check.h"
+#include "app/session/recording_session.h"
 #include "audio/PKAudioControl.h"
 #include "base/PKTimebase.h"
 #include "base/free_space.h"
@@ -113,29 +114,29 @@ QString describeCounts(const RecordingCounts &counts)
         .arg(counts.audioSeconds, 0, 'f', 1);
 }
 
-void chooseAudioDevice(VornicAppDelegate &delegate, const CommandLine &line)
+void chooseAudioDevice(AudioInput &input, const CommandLine &line)
 {
-    AudioDeviceList &list = delegate.audioDevicesView();
+    AudioDeviceList &list = input.devices();
     const qsizetype index = list.titles().indexOf(line.audioDevice);
     if (line.audio && index >= 0) {
         list.setIndexOfSelected(index);
-        delegate.selAudioDevice();
+        input.selAudioDevice();
     }
 }
 
-/// Stops \a delegate when the clock has run \a seconds: counted from the recording's origin, so that waiting
+/// Stops \a session when the clock has run \a seconds: counted from the recording's origin, so that waiting
 /// for the sound does not eat into it.
-void stopAfter(VornicAppDelegate &delegate, double seconds)
+void stopAfter(RecordingSession &session, double seconds)
 {
-    const auto startTimer = [&delegate, seconds](qint64 ticks) {
+    const auto startTimer = [&session, seconds](qint64 ticks) {
         const double left = seconds - static_cast<double>(ticks) / static_cast<double>(PKTimebase);
         QTimer::singleShot(std::chrono::milliseconds(static_cast<qint64>(std::max(0.0, left) * 1000)),
                            Qt::PreciseTimer,
-                           &delegate,
-                           [&delegate] { delegate.stopRecord(); });
+                           &session,
+                           [&session] { session.stopRecord(); });
     };
     QObject::connect(
-        &delegate, &VornicAppDelegate::clockTicked, &delegate, startTimer, Qt::SingleShotConnection);
+        &session, &RecordingSession::clockTicked, &session, startTimer, Qt::SingleShotConnection);
 }
 
 } // namespace
@@ -144,39 +145,35 @@ int runRecordCommand(const CommandLine &line)
 {
     CommandLineFrontEnd frontEnd(line);
     if (const QString reason = whyNotRecord(line); !reason.isEmpty()) {
-        frontEnd.alert(VornicAppDelegate::tr("Error"), reason);
+        frontEnd.alertError(reason);
         return 1;
     }
-    VornicAppDelegate delegate(frontEnd, optionsFrom(line));
-    if (line.audio)
-        delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
-    delegate.applicationDidFinishLaunching();
-    chooseAudioDevice(delegate, line);
+    const std::unique_ptr<VNOption> options = optionsFrom(line);
+    RecordingSession session(
+        frontEnd.frontEnd(), *options, line.audio ? &PKAudioControl::sharedAudioControl() : nullptr);
+    chooseAudioDevice(session.audioInput(), line);
     const UnixSignals signalled;
-    QObject::connect(
-        &signalled, &UnixSignals::terminationAsked, &delegate, [&delegate] { delegate.terminate(); });
-    QObject::connect(&delegate, &VornicAppDelegate::stateChanged, &delegate, [&delegate] {
-        if (delegate.state() == 0)
-            delegate.terminate();
+    const auto terminate = [&session] { session.terminate(); };
+    QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, terminate);
+    QObject::connect(&session, &RecordingSession::recordingRefused, &session, terminate);
+    QObject::connect(&session, &RecordingSession::stateChanged, &session, [&session] {
+        if (session.state() == 0)
+            session.terminate();
     });
-    QObject::connect(
-        &delegate, &VornicAppDelegate::recordingRefused, &delegate, [&delegate] { delegate.terminate(); });
-    QObject::connect(&delegate,
-                     &VornicAppDelegate::readyToTerminate,
+    QObject::connect(&session,
+                     &RecordingSession::readyToTerminate,
                      QCoreApplication::instance(),
                      &QCoreApplication::quit,
                      Qt::QueuedConnection);
     if (line.durationSeconds)
-        stopAfter(delegate, *line.durationSeconds);
-    delegate.recorded();
+        stopAfter(session, *line.durationSeconds);
+    session.recorded();
     QCoreApplication::exec();
 
-    const bool complete = delegate.failure().isEmpty() && delegate.counts().framesWritten > 0;
-    if (!complete)
+    const RecordingCounts counts = session.counts();
+    if (!session.failure().isEmpty() || counts.framesWritten == 0)
         return 1;
-    std::printf("%s\n%s\n",
-                describeCounts(delegate.counts()).toUtf8().constData(),
-                line.file.toLocal8Bit().constData());
+    std::printf("%s\n%s\n", describeCounts(counts).toUtf8().constData(), line.file.toLocal8Bit().constData());
     return 0;
 }
 

@@ -1,6 +1,6 @@
 #include "app/window/VNHintWndCtroller.h"
 
-#include "app/session/front_end.h"
+#include "app/session/recording_questions.h"
 #include "app/window/sheet.h"
 #include "base/user_defaults.h"
 #include "observing/key_path_binding.h"
@@ -50,7 +50,8 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
         m_parent.clear();
         // Closed in whatever other way is no wish to record.
         if (handler)
-            handler(response == FrontEnd::responseContinue ? response : FrontEnd::responseStop);
+            handler(response == RecordingQuestions::responseContinue ? response
+                                                                     : RecordingQuestions::responseStop);
     });
     m_window->open();
 }
@@ -58,13 +59,13 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
 void VNHintWndCtroller::startRecordAction()
 {
     if (m_window)
-        m_window->done(FrontEnd::responseContinue);
+        m_window->done(RecordingQuestions::responseContinue);
 }
 
 void VNHintWndCtroller::cancelAction()
 {
     if (m_window)
-        m_window->done(FrontEnd::responseStop);
+        m_window->done(RecordingQuestions::responseStop);
 }
 
 } // namespace vornic

@@ -203,6 +203,11 @@ void WindowFrontEnd::alert(const QString &message, const QString &informativeTex
     box.exec();
 }
 
+void WindowFrontEnd::alertError(const QString &sentence)
+{
+    alert(tr("Error"), sentence);
+}
+
 bool WindowFrontEnd::confirmQuit(const QString &message, const QString &informativeText)
 {
     QMessageBox box(visibleWindow());

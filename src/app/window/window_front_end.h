@@ -1,6 +1,10 @@
 #pragma once
 
+#include "app/session/desktop_services.h"
 #include "app/session/front_end.h"
+#include "app/session/logo_panels.h"
+#include "app/session/recording_progress.h"
+#include "app/session/recording_questions.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -23,11 +27,18 @@ class VornicAppDelegate;
 /// item.
 ///
 /// Made by main before the delegate and connected to it and its window after; lives on the main thread.
-class WindowFrontEnd final : public FrontEnd
+class WindowFrontEnd final : public RecordingQuestions,
+                             public RecordingProgress,
+                             public DesktopServices,
+                             public LogoPanels
 {
 public:
     WindowFrontEnd();
-    ~WindowFrontEnd() override;
+    ~WindowFrontEnd();
+    WindowFrontEnd(const WindowFrontEnd &) = delete;
+    WindowFrontEnd &operator=(const WindowFrontEnd &) = delete;
+
+    [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
 
     /// Borrows both; before the first recording.
     void setWindow(MainWindow *window, VornicAppDelegate *delegate);
@@ -50,6 +61,7 @@ public:
     void setProgress(double percent) override;
     void endProgress() override;
     void alert(const QString &message, const QString &informativeText) override;
+    void alertError(const QString &sentence) override;
     [[nodiscard]] bool confirmQuit(const QString &message, const QString &informativeText) override;
     void reveal(const QString &path) override;
     void open(const QString &path) override;

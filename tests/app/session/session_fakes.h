@@ -1,8 +1,11 @@
 #pragma once
 
-#include "app/VornicAppDelegate.h"
 #include "app/session/audio_device_list.h"
+#include "app/session/desktop_services.h"
 #include "app/session/front_end.h"
+#include "app/session/logo_panels.h"
+#include "app/session/recording_progress.h"
+#include "app/session/recording_questions.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "audio/audio_control.h"
@@ -18,9 +21,15 @@
 namespace vornic {
 
 /// Answers as a test wants and writes down what it was told.
-class FakeFrontEnd : public FrontEnd
+class FakeFrontEnd : public RecordingQuestions,
+                     public RecordingProgress,
+                     public DesktopServices,
+                     public LogoPanels
 {
 public:
+    virtual ~FakeFrontEnd() = default;
+    [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
+
     bool goesOn = true;
     std::optional<QString> path;
     int hintResponse = responseContinue;
@@ -83,6 +92,7 @@ public:
         if (onAlert)
             onAlert();
     }
+    void alertError(const QString &sentence) override { alert("Error", sentence); }
     bool confirmQuit(const QString &message, const QString &informativeText) override
     {
         told += "confirmQuit " + message + "|" + informativeText;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/VornicAppDelegate.h"
 #include "app/session/session_fakes.h"
 #include "base/log.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -43,8 +44,8 @@ protected:
 
     void makeDelegate(std::unique_ptr<VNOption> options)
     {
-        delegate = options ? std::make_unique<VornicAppDelegate>(frontEnd, std::move(options))
-                           : std::make_unique<VornicAppDelegate>(frontEnd);
+        delegate = options ? std::make_unique<VornicAppDelegate>(frontEnd.frontEnd(), std::move(options))
+                           : std::make_unique<VornicAppDelegate>(frontEnd.frontEnd());
         delegate->setAudioControl(&audioControl);
         delegate->applicationDidFinishLaunching();
         delegate->bufferMgr().setFreeSpaceProbe([this] { return freeBytes.load(); });

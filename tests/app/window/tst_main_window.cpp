@@ -1,3 +1,4 @@
+#include "app/VornicAppDelegate.h"
 #include "app/session/session_fakes.h"
 #include "app/window/main_window.h"
 #include "controls/VNCheckCell.h"
@@ -27,7 +28,7 @@ class MainWindowTest : public testing::Test
 {
 protected:
     MainWindowTest()
-        : delegate(frontEnd, std::make_unique<VNOption>())
+        : delegate(frontEnd.frontEnd(), std::make_unique<VNOption>())
     {
         audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
         delegate.setAudioControl(&audioControl);

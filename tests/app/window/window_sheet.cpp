@@ -1,6 +1,7 @@
 // window_sheet PICTURE: the main window in its modes, the sheets, the questions and the stop bar, as one
 // picture to look at. QT_SCALE_FACTOR=2 and LC_ALL=de_DE.UTF-8 show how they are there.
 
+#include "app/VornicAppDelegate.h"
 #include "app/session/session_fakes.h"
 #include "app/session/translations.h"
 #include "app/window/VNAlertFreeSpace.h"
@@ -138,7 +139,7 @@ int paint(const QString &path)
     FakeAudioControl audioControl;
     audioControl.names
         = QStringList { "Built-in Audio Analog Stereo", "Monitor of Built-in Audio Analog Stereo" };
-    VornicAppDelegate delegate(fake, std::make_unique<VNOption>());
+    VornicAppDelegate delegate(fake.frontEnd(), std::make_unique<VNOption>());
     delegate.setAudioControl(&audioControl);
     delegate.applicationDidFinishLaunching();
     MainWindow window(delegate);

@@ -1,0 +1,70 @@
+#include "app/logo_actions.h"
+
+#include "app/session/logo_panels.h"
+#include "app/session/recording_questions.h"
+#include "controls/picture_file.h"
+#include "options/VNOption.h"
+
+#include <QColor>
+
+#include <optional>
+
+namespace vornic {
+
+LogoActions::LogoActions(VNOption &options, LogoPanels &panels, RecordingQuestions &questions)
+    : m_options(options)
+    , m_panels(panels)
+    , m_questions(questions)
+{
+}
+
+void LogoActions::setFontAttrs()
+{
+    const QFont font = m_options.logoContext()->fontAttrs().font.value_or(defaultLogoFont());
+    m_panels.orderFrontFontPanel(font, [this](const QFont &chosen) { changeFont(chosen); });
+}
+
+void LogoActions::changeFont(const QFont &font)
+{
+    m_options.logoContext()->setFontAttrs({ font });
+    emit changed();
+}
+
+void LogoActions::setFontFillColor(const QColor &color)
+{
+    m_options.logoContext()->setLogoFontFillColor(color);
+    emit changed();
+}
+
+void LogoActions::setFontStrokeColor(const QColor &color)
+{
+    m_options.logoContext()->setLogoFontStrokeColor(color);
+    emit changed();
+}
+
+void LogoActions::selImageFile()
+{
+    m_panels.chooseLogoImage([this](const std::optional<QString> &path) {
+        if (path)
+            setLogoImageFile(*path);
+    });
+}
+
+void LogoActions::setLogoImageFile(const QString &path)
+{
+    QString whyNot;
+    const QImage picture = readPictureFile(path, &whyNot);
+    if (picture.isNull()) {
+        m_questions.alertError(tr("The picture %1 cannot be read: %2.").arg(path, whyNot));
+        return;
+    }
+    setLogoImage(picture);
+}
+
+void LogoActions::setLogoImage(const QImage &picture)
+{
+    m_options.logoContext()->setNSImage(picture);
+    emit changed();
+}
+
+} // namespace vornic

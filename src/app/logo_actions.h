@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+
+class QColor;
+class QFont;
+class QImage;
+
+namespace vornic {
+
+class LogoPanels;
+class RecordingQuestions;
+class VNOption;
+
+/// What the user does to the logo: its picture, font and colours.
+///
+/// Owned by the application delegate, which follows changed(); main thread only.
+class LogoActions : public QObject
+{
+    Q_OBJECT
+public:
+    /// Borrows all for life.
+    LogoActions(VNOption &options, LogoPanels &panels, RecordingQuestions &questions);
+
+    /// Opens the font panel with the logo's font.
+    void setFontAttrs();
+    /// The font panel's choice becomes the logo's font, and its only attribute.
+    void changeFont(const QFont &font);
+    void setFontFillColor(const QColor &color);
+    void setFontStrokeColor(const QColor &color);
+    /// Asks for a file with the logo's picture.
+    void selImageFile();
+    /// The picture of the logo, from a file; what cannot be read is told, and the old one stays.
+    void setLogoImageFile(const QString &path);
+    void setLogoImage(const QImage &picture);
+
+signals:
+    /// The overlay shows another logo now.
+    void changed();
+
+private:
+    VNOption &m_options;
+    LogoPanels &m_panels;
+    RecordingQuestions &m_questions;
+};
+
+} // namespace vornic
