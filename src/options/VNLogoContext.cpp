@@ -129,7 +129,7 @@ void VNLogoContext::setLogoType(int type)
 
 void VNLogoContext::setIsLogoTypeText(bool isText)
 {
-    setLogoType(isText ? 0 : 1);
+    setLogoType(static_cast<int>(isText ? vornic::LogoType::Text : vornic::LogoType::Picture));
 }
 
 QString VNLogoContext::LogoText() const

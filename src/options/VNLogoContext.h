@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -23,6 +24,10 @@ namespace vornic {
 
 class KeyedArchiver;
 class KeyedUnarchiver;
+
+/// What a logo shows. A stored number may be neither of the two: such a logo is drawn as a picture, but its outline
+/// turns about its lower left, as a text's does, and it takes no dropped pictures.
+enum class LogoType : std::int32_t { Text = 0, Picture = 1 };
 
 /// The user's logo: whether it is stamped, its text with font and colours or its picture, and its place.
 ///
@@ -56,10 +61,13 @@ public:
 
     [[nodiscard]] bool LogoValidate() const { return mLogoValidate; }
     void setLogoValidate(bool validate);
-    /// 0 is a text logo, anything else a picture.
+    /// The number of a vornic::LogoType, or any other that an archive held.
     [[nodiscard]] int LogoType() const { return mLogoType; }
     void setLogoType(int type);
-    [[nodiscard]] bool isLogoTypeText() const { return mLogoType == 0; }
+    /// LogoType by name, for all who decide by it.
+    [[nodiscard]] vornic::LogoType type() const { return static_cast<vornic::LogoType>(mLogoType); }
+    /// Text or, with any other number, a picture.
+    [[nodiscard]] bool isLogoTypeText() const { return type() == vornic::LogoType::Text; }
     void setIsLogoTypeText(bool isText);
     /// Null when the archive it came from held none.
     [[nodiscard]] QString LogoText() const;

@@ -2,6 +2,7 @@
 
 #include "observing/observable_object.h"
 #include "options/VNLogoContext.h"
+#include "options/record_quality.h"
 
 #include <QPointF>
 #include <QRectF>
@@ -60,9 +61,11 @@ public:
     /// Whether the number is 0: what the check box shows.
     [[nodiscard]] bool isRecordFullScreen() const { return _recordRegion == 0; }
     void setIsRecordFullScreen(bool fullScreen);
-    /// 0 is the higher quality, 1 the lower.
+    /// The number of a RecordQuality, or any other that an archive held.
     [[nodiscard]] int recordQuality() const { return _recordQuality; }
     void setRecordQuality(int quality);
+    /// recordQuality by name, for all who decide by it.
+    [[nodiscard]] RecordQuality quality() const { return static_cast<RecordQuality>(_recordQuality); }
     [[nodiscard]] bool enableAudio() const { return _enableAudio; }
     void setEnableAudio(bool enable);
     [[nodiscard]] bool showInFinderWhenFinished() const { return _showInFinder; }

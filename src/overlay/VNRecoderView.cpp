@@ -222,7 +222,7 @@ void VNRecoderView::mouseMoveEvent(QMouseEvent *event)
 
 bool VNRecoderView::takesPictures() const
 {
-    return mLogoContext && mLogoContext->LogoValidate() && mLogoContext->LogoType() == 1;
+    return mLogoContext && mLogoContext->LogoValidate() && mLogoContext->type() == LogoType::Picture;
 }
 
 Qt::DropAction VNRecoderView::draggingEntered(const DraggingInfo &sender)

@@ -109,7 +109,7 @@ QPainterPath logoOutline(const VNLogoContext *logo)
     if (degrees == 0)
         return outline;
     // A picture turns about its centre, a text about the start of its line.
-    const QPointF pivot = logo->LogoType() == 1 ? rectangle.center() : rectangle.topLeft();
+    const QPointF pivot = logo->type() == LogoType::Picture ? rectangle.center() : rectangle.topLeft();
     QTransform turn;
     turn.translate(pivot.x(), pivot.y());
     turn.rotate(degrees);

@@ -67,6 +67,18 @@ TEST(VNLogoContext, TextTypeIsZero)
     EXPECT_TRUE(logo.isLogoTypeText());
 }
 
+TEST(VNLogoContext, TypeHasTheNumbersOfTheProperty)
+{
+    VNLogoContext logo;
+    EXPECT_EQ(logo.type(), LogoType::Text);
+    logo.setLogoType(1);
+    EXPECT_EQ(logo.type(), LogoType::Picture);
+    logo.setLogoType(2);
+    EXPECT_NE(logo.type(), LogoType::Text);
+    EXPECT_NE(logo.type(), LogoType::Picture);
+    EXPECT_FALSE(logo.isLogoTypeText());
+}
+
 TEST(VNLogoContext, EachCoordinateIsSetAlone)
 {
     VNLogoContext logo;

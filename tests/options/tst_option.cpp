@@ -73,6 +73,17 @@ TEST_F(OptionTest, PlainAccessorsStoreWhatTheyAreGiven)
     EXPECT_FALSE(options.isRecordFullScreen());
 }
 
+TEST_F(OptionTest, QualityHasTheNumbersOfTheProperty)
+{
+    VNOption options;
+    EXPECT_EQ(options.quality(), RecordQuality::High);
+    options.setRecordQuality(1);
+    EXPECT_EQ(options.quality(), RecordQuality::Medium);
+    options.setRecordQuality(7);
+    EXPECT_NE(options.quality(), RecordQuality::High);
+    EXPECT_NE(options.quality(), RecordQuality::Medium);
+}
+
 TEST_F(OptionTest, OnlyRegionOneRecordsTheRectangle)
 {
     VNOption options;
@@ -315,12 +326,12 @@ public:
     [[nodiscard]] VNOption *options() { return &m_options; }
     [[nodiscard]] bool allowedEditRecordRegion() const
     {
-        return m_state == 0 && m_options.recordRegion() == 1;
+        return m_state == 0 && m_options.recordsRectangle();
     }
     [[nodiscard]] bool allowedEditFont()
     {
         const VNLogoContext *logo = m_options.logoContext();
-        return m_state == 0 && logo->LogoValidate() && logo->LogoType() == 0;
+        return m_state == 0 && logo->LogoValidate() && logo->type() == LogoType::Text;
     }
 
 signals:
