@@ -1,23 +1,20 @@
 #include "desktop/x11_blanking_pause.h"
 
+#include "x11/x11_connection.h"
+
 #include <xcb/screensaver.h>
-#include <xcb/xcb.h>
 
 namespace vornic {
 
 X11BlankingPause::X11BlankingPause()
-    : m_connection(xcb_connect(nullptr, nullptr))
+    : m_connection(X11Connection::open())
 {
-    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(m_connection, &xcb_screensaver_id);
-    if (!extension || !extension->present)
+    if (!m_connection || !m_connection->extension(xcb_screensaver_id))
         return;
-    xcb_screensaver_suspend(m_connection, 1);
-    xcb_flush(m_connection);
+    xcb_screensaver_suspend(m_connection->get(), 1);
+    xcb_flush(m_connection->get());
 }
 
-X11BlankingPause::~X11BlankingPause()
-{
-    xcb_disconnect(m_connection);
-}
+X11BlankingPause::~X11BlankingPause() = default;
 
 } // namespace vornic

@@ -1,8 +1,10 @@
 #pragma once
 
-struct xcb_connection_t;
+#include <memory>
 
 namespace vornic {
+
+class X11Connection;
 
 /// Keeps the X server from blanking the screen by itself and from switching the monitor off.
 ///
@@ -17,7 +19,7 @@ public:
     X11BlankingPause &operator=(const X11BlankingPause &) = delete;
 
 private:
-    xcb_connection_t *m_connection;
+    std::unique_ptr<X11Connection> m_connection; ///< null where there is no X server
 };
 
 } // namespace vornic

@@ -4,8 +4,10 @@
 #include "overlay/x11/x11_glass.h"
 #include "overlay/x11/x11_stacking.h"
 #include "overlay/x11/x11_windows.h"
-#include "x11/x11_link.h"
+#include "x11/x11_connection.h"
+#include "x11/x11_events.h"
 #include "x11/x11_shape.h"
+#include "x11/xcb_reply.h"
 
 #include <QGuiApplication>
 #include <QWindow>
@@ -31,15 +33,17 @@ xcb_window_t idOf(const QWindow *window)
 } // namespace
 
 struct OverlayServer::Private {
-    Private(std::unique_ptr<X11Link> openLink, GlassReceiver &receiver)
-        : link(std::move(openLink))
-        , compositing(*link)
-        , stacking(*link)
-        , glass(*link, receiver)
+    Private(std::unique_ptr<X11Connection> openConnection, GlassReceiver &receiver)
+        : connection(std::move(openConnection))
+        , events(*connection)
+        , compositing(events)
+        , stacking(events)
+        , glass(events, receiver)
     {
     }
 
-    std::unique_ptr<X11Link> link;
+    std::unique_ptr<X11Connection> connection;
+    X11Events events;
     X11Compositing compositing;
     X11Stacking stacking;
     X11Glass glass;
@@ -54,11 +58,11 @@ OverlayServer::~OverlayServer() = default;
 
 std::unique_ptr<OverlayServer> OverlayServer::create(GlassReceiver &receiver)
 {
-    auto link = toolkitConnection() ? X11Link::open() : nullptr;
-    if (!link)
+    auto connection = toolkitConnection() ? X11Connection::open() : nullptr;
+    if (!connection)
         return nullptr;
     std::unique_ptr<OverlayServer> server(new OverlayServer);
-    server->d = std::make_unique<Private>(std::move(link), receiver);
+    server->d = std::make_unique<Private>(std::move(connection), receiver);
     connect(
         &server->d->compositing, &X11Compositing::changed, server.get(), &OverlayServer::compositingChanged);
     connect(&server->d->stacking, &X11Stacking::desktopChanged, server.get(), &OverlayServer::windowsMoved);
@@ -78,7 +82,7 @@ QRegion OverlayServer::pixelsOf(const QList<QWindow *> &windows) const
         if (id == XCB_NONE)
             continue;
         d->stacking.watch(id); // first, so that no change between is missed
-        pixels += framePixels(*d->link, id);
+        pixels += framePixels(*d->connection, id);
     }
     return pixels;
 }
@@ -119,10 +123,10 @@ void OverlayServer::orderOut()
 
 void OverlayServer::wait()
 {
-    for (xcb_connection_t *connection : { toolkitConnection(), d->link->get() })
-        XcbOwned<xcb_get_input_focus_reply_t>(
+    for (xcb_connection_t *connection : { toolkitConnection(), d->connection->get() })
+        XcbReply<xcb_get_input_focus_reply_t>(
             xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    d->link->flush();
+    d->events.flush();
 }
 
 } // namespace vornic

@@ -1,73 +1,54 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
+#include <QHash>
 
 #include <xcb/xcb.h>
 
-#include <array>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 
 namespace vornic {
 
-struct XcbFree {
-    void operator()(void *reply) const { std::free(reply); }
-};
-
-/// A reply, event or error of the X server.
-template<typename T>
-using XcbReply = std::unique_ptr<T, XcbFree>;
-
-/// What events of the server tell: that something is no longer as it was read last.
-enum class X11Change : unsigned char { Picture, Cursor, Layout };
-
-/// A connection to the X server with the extensions that grabbing needs.
+/// A connection to the X server, beside the one that the toolkit has.
 ///
-/// Made by X11Display; used from any thread. A connection that the server has closed stays a valid object:
-/// requests then do nothing and replies are null.
+/// Made by whoever talks to the server: display, overlay, idle inhibitor; used from any thread. When the
+/// server is gone it stays a valid object: requests then do nothing and replies are null.
 class X11Connection
 {
 public:
-    /// Connects to $DISPLAY; null with one sentence for the user.
-    [[nodiscard]] static std::unique_ptr<X11Connection> open(QString &whyNot);
+    /// Connects to $DISPLAY; null without a server.
+    [[nodiscard]] static std::unique_ptr<X11Connection> open();
     ~X11Connection() = default;
     X11Connection(const X11Connection &) = delete;
     X11Connection &operator=(const X11Connection &) = delete;
 
-    [[nodiscard]] xcb_connection_t *get() const { return m_connection.get(); }
+    [[nodiscard]] xcb_connection_t *get() const { return m_handle.get(); }
+    /// The screen that $DISPLAY names, and its number.
     [[nodiscard]] const xcb_screen_t &screen() const { return *m_screen; }
+    [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
-    [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(m_connection.get()) == 0; }
-    [[nodiscard]] bool hasDamage() const { return m_damageEvent != noEvent; }
+    [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(m_handle.get()) == 0; }
 
-    /// True when \a change has been told since the last time this was true, and at first. Reads what the
-    /// server has sent, asks it nothing and does not block.
-    [[nodiscard]] bool takeChange(X11Change change);
-    /// The same, without taking it.
-    [[nodiscard]] bool hasChange(X11Change change);
+    /// What the server says of \a extension; null where it has none. Blocks for one exchange at the first
+    /// call for each.
+    [[nodiscard]] const xcb_query_extension_reply_t *extension(xcb_extension_t &extension) const;
+    /// Blocks for one exchange at the first call for each; XCB_ATOM_NONE once the server is gone.
+    [[nodiscard]] xcb_atom_t atom(const QByteArray &name) const;
 
 private:
     struct Disconnect {
         void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
     };
     using Handle = std::unique_ptr<xcb_connection_t, Disconnect>;
-    static constexpr int noEvent = -1;
 
-    X11Connection(Handle connection, const xcb_screen_t *screen);
-    [[nodiscard]] QString findExtensions();
-    void readEvents();
-    void noteEvent(int type);
-    [[nodiscard]] bool &flag(X11Change change) { return m_changes[static_cast<std::size_t>(change)]; }
+    X11Connection(Handle handle, const xcb_screen_t *screen, int screenNumber);
 
-    Handle m_connection;
+    Handle m_handle;
     const xcb_screen_t *m_screen;
-    int m_damageEvent = noEvent;
-    int m_cursorEvent = noEvent;
-    int m_randrEvent = noEvent;
-
-    std::mutex m_eventMutex;
-    std::array<bool, 3> m_changes { true, true, true };
+    int m_screenNumber;
+    mutable std::mutex m_atomMutex;
+    mutable QHash<QByteArray, xcb_atom_t> m_atoms; ///< those that were asked for
 };
 
 } // namespace vornic

@@ -1,17 +1,20 @@
 #include "display/x11/x11_damage.h"
 
 #include "display/changed_bands.h"
+#include "display/x11/x11_changes.h"
 #include "x11/x11_connection.h"
+#include "x11/xcb_reply.h"
 
 #include <xcb/damage.h>
 #include <xcb/xfixes.h>
 
 namespace vornic {
 
-X11Damage::X11Damage(X11Connection &connection)
+X11Damage::X11Damage(X11Connection &connection, X11Changes &changes)
     : m_connection(connection)
+    , m_changes(changes)
 {
-    if (!connection.hasDamage())
+    if (!changes.hasDamage())
         return;
     m_damage = xcb_generate_id(connection.get());
     m_region = xcb_generate_id(connection.get());
@@ -34,7 +37,7 @@ void X11Damage::takeInto(ChangedBands &bands, const QRect &onRoot)
         bands.addAll();
         return;
     }
-    if (!m_connection.takeChange(X11Change::Picture))
+    if (!m_changes.take(X11Change::Picture))
         return;
     xcb_connection_t *const connection = m_connection.get();
     xcb_damage_subtract(connection, m_damage, XCB_NONE, m_region);

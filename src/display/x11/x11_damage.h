@@ -7,6 +7,7 @@
 namespace vornic {
 
 class ChangedBands;
+class X11Changes;
 class X11Connection;
 
 /// What the X server reports as drawn anywhere on its root window.
@@ -16,7 +17,8 @@ class X11Connection;
 class X11Damage
 {
 public:
-    explicit X11Damage(X11Connection &connection);
+    /// Borrows both for life.
+    X11Damage(X11Connection &connection, X11Changes &changes);
     ~X11Damage();
     X11Damage(const X11Damage &) = delete;
     X11Damage &operator=(const X11Damage &) = delete;
@@ -27,6 +29,7 @@ public:
 
 private:
     X11Connection &m_connection;
+    X11Changes &m_changes;
     std::uint32_t m_damage = 0;
     std::uint32_t m_region = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "display/bitmap_image.h"
 #include "display/display_rectangle.h"
+#include "display/x11/x11_requirements.h"
 
 #include <QCoreApplication>
 
@@ -11,7 +12,7 @@ namespace vornic {
 
 std::unique_ptr<DisplayBackend> X11Display::create(QString &whyNot)
 {
-    auto connection = X11Connection::open(whyNot);
+    auto connection = openRecordableConnection(whyNot);
     if (!connection)
         return nullptr;
     auto format = X11PixelFormat::ofScreen(*xcb_get_setup(connection->get()), connection->screen(), whyNot);
@@ -29,9 +30,10 @@ std::unique_ptr<DisplayBackend> X11Display::create(QString &whyNot)
 
 X11Display::X11Display(std::unique_ptr<X11Connection> connection, X11PixelFormat format)
     : m_connection(std::move(connection))
-    , m_monitor(*m_connection)
-    , m_grabber(*m_connection, std::move(format))
-    , m_pointer(*m_connection)
+    , m_changes(*m_connection)
+    , m_monitor(*m_connection, m_changes)
+    , m_grabber(*m_connection, m_changes, std::move(format))
+    , m_pointer(*m_connection, m_changes)
 {
 }
 

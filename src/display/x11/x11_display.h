@@ -1,6 +1,7 @@
 #pragma once
 
 #include "display/display_backend.h"
+#include "display/x11/x11_changes.h"
 #include "display/x11/x11_grabber.h"
 #include "display/x11/x11_main_monitor.h"
 #include "display/x11/x11_pointer.h"
@@ -28,6 +29,7 @@ private:
     X11Display(std::unique_ptr<X11Connection> connection, X11PixelFormat format);
 
     std::unique_ptr<X11Connection> m_connection;
+    X11Changes m_changes;
     mutable X11MainMonitor m_monitor;
     X11Grabber m_grabber;
     X11Pointer m_pointer;

@@ -5,7 +5,9 @@
 #include "base/parallel.h"
 #include "display/bitmap_image.h"
 #include "display/changed_bands.h"
+#include "display/x11/x11_changes.h"
 #include "x11/x11_connection.h"
+#include "x11/xcb_reply.h"
 
 #include <xcb/shm.h>
 
@@ -25,10 +27,11 @@ constexpr double wholeFetchPeriod = 2.0;
 
 } // namespace
 
-X11Grabber::X11Grabber(X11Connection &connection, X11PixelFormat format)
+X11Grabber::X11Grabber(X11Connection &connection, X11Changes &changes, X11PixelFormat format)
     : m_connection(connection)
+    , m_changes(changes)
     , m_format(std::move(format))
-    , m_damage(connection)
+    , m_damage(connection, changes)
 {
 }
 
@@ -213,7 +216,7 @@ void X11Grabber::checkReports(const ChangedBands &reported, const std::vector<Ba
         const auto index = static_cast<std::size_t>(band);
         isUnreported |= !reported.contains(band) && before[index].version != m_bands[index].version;
     }
-    if (!isUnreported || m_connection.hasChange(X11Change::Picture))
+    if (!isUnreported || m_changes.isTold(X11Change::Picture))
         return;
     m_reportsAreComplete = false;
     logMessage(

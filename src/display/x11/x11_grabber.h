@@ -18,6 +18,8 @@
 namespace vornic {
 
 class ChangedBands;
+class X11Changes;
+class X11Connection;
 struct BandRun;
 
 /// Takes pictures of a rectangle of the X server's root window through shared memory.
@@ -28,7 +30,8 @@ struct BandRun;
 class X11Grabber
 {
 public:
-    X11Grabber(X11Connection &connection, X11PixelFormat format);
+    /// Borrows connection and changes for life.
+    X11Grabber(X11Connection &connection, X11Changes &changes, X11PixelFormat format);
 
     /// \a onRoot in root coordinates, inside the root window; another \a layoutEdition than the last one says
     /// that the server's screen has been arranged anew. Null when the server refuses.
@@ -67,6 +70,7 @@ private:
     [[nodiscard]] std::size_t imageOffset(int band) const;
 
     X11Connection &m_connection;
+    X11Changes &m_changes;
     const X11PixelFormat m_format;
     std::mutex m_mutex;
     X11Damage m_damage;

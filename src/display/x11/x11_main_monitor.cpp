@@ -1,6 +1,8 @@
 #include "display/x11/x11_main_monitor.h"
 
+#include "display/x11/x11_changes.h"
 #include "x11/x11_connection.h"
+#include "x11/xcb_reply.h"
 
 #include <xcb/randr.h>
 
@@ -25,8 +27,9 @@ const xcb_randr_monitor_info_t *mainOne(const xcb_randr_get_monitors_reply_t &re
 
 } // namespace
 
-X11MainMonitor::X11MainMonitor(X11Connection &connection)
+X11MainMonitor::X11MainMonitor(X11Connection &connection, X11Changes &changes)
     : m_connection(connection)
+    , m_changes(changes)
 {
     // A monitor that a program defines is told only as a new configuration of the root window.
     const std::uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
@@ -40,7 +43,7 @@ X11MainMonitor::X11MainMonitor(X11Connection &connection)
 X11Layout X11MainMonitor::layout()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_connection.takeChange(X11Change::Layout))
+    if (m_changes.take(X11Change::Layout))
         refresh();
     return m_connection.isAlive() ? m_layout : X11Layout {};
 }

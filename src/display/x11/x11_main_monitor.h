@@ -7,6 +7,7 @@
 
 namespace vornic {
 
+class X11Changes;
 class X11Connection;
 
 /// Where the main display stands on the X server's root window.
@@ -23,7 +24,8 @@ struct X11Layout {
 class X11MainMonitor
 {
 public:
-    explicit X11MainMonitor(X11Connection &connection);
+    /// Borrows both for life.
+    X11MainMonitor(X11Connection &connection, X11Changes &changes);
 
     /// Now; without a display once the server is gone.
     [[nodiscard]] X11Layout layout();
@@ -32,6 +34,7 @@ private:
     void refresh();
 
     X11Connection &m_connection;
+    X11Changes &m_changes;
     std::mutex m_mutex;
     X11Layout m_layout;
 };

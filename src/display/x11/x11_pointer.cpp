@@ -1,7 +1,9 @@
 #include "display/x11/x11_pointer.h"
 
 #include "display/display_backend.h"
+#include "display/x11/x11_changes.h"
 #include "x11/x11_connection.h"
+#include "x11/xcb_reply.h"
 
 #include <xcb/xfixes.h>
 
@@ -11,8 +13,9 @@
 
 namespace vornic {
 
-X11Pointer::X11Pointer(X11Connection &connection)
+X11Pointer::X11Pointer(X11Connection &connection, X11Changes &changes)
     : m_connection(connection)
+    , m_changes(changes)
 {
 }
 
@@ -31,7 +34,7 @@ std::shared_ptr<const CursorShape> X11Pointer::shape()
 {
     const std::lock_guard lock(m_mutex);
     watchShapes();
-    if (m_connection.takeChange(X11Change::Cursor))
+    if (m_changes.take(X11Change::Cursor))
         m_shape = readShape();
     return m_shape;
 }

@@ -8,6 +8,7 @@
 namespace vornic {
 
 struct CursorShape;
+class X11Changes;
 class X11Connection;
 
 /// The pointer of the X server: where it is and which shape it has.
@@ -16,7 +17,8 @@ class X11Connection;
 class X11Pointer
 {
 public:
-    explicit X11Pointer(X11Connection &connection);
+    /// Borrows both for life.
+    X11Pointer(X11Connection &connection, X11Changes &changes);
 
     /// The hot spot from the root's top left, y down; the last one known once the server is gone. Blocks for
     /// one exchange with the server.
@@ -29,6 +31,7 @@ private:
     [[nodiscard]] std::shared_ptr<const CursorShape> readShape();
 
     X11Connection &m_connection;
+    X11Changes &m_changes;
     std::mutex m_mutex;
     QPoint m_position;
     bool m_isWatching = false;

@@ -2,6 +2,7 @@
 
 #include "display/shared_pixels.h"
 #include "x11/x11_connection.h"
+#include "x11/xcb_reply.h"
 
 #include <xcb/shm.h>
 

@@ -6,7 +6,8 @@
 
 namespace vornic {
 
-class X11Link;
+class X11Connection;
+class X11Events;
 
 /// Knows whether a compositing manager runs; they come and go.
 ///
@@ -15,7 +16,8 @@ class X11Compositing : public QObject
 {
     Q_OBJECT
 public:
-    explicit X11Compositing(X11Link &link);
+    /// Borrows \a events for life.
+    explicit X11Compositing(X11Events &events);
 
     [[nodiscard]] bool isActive() const { return m_isActive; }
 
@@ -25,7 +27,7 @@ signals:
 private:
     [[nodiscard]] std::uint32_t owner() const;
 
-    X11Link &m_link;
+    X11Connection &m_connection;
     std::uint32_t m_selection; ///< owned by the compositing manager
     bool m_isActive = false;
 };

@@ -1,7 +1,8 @@
 #include "overlay/x11/x11_glass.h"
 
 #include "overlay/x11/xdnd_target.h"
-#include "x11/x11_link.h"
+#include "x11/x11_connection.h"
+#include "x11/x11_events.h"
 #include "x11/x11_shape.h"
 
 #include <array>
@@ -18,18 +19,19 @@ constexpr std::uint32_t asSigned(int value)
 
 } // namespace
 
-X11Glass::X11Glass(X11Link &link, GlassReceiver &receiver)
-    : m_link(link)
+X11Glass::X11Glass(X11Events &events, GlassReceiver &receiver)
+    : m_connection(events.connection())
+    , m_events(events)
     , m_receiver(receiver)
-    , m_window(xcb_generate_id(link.get()))
+    , m_window(xcb_generate_id(m_connection.get()))
 {
     const std::array<std::uint32_t, 2> values {
         1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION
     };
-    xcb_create_window(link.get(),
+    xcb_create_window(m_connection.get(),
                       0,
                       m_window,
-                      link.root(),
+                      m_connection.root(),
                       0,
                       0,
                       1,
@@ -39,8 +41,8 @@ X11Glass::X11Glass(X11Link &link, GlassReceiver &receiver)
                       XCB_COPY_FROM_PARENT,
                       XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
                       values.data());
-    m_drops = std::make_unique<XdndTarget>(link, m_window, receiver);
-    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+    m_drops = std::make_unique<XdndTarget>(events, m_window, receiver);
+    connect(&events, &X11Events::eventRead, this, [this](const xcb_generic_event_t &event) {
         if (kindOf(event) == XCB_BUTTON_PRESS) {
             const auto &press = as<xcb_button_press_event_t>(event);
             if (press.event == m_window && press.detail == XCB_BUTTON_INDEX_1) {
@@ -69,8 +71,8 @@ void X11Glass::tellDrag()
 
 X11Glass::~X11Glass()
 {
-    xcb_destroy_window(m_link.get(), m_window);
-    m_link.flush();
+    xcb_destroy_window(m_connection.get(), m_window);
+    m_events.flush();
 }
 
 void X11Glass::lay(const QRegion &onDesktop)
@@ -79,21 +81,22 @@ void X11Glass::lay(const QRegion &onDesktop)
         return;
     m_laid = onDesktop;
     if (onDesktop.isEmpty()) {
-        xcb_unmap_window(m_link.get(), m_window);
+        xcb_unmap_window(m_connection.get(), m_window);
     } else {
         const QRect around = onDesktop.boundingRect();
         const std::array<std::uint32_t, 4> place {
             asSigned(around.x()), asSigned(around.y()), asSigned(around.width()), asSigned(around.height())
         };
-        xcb_configure_window(m_link.get(),
+        xcb_configure_window(m_connection.get(),
                              m_window,
                              XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
                                  | XCB_CONFIG_WINDOW_HEIGHT,
                              place.data());
-        setShape(m_link.get(), m_window, XCB_SHAPE_SK_BOUNDING, onDesktop.translated(-around.topLeft()));
-        xcb_map_window(m_link.get(), m_window);
+        setShape(
+            m_connection.get(), m_window, XCB_SHAPE_SK_BOUNDING, onDesktop.translated(-around.topLeft()));
+        xcb_map_window(m_connection.get(), m_window);
     }
-    m_link.flush();
+    m_events.flush();
 }
 
 } // namespace vornic

@@ -13,7 +13,8 @@
 
 namespace vornic {
 
-class X11Link;
+class X11Connection;
+class X11Events;
 class XdndTarget;
 
 /// A window that nobody sees and that takes the mouse, and files that other programs drop.
@@ -25,7 +26,7 @@ class X11Glass : public QObject
     Q_OBJECT
 public:
     /// Borrows both for life.
-    X11Glass(X11Link &link, GlassReceiver &receiver);
+    X11Glass(X11Events &events, GlassReceiver &receiver);
     ~X11Glass() override;
 
     [[nodiscard]] std::uint32_t id() const { return m_window; }
@@ -35,7 +36,8 @@ public:
 private:
     void tellDrag();
 
-    X11Link &m_link;
+    X11Connection &m_connection;
+    X11Events &m_events;
     GlassReceiver &m_receiver;
     std::uint32_t m_window;
     QRegion m_laid;

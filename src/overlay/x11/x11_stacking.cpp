@@ -1,7 +1,9 @@
 #include "overlay/x11/x11_stacking.h"
 
 #include "overlay/x11/x11_windows.h"
-#include "x11/x11_link.h"
+#include "x11/x11_connection.h"
+#include "x11/x11_events.h"
+#include "x11/xcb_reply.h"
 
 #include <algorithm>
 #include <array>
@@ -35,16 +37,17 @@ xcb_window_t movedWindow(const xcb_generic_event_t &event)
 
 } // namespace
 
-X11Stacking::X11Stacking(X11Link &link)
-    : m_link(link)
+X11Stacking::X11Stacking(X11Events &events)
+    : m_connection(events.connection())
+    , m_events(events)
 {
-    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(link.get(), link.root(), XCB_CW_EVENT_MASK, &events);
-    link.flush();
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection.get(), m_connection.root(), XCB_CW_EVENT_MASK, &mask);
+    events.flush();
     m_soon.setSingleShot(true);
     m_soon.setInterval(0);
     connect(&m_soon, &QTimer::timeout, this, &X11Stacking::check);
-    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+    connect(&events, &X11Events::eventRead, this, [this](const xcb_generic_event_t &event) {
         const xcb_window_t moved = movedWindow(event);
         const bool isOther = moved != XCB_NONE && moved != m_window && moved != m_glass;
         if (m_window != XCB_NONE && (isOther || isOfShowing(event)))
@@ -65,8 +68,8 @@ void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32
 
 void X11Stacking::watch(std::uint32_t window)
 {
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_link.get(), window, XCB_CW_EVENT_MASK, &events);
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection.get(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
 /// Whether a window was minimised or brought back, or is decorated in another way.
@@ -75,7 +78,7 @@ bool X11Stacking::isOfShowing(const xcb_generic_event_t &event) const
     if (kindOf(event) != XCB_PROPERTY_NOTIFY)
         return false;
     const xcb_atom_t atom = as<xcb_property_notify_event_t>(event).atom;
-    return atom == m_link.atom("_NET_WM_STATE") || atom == m_link.atom("_NET_FRAME_EXTENTS");
+    return atom == m_connection.atom("_NET_WM_STATE") || atom == m_connection.atom("_NET_FRAME_EXTENTS");
 }
 
 void X11Stacking::stop()
@@ -90,14 +93,14 @@ void X11Stacking::check()
         return;
     if (const xcb_window_t lid = lidFrame(); !isInPlace(lid) && mayRestack())
         restack(lid);
-    m_link.flush();
+    m_events.flush();
     emit desktopChanged();
 }
 
 /// The lid's own window on the desktop, its decoration; none while it is not shown.
 std::uint32_t X11Stacking::lidFrame() const
 {
-    return m_lid != XCB_NONE && isShown(m_link, m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
+    return m_lid != XCB_NONE && isShown(m_connection, m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
 }
 
 bool X11Stacking::mayRestack()
@@ -127,20 +130,20 @@ void X11Stacking::restack(std::uint32_t lidFrame)
     const std::uint32_t top = XCB_STACK_MODE_ABOVE;
     for (const xcb_window_t window : { m_window, m_glass }) {
         if (lidFrame != XCB_NONE)
-            xcb_configure_window(m_link.get(),
+            xcb_configure_window(m_connection.get(),
                                  window,
                                  XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
                                  belowLid.data());
         else
-            xcb_configure_window(m_link.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &top);
+            xcb_configure_window(m_connection.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &top);
     }
-    m_link.flush();
+    m_events.flush();
 }
 
 std::vector<std::uint32_t> X11Stacking::windowsFromBelow() const
 {
-    const XcbOwned<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(m_link.get(), xcb_query_tree(m_link.get(), m_link.root()), nullptr));
+    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(
+        m_connection.get(), xcb_query_tree(m_connection.get(), m_connection.root()), nullptr));
     if (!tree)
         return {};
     const xcb_window_t *first = xcb_query_tree_children(tree.get());
@@ -150,11 +153,11 @@ std::vector<std::uint32_t> X11Stacking::windowsFromBelow() const
 std::uint32_t X11Stacking::topLevelOf(std::uint32_t window) const
 {
     while (true) {
-        const XcbOwned<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(m_link.get(), xcb_query_tree(m_link.get(), window), nullptr));
+        const XcbReply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(m_connection.get(), xcb_query_tree(m_connection.get(), window), nullptr));
         if (!tree)
             return XCB_NONE;
-        if (tree->parent == m_link.root() || tree->parent == XCB_NONE)
+        if (tree->parent == m_connection.root() || tree->parent == XCB_NONE)
             return window;
         window = tree->parent;
     }
@@ -162,8 +165,8 @@ std::uint32_t X11Stacking::topLevelOf(std::uint32_t window) const
 
 bool X11Stacking::isViewable(std::uint32_t window) const
 {
-    const XcbOwned<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-        m_link.get(), xcb_get_window_attributes(m_link.get(), window), nullptr));
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        m_connection.get(), xcb_get_window_attributes(m_connection.get(), window), nullptr));
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE
         && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }

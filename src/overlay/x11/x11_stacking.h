@@ -11,7 +11,8 @@
 
 namespace vornic {
 
-class X11Link;
+class X11Connection;
+class X11Events;
 
 /// Keeps a window above all others of the desktop, menus too, but directly beneath the one that is its lid.
 ///
@@ -22,7 +23,8 @@ class X11Stacking : public QObject
 {
     Q_OBJECT
 public:
-    explicit X11Stacking(X11Link &link);
+    /// Borrows \a events for life.
+    explicit X11Stacking(X11Events &events);
 
     /// Puts \a window in its place at once and keeps it there. While \a lid, which may be 0, is not visible,
     /// that is the very top. \a glass goes along, directly above it.
@@ -47,7 +49,8 @@ private:
     [[nodiscard]] bool isOfShowing(const xcb_generic_event_t &event) const;
     [[nodiscard]] bool mayRestack();
 
-    X11Link &m_link;
+    X11Connection &m_connection;
+    X11Events &m_events;
     std::uint32_t m_window = 0; ///< 0: nothing is kept
     std::uint32_t m_lid = 0;
     std::uint32_t m_glass = 0;

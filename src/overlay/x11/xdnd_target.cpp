@@ -1,7 +1,9 @@
 #include "overlay/x11/xdnd_target.h"
 
 #include "overlay/glass_receiver.h"
-#include "x11/x11_link.h"
+#include "x11/x11_connection.h"
+#include "x11/x11_events.h"
+#include "x11/xcb_reply.h"
 
 #include <QMimeData>
 
@@ -22,32 +24,33 @@ void fill(QMimeData &files, const QByteArray &names)
 
 } // namespace
 
-XdndTarget::XdndTarget(X11Link &link, std::uint32_t window, GlassReceiver &receiver)
-    : m_link(link)
+XdndTarget::XdndTarget(X11Events &events, std::uint32_t window, GlassReceiver &receiver)
+    : m_connection(events.connection())
+    , m_events(events)
     , m_window(window)
     , m_receiver(receiver)
-    , m_atoms { .enter = link.atom("XdndEnter"),
-                .position = link.atom("XdndPosition"),
-                .status = link.atom("XdndStatus"),
-                .leave = link.atom("XdndLeave"),
-                .drop = link.atom("XdndDrop"),
-                .finished = link.atom("XdndFinished"),
-                .selection = link.atom("XdndSelection"),
-                .typeList = link.atom("XdndTypeList"),
-                .actionList = link.atom("XdndActionList"),
-                .actionCopy = link.atom("XdndActionCopy"),
-                .uriList = link.atom("text/uri-list"),
-                .names = link.atom("VORNIC_DROP") }
+    , m_atoms { .enter = m_connection.atom("XdndEnter"),
+                .position = m_connection.atom("XdndPosition"),
+                .status = m_connection.atom("XdndStatus"),
+                .leave = m_connection.atom("XdndLeave"),
+                .drop = m_connection.atom("XdndDrop"),
+                .finished = m_connection.atom("XdndFinished"),
+                .selection = m_connection.atom("XdndSelection"),
+                .typeList = m_connection.atom("XdndTypeList"),
+                .actionList = m_connection.atom("XdndActionList"),
+                .actionCopy = m_connection.atom("XdndActionCopy"),
+                .uriList = m_connection.atom("text/uri-list"),
+                .names = m_connection.atom("VORNIC_DROP") }
 {
-    xcb_change_property(link.get(),
+    xcb_change_property(m_connection.get(),
                         XCB_PROP_MODE_REPLACE,
                         window,
-                        link.atom("XdndAware"),
+                        m_connection.atom("XdndAware"),
                         XCB_ATOM_ATOM,
                         32,
                         1,
                         &protocolVersion);
-    connect(&link, &X11Link::eventRead, this, [this](const xcb_generic_event_t &event) {
+    connect(&events, &X11Events::eventRead, this, [this](const xcb_generic_event_t &event) {
         if (kindOf(event) == XCB_SELECTION_NOTIFY) {
             const auto &notice = as<xcb_selection_notify_event_t>(event);
             if (notice.requestor == m_window)
@@ -96,8 +99,9 @@ void XdndTarget::move(const std::uint32_t (&data)[5])
 void XdndTarget::askForNames(std::uint32_t time)
 {
     m_drag->isAsked = true;
-    xcb_convert_selection(m_link.get(), m_window, m_atoms.selection, m_atoms.uriList, m_atoms.names, time);
-    m_link.flush();
+    xcb_convert_selection(
+        m_connection.get(), m_window, m_atoms.selection, m_atoms.uriList, m_atoms.names, time);
+    m_events.flush();
 }
 
 void XdndTarget::namesCame(bool isThere)
@@ -154,8 +158,8 @@ void XdndTarget::send(std::uint32_t type, bool isTaken)
     // yes for some of them.
     message.data.data32[1] = isTaken ? 1 : 0;
     message.data.data32[isStatus ? 4 : 2] = isTaken ? m_atoms.actionCopy : 0;
-    xcb_send_event(m_link.get(), 0, m_drag->source, 0, reinterpret_cast<const char *>(&message));
-    m_link.flush();
+    xcb_send_event(m_connection.get(), 0, m_drag->source, 0, reinterpret_cast<const char *>(&message));
+    m_events.flush();
     if (isStatus)
         m_drag->owesStatus = false;
 }
@@ -163,8 +167,9 @@ void XdndTarget::send(std::uint32_t type, bool isTaken)
 QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t name, bool isRemoved) const
 {
     const auto cookie = xcb_get_property(
-        m_link.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, mostPropertyWords);
-    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_link.get(), cookie, nullptr));
+        m_connection.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, mostPropertyWords);
+    const XcbReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(m_connection.get(), cookie, nullptr));
     if (!reply)
         return {};
     return { static_cast<const char *>(xcb_get_property_value(reply.get())),

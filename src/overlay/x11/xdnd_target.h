@@ -10,7 +10,8 @@
 namespace vornic {
 
 class GlassReceiver;
-class X11Link;
+class X11Connection;
+class X11Events;
 
 /// Takes names of files that other programs drag over a window of ours which the toolkit does not know: the
 /// receiving side of the XDND protocol, version 5.
@@ -20,8 +21,8 @@ class XdndTarget : public QObject
 {
     Q_OBJECT
 public:
-    /// Borrows link and receiver for life.
-    XdndTarget(X11Link &link, std::uint32_t window, GlassReceiver &receiver);
+    /// Borrows events and receiver for life.
+    XdndTarget(X11Events &events, std::uint32_t window, GlassReceiver &receiver);
 
 private:
     /// A drag that is over the window.
@@ -49,7 +50,8 @@ private:
     [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t name, bool isRemoved) const;
     [[nodiscard]] bool listContains(std::uint32_t window, std::uint32_t name, std::uint32_t atom) const;
 
-    X11Link &m_link;
+    X11Connection &m_connection;
+    X11Events &m_events;
     const std::uint32_t m_window;
     GlassReceiver &m_receiver;
     struct Atoms {
