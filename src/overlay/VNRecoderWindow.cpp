@@ -54,7 +54,7 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
         });
         connect(m_server.get(), &OverlayServer::windowsMoved, this, [this] {
             leaveOutOwnWindows();
-            treat();
+            updateAppearance();
         });
     }
     setFrame(contentRect);
@@ -73,7 +73,7 @@ void VNRecoderWindow::setContentView(VNRecoderView *view)
     if (view->parentWidget() != this)
         view->setParent(this);
     view->setGeometry(rect());
-    connect(view, &VNRecoderView::redrawn, this, &VNRecoderWindow::treat);
+    connect(view, &VNRecoderView::redrawn, this, &VNRecoderWindow::updateAppearance);
 }
 
 void VNRecoderWindow::setWindowAbove(QWidget *window)
@@ -81,7 +81,7 @@ void VNRecoderWindow::setWindowAbove(QWidget *window)
     m_windowAbove = window;
     if (window)
         window->winId(); // it must be there to be found
-    treat();
+    updateAppearance();
     if (isVisible())
         orderFront();
 }
@@ -95,7 +95,7 @@ void VNRecoderWindow::setFrame(const QRectF &frame)
     if (!m_view || !isVisible())
         return;
     if (pixelSize() == sizeBefore && pixelInset() == insetBefore) {
-        treat();
+        updateAppearance();
         return;
     }
     m_view->redraw();
@@ -124,25 +124,25 @@ void VNRecoderWindow::leaveOutOwnWindows()
     m_ownWindows = m_server->pixelsOf(others);
 }
 
-void VNRecoderWindow::treat()
+void VNRecoderWindow::updateAppearance()
 {
     if (!m_server || !m_view || !windowHandle() || !windowHandle()->handle())
         return;
     const bool takesMouse = !m_view->isRecording();
-    OverlayServer::Treatment treatment;
-    treatment.takesMouse = takesMouse;
+    OverlayServer::Appearance appearance;
+    appearance.takesMouse = takesMouse;
     // Recorded, the logo is whole, and no window needs to be reached through it.
     const QRegion leftOut = takesMouse ? m_ownWindows.translated(-m_toolkitPixels.topLeft()) : QRegion();
     // Never all of it: one of the window managers goes on showing the holes of a window that has no shape any
     // more. On the first pixel nothing is drawn.
     const QRegion whole = QRegion(QRect(QPoint(), m_toolkitPixels.size())) - QRect(0, 0, 1, 1);
-    treatment.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
+    appearance.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
-    const bool wantsGlass = !isTranslucent() || devicePixelRatioF() != 1;
-    if (wantsGlass && takesMouse && isVisible())
-        treatment.glass = QRegion(m_onDesktop) - m_ownWindows;
-    treatment.lid = m_windowAbove ? m_windowAbove->windowHandle() : nullptr;
-    m_server->treat(*windowHandle(), treatment);
+    const bool needsInputWindow = !isTranslucent() || devicePixelRatioF() != 1;
+    if (needsInputWindow && takesMouse && isVisible())
+        appearance.inputArea = QRegion(m_onDesktop) - m_ownWindows;
+    appearance.windowAbove = m_windowAbove ? m_windowAbove->windowHandle() : nullptr;
+    m_server->setAppearance(*windowHandle(), appearance);
 }
 
 void VNRecoderWindow::orderFront()
@@ -152,11 +152,11 @@ void VNRecoderWindow::orderFront()
     leaveOutOwnWindows();
     if (m_view)
         m_view->redraw();
-    treat();
+    updateAppearance();
     if (m_server)
         m_server->orderFront(*windowHandle());
     show();
-    treat();
+    updateAppearance();
 }
 
 void VNRecoderWindow::orderOut()
@@ -221,32 +221,32 @@ void VNRecoderWindow::resizeEvent(QResizeEvent *event)
         m_view->setGeometry(rect());
 }
 
-void VNRecoderWindow::glassPressed(QPoint onDesktop)
+void VNRecoderWindow::inputPressed(QPoint onDesktop)
 {
     becomeKey();
     if (m_view)
         m_view->mouseDown(middleOfPixel(onDesktop));
 }
 
-void VNRecoderWindow::glassDragged(QPoint onDesktop)
+void VNRecoderWindow::inputDragged(QPoint onDesktop)
 {
     if (m_view)
         m_view->mouseDragged(middleOfPixel(onDesktop));
 }
 
-bool VNRecoderWindow::glassEntered(const QMimeData &files, bool mayCopy)
+bool VNRecoderWindow::filesEntered(const QMimeData &files, bool mayCopy)
 {
     const Qt::DropActions actions = mayCopy ? Qt::CopyAction : Qt::IgnoreAction;
     return m_view && m_view->draggingEntered({ &files, actions, nullptr, {} }) == Qt::CopyAction;
 }
 
-void VNRecoderWindow::glassLeft()
+void VNRecoderWindow::filesLeft()
 {
     if (m_view)
         m_view->draggingExited({});
 }
 
-bool VNRecoderWindow::glassDropped(const QMimeData &files, QPoint onDesktop)
+bool VNRecoderWindow::filesDropped(const QMimeData &files, QPoint onDesktop)
 {
     if (!m_view)
         return false;

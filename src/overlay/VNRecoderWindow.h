@@ -1,7 +1,7 @@
 #pragma once
 
 #include "overlay/VNRecoderView.h"
-#include "overlay/glass_receiver.h"
+#include "overlay/input_receiver.h"
 
 #include <QPointer>
 #include <QRect>
@@ -23,7 +23,7 @@ class VNRecoderWindowDelegate;
 /// manager it is translucent; without one it is cut to what its view shows. While idle it has a hole where
 /// another window of the program is: some window managers keep windows like this one above all that they
 /// manage.
-class VNRecoderWindow : public QWidget, private GlassReceiver
+class VNRecoderWindow : public QWidget, private InputReceiver
 {
     Q_OBJECT
 public:
@@ -79,14 +79,14 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void glassPressed(QPoint onDesktop) override;
-    void glassDragged(QPoint onDesktop) override;
-    [[nodiscard]] bool glassEntered(const QMimeData &files, bool mayCopy) override;
-    void glassLeft() override;
-    [[nodiscard]] bool glassDropped(const QMimeData &files, QPoint onDesktop) override;
+    void inputPressed(QPoint onDesktop) override;
+    void inputDragged(QPoint onDesktop) override;
+    [[nodiscard]] bool filesEntered(const QMimeData &files, bool mayCopy) override;
+    void filesLeft() override;
+    [[nodiscard]] bool filesDropped(const QMimeData &files, QPoint onDesktop) override;
     void place();
     void leaveOutOwnWindows();
-    void treat();
+    void updateAppearance();
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;

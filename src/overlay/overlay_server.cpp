@@ -1,7 +1,7 @@
 #include "overlay/overlay_server.h"
 
 #include "overlay/x11/x11_compositing.h"
-#include "overlay/x11/x11_glass.h"
+#include "overlay/x11/x11_input_window.h"
 #include "overlay/x11/x11_stacking.h"
 #include "overlay/x11/x11_windows.h"
 #include "x11/x11_connection.h"
@@ -25,7 +25,7 @@ xcb_connection_t *toolkitConnection()
 
 xcb_window_t idOf(const QWindow *window)
 {
-    // A window that the toolkit has not made yet is nobody's lid.
+    // A window that the toolkit has not made yet stands above nothing.
     return window && window->handle() ? static_cast<xcb_window_t>(window->winId())
                                       : xcb_window_t { XCB_NONE };
 }
@@ -33,12 +33,12 @@ xcb_window_t idOf(const QWindow *window)
 } // namespace
 
 struct OverlayServer::Private {
-    Private(std::unique_ptr<X11Connection> openConnection, GlassReceiver &receiver)
+    Private(std::unique_ptr<X11Connection> openConnection, InputReceiver &receiver)
         : connection(std::move(openConnection))
         , events(*connection)
         , compositing(events)
         , stacking(events)
-        , glass(events, receiver)
+        , inputWindow(events, receiver)
     {
     }
 
@@ -46,17 +46,17 @@ struct OverlayServer::Private {
     X11Events events;
     X11Compositing compositing;
     X11Stacking stacking;
-    X11Glass glass;
-    xcb_window_t treated = XCB_NONE;
+    X11InputWindow inputWindow;
+    xcb_window_t overlay = XCB_NONE;
     std::optional<QRegion> shape;
     bool takesMouse = true;
-    xcb_window_t lid = XCB_NONE;
+    xcb_window_t windowAbove = XCB_NONE;
 };
 
 OverlayServer::OverlayServer() = default;
 OverlayServer::~OverlayServer() = default;
 
-std::unique_ptr<OverlayServer> OverlayServer::create(GlassReceiver &receiver)
+std::unique_ptr<OverlayServer> OverlayServer::create(InputReceiver &receiver)
 {
     auto connection = toolkitConnection() ? X11Connection::open() : nullptr;
     if (!connection)
@@ -87,38 +87,38 @@ QRegion OverlayServer::pixelsOf(const QList<QWindow *> &windows) const
     return pixels;
 }
 
-void OverlayServer::treat(QWindow &window, const Treatment &treatment)
+void OverlayServer::setAppearance(QWindow &window, const Appearance &appearance)
 {
     xcb_connection_t *const connection = toolkitConnection();
     const xcb_window_t id = idOf(&window);
-    const bool isNew = id != d->treated;
-    d->treated = id;
-    if (isNew || treatment.shape != d->shape) {
-        setShape(connection, id, XCB_SHAPE_SK_BOUNDING, treatment.shape);
-        d->shape = treatment.shape;
+    const bool isNew = id != d->overlay;
+    d->overlay = id;
+    if (isNew || appearance.shape != d->shape) {
+        setShape(connection, id, XCB_SHAPE_SK_BOUNDING, appearance.shape);
+        d->shape = appearance.shape;
     }
-    if (isNew || treatment.takesMouse != d->takesMouse) {
+    if (isNew || appearance.takesMouse != d->takesMouse) {
         setShape(connection,
                  id,
                  XCB_SHAPE_SK_INPUT,
-                 treatment.takesMouse ? std::nullopt : std::optional(QRegion()));
-        d->takesMouse = treatment.takesMouse;
+                 appearance.takesMouse ? std::nullopt : std::optional(QRegion()));
+        d->takesMouse = appearance.takesMouse;
     }
     xcb_flush(connection);
-    d->lid = idOf(treatment.lid);
-    d->glass.lay(treatment.glass);
+    d->windowAbove = idOf(appearance.windowAbove);
+    d->inputWindow.place(appearance.inputArea);
 }
 
 void OverlayServer::orderFront(QWindow &window)
 {
     wait(); // until the window is there
-    d->stacking.keepOnTop(idOf(&window), d->lid, d->glass.id());
+    d->stacking.keepOnTop(idOf(&window), d->windowAbove, d->inputWindow.id());
 }
 
 void OverlayServer::orderOut()
 {
     d->stacking.stop();
-    d->glass.lay({});
+    d->inputWindow.place({});
 }
 
 void OverlayServer::wait()

@@ -10,7 +10,7 @@ class QWindow;
 
 namespace vornic {
 
-class GlassReceiver;
+class InputReceiver;
 
 /// What the overlay's window needs of the X server and the toolkit cannot ask for.
 ///
@@ -19,16 +19,16 @@ class OverlayServer : public QObject
 {
     Q_OBJECT
 public:
-    /// How the window is to be.
-    struct Treatment {
-        QRegion shape; ///< what of the window shows
+    /// What of the window is seen, what takes the mouse, and what stands above it.
+    struct Appearance {
+        QRegion shape; ///< the part of the window that shows
         bool takesMouse = true;
-        QRegion glass; ///< where an unseen window takes the mouse in its place, pixels of the desktop
-        QWindow *lid = nullptr; ///< the window directly above; null: none
+        QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
+        QWindow *windowAbove = nullptr; ///< directly above; null: none
     };
 
     /// Null where windows are not those of an X server. Borrows \a receiver for life.
-    [[nodiscard]] static std::unique_ptr<OverlayServer> create(GlassReceiver &receiver);
+    [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver);
     ~OverlayServer() override;
 
     /// Whether a compositing manager runs, which makes windows translucent.
@@ -36,9 +36,9 @@ public:
     /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. Blocks
     /// for some exchanges with the server. From then on windowsMoved() tells when that is another answer.
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) const;
-    /// Sends what is other than it was. Before the window is shown, and whenever something changes.
-    void treat(QWindow &window, const Treatment &treatment);
-    /// Puts it above everything but the lid, and keeps it there.
+    /// Tells the server what has changed. Before the window is shown, and whenever something changes.
+    void setAppearance(QWindow &window, const Appearance &appearance);
+    /// Puts it above everything but the window above, and keeps it there.
     void orderFront(QWindow &window);
     void orderOut();
     /// Returns once the server has done what the toolkit and we have asked for.

@@ -12,9 +12,9 @@ namespace vornic {
 
 namespace {
 
-/// Restacks closer together than this are a quarrel with a window that wants to be on top as well.
-constexpr qint64 quarrelMs = 1000;
-constexpr int mostRestacksInAQuarrel = 20;
+/// Restacks closer together than this answer a window that wants to be on top as well.
+constexpr qint64 restackRowMs = 1000;
+constexpr int maxRestacksInARow = 20;
 
 /// The window of the desktop that \a event says was shown, hidden or stacked anew; 0 for another event.
 xcb_window_t movedWindow(const xcb_generic_event_t &event)
@@ -49,21 +49,21 @@ X11Stacking::X11Stacking(X11Events &events)
     connect(&m_soon, &QTimer::timeout, this, &X11Stacking::check);
     connect(&events, &X11Events::eventRead, this, [this](const xcb_generic_event_t &event) {
         const xcb_window_t moved = movedWindow(event);
-        const bool isOther = moved != XCB_NONE && moved != m_window && moved != m_glass;
+        const bool isOther = moved != XCB_NONE && moved != m_window && moved != m_inputWindow;
         if (m_window != XCB_NONE && (isOther || isOfShowing(event)))
             m_soon.start();
     });
 }
 
-void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass)
+void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t windowAbove, std::uint32_t inputWindow)
 {
     m_window = window;
-    m_lid = lid;
-    m_glass = glass;
+    m_windowAbove = windowAbove;
+    m_inputWindow = inputWindow;
     m_restacksInARow = 0;
-    if (lid != XCB_NONE)
-        watch(lid);
-    restack(lidFrame());
+    if (windowAbove != XCB_NONE)
+        watch(windowAbove);
+    restack(frameAbove());
 }
 
 void X11Stacking::watch(std::uint32_t window)
@@ -91,49 +91,51 @@ void X11Stacking::check()
 {
     if (m_window == XCB_NONE)
         return;
-    if (const xcb_window_t lid = lidFrame(); !isInPlace(lid) && mayRestack())
-        restack(lid);
+    if (const xcb_window_t above = frameAbove(); !isInPlace(above) && mayRestack())
+        restack(above);
     m_events.flush();
     emit desktopChanged();
 }
 
-/// The lid's own window on the desktop, its decoration; none while it is not shown.
-std::uint32_t X11Stacking::lidFrame() const
+/// The desktop's own child window that holds the window above: its decoration, or itself. None while it is
+/// not shown.
+std::uint32_t X11Stacking::frameAbove() const
 {
-    return m_lid != XCB_NONE && isShown(m_connection, m_lid) ? topLevelOf(m_lid) : xcb_window_t { XCB_NONE };
+    return m_windowAbove != XCB_NONE && isShown(m_connection, m_windowAbove) ? topLevelOf(m_windowAbove)
+                                                                             : xcb_window_t { XCB_NONE };
 }
 
 bool X11Stacking::mayRestack()
 {
-    const bool quarrels = m_sinceRestack.isValid() && m_sinceRestack.elapsed() < quarrelMs;
-    m_restacksInARow = quarrels ? m_restacksInARow + 1 : 0;
-    return m_restacksInARow < mostRestacksInAQuarrel;
+    const bool isInARow = m_sinceRestack.isValid() && m_sinceRestack.elapsed() < restackRowMs;
+    m_restacksInARow = isInARow ? m_restacksInARow + 1 : 0;
+    return m_restacksInARow < maxRestacksInARow;
 }
 
-bool X11Stacking::isInPlace(std::uint32_t lidFrame) const
+bool X11Stacking::isInPlace(std::uint32_t frameAbove) const
 {
     const std::vector<xcb_window_t> windows = windowsFromBelow();
     const auto ours = std::ranges::find(windows, m_window);
     if (ours == windows.end())
         return true; // not on this desktop
-    const auto lid = lidFrame == XCB_NONE ? windows.end() : std::find(ours, windows.end(), lidFrame);
-    if (lidFrame != XCB_NONE && lid == windows.end())
-        return false; // the lid is below
+    const auto above = frameAbove == XCB_NONE ? windows.end() : std::find(ours, windows.end(), frameAbove);
+    if (frameAbove != XCB_NONE && above == windows.end())
+        return false; // it is below
     return std::none_of(
-        ours + 1, lid, [this](xcb_window_t other) { return other != m_glass && isViewable(other); });
+        ours + 1, above, [this](xcb_window_t other) { return other != m_inputWindow && isViewable(other); });
 }
 
-void X11Stacking::restack(std::uint32_t lidFrame)
+void X11Stacking::restack(std::uint32_t frameAbove)
 {
     m_sinceRestack.start();
-    const std::array<std::uint32_t, 2> belowLid { lidFrame, XCB_STACK_MODE_BELOW };
+    const std::array<std::uint32_t, 2> below { frameAbove, XCB_STACK_MODE_BELOW };
     const std::uint32_t top = XCB_STACK_MODE_ABOVE;
-    for (const xcb_window_t window : { m_window, m_glass }) {
-        if (lidFrame != XCB_NONE)
+    for (const xcb_window_t window : { m_window, m_inputWindow }) {
+        if (frameAbove != XCB_NONE)
             xcb_configure_window(m_connection.get(),
                                  window,
                                  XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
-                                 belowLid.data());
+                                 below.data());
         else
             xcb_configure_window(m_connection.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &top);
     }

@@ -14,7 +14,7 @@ namespace vornic {
 class X11Connection;
 class X11Events;
 
-/// Keeps a window above all others of the desktop, menus too, but directly beneath the one that is its lid.
+/// Keeps a window above all others of the desktop, menus too, but directly beneath one of ours.
 ///
 /// Made by OverlayServer; main thread only. The window is one that the window manager does not manage.
 /// Whenever another window is raised above it, it goes up again; but not without end against one that does
@@ -26,9 +26,9 @@ public:
     /// Borrows \a events for life.
     explicit X11Stacking(X11Events &events);
 
-    /// Puts \a window in its place at once and keeps it there. While \a lid, which may be 0, is not visible,
-    /// that is the very top. \a glass goes along, directly above it.
-    void keepOnTop(std::uint32_t window, std::uint32_t lid, std::uint32_t glass);
+    /// Puts \a window in its place at once and keeps it there: directly beneath \a windowAbove, or at the very
+    /// top while that one is not shown or is 0. \a inputWindow goes along, directly above \a window.
+    void keepOnTop(std::uint32_t window, std::uint32_t windowAbove, std::uint32_t inputWindow);
     void stop();
     /// Tells of \a window also what happens to it within its decoration: there it is moved and resized a
     /// little after the decoration, or alone.
@@ -40,20 +40,20 @@ signals:
 
 private:
     void check();
-    void restack(std::uint32_t lidFrame);
+    void restack(std::uint32_t frameAbove);
     [[nodiscard]] std::vector<std::uint32_t> windowsFromBelow() const;
     [[nodiscard]] std::uint32_t topLevelOf(std::uint32_t window) const;
-    [[nodiscard]] std::uint32_t lidFrame() const;
+    [[nodiscard]] std::uint32_t frameAbove() const;
     [[nodiscard]] bool isViewable(std::uint32_t window) const;
-    [[nodiscard]] bool isInPlace(std::uint32_t lidFrame) const;
+    [[nodiscard]] bool isInPlace(std::uint32_t frameAbove) const;
     [[nodiscard]] bool isOfShowing(const xcb_generic_event_t &event) const;
     [[nodiscard]] bool mayRestack();
 
     X11Connection &m_connection;
     X11Events &m_events;
     std::uint32_t m_window = 0; ///< 0: nothing is kept
-    std::uint32_t m_lid = 0;
-    std::uint32_t m_glass = 0;
+    std::uint32_t m_windowAbove = 0;
+    std::uint32_t m_inputWindow = 0;
     QTimer m_soon;
     QElapsedTimer m_sinceRestack;
     int m_restacksInARow = 0;

@@ -35,9 +35,9 @@ bool isShown(const X11Connection &connection, std::uint32_t window)
     if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
         return false;
     // Extended Window Manager Hints 1.5, _NET_WM_STATE: a list of atoms.
-    constexpr std::uint32_t mostStates = 32;
+    constexpr std::uint32_t maxStates = 32;
     const auto cookie = xcb_get_property(
-        connection.get(), 0, window, connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, mostStates);
+        connection.get(), 0, window, connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, maxStates);
     const XcbReply<xcb_get_property_reply_t> states(
         xcb_get_property_reply(connection.get(), cookie, nullptr));
     if (!states || states->format != 32)

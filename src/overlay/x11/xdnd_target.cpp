@@ -1,6 +1,6 @@
 #include "overlay/x11/xdnd_target.h"
 
-#include "overlay/glass_receiver.h"
+#include "overlay/input_receiver.h"
 #include "x11/x11_connection.h"
 #include "x11/x11_events.h"
 #include "x11/xcb_reply.h"
@@ -15,7 +15,7 @@ namespace vornic {
 namespace {
 
 constexpr std::uint32_t protocolVersion = 5;
-constexpr std::uint32_t mostPropertyWords = 1U << 18;
+constexpr std::uint32_t maxPropertyWords = 1U << 18;
 
 void fill(QMimeData &files, const QByteArray &names)
 {
@@ -24,7 +24,7 @@ void fill(QMimeData &files, const QByteArray &names)
 
 } // namespace
 
-XdndTarget::XdndTarget(X11Events &events, std::uint32_t window, GlassReceiver &receiver)
+XdndTarget::XdndTarget(X11Events &events, std::uint32_t window, InputReceiver &receiver)
     : m_connection(events.connection())
     , m_events(events)
     , m_window(window)
@@ -112,7 +112,7 @@ void XdndTarget::namesCame(bool isThere)
     m_drag->names = names;
     QMimeData files;
     fill(files, names);
-    m_drag->isTaken = m_receiver.glassEntered(files, m_drag->mayCopy);
+    m_drag->isTaken = m_receiver.filesEntered(files, m_drag->mayCopy);
     if (m_drag->owesStatus)
         send(m_atoms.status, m_drag->isTaken);
     if (m_drag->isDropped)
@@ -122,7 +122,7 @@ void XdndTarget::namesCame(bool isThere)
 void XdndTarget::leave()
 {
     if (m_drag && m_drag->isTaken)
-        m_receiver.glassLeft();
+        m_receiver.filesLeft();
     m_drag.reset();
 }
 
@@ -140,7 +140,7 @@ void XdndTarget::finish()
 {
     QMimeData files;
     fill(files, m_drag->names.value_or(QByteArray()));
-    const bool isTaken = m_drag->isTaken && m_receiver.glassDropped(files, m_drag->onDesktop);
+    const bool isTaken = m_drag->isTaken && m_receiver.filesDropped(files, m_drag->onDesktop);
     send(m_atoms.finished, isTaken);
     m_drag.reset();
 }
@@ -167,7 +167,7 @@ void XdndTarget::send(std::uint32_t type, bool isTaken)
 QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t name, bool isRemoved) const
 {
     const auto cookie = xcb_get_property(
-        m_connection.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, mostPropertyWords);
+        m_connection.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, maxPropertyWords);
     const XcbReply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(m_connection.get(), cookie, nullptr));
     if (!reply)

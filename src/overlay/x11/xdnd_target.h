@@ -9,20 +9,20 @@
 
 namespace vornic {
 
-class GlassReceiver;
+class InputReceiver;
 class X11Connection;
 class X11Events;
 
 /// Takes names of files that other programs drag over a window of ours which the toolkit does not know: the
 /// receiving side of the XDND protocol, version 5.
 ///
-/// Made by X11Glass; main thread only.
+/// Made by X11InputWindow; main thread only.
 class XdndTarget : public QObject
 {
     Q_OBJECT
 public:
     /// Borrows events and receiver for life.
-    XdndTarget(X11Events &events, std::uint32_t window, GlassReceiver &receiver);
+    XdndTarget(X11Events &events, std::uint32_t window, InputReceiver &receiver);
 
 private:
     /// A drag that is over the window.
@@ -53,7 +53,7 @@ private:
     X11Connection &m_connection;
     X11Events &m_events;
     const std::uint32_t m_window;
-    GlassReceiver &m_receiver;
+    InputReceiver &m_receiver;
     struct Atoms {
         std::uint32_t enter, position, status, leave, drop, finished, selection, typeList, actionList,
             actionCopy, uriList, names;

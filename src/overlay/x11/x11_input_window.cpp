@@ -1,4 +1,4 @@
-#include "overlay/x11/x11_glass.h"
+#include "overlay/x11/x11_input_window.h"
 
 #include "overlay/x11/xdnd_target.h"
 #include "x11/x11_connection.h"
@@ -19,7 +19,7 @@ constexpr std::uint32_t asSigned(int value)
 
 } // namespace
 
-X11Glass::X11Glass(X11Events &events, GlassReceiver &receiver)
+X11InputWindow::X11InputWindow(X11Events &events, InputReceiver &receiver)
     : m_connection(events.connection())
     , m_events(events)
     , m_receiver(receiver)
@@ -47,7 +47,7 @@ X11Glass::X11Glass(X11Events &events, GlassReceiver &receiver)
             const auto &press = as<xcb_button_press_event_t>(event);
             if (press.event == m_window && press.detail == XCB_BUTTON_INDEX_1) {
                 tellDrag();
-                m_receiver.glassPressed({ press.root_x, press.root_y });
+                m_receiver.inputPressed({ press.root_x, press.root_y });
             }
         } else if (kindOf(event) == XCB_MOTION_NOTIFY) {
             const auto &motion = as<xcb_motion_notify_event_t>(event);
@@ -59,27 +59,27 @@ X11Glass::X11Glass(X11Events &events, GlassReceiver &receiver)
     });
     m_tellDrag.setSingleShot(true);
     m_tellDrag.setInterval(0);
-    connect(&m_tellDrag, &QTimer::timeout, this, &X11Glass::tellDrag);
+    connect(&m_tellDrag, &QTimer::timeout, this, &X11InputWindow::tellDrag);
 }
 
-void X11Glass::tellDrag()
+void X11InputWindow::tellDrag()
 {
     m_tellDrag.stop();
     if (const auto to = std::exchange(m_draggedTo, std::nullopt))
-        m_receiver.glassDragged(*to);
+        m_receiver.inputDragged(*to);
 }
 
-X11Glass::~X11Glass()
+X11InputWindow::~X11InputWindow()
 {
     xcb_destroy_window(m_connection.get(), m_window);
     m_events.flush();
 }
 
-void X11Glass::lay(const QRegion &onDesktop)
+void X11InputWindow::place(const QRegion &onDesktop)
 {
-    if (onDesktop == m_laid)
+    if (onDesktop == m_area)
         return;
-    m_laid = onDesktop;
+    m_area = onDesktop;
     if (onDesktop.isEmpty()) {
         xcb_unmap_window(m_connection.get(), m_window);
     } else {
