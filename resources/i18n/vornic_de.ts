@@ -148,6 +148,14 @@
         <translation>VORNIC_DISPLAY nennt „%1“, aber es gibt nur: %2.</translation>
     </message>
     <message>
+        <source>Sound is switched off by the environment variable VORNIC_AUDIO.</source>
+        <translation>Der Ton ist durch die Umgebungsvariable VORNIC_AUDIO abgeschaltet.</translation>
+    </message>
+    <message>
+        <source>VORNIC_AUDIO names the sound backend &quot;%1&quot;, but there are only: %2.</source>
+        <translation>VORNIC_AUDIO nennt „%1“, aber es gibt nur: %2.</translation>
+    </message>
+    <message>
         <source>Cannot connect to the X11 display &quot;%1&quot;.</source>
         <translation>Keine Verbindung zum X11-Bildschirm „%1“.</translation>
     </message>

@@ -7,7 +7,8 @@
 #include "app/window/help_document.h"
 #include "app/window/main_window.h"
 #include "app/window/window_front_end.h"
-#include "audio/PKAudioControl.h"
+#include "audio/audio_backend.h"
+#include "audio/audio_control.h"
 #include "base/log.h"
 #include "base/main_queue.h"
 #include "controls/skin_colors.h"
@@ -79,12 +80,14 @@ int runWindow(int &argc, char **argv, CommandLine::Task task)
         logMessage(QCoreApplication::translate("vornic", "No window of Vornic is there that records."));
         return 1;
     }
+    if (const QString reason = noAudioReason(); !reason.isEmpty())
+        logMessage(reason);
     QApplication::setQuitOnLastWindowClosed(false);
     const Translations translations;
     dress();
     WindowFrontEnd frontEnd;
     VornicAppDelegate delegate(frontEnd.frontEnd());
-    delegate.setAudioControl(&PKAudioControl::sharedAudioControl());
+    delegate.setAudioControl(&mainAudioControl());
     VNRecorderWndCtrl &overlay = VNRecorderWndCtrl::shareRecorderWndCtrl();
     delegate.setRecorderWndCtrl(&overlay);
     delegate.setHelpDocument(helpDocument());
@@ -124,7 +127,9 @@ int printAndEnd(const QString &text, std::FILE *stream, int status)
 
 int listDevices()
 {
-    const QStringList names = PKAudioControl::sharedAudioControl().inputDevicesName();
+    if (const QString reason = noAudioReason(); !reason.isEmpty())
+        return printAndEnd(QStringLiteral("vornic: %1\n").arg(reason), stderr, 1);
+    const QStringList names = mainAudioControl().inputDevicesName();
     if (names.isEmpty())
         return printAndEnd(
             QStringLiteral("vornic: There is no audio input device; is the sound server running?\n"),

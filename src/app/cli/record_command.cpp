@@ -6,7 +6,8 @@
 #include "app/session/audio_input.h"
 #include "app/session/output_check.h"
 #include "app/session/recording_session.h"
-#include "audio/PKAudioControl.h"
+#include "audio/audio_backend.h"
+#include "audio/audio_control.h"
 #include "base/PKTimebase.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -55,7 +56,9 @@ QString whyNoSound(const CommandLine &line)
 {
     if (!line.audio)
         return {};
-    const QStringList devices = PKAudioControl::sharedAudioControl().inputDevicesName();
+    if (const QString reason = noAudioReason(); !reason.isEmpty())
+        return reason;
+    const QStringList devices = mainAudioControl().inputDevicesName();
     if (devices.isEmpty())
         return QCoreApplication::translate("vornic",
                                            "There is no audio input device; is the sound server running?");
@@ -150,7 +153,7 @@ int runRecordCommand(const CommandLine &line)
     }
     const std::unique_ptr<VNOption> options = optionsFrom(line);
     RecordingSession session(
-        frontEnd.frontEnd(), *options, line.audio ? &PKAudioControl::sharedAudioControl() : nullptr);
+        frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
     chooseAudioDevice(session.audioInput(), line);
     const UnixSignals signalled;
     const auto terminate = [&session] { session.terminate(); };
