@@ -66,12 +66,6 @@
         <translation>Es gibt kein Audio-Eingabegerät; läuft der Soundserver?</translation>
     </message>
     <message>
-        <source>There is no audio input device &quot;%1&quot;. These are there:
-  %2</source>
-        <translation>Es gibt kein Audio-Eingabegerät „%1“. Diese gibt es:
-  %2</translation>
-    </message>
-    <message>
         <source>The region %1,%2,%3,%4 lies off the display, which has %5x%6 pixels.</source>
         <translation>Der Bereich %1,%2,%3,%4 liegt außerhalb des Bildschirms mit %5x%6 Pixeln.</translation>
     </message>
@@ -176,8 +170,18 @@
         <translation>Der X-Server verweigert Bilder seines Bildschirms.</translation>
     </message>
     <message>
-        <source>No window of Vornic is there that records.</source>
-        <translation>Es gibt kein Fenster von Vornic, das aufnimmt.</translation>
+        <source>There is no audio input device &quot;%1&quot;. Available devices:
+  %2</source>
+        <translation>Es gibt kein Audio-Eingabegerät „%1“. Vorhandene Geräte:
+  %2</translation>
+    </message>
+    <message>
+        <source>Vornic is not recording.</source>
+        <translation>Vornic nimmt gerade nicht auf.</translation>
+    </message>
+    <message>
+        <source>vornic --help lists all commands and options.</source>
+        <translation>vornic --help zeigt alle Befehle und Optionen.</translation>
     </message>
 </context>
 <context>
@@ -185,6 +189,57 @@
     <message>
         <source>Colour</source>
         <translation>Farbe</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::CommandLine</name>
+    <message>
+        <source>--%1 &quot;%2&quot; cannot be read; it must be %3.</source>
+        <translation>--%1 „%2“ ist nicht zu verstehen; erwartet wird %3.</translation>
+    </message>
+    <message>
+        <source>X,Y,W,H in pixels, with W and H above 0</source>
+        <translation>X,Y,W,H in Pixeln, mit W und H über 0</translation>
+    </message>
+    <message>
+        <source>high or medium</source>
+        <translation>high oder medium</translation>
+    </message>
+    <message>
+        <source>a number of seconds above 0</source>
+        <translation>eine Zahl von Sekunden über 0</translation>
+    </message>
+    <message>
+        <source>full or rectangle</source>
+        <translation>full oder rectangle</translation>
+    </message>
+    <message>
+        <source>--%1 is an option of the window, not of &quot;vornic record&quot;.</source>
+        <translation>--%1 ist eine Option des Fensters, nicht von „vornic record“.</translation>
+    </message>
+    <message>
+        <source>&quot;vornic record&quot; needs the movie&apos;s file name: FILE.mp4.</source>
+        <translation>„vornic record“ braucht den Dateinamen des Films: FILE.mp4.</translation>
+    </message>
+    <message>
+        <source>&quot;vornic record&quot; takes one FILE.mp4, not %1.</source>
+        <translation>„vornic record“ nimmt eine FILE.mp4, nicht %1.</translation>
+    </message>
+    <message>
+        <source>The movie&apos;s file name &quot;%1&quot; must end in .mp4.</source>
+        <translation>Der Dateiname „%1“ des Films muss auf .mp4 enden.</translation>
+    </message>
+    <message>
+        <source>--%1 is an option of &quot;vornic record&quot;.</source>
+        <translation>--%1 ist eine Option von „vornic record“.</translation>
+    </message>
+    <message>
+        <source>Unknown command &quot;%1&quot;; the commands are record and devices.</source>
+        <translation>Unbekannter Befehl „%1“; die Befehle sind record und devices.</translation>
+    </message>
+    <message>
+        <source>&quot;vornic devices&quot; takes no arguments.</source>
+        <translation>„vornic devices“ nimmt keine Argumente.</translation>
     </message>
 </context>
 <context>

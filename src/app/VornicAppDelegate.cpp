@@ -135,7 +135,7 @@ bool VornicAppDelegate::allowedEditLogo()
 
 bool VornicAppDelegate::allowedEditFont()
 {
-    return allowedEditLogo() && options()->logoContext()->LogoType() == 0;
+    return allowedEditLogo() && options()->logoContext()->type() == LogoType::Text;
 }
 
 bool VornicAppDelegate::allowedAudioRecord() const

@@ -106,7 +106,7 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
 {
     ASSERT_TRUE(record(1));
     QStringList told = frontEnd.told;
-    told.removeAll("notSaving");
+    told.removeAll("notBusy");
     EXPECT_EQ(told,
               (QStringList { "savePanel Untitled.mp4",
                              "hint",
@@ -114,7 +114,7 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
                              "minimise",
                              "inhibit",
                              "hideStopItem",
-                             "saving",
+                             "busy",
                              "beginProgress",
                              "reveal " + moviePath(),
                              "announce " + moviePath(),
@@ -238,7 +238,7 @@ TEST_F(DelegateTest, ASelectedRectangleIsWhatTheMovieShows)
     const QImage shown = decodedPicture(moviePath(), 0, QSize(80, 60));
     EXPECT_LE(std::abs(qRed(shown.pixel(40, 30)) - 200), 4);
     EXPECT_LE(std::abs(qRed(shown.pixel(2, 2)) - 200), 4);
-    EXPECT_TRUE(frontEnd.told.contains("saving"));
+    EXPECT_TRUE(frontEnd.told.contains("busy"));
 }
 
 TEST_F(DelegateTest, ARectanglePartlyOffTheDisplayIsRecordedWhereItLiesOnIt)

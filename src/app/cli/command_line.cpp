@@ -10,7 +10,7 @@ namespace vornic {
 
 namespace {
 
-constexpr double mostSeconds = 60.0 * 60 * 24 * 365;
+constexpr double maxSeconds = 60.0 * 60 * 24 * 365;
 
 CommandLine wrongUsage(const QString &problem)
 {
@@ -22,7 +22,7 @@ CommandLine wrongUsage(const QString &problem)
 
 CommandLine wrongValue(const QString &option, const QString &value, const QString &form)
 {
-    return wrongUsage(QStringLiteral("--%1 \"%2\" cannot be read; give it as %3.").arg(option, value, form));
+    return wrongUsage(CommandLine::tr("--%1 \"%2\" cannot be read; it must be %3.").arg(option, value, form));
 }
 
 const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4.
@@ -89,22 +89,23 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
         const QString value = parser.value(QStringLiteral("region"));
         line.region = parseRegion(value);
         if (!line.region)
-            return wrongValue(
-                       QStringLiteral("region"), value, QStringLiteral("X,Y,W,H in pixels, W and H above 0"))
+            return wrongValue(QStringLiteral("region"),
+                              value,
+                              CommandLine::tr("X,Y,W,H in pixels, with W and H above 0"))
                 .problem;
     }
     const QString quality = parser.value(QStringLiteral("quality"));
     if (quality == QStringLiteral("medium"))
-        line.quality = 1;
+        line.quality = RecordQuality::Medium;
     else if (parser.isSet(QStringLiteral("quality")) && quality != QStringLiteral("high"))
-        return wrongValue(QStringLiteral("quality"), quality, QStringLiteral("high or medium")).problem;
+        return wrongValue(QStringLiteral("quality"), quality, CommandLine::tr("high or medium")).problem;
     if (parser.isSet(QStringLiteral("duration"))) {
         const QString value = parser.value(QStringLiteral("duration"));
         bool isNumber = false;
         const double seconds = value.toDouble(&isNumber);
-        if (!isNumber || !(seconds > 0) || seconds > mostSeconds)
+        if (!isNumber || !(seconds > 0) || seconds > maxSeconds)
             return wrongValue(
-                       QStringLiteral("duration"), value, QStringLiteral("a number of seconds above 0"))
+                       QStringLiteral("duration"), value, CommandLine::tr("a number of seconds above 0"))
                 .problem;
         line.durationSeconds = seconds;
     }
@@ -126,7 +127,7 @@ CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
     else if (value == QStringLiteral("rectangle"))
         line.task = CommandLine::Task::RecordRectangle;
     else
-        return wrongValue(QStringLiteral("record"), value, QStringLiteral("full or rectangle"));
+        return wrongValue(QStringLiteral("record"), value, CommandLine::tr("full or rectangle"));
     return line;
 }
 
@@ -135,16 +136,18 @@ CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
     line.action = CommandLine::Action::Record;
     for (const auto *option : { "record", "stop" }) {
         if (parser.isSet(QLatin1StringView(option)))
-            return wrongUsage(QStringLiteral("--%1 belongs to the window.").arg(QLatin1StringView(option)));
+            return wrongUsage(CommandLine::tr("--%1 is an option of the window, not of \"vornic record\".")
+                                  .arg(QLatin1StringView(option)));
     }
     const QStringList files = parser.positionalArguments().mid(1);
     if (files.size() != 1)
-        return wrongUsage(files.isEmpty()
-                              ? QStringLiteral("record needs the movie's name: FILE.mp4.")
-                              : QStringLiteral("record takes one FILE.mp4, not %1.").arg(files.size()));
+        return wrongUsage(
+            files.isEmpty()
+                ? CommandLine::tr("\"vornic record\" needs the movie's file name: FILE.mp4.")
+                : CommandLine::tr("\"vornic record\" takes one FILE.mp4, not %1.").arg(files.size()));
     line.file = files.first();
     if (!line.file.endsWith(QStringLiteral(".mp4"), Qt::CaseInsensitive))
-        return wrongUsage(QStringLiteral("The movie's name \"%1\" must end in .mp4.").arg(line.file));
+        return wrongUsage(CommandLine::tr("The movie's file name \"%1\" must end in .mp4.").arg(line.file));
     const QString problem = readRecordOptions(parser, line);
     return problem.isEmpty() ? line : wrongUsage(problem);
 }
@@ -165,10 +168,10 @@ std::optional<QRect> parseRegion(const QString &text)
         std::array<int, 4> numbers {};
         const std::array names { "x", "y", "w", "h" };
         for (std::size_t i = 0; i < names.size(); ++i) {
-            constexpr int most = 1'000'000;
+            constexpr int maxDistance = 1'000'000;
             bool isNumber = false;
             numbers[i] = match.captured(QLatin1StringView(names[i])).toInt(&isNumber);
-            if (!isNumber || std::abs(numbers[i]) > most)
+            if (!isNumber || std::abs(numbers[i]) > maxDistance)
                 return std::nullopt;
         }
         if (numbers[2] < 1 || numbers[3] < 1)
@@ -202,14 +205,14 @@ CommandLine parseCommandLine(const QStringList &arguments)
         return readWindow(parser, line);
     if (!parser.optionNames().isEmpty())
         return wrongUsage(
-            QStringLiteral("--%1 belongs to \"vornic record\".").arg(parser.optionNames().first()));
+            CommandLine::tr("--%1 is an option of \"vornic record\".").arg(parser.optionNames().first()));
     if (words.isEmpty())
         return line;
     if (words.first() != QStringLiteral("devices"))
-        return wrongUsage(
-            QStringLiteral("\"%1\" is no command; there are record and devices.").arg(words.first()));
+        return wrongUsage(CommandLine::tr("Unknown command \"%1\"; the commands are record and devices.")
+                              .arg(words.first()));
     if (words.size() > 1)
-        return wrongUsage(QStringLiteral("devices takes nothing more."));
+        return wrongUsage(CommandLine::tr("\"vornic devices\" takes no arguments."));
     line.action = CommandLine::Action::Devices;
     return line;
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "options/record_quality.h"
+
+#include <QCoreApplication>
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -10,6 +13,8 @@ namespace vornic {
 
 /// What the user asked for on the command line; a plain value.
 struct CommandLine {
+    Q_DECLARE_TR_FUNCTIONS(vornic::CommandLine)
+public:
     enum class Action { Window, Record, Devices, Help, Version, WrongUsage };
 
     Action action = Action::Window;
@@ -24,7 +29,7 @@ struct CommandLine {
     // Record
     QString file;
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
-    int quality = 0;             ///< as VNOption::recordQuality
+    RecordQuality quality = RecordQuality::High;
     bool audio = false;
     QString audioDevice; ///< empty: the first
     std::optional<double> durationSeconds;
@@ -32,7 +37,8 @@ struct CommandLine {
     bool ignoreLowSpace = false;
 };
 
-/// Reads the arguments; the first one is the program's name.
+/// Reads the arguments; the first one is the program's name. Problems are told in the language of the
+/// translators that are installed.
 [[nodiscard]] CommandLine parseCommandLine(const QStringList &arguments);
 
 /// "X,Y,W,H", "X,Y WxH" or "WxH+X+Y" in whole pixels with a size above 0; nothing for anything else.

@@ -1,11 +1,11 @@
 #include "app/cli/record_command.h"
 
 #include "app/cli/command_line_front_end.h"
-#include "app/cli/unix_signals.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/output_check.h"
 #include "app/session/recording_session.h"
+#include "app/session/unix_signals.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
 #include "base/PKTimebase.h"
@@ -65,7 +65,7 @@ QString whyNoSound(const CommandLine &line)
     if (line.audioDevice.isEmpty() || devices.contains(line.audioDevice))
         return {};
     return QCoreApplication::translate("vornic",
-                                       "There is no audio input device \"%1\". These are there:\n  %2")
+                                       "There is no audio input device \"%1\". Available devices:\n  %2")
         .arg(line.audioDevice, devices.join(QStringLiteral("\n  ")));
 }
 
@@ -98,7 +98,7 @@ QString whyNotRecord(const CommandLine &line)
 std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
 {
     auto options = std::make_unique<VNOption>();
-    options->setRecordQuality(line.quality);
+    options->setRecordQuality(static_cast<int>(line.quality));
     options->setEnableAudio(line.audio);
     if (line.region) {
         options->setIsRecordFullScreen(false);
@@ -152,8 +152,7 @@ int runRecordCommand(const CommandLine &line)
         return 1;
     }
     const std::unique_ptr<VNOption> options = optionsFrom(line);
-    RecordingSession session(
-        frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
+    RecordingSession session(frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
     chooseAudioDevice(session.audioInput(), line);
     const UnixSignals signalled;
     const auto terminate = [&session] { session.terminate(); };

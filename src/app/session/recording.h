@@ -22,17 +22,17 @@ struct Recording {
         : path(std::move(file))
         , rectangle(recorded)
         , isPart(options.recordsRectangle())
-        , quality(options.recordQuality())
+        , quality(options.quality())
         , hasSound(options.enableAudio())
         , clock(hasSound ? RecordingClock::Origin::FirstSound : RecordingClock::Origin::FirstPass,
                 std::move(now))
     {
     }
 
-    QString path;          ///< of the movie; another one where it could not be written there
-    QRectF rectangle;      ///< screen coordinates (y up), device pixels
-    bool isPart = false;   ///< a rectangle, not the full display
-    int quality = 0;       ///< the options' step
+    QString path;        ///< of the movie; another one where it could not be written there
+    QRectF rectangle;    ///< screen coordinates (y up), device pixels
+    bool isPart = false; ///< a rectangle, not the full display
+    RecordQuality quality = RecordQuality::High;
     bool hasSound = false; ///< was asked for
     RecordingClock clock { RecordingClock::Origin::FirstPass };
 

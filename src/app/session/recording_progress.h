@@ -21,7 +21,7 @@ public:
     virtual void minimiseMainWindow() { }
     virtual void bringMainWindowToFront() { }
     /// The busy indicator in the main window.
-    virtual void setSaving(bool /*saving*/) { }
+    virtual void setBusy(bool /*busy*/) { }
     /// What may be edited has changed.
     virtual void reloadData() { }
 

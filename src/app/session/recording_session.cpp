@@ -169,17 +169,18 @@ void RecordingSession::startRecorderAnyway()
     m_spool->setRecordRect(m_recording->rectangle);
     m_spool->setIsRecordPart(m_recording->isPart);
     if (m_recording->isPart)
-        m_frontEnd.progress.setSaving(true);
+        m_frontEnd.progress.setBusy(true);
     m_loop->start(m_settlingTime ? m_settlingTime() : std::chrono::nanoseconds(0),
                   m_recording->isPart ? m_recording->rectangle : QRectF(),
                   captureFrameRate(m_recording->quality));
-    startRecorder({ m_recording->path, m_recording->quality, m_recording->hasSound ? 1 : 0 });
+    startRecorder(
+        { m_recording->path, static_cast<int>(m_recording->quality), m_recording->hasSound ? 1 : 0 });
 }
 
 void RecordingSession::startRecorder(const QVariantList &arguments)
 {
     const QString path = arguments.value(0).toString();
-    const std::int32_t quality = arguments.value(1).toInt();
+    const auto quality = static_cast<RecordQuality>(arguments.value(1).toInt());
     const bool audio = arguments.value(2).toInt() == 1;
 
     QFile::remove(path);
@@ -238,7 +239,7 @@ void RecordingSession::executeStopRecord()
         return;
     setPhase(Phase::Writing);
     hideStopRecordingBtn();
-    m_frontEnd.progress.setSaving(true);
+    m_frontEnd.progress.setBusy(true);
     if (m_recording->hasSound)
         m_audio->stop();
     startWriting();
@@ -312,7 +313,7 @@ void RecordingSession::becomeIdle()
 {
     m_spool->clear();
     hideStopRecordingBtn();
-    m_frontEnd.progress.setSaving(false);
+    m_frontEnd.progress.setBusy(false);
     m_frontEnd.desktop.inhibitIdle(false);
     setPhase(Phase::Idle);
     if (m_terminating)

@@ -14,8 +14,9 @@ namespace vornic {
 
 namespace {
 
-/// A dialog that stays until the movie is written: neither Escape nor the window manager closes it.
-class PatientDialog : public QObject
+/// Keeps the sheet that it watches open until the movie is written: neither Escape nor the window manager closes
+/// it.
+class CloseBlocker : public QObject
 {
 public:
     using QObject::QObject;
@@ -53,7 +54,7 @@ void VNEncoderProgress::beginSheet(QWidget *window, std::uint64_t frames)
         m_timeLeftLabel = ui.timeLeftLabel;
     });
     m_window->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
-    m_window->installEventFilter(new PatientDialog(m_window));
+    m_window->installEventFilter(new CloseBlocker(m_window));
     setPercent(0);
     m_window->show();
 }

@@ -165,10 +165,10 @@ void MainWindow::showLogo()
     m_ui->logoImageView->setImage(std::make_shared<QImage>(logo.getNSImage()));
 }
 
-void MainWindow::setSaving(bool saving)
+void MainWindow::setBusy(bool busy)
 {
-    m_ui->savePI->setRange(0, saving ? 0 : 1);
-    m_ui->savePI->setVisible(saving);
+    m_ui->savePI->setRange(0, busy ? 0 : 1);
+    m_ui->savePI->setVisible(busy);
 }
 
 void MainWindow::reloadData()

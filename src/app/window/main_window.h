@@ -28,7 +28,7 @@ public:
     ~MainWindow() override;
 
     /// The busy indicator.
-    void setSaving(bool saving);
+    void setBusy(bool busy);
     /// Enables the controls that may be used now.
     void reloadData();
     /// Chooses the full display or the selected rectangle, and presses the record button.

@@ -149,10 +149,10 @@ void WindowFrontEnd::bringMainWindowToFront()
     m_window->activateWindow();
 }
 
-void WindowFrontEnd::setSaving(bool saving)
+void WindowFrontEnd::setBusy(bool busy)
 {
     if (m_window)
-        m_window->setSaving(saving);
+        m_window->setBusy(busy);
 }
 
 void WindowFrontEnd::reloadData()

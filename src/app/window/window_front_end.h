@@ -53,7 +53,7 @@ public:
     void hideStopItem() override;
     void minimiseMainWindow() override;
     void bringMainWindowToFront() override;
-    void setSaving(bool saving) override;
+    void setBusy(bool busy) override;
     void reloadData() override;
     void askForOtherFile(const QString &type,
                          std::function<void(std::optional<QString> path)> answer) override;

@@ -30,9 +30,9 @@ TEST(CommandLineTest, TheWindowMayBeginToRecord)
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
               CommandLine::Action::WrongUsage);
     EXPECT_EQ(parseCommandLine({ "vornic", "--record=some" }).problem,
-              "--record \"some\" cannot be read; give it as full or rectangle.");
+              "--record \"some\" cannot be read; it must be full or rectangle.");
     EXPECT_EQ(parseCommandLine({ "vornic", "record", "--record=full", "o.mp4" }).problem,
-              "--record belongs to the window.");
+              "--record is an option of the window, not of \"vornic record\".");
 }
 
 TEST(CommandLineTest, Commands)
@@ -53,7 +53,7 @@ TEST(CommandLineTest, ARecordingWithoutOptionsHasTheDefaults)
     EXPECT_EQ(line.action, Action::Record);
     EXPECT_EQ(line.file, "o.mp4");
     EXPECT_FALSE(line.region);
-    EXPECT_EQ(line.quality, 0);
+    EXPECT_EQ(line.quality, RecordQuality::High);
     EXPECT_FALSE(line.audio);
     EXPECT_FALSE(line.durationSeconds);
     EXPECT_FALSE(line.overwrite);
@@ -74,7 +74,7 @@ TEST(CommandLineTest, ARecordingWithAllOptions)
                                      "/tmp/o.MP4" });
     ASSERT_EQ(line.action, Action::Record) << line.problem.toStdString();
     EXPECT_EQ(line.region, QRect(101, 57, 641, 361));
-    EXPECT_EQ(line.quality, 1);
+    EXPECT_EQ(line.quality, RecordQuality::Medium);
     EXPECT_TRUE(line.audio);
     EXPECT_EQ(line.audioDevice, "Built-in microphone");
     EXPECT_EQ(line.durationSeconds, 2.5);

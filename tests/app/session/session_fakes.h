@@ -71,7 +71,7 @@ public:
     void setStopItemTitle(const QString &title) override { titles += title; }
     void hideStopItem() override { told += "hideStopItem"; }
     void minimiseMainWindow() override { told += "minimise"; }
-    void setSaving(bool saving) override { told += saving ? "saving" : "notSaving"; }
+    void setBusy(bool busy) override { told += busy ? "busy" : "notBusy"; }
     void askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer) override
     {
         told += "otherFile " + type;

@@ -16,26 +16,29 @@ TEST(TimeTextTest, HoursMinutesSeconds)
     EXPECT_EQ(stringFromeTimestamp(100 * 3600 * PKTimebase), "100:00:00");
 }
 
+/// A stored number that is neither of the two.
+constexpr RecordQuality otherQuality { 7 };
+
 TEST(RecordingSettingsTest, TheDelayFollowsTheQuality)
 {
-    EXPECT_EQ(captureDelay(captureFrameRate(0)).count(), 33'333'333);
-    EXPECT_EQ(captureDelay(captureFrameRate(1)).count(), 50'000'000);
-    EXPECT_EQ(captureDelay(captureFrameRate(7)).count(), 50'000'000);
+    EXPECT_EQ(captureDelay(captureFrameRate(RecordQuality::High)).count(), 33'333'333);
+    EXPECT_EQ(captureDelay(captureFrameRate(RecordQuality::Medium)).count(), 50'000'000);
+    EXPECT_EQ(captureDelay(captureFrameRate(otherQuality)).count(), 50'000'000);
 }
 
 TEST(RecordingSettingsTest, TheMoviesRateTestsForAnotherValue)
 {
-    EXPECT_EQ(movieFrameRate(0), 30.0);
-    EXPECT_EQ(movieFrameRate(1), 25.0);
-    EXPECT_EQ(movieFrameRate(7), 30.0);
+    EXPECT_EQ(movieFrameRate(RecordQuality::High), 30.0);
+    EXPECT_EQ(movieFrameRate(RecordQuality::Medium), 25.0);
+    EXPECT_EQ(movieFrameRate(otherQuality), 30.0);
 }
 
 TEST(RecordingSettingsTest, BitRates)
 {
-    EXPECT_EQ(movieBitRate(0, 1920, 1080), 5'184'000);
-    EXPECT_EQ(movieBitRate(1, 1920, 1080), 2'488'320);
-    EXPECT_EQ(movieBitRate(7, 1920, 1080), 5'184'000);
-    EXPECT_EQ(movieBitRate(1, 641, 361), 277'681);
+    EXPECT_EQ(movieBitRate(RecordQuality::High, 1920, 1080), 5'184'000);
+    EXPECT_EQ(movieBitRate(RecordQuality::Medium, 1920, 1080), 2'488'320);
+    EXPECT_EQ(movieBitRate(otherQuality, 1920, 1080), 5'184'000);
+    EXPECT_EQ(movieBitRate(RecordQuality::Medium, 641, 361), 277'681);
 }
 
 } // namespace

@@ -161,9 +161,9 @@ int paint(const QString &path)
     delegate.options()->logoContext()->setNSImage(picture);
     delegate.options()->logoContext()->setLogoType(1);
     sheet.add(window);
-    window.setSaving(true);
+    window.setBusy(true);
     sheet.add(window);
-    window.setSaving(false);
+    window.setBusy(false);
     sheet.endRow();
     addSheets(sheet, window);
     addQuestions(sheet, frontEnd);

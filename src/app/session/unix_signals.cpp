@@ -1,4 +1,4 @@
-#include "app/cli/unix_signals.h"
+#include "app/session/unix_signals.h"
 
 #include <sys/socket.h>
 #include <unistd.h>

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/VornicAppDelegate.h"
+#include "app/window/main_window.h"
+#include "app/window/window_front_end.h"
+
+#include <QObject>
+
+class QApplication;
+
+namespace vornic {
+
+class SingleInstance;
+class UnixSignals;
+
+/// The program with its window: delegate, overlay and main window, tied to each other and to the session.
+///
+/// Made by main after the application object, and run once; main thread.
+class WindowProgram : public QObject
+{
+    Q_OBJECT
+public:
+    /// What another start, a key or the desktop can ask of the window that runs.
+    static constexpr auto recordFullAction = "record-full";
+    static constexpr auto recordRectangleAction = "record-rectangle";
+    static constexpr auto stopAction = "stop";
+
+    WindowProgram(QApplication &application, const UnixSignals &signalled, SingleInstance &instance);
+    ~WindowProgram() override;
+
+    /// Shows the window, carries out \a action unless that is empty, and returns with the exit status when the
+    /// program ends.
+    [[nodiscard]] int run(const QString &action);
+
+private:
+    void launch();
+    void followSession(QApplication &application);
+    void perform(const QString &action);
+
+    WindowFrontEnd m_frontEnd;
+    VornicAppDelegate m_delegate;
+    VNRecorderWndCtrl &m_overlay;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+} // namespace vornic
