@@ -4,6 +4,7 @@
 /// Both run on all processors, in turns, five times; ratios are of medians of wall time.
 
 #include "base/PKTimebase.h"
+#include "base/error.h"
 #include "capture/jpeg/jpeg_picture.h"
 #include "capture/record/VNBufferDiscr.h"
 #include "capture/record/frame_composer.h"
@@ -111,7 +112,7 @@ public:
         const Clock::time_point start = Clock::now();
         task->startMuxerWithBlock([](const QString &action, const QVariant &value) {
             if (action == PKMuxerTaskActionFailed)
-                std::fprintf(stderr, "%s\n", value.toString().toUtf8().constData());
+                std::fprintf(stderr, "%s\n", value.value<Error>().reason.toUtf8().constData());
             if (action == PKMuxerTaskActionFailed || action == PKMuxerTaskActionComplete)
                 QCoreApplication::quit();
         });

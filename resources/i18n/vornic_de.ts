@@ -94,8 +94,8 @@
         <translation>Der Datenträger ist voll: Der Film konnte nicht nach %1 geschrieben werden.</translation>
     </message>
     <message>
-        <source>The movie has grown larger than a file may be there: it could not be written to %1.</source>
-        <translation>Der Film ist größer geworden, als eine Datei dort sein darf: Er konnte nicht nach %1 geschrieben werden.</translation>
+        <source>The movie is larger than the file system allows: it could not be written to %1.</source>
+        <translation>Der Film ist größer, als das Dateisystem erlaubt: Er konnte nicht nach %1 geschrieben werden.</translation>
     </message>
     <message>
         <source>You have no permission to write movies to the folder %1.</source>
@@ -126,8 +126,8 @@
         <translation>Der H.264-Encoder (libx264) fehlt auf diesem System.</translation>
     </message>
     <message>
-        <source>The video encoder cannot make a movie of %1 x %2 pixels: %3.</source>
-        <translation>Der Video-Encoder kann keinen Film von %1 x %2 Pixeln machen: %3.</translation>
+        <source>The video encoder cannot make a movie of %1 pixels: %2.</source>
+        <translation>Der Video-Encoder kann keinen Film von %1 Pixeln machen: %2.</translation>
     </message>
     <message>
         <source>The video encoder failed: %1.</source>

@@ -1,13 +1,12 @@
 #include "codec/PKMuxerTask.h"
 
 #include "base/assertion.h"
+#include "base/error.h"
 #include "base/main_queue.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/av_support.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_writer.h"
-
-#include <QCoreApplication>
 
 #include <pthread.h>
 
@@ -53,21 +52,24 @@ struct Outcome {
     QVariant value;
 };
 
-/// Nothing may be thrown out of a thread; whatever goes wrong ends the task with a sentence.
+Outcome failed(const Error &error)
+{
+    return { PKMuxerTaskActionFailed, QVariant::fromValue(error) };
+}
+
+/// Nothing may be thrown out of a thread; whatever goes wrong ends the task with an Error.
 Outcome
 writeMovieToItsEnd(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
 {
     try {
         return { PKMuxerTaskActionComplete, QVariant::fromValue(writeMovie(context, source, progress)) };
     } catch (const MovieFailure &failure) {
-        return { PKMuxerTaskActionFailed, failure.sentence() };
+        return failed(failure.error());
     } catch (const std::bad_alloc &) {
-        return { PKMuxerTaskActionFailed,
-                 QCoreApplication::translate("vornic", "There is not enough memory to write the movie.") };
+        return failed({ ErrorKind::OutOfMemory, ErrorSubject::File, context.filename(), {} });
     } catch (const std::exception &failure) {
-        return { PKMuxerTaskActionFailed,
-                 QCoreApplication::translate("vornic", "The movie could not be written to %1: %2.")
-                     .arg(context.filename(), QString::fromUtf8(failure.what())) };
+        return failed(
+            { ErrorKind::Failed, ErrorSubject::File, context.filename(), QString::fromUtf8(failure.what()) });
     }
 }
 

@@ -18,7 +18,7 @@ inline constexpr QLatin1StringView PKMuxerTaskActionStart { "PKMuxerTaskActionSt
 inline constexpr QLatin1StringView PKMuxerTaskActionProgress { "PKMuxerTaskActionProgress" };
 /// The movie stands under its name. Value: its MovieStatistics.
 inline constexpr QLatin1StringView PKMuxerTaskActionComplete { "PKMuxerTaskActionComplete" };
-/// No movie was written and nothing of it is left. Value: one sentence for the user, a QString.
+/// No movie was written and nothing of it is left. Value: why, as an Error.
 inline constexpr QLatin1StringView PKMuxerTaskActionFailed { "PKMuxerTaskActionFailed" };
 
 /// One movie being written from a data source, on threads of its own.

@@ -5,8 +5,6 @@
 #include "codec/encoder_settings.h"
 #include "codec/movie_failure.h"
 
-#include <QCoreApplication>
-
 extern "C" {
 #include <libavutil/channel_layout.h>
 }
@@ -23,13 +21,11 @@ const AVCodec &encoderFor(int codecId)
 {
     if (codecId != PKMuxerContext::audioCodecAac) {
         throw MovieFailure(
-            QCoreApplication::translate("vornic", "There is no audio encoder with the number %1.")
-                .arg(codecId));
+            { ErrorKind::Unsupported, ErrorSubject::AudioEncoder, QString::number(codecId), {} });
     }
     const AVCodec *codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (!codec) {
-        throw MovieFailure(
-            QCoreApplication::translate("vornic", "The AAC audio encoder is missing on this system."));
+        throw MovieFailure({ ErrorKind::Unavailable, ErrorSubject::AudioEncoder, QStringLiteral("AAC"), {} });
     }
     return *codec;
 }
@@ -37,8 +33,7 @@ const AVCodec &encoderFor(int codecId)
 void checkAudio(int result)
 {
     if (result < 0) {
-        throw MovieFailure(QCoreApplication::translate("vornic", "The sound could not be encoded: %1.")
-                               .arg(avErrorText(result)));
+        throw MovieFailure({ ErrorKind::Failed, ErrorSubject::AudioEncoder, {}, avErrorText(result) });
     }
 }
 

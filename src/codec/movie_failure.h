@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/error.h"
+
 #include <QString>
 
 #include <exception>
@@ -7,26 +9,26 @@
 
 namespace vornic {
 
-/// Why a movie cannot be written, as one sentence for the user.
+/// An Error on its way from where a movie cannot be written to the task that reports it.
 ///
 /// Thrown and caught inside this folder only, by the code that runs on a task's own threads.
 class MovieFailure : public std::exception
 {
 public:
-    explicit MovieFailure(QString sentence)
-        : m_sentence(std::move(sentence))
+    explicit MovieFailure(Error error)
+        : m_error(std::move(error))
     {
     }
 
-    [[nodiscard]] const QString &sentence() const { return m_sentence; }
+    [[nodiscard]] const Error &error() const { return m_error; }
     [[nodiscard]] const char *what() const noexcept override { return "the movie cannot be written"; }
 
 private:
-    QString m_sentence;
+    Error m_error;
 };
 
-/// The sentence for an error number of the media libraries or the system (negated errno) met while writing
-/// \a filename. It tells apart: disk full, file too large, no permission, no such folder, anything else.
-[[nodiscard]] QString writingFailureSentence(const QString &filename, int error);
+/// The error for a number of the media libraries or the system (negated errno) met while writing \a filename.
+/// Its kind tells apart: disk full, file too large, no permission, no such folder, anything else.
+[[nodiscard]] Error writingError(const QString &filename, int number);
 
 } // namespace vornic

@@ -87,7 +87,7 @@ void MovieFile::createTemporary()
 void MovieFile::checkWritten(int result) const
 {
     if (result < 0) {
-        throw MovieFailure(writingFailureSentence(m_filename, result));
+        throw MovieFailure(writingError(m_filename, result));
     }
 }
 

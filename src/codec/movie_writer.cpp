@@ -11,7 +11,6 @@
 #include "codec/movie_file.h"
 #include "codec/video_encoder.h"
 
-#include <QCoreApplication>
 #include <QSize>
 
 #include <algorithm>
@@ -108,7 +107,7 @@ private:
         FrameReader reader([this] { return readFrame(); });
         ConstFrame frame = reader.next();
         if (!frame) {
-            throw MovieFailure(QCoreApplication::translate("vornic", "The recording holds no frames."));
+            throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
         }
         while (frame) {
             ConstFrame following = nextAfter(*frame, reader);
@@ -193,8 +192,7 @@ writeMovie(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const P
 {
     if (context.format() != PKMuxerContext::formatMp4) {
         throw MovieFailure(
-            QCoreApplication::translate("vornic", "There is no movie format with the number %1.")
-                .arg(context.format()));
+            { ErrorKind::Unsupported, ErrorSubject::MovieFormat, QString::number(context.format()), {} });
     }
     return MovieWriter(context, source, progress).write();
 }

@@ -7,8 +7,6 @@
 #include "codec/movie_failure.h"
 #include "codec/planar_picture.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 
 namespace vornic {
@@ -25,13 +23,12 @@ const AVCodec &encoderFor(int codecId)
 {
     if (codecId != PKMuxerContext::videoCodecH264) {
         throw MovieFailure(
-            QCoreApplication::translate("vornic", "There is no video encoder with the number %1.")
-                .arg(codecId));
+            { ErrorKind::Unsupported, ErrorSubject::VideoEncoder, QString::number(codecId), {} });
     }
     const AVCodec *codec = avcodec_find_encoder_by_name("libx264");
     if (!codec) {
-        throw MovieFailure(QCoreApplication::translate(
-            "vornic", "The H.264 video encoder (libx264) is missing on this system."));
+        throw MovieFailure(
+            { ErrorKind::Unavailable, ErrorSubject::VideoEncoder, QStringLiteral("libx264"), {} });
     }
     return *codec;
 }
@@ -84,11 +81,8 @@ VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     const int result = avcodec_open2(m_codec.get(), nullptr, &options);
     av_dict_free(&options);
     if (result < 0) {
-        throw MovieFailure(QCoreApplication::translate(
-                               "vornic", "The video encoder cannot make a movie of %1 x %2 pixels: %3.")
-                               .arg(context.width())
-                               .arg(context.height())
-                               .arg(avErrorText(result)));
+        const QString size = QStringLiteral("%1 x %2").arg(context.width()).arg(context.height());
+        throw MovieFailure({ ErrorKind::Failed, ErrorSubject::VideoEncoder, size, avErrorText(result) });
     }
 }
 
@@ -121,8 +115,7 @@ void VideoEncoder::send(const AVFrame *frame, const PacketSink &sink)
         sink(*m_packet);
     }
     if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) {
-        throw MovieFailure(
-            QCoreApplication::translate("vornic", "The video encoder failed: %1.").arg(avErrorText(result)));
+        throw MovieFailure({ ErrorKind::Failed, ErrorSubject::VideoEncoder, {}, avErrorText(result) });
     }
 }
 

@@ -88,9 +88,16 @@ bool TaskReport::isComplete() const
     return !actions.isEmpty() && actions.last() == PKMuxerTaskActionComplete;
 }
 
-QString TaskReport::sentence() const
+std::optional<Error> TaskReport::error() const
 {
-    return isComplete() || values.isEmpty() ? QString() : values.last().toString();
+    if (values.isEmpty() || values.last().metaType() != QMetaType::fromType<Error>())
+        return std::nullopt;
+    return values.last().value<Error>();
+}
+
+std::string TaskReport::reason() const
+{
+    return error().value_or(Error {}).reason.toStdString();
 }
 
 MovieStatistics TaskReport::statistics() const

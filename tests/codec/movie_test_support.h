@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/error.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTaskDataSource.h"
@@ -18,6 +19,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace vornic::testing {
@@ -53,8 +56,10 @@ struct TaskReport {
     bool wasOnMainThread = true; ///< every time
 
     [[nodiscard]] bool isComplete() const;
-    /// The failure's sentence; empty when the movie was completed.
-    [[nodiscard]] QString sentence() const;
+    /// Why there is no movie; without a value where there is one, or where no Error was told.
+    [[nodiscard]] std::optional<Error> error() const;
+    /// The error's, for messages of a test; empty where there is none.
+    [[nodiscard]] std::string reason() const;
     /// Of the movie; all -1 when it failed.
     [[nodiscard]] MovieStatistics statistics() const;
 };

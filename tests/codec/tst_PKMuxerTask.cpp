@@ -56,7 +56,7 @@ TEST_F(PKMuxerTaskTest, writesH264HighInBt709LimitedRangeAndSaysSo)
 {
     m_source.addGreys({ 320, 240 }, 10);
     const auto report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
 
     const auto probed = probe(m_movie);
     const auto stream = streamOf(probed, QStringLiteral("video"));
@@ -289,7 +289,7 @@ TEST_F(PKMuxerTaskTest, theSmallestPictureMakesAMovie)
 {
     m_source.add(flat({ 1, 1 }, Qt::white), 0, 3000);
     const auto report = runTask(videoContext(m_movie, { 1, 1 }), m_source);
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_EQ(streamOf(probe(m_movie), QStringLiteral("video")).value(u"width").toInt(), 2);
 }
 

@@ -81,21 +81,31 @@ protected:
     ListSource m_source;
 };
 
-void expectFailure(const TaskReport &report, const QString &part)
+const Error noFramesError { ErrorKind::Empty, ErrorSubject::Recording, {}, {} };
+
+Error fileError(ErrorKind kind, const QString &movie, const char *reason)
+{
+    return { kind, ErrorSubject::File, movie, QLatin1StringView(reason) };
+}
+
+void expectFailure(const TaskReport &report, const Error &error)
 {
     ASSERT_FALSE(report.actions.isEmpty());
     EXPECT_EQ(report.actions.first(), PKMuxerTaskActionStart);
     EXPECT_EQ(report.actions.last(), PKMuxerTaskActionFailed);
     EXPECT_EQ(report.actions.count(PKMuxerTaskActionFailed), 1);
-    EXPECT_TRUE(report.sentence().contains(part)) << report.sentence().toStdString();
-    EXPECT_TRUE(report.sentence().endsWith(u'.'));
     EXPECT_TRUE(report.wasOnMainThread);
+    const std::optional<Error> told = report.error();
+    ASSERT_TRUE(told.has_value());
+    EXPECT_EQ(told->kind, error.kind);
+    EXPECT_EQ(told->subject, error.subject);
+    EXPECT_EQ(told->name, error.name);
+    EXPECT_EQ(told->reason, error.reason);
 }
 
 TEST_F(MovieFailuresTest, noFrames)
 {
-    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
-                  QStringLiteral("The recording holds no frames."));
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source), noFramesError);
     EXPECT_TRUE(files().isEmpty());
 }
 
@@ -105,7 +115,7 @@ TEST_F(MovieFailuresTest, noFramesButSound)
     m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 1, 48000, 4800, silence.data()));
     auto context = videoContext(m_movie, { 64, 48 });
     context.setAudioCodecID(PKMuxerContext::audioCodecAac);
-    expectFailure(runTask(context, m_source), QStringLiteral("The recording holds no frames."));
+    expectFailure(runTask(context, m_source), noFramesError);
     EXPECT_TRUE(files().isEmpty());
 }
 
@@ -113,17 +123,17 @@ TEST_F(MovieFailuresTest, aFolderThatDoesNotExist)
 {
     m_source.addGreys({ 64, 48 }, 3);
     const QString movie = m_folder.filePath(QStringLiteral("nowhere/a.mp4"));
-    expectFailure(
-        runTask(videoContext(movie, { 64, 48 }), m_source),
-        QStringLiteral("The folder %1 does not exist.").arg(m_folder.filePath(QStringLiteral("nowhere"))));
+    expectFailure(runTask(videoContext(movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::FolderMissing, movie, "No such file or directory"));
 }
 
 TEST_F(MovieFailuresTest, aFileWhereTheFolderShouldBe)
 {
     putFileAtFinalName();
     m_source.addGreys({ 64, 48 }, 3);
-    expectFailure(runTask(videoContext(m_movie + QStringLiteral("/b.mp4"), { 64, 48 }), m_source),
-                  QStringLiteral("does not exist"));
+    const QString movie = m_movie + QStringLiteral("/b.mp4");
+    expectFailure(runTask(videoContext(movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::FolderMissing, movie, "Not a directory"));
     EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
 }
 
@@ -133,7 +143,8 @@ TEST_F(MovieFailuresTest, aFolderThatTakesNoFiles)
     // a folder in which the kernel lets nobody make files, not even the superuser
     const auto report = runTask(videoContext(QStringLiteral("/proc/self/a.mp4"), { 64, 48 }), m_source);
     EXPECT_EQ(report.actions.last(), PKMuxerTaskActionFailed);
-    EXPECT_TRUE(report.sentence().contains(QStringLiteral("/proc/self")));
+    ASSERT_TRUE(report.error().has_value());
+    EXPECT_EQ(report.error()->name, u"/proc/self/a.mp4");
 }
 
 TEST_F(MovieFailuresTest, theFinalNameIsAFolder)
@@ -141,7 +152,7 @@ TEST_F(MovieFailuresTest, theFinalNameIsAFolder)
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("a.mp4")));
     m_source.addGreys({ 64, 48 }, 3);
     expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
-                  QStringLiteral("could not be written"));
+                  fileError(ErrorKind::Failed, m_movie, "Is a directory"));
     EXPECT_TRUE(files().isEmpty());
 }
 
@@ -154,7 +165,7 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhilePicturesAreWritten)
         const FileSizeLimit limit(64 * 1024);
         report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
     }
-    expectFailure(report, QStringLiteral("larger than a file may be"));
+    expectFailure(report, fileError(ErrorKind::FileTooLarge, m_movie, "File too large"));
     EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
     EXPECT_EQ(fileAtFinalName(), "what was there");
 }
@@ -183,42 +194,47 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhileTheIndexIsPutInFront)
         const FileSizeLimit limit(static_cast<rlim_t>(movieBytes - indexBytes / 2));
         report = runTask(videoContext(m_movie, { 16, 16 }), again);
     }
-    expectFailure(report, QStringLiteral("larger than a file may be"));
+    expectFailure(report, fileError(ErrorKind::FileTooLarge, m_movie, "File too large"));
     EXPECT_TRUE(files().isEmpty());
 }
 
-TEST_F(MovieFailuresTest, aFullDevice)
+TEST_F(MovieFailuresTest, systemErrorsAreToldApartByTheirKind)
 {
-    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -ENOSPC),
-              u"The disk is full: the movie could not be written to /x/o.mp4.");
-    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EDQUOT),
-              u"The disk is full: the movie could not be written to /x/o.mp4.");
-    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EACCES),
-              u"You have no permission to write movies to the folder /x.");
-    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EROFS),
-              u"You have no permission to write movies to the folder /x.");
-    EXPECT_EQ(writingFailureSentence(QStringLiteral("/x/o.mp4"), -EIO),
-              u"The movie could not be written to /x/o.mp4: Input/output error.");
+    const auto kindOf = [](int number) { return writingError(QStringLiteral("/x/o.mp4"), number).kind; };
+    EXPECT_EQ(kindOf(-ENOSPC), ErrorKind::DiskFull);
+    EXPECT_EQ(kindOf(-EDQUOT), ErrorKind::DiskFull);
+    EXPECT_EQ(kindOf(-EACCES), ErrorKind::PermissionDenied);
+    EXPECT_EQ(kindOf(-EPERM), ErrorKind::PermissionDenied);
+    EXPECT_EQ(kindOf(-EROFS), ErrorKind::PermissionDenied);
+    EXPECT_EQ(kindOf(-EIO), ErrorKind::Failed);
+    EXPECT_EQ(writingError(QStringLiteral("/x/o.mp4"), -EIO).reason, u"Input/output error");
 }
 
 TEST_F(MovieFailuresTest, encodersAndFormatsThatDoNotExist)
 {
+    const auto unsupported = [](ErrorSubject subject, const char *number) {
+        return Error { ErrorKind::Unsupported, subject, QLatin1StringView(number), {} };
+    };
     m_source.addGreys({ 64, 48 }, 3);
     auto context = videoContext(m_movie, { 64, 48 });
     context.setVideoCodecID(7);
-    expectFailure(runTask(context, m_source), QStringLiteral("no video encoder with the number 7"));
+    expectFailure(runTask(context, m_source), unsupported(ErrorSubject::VideoEncoder, "7"));
     context.setVideoCodecID(PKMuxerContext::videoCodecH264);
     context.setAudioCodecID(101);
-    expectFailure(runTask(context, m_source), QStringLiteral("no audio encoder with the number 101"));
+    expectFailure(runTask(context, m_source), unsupported(ErrorSubject::AudioEncoder, "101"));
     PKMuxerContext otherFormat(m_movie, 2);
-    expectFailure(runTask(otherFormat, m_source), QStringLiteral("no movie format with the number 2"));
+    expectFailure(runTask(otherFormat, m_source), unsupported(ErrorSubject::MovieFormat, "2"));
     EXPECT_TRUE(files().isEmpty());
 }
 
 TEST_F(MovieFailuresTest, aMovieWithoutASize)
 {
     m_source.addGreys({ 64, 48 }, 3);
-    expectFailure(runTask(videoContext(m_movie, { 0, 48 }), m_source), QStringLiteral("0 x 48"));
+    expectFailure(runTask(videoContext(m_movie, { 0, 48 }), m_source),
+                  { ErrorKind::Failed,
+                    ErrorSubject::VideoEncoder,
+                    QStringLiteral("0 x 48"),
+                    QStringLiteral("Invalid argument") });
     EXPECT_TRUE(files().isEmpty());
 }
 
@@ -232,7 +248,15 @@ TEST_F(MovieFailuresTest, aSourceThatThrowsEndsTheTask)
         }
     };
     expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
-                  QStringLiteral("the spool is broken"));
+                  fileError(ErrorKind::Failed, m_movie, "the spool is broken"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aSourceWithoutMemoryEndsTheTask)
+{
+    m_source.onVideo = [] { throw std::bad_alloc(); };
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::OutOfMemory, m_movie, ""));
     EXPECT_TRUE(files().isEmpty());
 }
 

@@ -106,7 +106,7 @@ TEST_F(MovieSoundTest, sixteenBitStereoOf48kHz)
     m_source.addGreys({ 64, 48 }, 60);
     addSound(tone<std::int16_t>(1000, 48000, 2, 96000, 16000, 0), 48000, 2, 4800);
     const auto report = run();
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 1000, 16000, 96000);
 }
@@ -116,7 +116,7 @@ TEST_F(MovieSoundTest, eightBitMonoAtALowRateInUnevenBlocks)
     m_source.addGreys({ 64, 48 }, 60);
     addSound(tone<std::uint8_t>(500, 11025, 1, 22050, 60, 128), 11025, 1, 777);
     const auto report = run();
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 500, 60 * 256, 96000);
 }
@@ -134,7 +134,7 @@ TEST_F(MovieSoundTest, aDeviceOfManyChannelsGivesItsFirstTwo)
     m_source.addGreys({ 64, 48 }, 60);
     addSound(tone<std::int16_t>(1000, 48000, 10, 96000, 12000, 0), 48000, 10, 4800);
     const auto report = run();
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     expectTone(m_movie, 1000, 12000, 96000);
 }
 
@@ -144,7 +144,7 @@ TEST_F(MovieSoundTest, aChangeOfFormatOnTheWayLeavesNoGap)
     addSound(tone<std::int16_t>(1000, 48000, 2, 48000, 16000, 0), 48000, 2, 4800);
     addSound(tone<std::int16_t>(1000, 16000, 1, 16000, 16000, 0), 16000, 1, 1600);
     const auto report = run();
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_NEAR(report.statistics().audioSeconds, 2.0, 1e-9);
     expectTone(m_movie, 1000, 16000, 96000);
 }
@@ -170,7 +170,7 @@ TEST_F(MovieSoundTest, aTrackThatGetsNoSoundIsLeftOut)
     m_source.addGreys({ 64, 48 }, 3);
     m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 0, 48000, 10, nullptr)); // makes no sense
     const auto report = run();
-    ASSERT_TRUE(report.isComplete()) << report.sentence().toStdString();
+    ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_EQ(report.statistics().audioSeconds, 0);
     const auto probed = probe(m_movie);
     EXPECT_TRUE(streamOf(probed, QStringLiteral("audio")).isEmpty());

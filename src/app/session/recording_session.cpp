@@ -3,6 +3,7 @@
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/desktop_services.h"
+#include "app/session/error_text.h"
 #include "app/session/movie_job.h"
 #include "app/session/output_check.h"
 #include "app/session/recording.h"
@@ -10,6 +11,7 @@
 #include "app/session/recording_questions.h"
 #include "app/session/recording_settings.h"
 #include "app/session/time_text.h"
+#include "base/error.h"
 #include "base/main_queue.h"
 #include "base/serial_queue.h"
 #include "capture/VNCGDisplay.h"
@@ -266,15 +268,15 @@ void RecordingSession::muxerReported(const QString &action, const QVariant &valu
         progress.endProgress();
     } else if (action == PKMuxerTaskActionFailed) {
         progress.endProgress();
-        m_frontEnd.questions.alertError(value.toString());
-        muxerFailed(value.toString());
+        m_recording->failure = errorText(value.value<Error>());
+        m_frontEnd.questions.alertError(m_recording->failure);
+        muxerFailed();
     }
 }
 
 /// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere.
-void RecordingSession::muxerFailed(const QString &sentence)
+void RecordingSession::muxerFailed()
 {
-    m_recording->failure = sentence;
     if (m_recording->framesGrabbed == 0) {
         becomeIdle();
         return;

@@ -108,7 +108,7 @@ private:
     void adopt(std::shared_ptr<Recording> recording);
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
-    void muxerFailed(const QString &sentence);
+    void muxerFailed();
     void writeTo(const QString &path);
     void becomeIdle();
 

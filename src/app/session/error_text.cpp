@@ -1,0 +1,85 @@
+#include "app/session/error_text.h"
+
+#include "base/error.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace vornic {
+
+namespace {
+
+QString unavailableText(ErrorSubject subject)
+{
+    if (subject == ErrorSubject::AudioEncoder)
+        return QCoreApplication::translate("vornic", "The AAC audio encoder is missing on this system.");
+    return QCoreApplication::translate("vornic",
+                                       "The H.264 video encoder (libx264) is missing on this system.");
+}
+
+QString unsupportedText(const Error &error)
+{
+    if (error.subject == ErrorSubject::AudioEncoder)
+        return QCoreApplication::translate("vornic", "There is no audio encoder with the number %1.")
+            .arg(error.name);
+    if (error.subject == ErrorSubject::VideoEncoder)
+        return QCoreApplication::translate("vornic", "There is no video encoder with the number %1.")
+            .arg(error.name);
+    return QCoreApplication::translate("vornic", "There is no movie format with the number %1.")
+        .arg(error.name);
+}
+
+QString videoEncoderText(const Error &error)
+{
+    if (error.name.isEmpty())
+        return QCoreApplication::translate("vornic", "The video encoder failed: %1.").arg(error.reason);
+    return QCoreApplication::translate("vornic", "The video encoder cannot make a movie of %1 pixels: %2.")
+        .arg(error.name, error.reason);
+}
+
+QString failedText(const Error &error)
+{
+    if (error.subject == ErrorSubject::AudioEncoder)
+        return QCoreApplication::translate("vornic", "The sound could not be encoded: %1.").arg(error.reason);
+    if (error.subject == ErrorSubject::VideoEncoder)
+        return videoEncoderText(error);
+    return QCoreApplication::translate("vornic", "The movie could not be written to %1: %2.")
+        .arg(error.name, error.reason);
+}
+
+} // namespace
+
+QString errorText(const Error &error)
+{
+    switch (error.kind) {
+    case ErrorKind::Unavailable:
+        return unavailableText(error.subject);
+    case ErrorKind::Unsupported:
+        return unsupportedText(error);
+    case ErrorKind::PermissionDenied:
+        return QCoreApplication::translate("vornic",
+                                           "You have no permission to write movies to the folder %1.")
+            .arg(QFileInfo(error.name).path());
+    case ErrorKind::FolderMissing:
+        return QCoreApplication::translate("vornic", "The folder %1 does not exist.")
+            .arg(QFileInfo(error.name).path());
+    case ErrorKind::DiskFull:
+        return QCoreApplication::translate("vornic",
+                                           "The disk is full: the movie could not be written to %1.")
+            .arg(error.name);
+    case ErrorKind::FileTooLarge:
+        return QCoreApplication::translate(
+                   "vornic",
+                   "The movie is larger than the file system allows: it could not be written to %1.")
+            .arg(error.name);
+    case ErrorKind::OutOfMemory:
+        return QCoreApplication::translate("vornic", "There is not enough memory to write the movie.");
+    case ErrorKind::Empty:
+        return QCoreApplication::translate("vornic", "The recording holds no frames.");
+    case ErrorKind::Failed:
+        break;
+    }
+    return failedText(error);
+}
+
+} // namespace vornic
