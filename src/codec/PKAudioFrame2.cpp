@@ -12,9 +12,8 @@ PKAudioFrame2::PKAudioFrame2(std::int32_t sampleFormat,
     , m_sampleRate(sampleRate)
 {
     const bool known = sampleFormat == 0 || sampleFormat == 1;
-    if (!known || numberOfChannel <= 0 || sampleRate <= 0 || numberOfSamples <= 0 || !samples) {
+    if (!known || numberOfChannel <= 0 || sampleRate <= 0 || numberOfSamples <= 0 || !samples)
         return;
-    }
     m_numberOfSamples = numberOfSamples;
     const qsizetype sampleBytes = sampleFormat == 1 ? 2 : 1;
     m_samples

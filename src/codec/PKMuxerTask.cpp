@@ -31,9 +31,8 @@ public:
         // The last step belongs to the finished movie: bringing it to the disk takes time too.
         const int step = std::min(static_cast<int>(std::floor(percent)), 99);
         const auto now = std::chrono::steady_clock::now();
-        if (step <= m_step || now - m_last < shortestPause) {
+        if (step <= m_step || now - m_last < shortestPause)
             return false;
-        }
         m_step = step;
         m_last = now;
         return true;
@@ -97,9 +96,8 @@ void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
     report(self, PKMuxerTaskActionStart, 0.0);
     ProgressThrottle throttle;
     Outcome outcome = writeMovieToItsEnd(*context, *source, [&](double percent) {
-        if (throttle.lets(percent)) {
+        if (throttle.lets(percent))
             report(self, PKMuxerTaskActionProgress, static_cast<double>(throttle.step()));
-        }
     });
     main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
         thread.join();
@@ -121,11 +119,10 @@ PKMuxerTask::~PKMuxerTask()
 {
     // Joinable only where the main thread's loop ended before the last report could be delivered.
     std::thread &thread = m_impl->thread;
-    if (thread.joinable() && thread.get_id() != std::this_thread::get_id()) {
+    if (thread.joinable() && thread.get_id() != std::this_thread::get_id())
         thread.join();
-    } else if (thread.joinable()) {
+    else if (thread.joinable())
         thread.detach();
-    }
 }
 
 void PKMuxerTask::setDataSource(PKMuxerTaskDataSource *source)

@@ -33,22 +33,17 @@ AvPtr<SwsContext> makeScaler(QSize from, PKPixelFormat fromFormat, QSize to, PKP
     set("sws_flags", SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP);
     set("threads", 0);          // as many as there are processors
     constexpr int middle = 128; // in 256ths of a luma pixel
-    for (const char *name : { "src_h_chr_pos", "src_v_chr_pos" }) {
-        if (fromFormat == PKPixelFormatYUV420P) {
+    for (const char *name : { "src_h_chr_pos", "src_v_chr_pos" })
+        if (fromFormat == PKPixelFormatYUV420P)
             set(name, middle);
-        }
-    }
-    for (const char *name : { "dst_h_chr_pos", "dst_v_chr_pos" }) {
-        if (toFormat == PKPixelFormatYUV420P) {
+    for (const char *name : { "dst_h_chr_pos", "dst_v_chr_pos" })
+        if (toFormat == PKPixelFormatYUV420P)
             set(name, middle);
-        }
-    }
     const auto isFullRange = [](PKPixelFormat format) { return format == PKPixelFormatRGB32 ? 1 : 0; };
     set("src_range", isFullRange(fromFormat));
     set("dst_range", isFullRange(toFormat));
-    if (sws_init_context(scaler.get(), nullptr, nullptr) < 0) {
+    if (sws_init_context(scaler.get(), nullptr, nullptr) < 0)
         return nullptr;
-    }
     const int *bt709 = sws_getCoefficients(SWS_CS_ITU709);
     constexpr int one = 1 << 16;
     sws_setColorspaceDetails(
@@ -106,26 +101,22 @@ struct PKScaleContext::Impl {
 
 std::shared_ptr<PKVideoFrame2> PKScaleContext::Impl::makeDestination() const
 {
-    if (toFormat == PKPixelFormatYUV420P) {
+    if (toFormat == PKPixelFormatYUV420P)
         return std::make_shared<PKVideoFrame2>(pool->take(to.width(), to.height()), to.width(), to.height());
-    }
     return std::make_shared<PKVideoFrame2>(QImage(to, QImage::Format_RGB32));
 }
 
 std::shared_ptr<PKVideoFrame2> PKScaleContext::Impl::scaled(const PKVideoFrame2 &frame)
 {
-    if (!scaler) {
+    if (!scaler)
         scaler = makeScaler(from, fromFormat, to, toFormat);
-    }
     auto result = makeDestination();
     const auto in = avFrameOver(frame, from.width(), from.height());
     const auto out = avFrameOver(*result, to.width(), to.height());
-    if (!scaler || sws_scale_frame(scaler.get(), out.get(), in.get()) < 0) {
+    if (!scaler || sws_scale_frame(scaler.get(), out.get(), in.get()) < 0)
         return nullptr;
-    }
-    if (result->m_planes) {
+    if (result->m_planes)
         result->m_planes->repeatLumaEdges(to.width(), to.height());
-    }
     return result;
 }
 

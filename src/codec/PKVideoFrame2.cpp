@@ -26,9 +26,8 @@ PKVideoFrame2::~PKVideoFrame2() = default;
 
 std::unique_ptr<QPainter> PKVideoFrame2::creatContextRef()
 {
-    if (m_planes) {
+    if (m_planes)
         return nullptr;
-    }
     auto painter = std::make_unique<QPainter>(&m_image);
     turnOver(*painter, m_image.height());
     return painter;
@@ -63,11 +62,10 @@ std::shared_ptr<PKVideoFrame2> PKVideoFrame2::sharingPixels() const
 std::shared_ptr<PKVideoFrame2> PKVideoFrame2::deepCopy() const
 {
     auto frame = sharingPixels();
-    if (m_planes) {
+    if (m_planes)
         frame->m_planes = m_planes->copy();
-    } else {
+    else
         frame->m_image = m_image.copy();
-    }
     return frame;
 }
 

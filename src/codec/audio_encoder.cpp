@@ -24,17 +24,15 @@ const AVCodec &encoderFor(int codecId)
             { ErrorKind::Unsupported, ErrorSubject::AudioEncoder, QString::number(codecId), {} });
     }
     const AVCodec *codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
-    if (!codec) {
+    if (!codec)
         throw MovieFailure({ ErrorKind::Unavailable, ErrorSubject::AudioEncoder, QStringLiteral("AAC"), {} });
-    }
     return *codec;
 }
 
 void checkAudio(int result)
 {
-    if (result < 0) {
+    if (result < 0)
         throw MovieFailure({ ErrorKind::Failed, ErrorSubject::AudioEncoder, {}, avErrorText(result) });
-    }
 }
 
 /// A lone channel goes to both sides at full strength. Of more than a pair without a usual meaning, the first
@@ -45,9 +43,8 @@ void setMatrixWhereNeeded(SwrContext &resampler, int channels)
     av_channel_layout_default(&layout, channels);
     const bool hasUsualLayout = layout.order != AV_CHANNEL_ORDER_UNSPEC;
     av_channel_layout_uninit(&layout);
-    if (channels > 1 && hasUsualLayout) {
+    if (channels > 1 && hasUsualLayout)
         return;
-    }
     const auto columns = static_cast<std::size_t>(channels);
     std::vector<double> matrix(2 * columns, 0.0);
     matrix[0] = 1;
@@ -73,9 +70,8 @@ AudioEncoder::AudioEncoder(int codecId)
 
 void AudioEncoder::add(const PKAudioFrame2 &block, const PacketSink &sink)
 {
-    if (block.numberOfSamples() == 0) {
+    if (block.numberOfSamples() == 0)
         return;
-    }
     takeFormatOf(block);
     resample(&block);
     m_seconds += static_cast<double>(block.numberOfSamples()) / block.sampleRate();
@@ -84,25 +80,21 @@ void AudioEncoder::add(const PKAudioFrame2 &block, const PacketSink &sink)
 
 void AudioEncoder::finish(const PacketSink &sink)
 {
-    if (m_resampler) {
+    if (m_resampler)
         resample(nullptr);
-    }
     encodeFullFrames(sink);
-    if (const int rest = av_audio_fifo_size(m_fifo.get()); rest > 0) {
+    if (const int rest = av_audio_fifo_size(m_fifo.get()); rest > 0)
         encodeSamples(rest, sink);
-    }
     send(nullptr, sink);
 }
 
 void AudioEncoder::takeFormatOf(const PKAudioFrame2 &block)
 {
     if (m_resampler && m_sampleFormat == block.sampleFormat() && m_channels == block.numberOfChannel()
-        && m_sampleRate == block.sampleRate()) {
+        && m_sampleRate == block.sampleRate())
         return;
-    }
-    if (m_resampler) {
+    if (m_resampler)
         resample(nullptr);
-    }
     m_sampleFormat = block.sampleFormat();
     m_channels = block.numberOfChannel();
     m_sampleRate = block.sampleRate();
@@ -134,9 +126,8 @@ void AudioEncoder::resample(const PKAudioFrame2 *block)
     std::vector<float> samples(static_cast<std::size_t>(room) * encoder_settings::audioChannels);
     std::array<float *, encoder_settings::audioChannels> channels { samples.data(), samples.data() + room };
     std::array<std::uint8_t *, encoder_settings::audioChannels> out {};
-    for (std::size_t channel = 0; channel < out.size(); ++channel) {
+    for (std::size_t channel = 0; channel < out.size(); ++channel)
         out[channel] = reinterpret_cast<std::uint8_t *>(channels[channel]);
-    }
     const auto *in = block ? reinterpret_cast<const std::uint8_t *>(block->samples().constData()) : nullptr;
     const int count = swr_convert(m_resampler.get(), out.data(), room, block ? &in : nullptr, samplesIn);
     checkAudio(count);
@@ -146,9 +137,8 @@ void AudioEncoder::resample(const PKAudioFrame2 *block)
 
 void AudioEncoder::encodeFullFrames(const PacketSink &sink)
 {
-    while (av_audio_fifo_size(m_fifo.get()) >= m_codec->frame_size) {
+    while (av_audio_fifo_size(m_fifo.get()) >= m_codec->frame_size)
         encodeSamples(m_codec->frame_size, sink);
-    }
 }
 
 void AudioEncoder::encodeSamples(int count, const PacketSink &sink)
@@ -169,12 +159,10 @@ void AudioEncoder::encodeSamples(int count, const PacketSink &sink)
 void AudioEncoder::send(const AVFrame *frame, const PacketSink &sink)
 {
     int result = avcodec_send_frame(m_codec.get(), frame);
-    while (result >= 0 && (result = avcodec_receive_packet(m_codec.get(), m_packet.get())) >= 0) {
+    while (result >= 0 && (result = avcodec_receive_packet(m_codec.get(), m_packet.get())) >= 0)
         sink(*m_packet);
-    }
-    if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) {
+    if (result != AVERROR(EAGAIN) && result != AVERROR_EOF)
         checkAudio(result);
-    }
 }
 
 } // namespace vornic

@@ -17,9 +17,8 @@ namespace {
 
 void logAvMessage(void *context, int level, const char *format, va_list arguments)
 {
-    if (level > AV_LOG_ERROR) {
+    if (level > AV_LOG_ERROR)
         return;
-    }
     std::array<char, 512> line {};
     int printPrefix = 1;
     av_log_format_line2(
@@ -66,9 +65,8 @@ AvPtr<AVFrame> avFrameOver(const PKVideoFrame2 &frame, int width, int height)
         = yuv ? (*owner)->byteCount() : static_cast<std::size_t>(frame.planeStride(0) * frame.codeHeight());
     result->buf[0]
         = av_buffer_create(result->data[0], bytes, releasePixels, owner.get(), AV_BUFFER_FLAG_READONLY);
-    if (!result->buf[0]) {
+    if (!result->buf[0])
         throw std::bad_alloc();
-    }
     owner.release();
     return result;
 }

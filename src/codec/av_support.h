@@ -44,9 +44,8 @@ void routeAvLog();
 template<typename T>
 AvPtr<T> owned(T *allocated)
 {
-    if (!allocated) {
+    if (!allocated)
         throw std::bad_alloc();
-    }
     return AvPtr<T>(allocated);
 }
 

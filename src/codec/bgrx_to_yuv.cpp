@@ -167,9 +167,8 @@ using RowPairFunction = void (*)(const RowPair &, int);
 RowPairFunction functionFor(ConversionCode code)
 {
 #if defined(__x86_64__)
-    if (code == ConversionCode::Fastest && __builtin_cpu_supports("avx2")) {
+    if (code == ConversionCode::Fastest && __builtin_cpu_supports("avx2"))
         return convertWithAvx2;
-    }
 #else
     Q_UNUSED(code)
 #endif

@@ -27,9 +27,8 @@ std::shared_ptr<const PKVideoFrame2> FrameReader::next()
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return !m_frames.empty() || m_hasEnded; });
     if (m_frames.empty()) {
-        if (m_failure) {
+        if (m_failure)
             std::rethrow_exception(std::exchange(m_failure, nullptr));
-        }
         return nullptr;
     }
     auto frame = std::move(m_frames.front());
@@ -61,14 +60,12 @@ bool FrameReader::readOne()
     {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [this] { return m_frames.size() < capacity || m_isStopping; });
-        if (m_isStopping) {
+        if (m_isStopping)
             return false;
-        }
     }
     auto frame = m_source();
-    if (!frame) {
+    if (!frame)
         return false;
-    }
     {
         const std::scoped_lock lock(m_mutex);
         m_frames.push_back(std::move(frame));

@@ -52,12 +52,10 @@ MovieFile::MovieFile(QString filename)
 
 MovieFile::~MovieFile()
 {
-    if (m_format->pb) {
+    if (m_format->pb)
         avio_closep(&m_format->pb);
-    }
-    if (!m_temporaryName.isEmpty()) {
+    if (!m_temporaryName.isEmpty())
         QFile::remove(m_temporaryName);
-    }
 }
 
 /// Finds out before the work what would otherwise come to light when the finished movie is renamed.
@@ -65,11 +63,10 @@ void MovieFile::checkFinalName() const
 {
     struct stat existing {
     };
-    if (::lstat(QFile::encodeName(m_filename).constData(), &existing) == 0) {
+    if (::lstat(QFile::encodeName(m_filename).constData(), &existing) == 0)
         checkWritten(S_ISDIR(existing.st_mode) ? AVERROR(EISDIR) : 0);
-    } else if (errno != ENOENT) {
+    else if (errno != ENOENT)
         checkWritten(AVERROR(errno));
-    }
 }
 
 void MovieFile::createTemporary()
@@ -77,26 +74,23 @@ void MovieFile::createTemporary()
     const QString name = temporaryNameBeside(m_filename);
     const int descriptor = ::open(
         QFile::encodeName(name).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); // less the umask
-    if (descriptor < 0) {
+    if (descriptor < 0)
         checkWritten(AVERROR(errno));
-    }
     ::close(descriptor);
     m_temporaryName = name;
 }
 
 void MovieFile::checkWritten(int result) const
 {
-    if (result < 0) {
+    if (result < 0)
         throw MovieFailure(writingError(m_filename, result));
-    }
 }
 
 int MovieFile::addTrack(const AVCodecContext &encoder)
 {
     AVStream *stream = avformat_new_stream(m_format.get(), nullptr);
-    if (!stream) {
+    if (!stream)
         throw std::bad_alloc();
-    }
     stream->time_base = encoder.time_base;
     checkWritten(avcodec_parameters_from_context(stream->codecpar, &encoder));
     return stream->index;
@@ -130,9 +124,8 @@ void MovieFile::complete()
     syncToDisk(m_temporaryName, O_WRONLY);
     const QByteArray from = QFile::encodeName(m_temporaryName);
     const QByteArray to = QFile::encodeName(m_filename);
-    if (std::rename(from.constData(), to.constData()) != 0) {
+    if (std::rename(from.constData(), to.constData()) != 0)
         checkWritten(AVERROR(errno));
-    }
     m_temporaryName.clear();
     syncToDisk(QFileInfo(m_filename).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
@@ -149,15 +142,13 @@ void MovieFile::closeTemporary()
 void MovieFile::syncToDisk(const QString &path, int flags) const
 {
     const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-    if (descriptor < 0) {
+    if (descriptor < 0)
         checkWritten(AVERROR(errno));
-    }
     const int error = ::fsync(descriptor) == 0 ? 0 : errno;
     ::close(descriptor);
     // Some file systems cannot sync a folder (or anything); what was written is still there.
-    if (error != 0 && error != EINVAL && error != ENOTSUP) {
+    if (error != 0 && error != EINVAL && error != ENOTSUP)
         checkWritten(AVERROR(error));
-    }
 }
 
 } // namespace vornic

@@ -44,9 +44,8 @@ public:
         const QSize stored(frame->codeWidth(), frame->codeHeight());
         const QSize shown
             = isYuv ? QSize(frame->displayWidth(), frame->displayHeight()).boundedTo(stored) : stored;
-        if (shown.isEmpty() || (isYuv && shown == m_size)) {
+        if (shown.isEmpty() || (isYuv && shown == m_size))
             return shown.isEmpty() ? nullptr : frame;
-        }
         if (!m_scaler || m_shown != shown || m_format != frame->pixFormat()) {
             m_shown = shown;
             m_format = frame->pixFormat();
@@ -106,9 +105,8 @@ private:
     {
         FrameReader reader([this] { return readFrame(); });
         ConstFrame frame = reader.next();
-        if (!frame) {
+        if (!frame)
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
-        }
         while (frame) {
             ConstFrame following = nextAfter(*frame, reader);
             const std::int64_t own = frame->duration() > 0 ? frame->duration() : usualDuration;
@@ -123,9 +121,8 @@ private:
     ConstFrame readFrame()
     {
         while (auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
-            if (auto conformed = m_conformer.conform(std::move(frame))) {
+            if (auto conformed = m_conformer.conform(std::move(frame)))
                 return conformed;
-            }
             ++m_framesWithoutPicture;
         }
         return nullptr;
@@ -149,9 +146,8 @@ private:
                && (!ticks
                    || m_audio->seconds() * static_cast<double>(PKTimebase) <= static_cast<double>(*ticks))) {
             const auto block = m_source.PKMuxerTaskGetAudioFrame();
-            if (block) {
+            if (block)
                 m_audio->add(*block, m_audioSink);
-            }
             m_audioHasEnded = !block;
         }
     }

@@ -71,9 +71,8 @@ std::shared_ptr<PlanarPicture> PlanarPicturePool::take(int width, int height)
     }
     return { picture.release(), [pool = weak_from_this()](PlanarPicture *used) {
                 std::unique_ptr<PlanarPicture> owned(used);
-                if (const auto alive = pool.lock()) {
+                if (const auto alive = pool.lock())
                     alive->giveBack(std::move(owned));
-                }
             } };
 }
 

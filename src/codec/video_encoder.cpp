@@ -57,9 +57,8 @@ void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
         std::min<std::int64_t>(encoder_settings::bufferFactor * codec.bit_rate, INT32_MAX));
     codec.gop_size = static_cast<int>(encoder_settings::keyFrameSeconds * quickestFrameRate);
     const std::int64_t macroblocks = std::int64_t { (codec.width + 15) / 16 } * ((codec.height + 15) / 16);
-    if (macroblocks <= encoder_settings::videoLevelMacroblocks) {
+    if (macroblocks <= encoder_settings::videoLevelMacroblocks)
         codec.level = encoder_settings::videoLevel;
-    }
 }
 
 } // namespace
@@ -114,9 +113,8 @@ void VideoEncoder::send(const AVFrame *frame, const PacketSink &sink)
         m_durations.pop_front();
         sink(*m_packet);
     }
-    if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) {
+    if (result != AVERROR(EAGAIN) && result != AVERROR_EOF)
         throw MovieFailure({ ErrorKind::Failed, ErrorSubject::VideoEncoder, {}, avErrorText(result) });
-    }
 }
 
 } // namespace vornic

@@ -52,17 +52,15 @@ QByteArray outputOf(const QString &program, const QStringList &arguments)
 
 std::shared_ptr<const PKVideoFrame2> ListSource::PKMuxerTaskGetVideoFrame()
 {
-    if (onVideo) {
+    if (onVideo)
         onVideo();
-    }
     return m_nextVideo < video.size() ? video[m_nextVideo++] : nullptr;
 }
 
 std::shared_ptr<const PKAudioFrame2> ListSource::PKMuxerTaskGetAudioFrame()
 {
-    if (onAudio) {
+    if (onAudio)
         onAudio();
-    }
     return m_nextAudio < audio.size() ? audio[m_nextAudio++] : nullptr;
 }
 
@@ -137,9 +135,8 @@ std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
             reports[i].wasOnMainThread
                 = reports[i].wasOnMainThread && QThread::currentThread() == qApp->thread();
             const bool ended = action == PKMuxerTaskActionComplete || action == PKMuxerTaskActionFailed;
-            if (ended && --running == 0) {
+            if (ended && --running == 0)
                 loop.quit();
-            }
         });
     }
     QTimer::singleShot(120000, &loop, [&loop] {
@@ -187,11 +184,9 @@ QJsonObject probe(const QString &movie)
 
 QJsonObject streamOf(const QJsonObject &probed, const QString &type)
 {
-    for (const QJsonValue &stream : probed.value(QStringLiteral("streams")).toArray()) {
-        if (stream.toObject().value(QStringLiteral("codec_type")).toString() == type) {
+    for (const QJsonValue &stream : probed.value(QStringLiteral("streams")).toArray())
+        if (stream.toObject().value(QStringLiteral("codec_type")).toString() == type)
             return stream.toObject();
-        }
-    }
     return {};
 }
 
@@ -201,11 +196,9 @@ numbersOf(const QJsonObject &probed, const QString &section, const QString &type
     const QString kind
         = section == QStringLiteral("frames") ? QStringLiteral("media_type") : QStringLiteral("codec_type");
     QList<qint64> numbers;
-    for (const QJsonValue &entry : probed.value(section).toArray()) {
-        if (entry.toObject().value(kind).toString() == type) {
+    for (const QJsonValue &entry : probed.value(section).toArray())
+        if (entry.toObject().value(kind).toString() == type)
             numbers.append(entry.toObject().value(name).toInteger(-1));
-        }
-    }
     return numbers;
 }
 
@@ -283,18 +276,16 @@ QList<Box> boxesOf(const QString &movie)
 {
     QFile file(movie);
     QList<Box> boxes;
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return boxes;
-    }
     qint64 position = 0;
     while (position + 8 <= file.size()) {
         file.seek(position);
         const QByteArray head = file.read(16);
         const qint64 shortSize = qFromBigEndian<quint32>(head.constData());
         const qint64 size = shortSize == 1 ? qFromBigEndian<qint64>(head.constData() + 8) : shortSize;
-        if (size < 8) {
+        if (size < 8)
             break;
-        }
         boxes.append({ QString::fromLatin1(head.mid(4, 4)), size });
         position += size;
     }

@@ -44,11 +44,9 @@ QList<qint64> keyFrameTimes(const QJsonObject &probed)
     const auto times = videoNumbers(probed, "frames", "pts");
     const auto keys = videoNumbers(probed, "frames", "key_frame");
     QList<qint64> result;
-    for (qsizetype i = 0; i < times.size(); ++i) {
-        if (keys[i] == 1) {
+    for (qsizetype i = 0; i < times.size(); ++i)
+        if (keys[i] == 1)
             result.append(times[i]);
-        }
-    }
     return result;
 }
 
@@ -96,9 +94,8 @@ TEST_F(PKMuxerTaskTest, indexStandsBeforeThePictures)
     m_source.addGreys({ 320, 240 }, 30);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 320, 240 }), m_source).isComplete());
     QStringList names;
-    for (const Box &box : boxesOf(m_movie)) {
+    for (const Box &box : boxesOf(m_movie))
         names.append(box.name);
-    }
     ASSERT_TRUE(names.contains(u"moov"));
     ASSERT_TRUE(names.contains(u"mdat"));
     EXPECT_LT(names.indexOf(u"moov"), names.indexOf(u"mdat"));
@@ -183,18 +180,14 @@ TEST_F(PKMuxerTaskTest, keyFramesAreNeverMoreThanTwoSecondsApart)
         now += duration;
         ++number;
     };
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 300; ++i)
         add(1500);
-    }
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 12; ++i)
         add(135000);
-    }
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 60; ++i)
         add(1000 + (i * 7919) % 60000);
-    }
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         add(300000);
-    }
     add(3000);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 160, 120 }), m_source).isComplete());
     const auto probed = probe(m_movie);
@@ -213,9 +206,8 @@ TEST_F(PKMuxerTaskTest, keyFramesAreNeverMoreThanTwoSecondsApart)
 
 TEST_F(PKMuxerTaskTest, presentationTimesStrictlyIncrease)
 {
-    for (int i = 0; i < 90; ++i) {
+    for (int i = 0; i < 90; ++i)
         m_source.add(flat({ 64, 48 }, QColor(i, 255 - i, (i * 37) % 256)), i * 2999, 2999);
-    }
     ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
     const auto times = videoNumbers(probe(m_movie), "frames", "pts");
     ASSERT_EQ(times.size(), 90);
@@ -228,13 +220,11 @@ TEST_F(PKMuxerTaskTest, flatColoursComeBack)
                                         Qt::red,   Qt::green, Qt::blue };
     QImage picture({ 384, 64 }, QImage::Format_RGB32);
     QPainter painter(&picture);
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i)
         painter.fillRect(i * 64, 0, 64, 64, colours[static_cast<std::size_t>(i)]);
-    }
     painter.end();
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 10; ++i)
         m_source.add(picture, i * 3000, 3000);
-    }
     ASSERT_TRUE(runTask(videoContext(m_movie, { 384, 64 }), m_source).isComplete());
     const QImage decoded = decodedPicture(m_movie, 9, { 384, 64 });
     ASSERT_FALSE(decoded.isNull());
@@ -251,18 +241,15 @@ TEST_F(PKMuxerTaskTest, oddSizesArePaddedByRepeatingAndNeverMoved)
 {
     const QSize size(101, 75);
     QImage picture = flat(size, Qt::white);
-    for (int x = 0; x < size.width(); x += 2) {
-        for (int y = 0; y < size.height(); ++y) {
+    for (int x = 0; x < size.width(); x += 2)
+        for (int y = 0; y < size.height(); ++y)
             picture.setPixelColor(x, y, Qt::black); // columns, the last one black
-        }
-    }
     for (int x = 0; x < size.width(); ++x) {
         picture.setPixelColor(x, 0, Qt::white);
         picture.setPixelColor(x, size.height() - 1, Qt::white);
     }
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i)
         m_source.add(picture, i * 3000, 3000);
-    }
     auto context = videoContext(m_movie, size);
     context.setVideoBitrate(4000000);
     ASSERT_TRUE(runTask(context, m_source).isComplete());
@@ -275,9 +262,8 @@ TEST_F(PKMuxerTaskTest, oddSizesArePaddedByRepeatingAndNeverMoved)
     const auto luma = [&](int x, int y) {
         return static_cast<int>(static_cast<uchar>(planes[19 * pictureBytes + y * 102 + x]));
     };
-    for (int x = 0; x < size.width(); ++x) {
+    for (int x = 0; x < size.width(); ++x)
         EXPECT_NEAR(luma(x, 37), x % 2 == 0 ? 16 : 235, 25) << x;
-    }
     EXPECT_NEAR(luma(101, 37), luma(100, 37), 25);
     EXPECT_NEAR(luma(50, 0), 235, 25);
     EXPECT_NEAR(luma(50, 74), 235, 25);
@@ -381,9 +367,8 @@ TEST_F(PKMuxerTaskTest, callbacksRunOffTheMainThreadAndNeverTwiceAtOnce)
     };
     m_source.addGreys({ 64, 48 }, 60);
     const std::vector<std::int16_t> silence(4800, 0);
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i)
         m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 1, 48000, 4800, silence.data()));
-    }
     m_source.onVideo = [&] { hook(inVideo); };
     m_source.onAudio = [&] { hook(inAudio); };
     auto context = videoContext(m_movie, { 64, 48 });
@@ -415,9 +400,8 @@ TEST_F(PKMuxerTaskTest, keepsItselfAliveUntilItsEndAndNoLonger)
     }
     EXPECT_TRUE(weakTask.expired());
     EXPECT_TRUE(weakCaptured.expired());
-    for (const auto &frame : m_source.video) {
+    for (const auto &frame : m_source.video)
         EXPECT_EQ(frame.use_count(), 1);
-    }
 }
 
 TEST_F(PKMuxerTaskTest, twoTasksAtOnceDoNotDisturbEachOther)
@@ -454,9 +438,8 @@ TEST_F(PKMuxerTaskTest, aSecondStartOrNoSourceIsAnAssertionFailureAndNothingElse
     });
     task->startMuxerWithBlock([](const QString &, const QVariant &) { FAIL(); });
     EXPECT_EQ(failures, 2);
-    while (!ended) {
+    while (!ended)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
     setAssertionHandler(before);
 }
 

@@ -24,11 +24,9 @@ QImage randomPicture(QSize size, unsigned seed)
 {
     QImage picture(size, QImage::Format_RGB32);
     std::mt19937 random(seed);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
             picture.setPixel(x, y, static_cast<QRgb>(random()));
-        }
-    }
     return picture;
 }
 
@@ -47,14 +45,12 @@ bool samePixels(const PKVideoFrame2 &a, const PKVideoFrame2 &b)
 {
     for (int plane = 0; plane < 3; ++plane) {
         const int shift = plane == 0 ? 0 : 1;
-        for (int y = 0; y < a.codeHeight() >> shift; ++y) {
+        for (int y = 0; y < a.codeHeight() >> shift; ++y)
             if (std::memcmp(a.planeData(plane) + y * a.planeStride(plane),
                             b.planeData(plane) + y * b.planeStride(plane),
                             static_cast<std::size_t>(a.codeWidth() >> shift))
-                != 0) {
+                != 0)
                 return false;
-            }
-        }
     }
     return true;
 }

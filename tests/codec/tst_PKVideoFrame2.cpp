@@ -149,9 +149,8 @@ TEST(PKVideoFrame2, framesOverTheSamePixelsHaveTheirOwnTimes)
     other->setDuration(20);
     EXPECT_EQ(frame->timeStamp(), 100);
     EXPECT_EQ(frame->duration(), 10);
-    for (int plane = 0; plane < 3; ++plane) {
+    for (int plane = 0; plane < 3; ++plane)
         EXPECT_EQ(frame->planeData(plane), other->planeData(plane));
-    }
     EXPECT_TRUE(other->sharesPixelsWith(*frame));
 }
 

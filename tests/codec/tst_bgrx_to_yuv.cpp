@@ -45,9 +45,8 @@ struct Picture {
     void fillRandomly(unsigned seed)
     {
         std::mt19937 random(seed);
-        for (uchar &byte : bytes) {
+        for (uchar &byte : bytes)
             byte = static_cast<uchar>(random());
-        }
     }
 };
 
@@ -62,9 +61,8 @@ bool sameSamples(const PlanarPicture &a, const PlanarPicture &b)
         for (int y = 0; y < a.planeHeight(plane); ++y) {
             const auto bytes = static_cast<std::size_t>(a.planeWidth(plane));
             if (std::memcmp(a.data(plane) + y * a.stride(plane), b.data(plane) + y * b.stride(plane), bytes)
-                != 0) {
+                != 0)
                 return false;
-            }
         }
     }
     return true;
@@ -77,9 +75,8 @@ class EitherCode : public ::testing::TestWithParam<ConversionCode>
 TEST_P(EitherCode, flatColoursAreRoundedRight)
 {
     std::vector<int> levels;
-    for (int level = 0; level < 256; level += 5) {
+    for (int level = 0; level < 256; level += 5)
         levels.push_back(level);
-    }
     const int count = static_cast<int>(levels.size());
     Picture picture(2 * count, 2);
     PlanarPicture planes(picture.width, picture.height);
@@ -90,9 +87,8 @@ TEST_P(EitherCode, flatColoursAreRoundedRight)
                                         static_cast<uchar>(green),
                                         static_cast<uchar>(red),
                                         static_cast<uchar>(i * 5) };
-                for (int corner = 0; corner < 4; ++corner) {
+                for (int corner = 0; corner < 4; ++corner)
                     std::memcpy(picture.pixel(2 * i + corner % 2, corner / 2), bgrx, 4);
-                }
             }
             convertBgrxToYuv(picture.view(), planes, 0, 2, GetParam());
             for (int i = 0; i < count; ++i) {
@@ -133,9 +129,8 @@ TEST_P(EitherCode, chromaIsTheMeanOfFourPixels)
             double sums[3] = {};
             for (int corner = 0; corner < 4; ++corner) {
                 const uchar *pixel = picture.pixel(2 * x + corner % 2, 2 * y + corner / 2);
-                for (int channel = 0; channel < 3; ++channel) {
+                for (int channel = 0; channel < 3; ++channel)
                     sums[channel] += pixel[channel] / 4.0;
-                }
             }
             const auto expected = reference(sums[2], sums[1], sums[0]);
             EXPECT_LE(std::abs(at(planes, 1, x, y) - expected.cb), tolerance);
@@ -149,11 +144,9 @@ TEST_P(EitherCode, oddSizesRepeatTheLastColumnAndRow)
     Picture odd(37, 5);
     odd.fillRandomly(2);
     Picture even(38, 6);
-    for (int y = 0; y < 6; ++y) {
-        for (int x = 0; x < 38; ++x) {
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 38; ++x)
             std::memcpy(even.pixel(x, y), odd.pixel(std::min(x, 36), std::min(y, 4)), 4);
-        }
-    }
     PlanarPicture fromOdd(37, 5);
     PlanarPicture fromEven(38, 6);
     ASSERT_EQ(fromOdd.width(), 38);

@@ -42,12 +42,10 @@ TEST(FrameReader, readsAheadButNotWithoutBound)
             madeOne.release();
             return frameAt(made++);
         });
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < 6; ++i)
             madeOne.acquire(); // without anybody asking
-        }
-        for (int i = 0; i < 20; ++i) {
+        for (int i = 0; i < 20; ++i)
             EXPECT_EQ(reader.next()->timeStamp(), i);
-        }
         EXPECT_LE(made, 27);
     }
     EXPECT_LE(made, 27); // ended with a full queue, and stopped
@@ -57,9 +55,8 @@ TEST(FrameReader, tellsWhatTheSourceThrewAfterTheFramesBefore)
 {
     int made = 0;
     FrameReader reader([&made]() -> std::shared_ptr<const PKVideoFrame2> {
-        if (made == 2) {
+        if (made == 2)
             throw std::runtime_error("broken");
-        }
         return frameAt(made++);
     });
     EXPECT_TRUE(reader.next());

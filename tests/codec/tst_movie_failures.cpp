@@ -55,11 +55,9 @@ protected:
         std::mt19937 random(1);
         for (int i = 0; i < count; ++i) {
             QImage picture(320, 240, QImage::Format_RGB32);
-            for (int y = 0; y < 240; ++y) {
-                for (int x = 0; x < 320; ++x) {
+            for (int y = 0; y < 240; ++y)
+                for (int x = 0; x < 320; ++x)
                     picture.setPixel(x, y, static_cast<QRgb>(random()));
-                }
-            }
             m_source.add(picture, i * PKTimebase / 30, PKTimebase / 30);
         }
     }
@@ -173,17 +171,15 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhilePicturesAreWritten)
 TEST_F(MovieFailuresTest, theFileCannotGrowWhileTheIndexIsPutInFront)
 {
     // Hardly any picture and many durations: an index as large as all the pictures.
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 2000; ++i)
         m_source.add(flat({ 16, 16 }, Qt::white), i * 3001 - i % 2, 3000 + i % 2 * 2);
-    }
     ListSource again;
     again.video = m_source.video;
     again.length = m_source.length;
     ASSERT_TRUE(runTask(videoContext(m_movie, { 16, 16 }), m_source).isComplete());
     qint64 indexBytes = 0;
-    for (const Box &box : boxesOf(m_movie)) {
+    for (const Box &box : boxesOf(m_movie))
         indexBytes += box.name == u"moov" ? box.size : 0;
-    }
     const qint64 movieBytes = QFile(m_movie).size();
     ASSERT_GT(indexBytes, 20000);
     ASSERT_TRUE(QFile::remove(m_movie));
@@ -243,9 +239,8 @@ TEST_F(MovieFailuresTest, aSourceThatThrowsEndsTheTask)
     m_source.addGreys({ 64, 48 }, 30);
     int calls = 0;
     m_source.onVideo = [&calls] {
-        if (++calls == 10) {
+        if (++calls == 10)
             throw std::runtime_error("the spool is broken");
-        }
     };
     expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
                   fileError(ErrorKind::Failed, m_movie, "the spool is broken"));

@@ -35,9 +35,8 @@ QImage pageOfText()
     for (int y = 60; y < 1030; y += 17) {
         QString line;
         while (line.size() < 200) {
-            for (auto letters = 2 + random() % 9; letters > 0; --letters) {
+            for (auto letters = 2 + random() % 9; letters > 0; --letters)
                 line += QLatin1Char(static_cast<char>('a' + random() % 26));
-            }
             line += u' ';
         }
         painter.setPen(random() % 6 == 0 ? QColor(0, 60, 170) : QColor(30, 30, 30));
@@ -72,9 +71,8 @@ double lumaQuality(const PKVideoFrame2 &frame, const uchar *decoded)
 TEST(MovieQuality, aStillPageOfSmallTextIsSharpAfterTwoSeconds)
 {
     ensureApplication();
-    if (QFontDatabase::families().isEmpty()) {
+    if (QFontDatabase::families().isEmpty())
         GTEST_SKIP() << "there is no font to write a page with";
-    }
     const QImage page = pageOfText();
     PKScaleContext converter(width, width, height, height, PKPixelFormatRGB32, PKPixelFormatYUV420P);
     const auto original = converter.scaleFrame(PKVideoFrame2(page));
@@ -115,9 +113,8 @@ TEST(MovieQuality, aMovingPictureKeepsToTheBitRate)
     }
     ListSource source;
     constexpr int seconds = 8;
-    for (int i = 0; i < 30 * seconds; ++i) {
+    for (int i = 0; i < 30 * seconds; ++i)
         source.add(cloth.copy(i * 7 % side, i * 3 % side, side, side), i * PKTimebase / 30, PKTimebase / 30);
-    }
     QTemporaryDir folder;
     const QString movie = folder.filePath(QStringLiteral("moving.mp4"));
     const auto context = videoContext(movie, { side, side });

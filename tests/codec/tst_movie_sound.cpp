@@ -88,9 +88,8 @@ void expectTone(const QString &movie, double hertz, double strength, int samples
         = numbersOf(probed, QStringLiteral("packets"), QStringLiteral("audio"), QStringLiteral("pts"));
     const auto durations
         = numbersOf(probed, QStringLiteral("packets"), QStringLiteral("audio"), QStringLiteral("duration"));
-    for (qsizetype i = 1; i < times.size(); ++i) {
+    for (qsizetype i = 1; i < times.size(); ++i)
         ASSERT_EQ(times[i], times[i - 1] + durations[i - 1]);
-    }
     const auto decoded = decodedSound(movie);
     ASSERT_GE(decoded.size(), static_cast<std::size_t>(2 * samples));
     const std::size_t window = 4800;
