@@ -13,8 +13,8 @@ class PKAudioFrame2
 {
 public:
     /// Copies the samples. \a sampleFormat is 1 for 16 bits signed (native byte order) and 0 for 8 bits
-    /// unsigned; \a numberOfSamples counts each channel's. A block that makes no sense (no channels, no rate,
-    /// no samples, another format) is empty.
+    /// unsigned; \a numberOfSamples counts each channel's. An invalid block (no channels, no rate, no
+    /// samples, another format) is empty.
     PKAudioFrame2(std::int32_t sampleFormat,
                   std::int32_t numberOfChannel,
                   std::int32_t sampleRate,

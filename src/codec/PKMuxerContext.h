@@ -48,7 +48,7 @@ public:
     /// 0: no sound track.
     [[nodiscard]] int audioCodecID() const { return m_audioCodecID; }
     void setAudioCodecID(int id) { m_audioCodecID = id; }
-    /// What the audio frames are expected to hold; each frame also says it itself, and that counts.
+    /// The expected format of the sound; that of each PKAudioFrame2 is what counts.
     [[nodiscard]] std::int32_t samplerate() const { return m_samplerate; }
     void setSamplerate(std::int32_t hertz) { m_samplerate = hertz; }
     [[nodiscard]] std::int32_t numberOfChannels() const { return m_numberOfChannels; }

@@ -20,7 +20,7 @@ namespace vornic {
 
 namespace {
 
-/// Lets through whole steps that grow, and not too many of them.
+/// Accepts whole percents that grow, at most 20 a second.
 ///
 /// Made by a task, used on its thread.
 class ProgressThrottle
@@ -28,7 +28,7 @@ class ProgressThrottle
 public:
     [[nodiscard]] bool lets(double percent)
     {
-        // The last step belongs to the finished movie: bringing it to the disk takes time too.
+        // 100 % is the finished movie: syncing it to the disk takes time too.
         const int step = std::min(static_cast<int>(std::floor(percent)), 99);
         const auto now = std::chrono::steady_clock::now();
         if (step <= m_step || now - m_last < shortestPause)

@@ -64,14 +64,15 @@ void reportMisuse(const char *operation, const char *description)
                              QLatin1StringView(description) });
 }
 
-/// Makes the caller the only one who holds the pixels, copying them where somebody else does.
+/// Makes the caller the only holder of the pixels: copies them where there is another.
 void detach(std::shared_ptr<PlanarPicture> &planes)
 {
     if (planes.use_count() > 1) {
         planes = planes->copy();
         return;
     }
-    // Counting up and down puts what a former holder read on another thread before what is written now.
+    // Counting up and down synchronizes with a former holder on another thread: its reads come before our
+    // writes.
     auto passing = planes;
     passing.reset();
 }

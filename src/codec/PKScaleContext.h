@@ -10,8 +10,8 @@ class PKVideoFrame2;
 
 /// Converts pictures of one size and format to another size and format.
 ///
-/// Made by whoever converts and best kept for many frames: its tables and the memory of frames that are no
-/// longer used serve the next ones. Used by one thread at a time.
+/// Made by whoever converts, and best kept for many frames: its tables, and the memory of frames that nobody
+/// holds any more, are used again. Used by one thread at a time.
 class PKScaleContext
 {
 public:

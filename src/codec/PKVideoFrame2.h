@@ -35,7 +35,7 @@ public:
     /// lower left pixel, one unit a pixel. End it before the frame is read. Null for a YUV frame.
     [[nodiscard]] std::unique_ptr<QPainter> creatContextRef();
 
-    /// Gives the pixels of an RGB frame up without a copy; the frame is of no use afterwards.
+    /// Moves the image out of an RGB frame; the frame is of no use afterwards.
     [[nodiscard]] QImage takeImage() { return std::exchange(m_image, {}); }
 
     void encodeWithCoder(KeyedArchiver &archiver) const;
@@ -68,7 +68,7 @@ public:
     /// Valid as long as the frame and until it is painted on.
     [[nodiscard]] const uchar *planeData(int plane) const;
     [[nodiscard]] qsizetype planeStride(int plane) const;
-    /// The memory of a YUV frame, to be kept while the frame itself is let go; null for an RGB frame.
+    /// The memory of a YUV frame, which may outlive the frame; null for an RGB frame.
     [[nodiscard]] std::shared_ptr<const PlanarPicture> planes() const;
 
 private:

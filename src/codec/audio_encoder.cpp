@@ -35,8 +35,8 @@ void checkAudio(int result)
         throw MovieFailure({ ErrorKind::Failed, ErrorSubject::AudioEncoder, {}, avErrorText(result) });
 }
 
-/// A lone channel goes to both sides at full strength. Of more than a pair without a usual meaning, the first
-/// two are taken.
+/// A single channel goes to both sides at full volume. Of several channels without a standard layout, the
+/// first two are taken.
 void setMatrixWhereNeeded(SwrContext &resampler, int channels)
 {
     AVChannelLayout layout {};

@@ -56,7 +56,7 @@ AvPtr<AVFrame> avFrameOver(const PKVideoFrame2 &frame, int width, int height)
     result->width = width;
     result->height = height;
     for (int plane = 0; plane < (yuv ? 3 : 1); ++plane) {
-        // The libraries' types know no const; nobody writes where the buffer below is marked read-only.
+        // The libraries' types have no const; the buffer below is marked read-only, so nobody writes to it.
         result->data[plane] = const_cast<uchar *>(frame.planeData(plane));
         result->linesize[plane] = static_cast<int>(frame.planeStride(plane));
     }

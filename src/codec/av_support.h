@@ -34,10 +34,10 @@ struct AvDeleter {
 template<typename T>
 using AvPtr = std::unique_ptr<T, AvDeleter>;
 
-/// The media libraries' words for one of their error numbers.
+/// What the media libraries call one of their error numbers.
 [[nodiscard]] QString avErrorText(int error);
 
-/// Sends what the media libraries have to complain about to the log, and keeps them quiet otherwise.
+/// Sends the errors that the media libraries report to our log, and drops their other messages.
 void routeAvLog();
 
 /// Throws std::bad_alloc for null.

@@ -24,8 +24,8 @@ constexpr int fixedPoint(double value)
 }
 
 // BT.709: Y' = 0.2126 R' + 0.7152 G' + 0.0722 B', Cb = (B' - Y') / 1.8556, Cr = (R' - Y') / 1.5748,
-// in 219 steps of luma and 224 of chroma. Green is what the others leave, so that white is exactly 235 and
-// greys have no colour.
+// in 219 steps of luma and 224 of chroma. The factor of green is what the other two leave, so that white is
+// exactly 235 and greys have no chroma.
 constexpr double lumaStep = 219.0 / 255.0;
 constexpr double chromaStep = 224.0 / 255.0;
 constexpr int yR = fixedPoint(0.2126 * lumaStep);

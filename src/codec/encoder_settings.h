@@ -4,33 +4,34 @@
 
 namespace vornic::encoder_settings {
 
-/// How much work the video encoder puts into a picture: the wait after a recording, which is what users of
-/// such recorders complain of most, against picture and size.
+/// How much work the video encoder puts into a picture: the wait after a recording against the quality of the
+/// picture and the size of the movie.
 ///
-/// Looking ahead is what spends the bits well on a screen; fine motion and small blocks only cost time there.
-/// benchmarks/README.md has the table of what was measured.
+/// On the contents of a screen, lookahead improves quality most; fine motion search and small partitions only
+/// cost time. benchmarks/README.md has the measurements.
 constexpr const char *videoPreset = "superfast";
 
 /// 8x8dct: the fastest presets leave it out, and with it the High profile.
 /// ratetol: a screen is still for minutes and then changes all at once; a tight average would blur the
-/// change. qpmin: below, a still page only grows: it is as good as the pictures that it was recorded from.
+/// change. qpmin: with less, the file of a still page grows but looks no better than the recorded pictures.
 constexpr const char *x264Parameters
     = "8x8dct=1:ratetol=4:qpmin=14:rc-lookahead=10:mbtree=1:subme=0:partitions=none";
 
-/// Level 4.2 for whatever fits: the one that would be found by itself allows key frames of half the size, too
-/// small for a page full of text, which would blur every two seconds.
+/// Level 4.2 wherever it allows the size: the level that the encoder chooses by itself limits key frames to
+/// half as many bytes, too few for a page full of text, which would blur every two seconds.
 constexpr int videoLevel = 42;
 constexpr std::int64_t videoLevelMacroblocks = 8704;
 
-/// Peaks, in times the bit rate aimed at: what the decoder's buffer is filled with, and how many seconds it
-/// holds.
+/// Of the decoder's buffer, in multiples of the average bit rate: how fast it is filled (in bits a second),
+/// and how much it holds (in bits).
 constexpr int peakRateFactor = 3;
 constexpr int bufferFactor = 4;
 
-/// The least that the encoder can aim at, in bits a second; pictures of a few pixels ask for less.
+/// The lowest average that the encoder accepts, in bits a second; pictures of a few pixels would ask for
+/// less.
 constexpr std::int64_t leastVideoBitrate = 16000;
 
-/// Longest time from one key frame to the next, in seconds.
+/// The longest time from one key frame to the next, in seconds; a frame that lasts longer is followed by one.
 constexpr std::int64_t keyFrameSeconds = 2;
 
 constexpr int audioSampleRate = 48000; ///< hertz

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> next();
 
 private:
-    /// Frames read ahead at most: enough to ride over a slow one, and about 20 MB at 1920 x 1080.
+    /// Frames read ahead at most: enough to cover a slow one, and about 20 MB at 1920 x 1080.
     static constexpr std::size_t capacity = 6;
 
     void run();
@@ -44,7 +44,7 @@ private:
     std::deque<std::shared_ptr<const PKVideoFrame2>> m_frames; ///< guarded, as all below
     std::exception_ptr m_failure;
     bool m_hasEnded = false;   ///< the source gives no more
-    bool m_isStopping = false; ///< nobody wants more
+    bool m_isStopping = false; ///< the reader is being destroyed
 
     std::thread m_thread;
 };

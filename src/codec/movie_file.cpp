@@ -24,7 +24,7 @@ QString temporaryNameBeside(const QString &filename)
         .arg(QFileInfo(filename).absolutePath(), QUuid::createUuid().toString(QUuid::WithoutBraces));
 }
 
-/// The scheme keeps a name with a colon in it from being read as an address.
+/// With the scheme, a file name that has a colon in it is not taken for a URL.
 QByteArray fileAddress(const QString &path)
 {
     return "file:" + QFile::encodeName(path);
@@ -58,7 +58,7 @@ MovieFile::~MovieFile()
         QFile::remove(m_temporaryName);
 }
 
-/// Finds out before the work what would otherwise come to light when the finished movie is renamed.
+/// A final name that cannot be replaced is reported before the work, not when the finished movie is renamed.
 void MovieFile::checkFinalName() const
 {
     struct stat existing {
@@ -100,7 +100,7 @@ void MovieFile::writeHeader()
 {
     AVDictionary *options = nullptr;
     av_dict_set(&options, "movflags", "+faststart", 0);
-    // Ticks of our own kind in the picture track and in the edit lists keep every time exact.
+    // PKTimebase ticks in the picture track and in the edit lists keep every time exact.
     av_dict_set_int(&options, "video_track_timescale", PKTimebase, 0);
     av_dict_set_int(&options, "movie_timescale", PKTimebase, 0);
     const int result = avformat_write_header(m_format.get(), &options);
@@ -113,7 +113,7 @@ void MovieFile::write(AVPacket &packet, int track, AVRational timeBase)
     packet.stream_index = track;
     av_packet_rescale_ts(&packet, timeBase, m_format->streams[track]->time_base);
     checkWritten(av_interleaved_write_frame(m_format.get(), &packet));
-    // The muxer does not tell of everything that its buffered output met.
+    // The muxer does not return every error of its buffered output.
     checkWritten(m_format->pb->error);
 }
 

@@ -8,8 +8,8 @@ namespace vornic {
 
 /// One mp4 file being written: under a hidden temporary name beside its final place until it is complete.
 ///
-/// Made by a MovieWriter on its thread. Every function throws MovieFailure; the destructor removes what was
-/// not completed.
+/// Made by a MovieWriter on its thread. Every function throws MovieFailure. The destructor removes the
+/// temporary file of a movie that was not completed.
 class MovieFile
 {
 public:
@@ -25,8 +25,8 @@ public:
     void writeHeader();
     /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.
     void write(AVPacket &packet, int track, AVRational timeBase);
-    /// Puts the index in front, brings everything to the disk and gives the file its final name, replacing
-    /// what bore it. Blocks for as long as that takes.
+    /// Puts the index in front, syncs the file to the disk and renames it to its final name, replacing a file
+    /// of that name. Blocks for as long as that takes.
     void complete();
 
 private:

@@ -9,8 +9,10 @@ namespace vornic {
 /// Made by the task that writes the movie, and told with PKMuxerTaskActionComplete.
 struct MovieStatistics {
     std::int64_t framesWritten = 0;
-    std::int64_t framesSkipped = 0; ///< without a picture, or not later than the one before
-    double seconds = 0;             ///< until the last picture's end
+    /// Read from the source, but not in the movie: unusable (without a picture) or out of order (not later
+    /// than the frame before).
+    std::int64_t framesSkipped = 0;
+    double seconds = 0; ///< until the last picture's end
     double audioSeconds = 0;
 };
 

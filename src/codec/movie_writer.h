@@ -13,8 +13,8 @@ class PKMuxerContext;
 using ProgressSink = std::function<void(double percent)>;
 
 /// Writes one movie from \a source and blocks until it is complete. Sound is read on the calling thread,
-/// pictures on a thread that ends before this does. Throws MovieFailure, or what the source throws; the
-/// movie's name then is as it was before.
+/// pictures on a thread that ends before this does. Throws MovieFailure, or what the source throws; a file
+/// of the movie's name is then as it was before.
 MovieStatistics
 writeMovie(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress);
 

@@ -7,7 +7,7 @@ namespace vornic {
 
 namespace {
 
-/// Vector code of the scaler may touch this much beyond the last row.
+/// Vector code of the scaler may read and write this many bytes beyond the last row.
 constexpr std::size_t slackBytes = 64;
 
 constexpr int roundedUpToEven(int size)

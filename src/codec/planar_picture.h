@@ -40,7 +40,7 @@ private:
     struct AlignedDelete {
         void operator()(uchar *memory) const { ::operator delete(memory, alignment); }
     };
-    /// Rows start on a cache line, which is also what vector code wants.
+    /// Rows start on a cache line, which also suits vector code.
     static constexpr std::align_val_t alignment { 64 };
 
     [[nodiscard]] qsizetype offset(int plane) const;
@@ -53,8 +53,8 @@ private:
     std::weak_ptr<PlanarPicturePool> m_pool;
 };
 
-/// Keeps the memory of pictures that are no longer used for the next ones: fresh memory costs about as much
-/// to fault in as a picture costs to convert.
+/// Reuses the memory of pictures that nobody holds any more: the page faults of fresh memory cost about as
+/// much as converting a picture.
 ///
 /// Made by whoever makes many pictures; take() and the return of a picture happen on any thread.
 class PlanarPicturePool : public std::enable_shared_from_this<PlanarPicturePool>

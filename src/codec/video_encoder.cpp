@@ -16,7 +16,8 @@ namespace {
 /// Frames a second assumed where the context names none.
 constexpr double usualFrameRate = 30;
 
-/// The encoder itself only counts frames from key to key; up to this rate it is time that decides.
+/// The encoder itself limits only the number of frames between key frames; below this rate, encode() sets key
+/// frames by time before that limit is reached.
 constexpr int quickestFrameRate = 120;
 
 const AVCodec &encoderFor(int codecId)
@@ -89,7 +90,7 @@ void VideoEncoder::encode(const PKVideoFrame2 &frame, std::int64_t end, const Pa
 {
     const auto picture = avFrameOver(frame, m_codec->width, m_codec->height);
     picture->pts = frame.timeStamp();
-    // The next frame could be too late for a key frame, however long this one lasts.
+    // A key frame already now where the next frame would come too late for one.
     const bool isKey = m_isFirst || end - m_keyFrameTime > encoder_settings::keyFrameSeconds * PKTimebase;
     if (isKey) {
         picture->pict_type = AV_PICTURE_TYPE_I;

@@ -27,7 +27,7 @@ namespace vornic {
 /// Takes the first gzip member, or a zlib stream.
 [[nodiscard]] std::optional<QByteArray> gzipInflate(const QByteArray &input);
 
-/// A raw Snappy block. Nothing for more than 4 GiB - 1, which the block's own length cannot tell.
+/// A raw Snappy block. Nothing for more than 4 GiB - 1, as the length in the block has 32 bits.
 [[nodiscard]] std::optional<QByteArray> snappyCompress(const QByteArray &input);
 [[nodiscard]] std::optional<QByteArray> snappyUnCompress(const QByteArray &input);
 

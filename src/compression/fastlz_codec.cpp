@@ -15,14 +15,14 @@ namespace {
 using Prefix = quint64;
 constexpr qsizetype prefixSize = sizeof(Prefix);
 constexpr qsizetype shortestFramed = 17;
-constexpr qsizetype largest = std::numeric_limits<int>::max(); // what the library can count
+constexpr qsizetype largest = std::numeric_limits<int>::max(); // the library counts in int
 
 // Bytes of content that a byte of a block stands for at most: each byte that lengthens a level 2 match adds
 // up to 255, and the two bytes that begin and end such a match add 9 (from the library's decoder).
 constexpr Prefix largestExpansion = 255;
 
-// In the middle of a damaged match the library's decoder reads on past its input: two bytes at most, when
-// what it finds there is zero.
+// In the middle of a damaged match the library's decoder reads past its input: by two bytes at most where
+// these are zero.
 constexpr qsizetype readPastTheEnd = 2;
 
 // The room that the library's documentation asks for.
@@ -69,7 +69,7 @@ QByteArray fastLZUnCompress(const QByteArray &input)
         return input;
     if (length > static_cast<Prefix>(largest) || blockSize > largest)
         return input;
-    // The decoder's answer does not count: what a damaged block leaves unwritten stays zero.
+    // The decoder's result is ignored: what a damaged block leaves unwritten stays zero.
     QByteArray output(static_cast<qsizetype>(length), '\0');
     const std::vector<char> block = paddedBlock(input);
     fastlz_decompress(

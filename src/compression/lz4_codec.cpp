@@ -87,7 +87,7 @@ std::optional<qsizetype> sizeOfBlock(QByteArrayView bytes, quint64 length)
 
         const quint8 distanceLow = reader.byte();
         const quint8 distanceHigh = reader.byte();
-        // A distance of 0 copies nothing that is known; the decoder would let it pass.
+        // A distance of 0 would copy undefined bytes; the decoder does not refuse it.
         if (distanceLow == 0 && distanceHigh == 0)
             return std::nullopt;
         produced += reader.length(token & 15) + shortestMatch;
@@ -119,7 +119,7 @@ std::optional<QByteArray> lz4CompressWithLevel(const QByteArray &input, int leve
     QByteArray framed(prefixSize + room, Qt::Uninitialized);
     storeLength(framed, static_cast<Prefix>(input.size()));
     const int blockSize = compressBlock(input, framed.data() + prefixSize, room, level);
-    // The library of today reports an error as 0: even no input at all has a block of one byte.
+    // 0 is an error: even an empty input has a block of one byte.
     if (blockSize <= 0)
         return std::nullopt;
     return cutTo(std::move(framed), prefixSize + blockSize);

@@ -39,7 +39,7 @@ qsizetype compressorRoom(qsizetype inputSize)
     return inputSize + inputSize / 16 + 64 + 3;
 }
 
-/// False where the decoder fails; bytes of \a output that the block does not tell become zero.
+/// False where the decoder fails; bytes of \a output beyond what the block holds become zero.
 bool decodeBlock(const QByteArray &framed, QByteArray &output)
 {
     auto produced = static_cast<lzo_uint>(output.size());

@@ -9,8 +9,8 @@ namespace vornic {
 
 namespace {
 
-// The most that a block of this size can hold: its densest element is a copy of 64 bytes told in 3 (tag and
-// 16-bit distance, Snappy format description, section 2.2.2), and at least one byte tells the length.
+// How many bytes a block of this size expands to at most: its densest element is a copy of 64 bytes in 3 (tag
+// and 16-bit distance, Snappy format description, section 2.2.2), and at least one byte holds the length.
 std::size_t largestContent(std::size_t blockSize)
 {
     return (blockSize - 1) * 64 / 3;

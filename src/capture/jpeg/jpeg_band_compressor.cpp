@@ -11,7 +11,7 @@ namespace vornic {
 
 namespace {
 
-/// Bands that are worth a thread of their own: below, starting one costs what it saves.
+/// Below, handing a range of bands to another thread costs as much as compressing it there saves.
 constexpr int leastBandsPerThread = 4;
 
 } // namespace

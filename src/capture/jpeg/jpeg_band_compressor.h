@@ -14,15 +14,15 @@ class BitmapImage;
 
 /// Turns one grabbed picture after the other into whole JPEG pictures, and compresses only what changed.
 ///
-/// Bands whose version is the one compressed last give their bytes again; the others are compressed on all
+/// A band of the version that was compressed last keeps its bytes; the others are compressed on all
 /// processors. Owned by whoever spools a recording, used by one thread at a time.
 class JpegBandCompressor
 {
 public:
-    /// Null when the library refuses the picture's size.
+    /// Nothing when the library refuses the picture's size.
     [[nodiscard]] std::optional<QByteArray> compress(const BitmapImage &image);
 
-    /// Bands that the last call compressed, as against those that served again.
+    /// Bands that the last call compressed; the bytes of the others were used again.
     [[nodiscard]] int compressedBandCount() const { return m_compressedBandCount; }
 
 private:

@@ -27,9 +27,9 @@ int wordAt(QByteArrayView bytes, qsizetype position)
     return byteAt(bytes, position) << 8 | byteAt(bytes, position + 1);
 }
 
-/// Where the segment of a baseline frame header begins, behind its marker; -1 when there is none.
+/// Places in a JPEG picture, in bytes from its start; both -1 where it has no scan header.
 struct HeaderMarks {
-    qsizetype frame = -1;
+    qsizetype frame = -1;    ///< the baseline frame header, behind its marker; -1 for other codings
     qsizetype scanData = -1; ///< the first entropy-coded byte
 };
 
@@ -56,7 +56,8 @@ HeaderMarks findHeaderMarks(QByteArrayView jpeg)
     return {};
 }
 
-/// The runs between restart markers up to the end of the image; empty when the markers are out of order.
+/// The bands between restart markers up to the end of the image; empty when the markers are out of order, or
+/// when anything follows the image.
 std::vector<QByteArrayView> splitScan(QByteArrayView scan)
 {
     std::vector<QByteArrayView> bands;
