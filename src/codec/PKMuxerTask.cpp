@@ -26,12 +26,12 @@ namespace {
 class ProgressThrottle
 {
 public:
-    [[nodiscard]] bool lets(double percent)
+    [[nodiscard]] bool accepts(double percent)
     {
         // 100 % is the finished movie: syncing it to the disk takes time too.
         const int step = std::min(static_cast<int>(std::floor(percent)), 99);
         const auto now = std::chrono::steady_clock::now();
-        if (step <= m_step || now - m_last < shortestPause)
+        if (step <= m_step || now - m_last < minInterval)
             return false;
         m_step = step;
         m_last = now;
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] int step() const { return m_step; }
 
 private:
-    static constexpr std::chrono::milliseconds shortestPause { 50 };
+    static constexpr std::chrono::milliseconds minInterval { 50 };
 
     int m_step = 0;
     std::chrono::steady_clock::time_point m_last;
@@ -96,7 +96,7 @@ void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
     report(self, PKMuxerTaskActionStart, 0.0);
     ProgressThrottle throttle;
     Outcome outcome = writeMovieToItsEnd(*context, *source, [&](double percent) {
-        if (throttle.lets(percent))
+        if (throttle.accepts(percent))
             report(self, PKMuxerTaskActionProgress, static_cast<double>(throttle.step()));
     });
     main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {

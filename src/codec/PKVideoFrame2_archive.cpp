@@ -61,8 +61,8 @@ std::shared_ptr<PKVideoFrame2> PKVideoFrame2::createWithCoder(const KeyedUnarchi
     const QByteArray pixels = unarchiver.decodeData(pixelsKey).value_or(QByteArray());
     const bool isYuv = storedFormat == static_cast<std::int32_t>(PKPixelFormatYUV420P);
     const bool isRgb = storedFormat == static_cast<std::int32_t>(PKPixelFormatRGB32);
-    constexpr int mostPixelsASide = 1 << 16;
-    if (!(isYuv || isRgb) || width < 1 || height < 1 || width > mostPixelsASide || height > mostPixelsASide
+    constexpr int maxPixelsPerSide = 1 << 16;
+    if (!(isYuv || isRgb) || width < 1 || height < 1 || width > maxPixelsPerSide || height > maxPixelsPerSide
         || (isYuv && (width % 2 != 0 || height % 2 != 0)))
         return nullptr;
     const PKPixelFormat format = isYuv ? PKPixelFormatYUV420P : PKPixelFormatRGB32;
@@ -89,9 +89,9 @@ std::shared_ptr<PKVideoFrame2> PKVideoFrame2::createWithCoder(const KeyedUnarchi
     const int displayWidth = unarchiver.decodeInt32(displayWidthKey);
     const int displayHeight = unarchiver.decodeInt32(displayHeightKey);
     // A YUV frame shows its own pixels; an RGB frame may ask for any size that a movie can have.
-    const int mostWidth = isYuv ? width : mostPixelsASide;
-    const int mostHeight = isYuv ? height : mostPixelsASide;
-    if (displayWidth < 1 || displayHeight < 1 || displayWidth > mostWidth || displayHeight > mostHeight)
+    const int maxWidth = isYuv ? width : maxPixelsPerSide;
+    const int maxHeight = isYuv ? height : maxPixelsPerSide;
+    if (displayWidth < 1 || displayHeight < 1 || displayWidth > maxWidth || displayHeight > maxHeight)
         return nullptr;
     frame->setDisplaySize(displayWidth, displayHeight);
     frame->setTimeStamp(unarchiver.decodeInt64(timeStampKey));

@@ -41,9 +41,9 @@ void setMatrixWhereNeeded(SwrContext &resampler, int channels)
 {
     AVChannelLayout layout {};
     av_channel_layout_default(&layout, channels);
-    const bool hasUsualLayout = layout.order != AV_CHANNEL_ORDER_UNSPEC;
+    const bool hasStandardLayout = layout.order != AV_CHANNEL_ORDER_UNSPEC;
     av_channel_layout_uninit(&layout);
-    if (channels > 1 && hasUsualLayout)
+    if (channels > 1 && hasStandardLayout)
         return;
     const auto columns = static_cast<std::size_t>(channels);
     std::vector<double> matrix(2 * columns, 0.0);

@@ -29,7 +29,7 @@ constexpr int bufferFactor = 4;
 
 /// The lowest average that the encoder accepts, in bits a second; pictures of a few pixels would ask for
 /// less.
-constexpr std::int64_t leastVideoBitrate = 16000;
+constexpr std::int64_t minVideoBitrate = 16000;
 
 /// The longest time from one key frame to the next, in seconds; a frame that lasts longer is followed by one.
 constexpr std::int64_t keyFrameSeconds = 2;

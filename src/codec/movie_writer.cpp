@@ -24,7 +24,7 @@ namespace {
 using ConstFrame = std::shared_ptr<const PKVideoFrame2>;
 
 /// How long the last frame is shown where it does not say itself.
-constexpr std::int64_t usualDuration = PKTimebase / 30;
+constexpr std::int64_t defaultDuration = PKTimebase / 30;
 
 /// Makes frames of the movie's size and format from frames of any.
 ///
@@ -109,7 +109,7 @@ private:
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
         while (frame) {
             ConstFrame following = nextAfter(*frame, reader);
-            const std::int64_t own = frame->duration() > 0 ? frame->duration() : usualDuration;
+            const std::int64_t own = frame->duration() > 0 ? frame->duration() : defaultDuration;
             const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
             pullAudio(frame->timeStamp());
             m_video.encode(*frame, end, m_videoSink);

@@ -14,11 +14,11 @@ namespace vornic {
 namespace {
 
 /// Frames a second assumed where the context names none.
-constexpr double usualFrameRate = 30;
+constexpr double defaultFrameRate = 30;
 
 /// The encoder itself limits only the number of frames between key frames; below this rate, encode() sets key
 /// frames by time before that limit is reached.
-constexpr int quickestFrameRate = 120;
+constexpr int maxTimedFrameRate = 120;
 
 const AVCodec &encoderFor(int codecId)
 {
@@ -49,14 +49,14 @@ void describePicture(AVCodecContext &codec, const PKMuxerContext &context)
 
 void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
 {
-    const double frameRate = context.frameRate() > 0 ? context.frameRate() : usualFrameRate;
+    const double frameRate = context.frameRate() > 0 ? context.frameRate() : defaultFrameRate;
     codec.time_base = { 1, static_cast<int>(PKTimebase) };
     codec.framerate = av_d2q(frameRate, 1001000);
-    codec.bit_rate = std::max<std::int64_t>(context.videoBitrate(), encoder_settings::leastVideoBitrate);
+    codec.bit_rate = std::max<std::int64_t>(context.videoBitrate(), encoder_settings::minVideoBitrate);
     codec.rc_max_rate = encoder_settings::peakRateFactor * codec.bit_rate;
     codec.rc_buffer_size = static_cast<int>(
         std::min<std::int64_t>(encoder_settings::bufferFactor * codec.bit_rate, INT32_MAX));
-    codec.gop_size = static_cast<int>(encoder_settings::keyFrameSeconds * quickestFrameRate);
+    codec.gop_size = static_cast<int>(encoder_settings::keyFrameSeconds * maxTimedFrameRate);
     const std::int64_t macroblocks = std::int64_t { (codec.width + 15) / 16 } * ((codec.height + 15) / 16);
     if (macroblocks <= encoder_settings::videoLevelMacroblocks)
         codec.level = encoder_settings::videoLevel;

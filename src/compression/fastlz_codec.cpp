@@ -14,12 +14,12 @@ namespace {
 
 using Prefix = quint64;
 constexpr qsizetype prefixSize = sizeof(Prefix);
-constexpr qsizetype shortestFramed = 17;
-constexpr qsizetype largest = std::numeric_limits<int>::max(); // the library counts in int
+constexpr qsizetype minFramedSize = 17;
+constexpr qsizetype maxSize = std::numeric_limits<int>::max(); // the library counts in int
 
 // Bytes of content that a byte of a block stands for at most: each byte that lengthens a level 2 match adds
 // up to 255, and the two bytes that begin and end such a match add 9 (from the library's decoder).
-constexpr Prefix largestExpansion = 255;
+constexpr Prefix maxExpansion = 255;
 
 // In the middle of a damaged match the library's decoder reads past its input: by two bytes at most where
 // these are zero.
@@ -44,10 +44,10 @@ std::vector<char> paddedBlock(const QByteArray &framed)
 
 QByteArray fastLZCompress(const QByteArray &input)
 {
-    if (input.size() < shortestFramed)
+    if (input.size() < minFramedSize)
         return input;
     const qsizetype room = compressorRoom(input.size());
-    if (room <= largest) {
+    if (room <= maxSize) {
         QByteArray framed(prefixSize + room, Qt::Uninitialized);
         storeLength(framed, static_cast<Prefix>(input.size()));
         const int blockSize
@@ -61,13 +61,13 @@ QByteArray fastLZCompress(const QByteArray &input)
 
 QByteArray fastLZUnCompress(const QByteArray &input)
 {
-    if (input.size() < shortestFramed)
+    if (input.size() < minFramedSize)
         return input;
     const auto length = storedLength<Prefix>(input);
     const qsizetype blockSize = input.size() - prefixSize;
-    if (length == 0 || length > static_cast<Prefix>(blockSize) * largestExpansion)
+    if (length == 0 || length > static_cast<Prefix>(blockSize) * maxExpansion)
         return input;
-    if (length > static_cast<Prefix>(largest) || blockSize > largest)
+    if (length > static_cast<Prefix>(maxSize) || blockSize > maxSize)
         return input;
     // The decoder's result is ignored: what a damaged block leaves unwritten stays zero.
     QByteArray output(static_cast<qsizetype>(length), '\0');

@@ -17,7 +17,7 @@ namespace {
 using Prefix = quint32;
 constexpr qsizetype prefixSize = sizeof(Prefix);
 
-constexpr quint64 shortestMatch = 4;
+constexpr quint64 minMatchLength = 4;
 
 /// Walks over the sequences of an LZ4 block.
 ///
@@ -90,7 +90,7 @@ std::optional<qsizetype> sizeOfBlock(QByteArrayView bytes, quint64 length)
         // A distance of 0 would copy undefined bytes; the decoder does not refuse it.
         if (distanceLow == 0 && distanceHigh == 0)
             return std::nullopt;
-        produced += reader.length(token & 15) + shortestMatch;
+        produced += reader.length(token & 15) + minMatchLength;
     }
 }
 
@@ -139,8 +139,8 @@ std::optional<QByteArray> lz4UnCompress(const QByteArray &input)
     }
     const QByteArrayView bytes = QByteArrayView(input).sliced(prefixSize);
     const std::optional<qsizetype> blockSize = sizeOfBlock(bytes, length);
-    constexpr int largest = std::numeric_limits<int>::max();
-    if (!blockSize || *blockSize > largest || length > Prefix(largest))
+    constexpr int maxSize = std::numeric_limits<int>::max();
+    if (!blockSize || *blockSize > maxSize || length > Prefix(maxSize))
         return std::nullopt;
     const int wanted = static_cast<int>(length);
     QByteArray output(wanted, Qt::Uninitialized);

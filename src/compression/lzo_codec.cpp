@@ -16,7 +16,7 @@ constexpr qsizetype prefixSize = sizeof(Prefix);
 
 // Bytes of content that a byte of a block stands for at most: each zero byte that lengthens a match or a
 // literal run adds 255, and the other bytes of such an instruction add less (LZO stream format).
-constexpr Prefix largestExpansion = 255;
+constexpr Prefix maxExpansion = 255;
 
 const unsigned char *bytesOf(const char *data)
 {
@@ -90,7 +90,7 @@ QByteArray LZOUncompress(const QByteArray &input)
     const auto length = storedLength<Prefix>(input);
     if (length == 0)
         return input;
-    if (length <= static_cast<Prefix>(input.size() - prefixSize) * largestExpansion) {
+    if (length <= static_cast<Prefix>(input.size() - prefixSize) * maxExpansion) {
         QByteArray output(static_cast<qsizetype>(length), Qt::Uninitialized);
         if (decodeBlock(input, output))
             return output;

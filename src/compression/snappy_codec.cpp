@@ -11,7 +11,7 @@ namespace {
 
 // How many bytes a block of this size expands to at most: its densest element is a copy of 64 bytes in 3 (tag
 // and 16-bit distance, Snappy format description, section 2.2.2), and at least one byte holds the length.
-std::size_t largestContent(std::size_t blockSize)
+std::size_t maxContentSize(std::size_t blockSize)
 {
     return (blockSize - 1) * 64 / 3;
 }
@@ -36,7 +36,7 @@ std::optional<QByteArray> snappyUnCompress(const QByteArray &input)
     const auto blockSize = static_cast<std::size_t>(input.size());
     std::size_t length = 0;
     if (snappy_uncompressed_length(input.constData(), blockSize, &length) != SNAPPY_OK
-        || length > largestContent(blockSize))
+        || length > maxContentSize(blockSize))
         return std::nullopt;
     QByteArray output(static_cast<qsizetype>(length), Qt::Uninitialized);
     if (snappy_uncompress(input.constData(), blockSize, output.data(), &length) != SNAPPY_OK)

@@ -38,7 +38,7 @@ public:
     }
 
     /// True when the next run() hands over all of the input that is left.
-    bool handsOverTheRest() const { return m_input.size() - m_consumed <= largestPiece; }
+    bool handsOverTheRest() const { return m_input.size() - m_consumed <= maxPieceSize; }
     bool hasMore() const { return m_stream.avail_out == 0 || m_consumed < m_input.size(); }
 
     /// One call of \a code, which is deflate or inflate.
@@ -61,8 +61,8 @@ public:
     QByteArray takeOutput() { return cutTo(std::move(m_output), m_produced); }
 
 private:
-    static constexpr qsizetype largestPiece = std::numeric_limits<uInt>::max();
-    static uInt pieceOf(qsizetype size) { return static_cast<uInt>(std::min(size, largestPiece)); }
+    static constexpr qsizetype maxPieceSize = std::numeric_limits<uInt>::max();
+    static uInt pieceOf(qsizetype size) { return static_cast<uInt>(std::min(size, maxPieceSize)); }
 
     z_stream &m_stream;
     const QByteArray &m_input;

@@ -12,7 +12,7 @@ namespace vornic {
 namespace {
 
 /// Below, handing a range of bands to another thread costs as much as compressing it there saves.
-constexpr int leastBandsPerThread = 4;
+constexpr int minBandsPerThread = 4;
 
 } // namespace
 
@@ -67,7 +67,7 @@ std::optional<QByteArray> JpegBandCompressor::compress(const BitmapImage &image)
     m_compressedBandCount = 0;
     for (const Run run : changedRuns(image)) {
         m_compressedBandCount += run.bandCount;
-        parallelRanges(run.bandCount, leastBandsPerThread, [&](int first, int count) {
+        parallelRanges(run.bandCount, minBandsPerThread, [&](int first, int count) {
             if (!compressRun(image, { run.firstBand + first, count }))
                 good = false;
         });

@@ -13,7 +13,7 @@ namespace vornic {
 
 namespace {
 
-constexpr int leastBandsPerThread = 4;
+constexpr int minBandsPerThread = 4;
 
 bool decodeRun(const JpegBands &parts, int firstBand, int count, uchar *pixels, qsizetype bytesPerLine)
 {
@@ -66,7 +66,7 @@ std::vector<bool> JpegBandDecoder::decode(const QByteArray &jpeg, QImage &canvas
     for (auto run = std::find(changed.begin(), changed.end(), true); run != changed.end();) {
         const auto end = std::find(run, changed.end(), false);
         const int firstBand = static_cast<int>(run - changed.begin());
-        parallelRanges(static_cast<int>(end - run), leastBandsPerThread, [&](int first, int count) {
+        parallelRanges(static_cast<int>(end - run), minBandsPerThread, [&](int first, int count) {
             if (!decodeRun(*parts, firstBand + first, count, pixels, bytesPerLine))
                 good = false;
         });

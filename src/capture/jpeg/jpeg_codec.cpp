@@ -102,15 +102,15 @@ bool compressInto(MemoryOutput &output, const uchar *pixels, int width, int heig
     return true;
 }
 
-/// The fewest bytes that a unit of 16 x 16 pixels takes with the standard tables (ITU-T T.81, annex K.3):
+/// The minimum of bytes that a unit of 16 x 16 pixels takes with the standard tables (ITU-T T.81, annex K.3):
 /// four luma blocks of 2 + 4 bits and two chroma blocks of 2 + 2 bits.
-constexpr qint64 leastBytesPerUnit = 4;
+constexpr qint64 minBytesPerUnit = 4;
 
 bool isPlausible(const jpeg_decompress_struct &info, qsizetype bytes)
 {
     const qint64 units = qint64 { (info.image_width + 15) / 16 } * ((info.image_height + 15) / 16);
     return info.progressive_mode == FALSE && info.arith_code == FALSE && info.num_components == 3
-        && units * leastBytesPerUnit <= bytes;
+        && units * minBytesPerUnit <= bytes;
 }
 
 void readFrom(jpeg_decompress_struct &info, const QByteArray &jpeg)
