@@ -108,7 +108,7 @@ void MovieFile::writeHeader()
     checkWritten(result);
 }
 
-void MovieFile::write(AVPacket &packet, int track, AVRational timeBase)
+void MovieFile::mux(AVPacket &packet, int track, AVRational timeBase)
 {
     packet.stream_index = track;
     av_packet_rescale_ts(&packet, timeBase, m_format->streams[track]->time_base);

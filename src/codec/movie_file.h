@@ -24,7 +24,7 @@ public:
     /// After the last track.
     void writeHeader();
     /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.
-    void write(AVPacket &packet, int track, AVRational timeBase);
+    void mux(AVPacket &packet, int track, AVRational timeBase);
     /// Puts the index in front, syncs the file to the disk and renames it to its final name, replacing a file
     /// of that name. Blocks for as long as that takes.
     void complete();

@@ -88,20 +88,20 @@ public:
 
     MovieStatistics write()
     {
-        writeFrames();
-        pullAudio(std::nullopt);
+        encodeFrames();
+        encodeAudio(std::nullopt);
         if (m_audio) {
             m_audio->finish(m_audioSink);
             m_statistics.audioSeconds = m_audio->seconds();
         }
         m_video.finish(m_videoSink);
         m_file.complete();
-        m_statistics.framesSkipped += m_framesWithoutPicture;
+        m_statistics.framesSkipped += m_framesUnusable;
         return m_statistics;
     }
 
 private:
-    void writeFrames()
+    void encodeFrames()
     {
         FrameReader reader([this] { return readFrame(); });
         ConstFrame frame = reader.next();
@@ -111,7 +111,7 @@ private:
             ConstFrame following = nextAfter(*frame, reader);
             const std::int64_t own = frame->duration() > 0 ? frame->duration() : defaultDuration;
             const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
-            pullAudio(frame->timeStamp());
+            encodeAudio(frame->timeStamp());
             m_video.encode(*frame, end, m_videoSink);
             frame = std::move(following);
         }
@@ -123,7 +123,7 @@ private:
         while (auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
             if (auto conformed = m_conformer.conform(std::move(frame)))
                 return conformed;
-            ++m_framesWithoutPicture;
+            ++m_framesUnusable;
         }
         return nullptr;
     }
@@ -139,12 +139,13 @@ private:
         return following;
     }
 
-    /// Encodes sound up to \a ticks, or all that is left.
-    void pullAudio(std::optional<std::int64_t> ticks)
+    /// Encodes sound up to \a endTicks, or all that is left.
+    void encodeAudio(std::optional<std::int64_t> endTicks)
     {
-        while (m_audio && !m_audioHasEnded
-               && (!ticks
-                   || m_audio->seconds() * static_cast<double>(PKTimebase) <= static_cast<double>(*ticks))) {
+        while (
+            m_audio && !m_audioHasEnded
+            && (!endTicks
+                || m_audio->seconds() * static_cast<double>(PKTimebase) <= static_cast<double>(*endTicks))) {
             const auto block = m_source.PKMuxerTaskGetAudioFrame();
             if (block)
                 m_audio->add(*block, m_audioSink);
@@ -152,10 +153,10 @@ private:
         }
     }
 
-    void writeVideoPacket(AVPacket &packet)
+    void muxVideoPacket(AVPacket &packet)
     {
         const std::int64_t end = packet.pts + packet.duration;
-        m_file.write(packet, m_videoTrack, m_video.timeBase());
+        m_file.mux(packet, m_videoTrack, m_video.timeBase());
         ++m_statistics.framesWritten;
         m_statistics.seconds = std::max(m_statistics.seconds, static_cast<double>(end) / PKTimebase);
         if (m_length > 0) {
@@ -167,7 +168,7 @@ private:
     PKMuxerTaskDataSource &m_source;
     const ProgressSink &m_progress;
     FrameConformer m_conformer; ///< reader's thread only
-    std::atomic<std::int64_t> m_framesWithoutPicture = 0;
+    std::atomic<std::int64_t> m_framesUnusable = 0;
     MovieFile m_file;
     VideoEncoder m_video;
     std::optional<AudioEncoder> m_audio;
@@ -176,9 +177,9 @@ private:
     std::int64_t m_length; ///< of the recording, ticks
     bool m_audioHasEnded = false;
     MovieStatistics m_statistics;
-    PacketSink m_videoSink = [this](AVPacket &packet) { writeVideoPacket(packet); };
+    PacketSink m_videoSink = [this](AVPacket &packet) { muxVideoPacket(packet); };
     PacketSink m_audioSink
-        = [this](AVPacket &packet) { m_file.write(packet, m_audioTrack, m_audio->timeBase()); };
+        = [this](AVPacket &packet) { m_file.mux(packet, m_audioTrack, m_audio->timeBase()); };
 };
 
 } // namespace

@@ -133,7 +133,7 @@ TEST_F(PKMuxerTaskTest, aFirstFrameAfterTimeZeroIsShownAtItsTime)
     EXPECT_EQ(streamOf(probed, QStringLiteral("audio")).value(u"duration_ts").toInteger(), 48000);
 }
 
-TEST_F(PKMuxerTaskTest, framesThatAreNotLaterAreSkippedAndCounted)
+TEST_F(PKMuxerTaskTest, framesOutOfOrderAreSkippedAndCounted)
 {
     m_source.add(flat({ 64, 48 }, Qt::red), 0, 3000);
     m_source.add(flat({ 64, 48 }, Qt::green), 3000, 3000);
@@ -149,7 +149,7 @@ TEST_F(PKMuxerTaskTest, framesThatAreNotLaterAreSkippedAndCounted)
     EXPECT_EQ(videoNumbers(probed, "packets", "duration"), (QList<qint64> { 3000, 3000, 1500 }));
 }
 
-TEST_F(PKMuxerTaskTest, framesWithoutAPictureAreSkippedAndCounted)
+TEST_F(PKMuxerTaskTest, unusableFramesAreSkippedAndCounted)
 {
     m_source.add(flat({ 64, 48 }, Qt::red), 0, 3000);
     m_source.add(QImage(), 3000, 3000);

@@ -167,7 +167,7 @@ TEST_F(MovieSoundTest, soundLongerThanThePicturesIsKeptWhole)
 TEST_F(MovieSoundTest, aTrackThatGetsNoSoundIsLeftOut)
 {
     m_source.addGreys({ 64, 48 }, 3);
-    m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 0, 48000, 10, nullptr)); // makes no sense
+    m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 0, 48000, 10, nullptr)); // invalid
     const auto report = run();
     ASSERT_TRUE(report.isComplete()) << report.reason();
     EXPECT_EQ(report.statistics().audioSeconds, 0);
@@ -210,7 +210,7 @@ TEST(PKAudioFrame2, copiesItsSamples)
     EXPECT_EQ(frame.samples(), QByteArray::fromHex("0100020003000400"));
 }
 
-TEST(PKAudioFrame2, whatMakesNoSenseIsEmpty)
+TEST(PKAudioFrame2, anInvalidBlockIsEmpty)
 {
     const char byte = 0;
     EXPECT_EQ(PKAudioFrame2(1, 0, 48000, 1, &byte).numberOfSamples(), 0);
