@@ -92,7 +92,7 @@ void async(std::function<void()> block)
         post(*application, std::move(block));
 }
 
-void sync(const std::function<void()> &block, const std::stop_token &givenUp)
+void sync(const std::function<void()> &block, const std::stop_token &cancelled)
 {
     QCoreApplication *application = QCoreApplication::instance();
     if (!application)
@@ -105,15 +105,15 @@ void sync(const std::function<void()> &block, const std::stop_token &givenUp)
         block();
         return;
     }
-    // Released by the block, and by who gives it up.
+    // Released by the block, and by the request to stop.
     const auto done = std::make_shared<std::counting_semaphore<2>>(0);
-    post(*application, [block, done, givenUp] {
-        if (!givenUp.stop_requested())
+    post(*application, [block, done, cancelled] {
+        if (!cancelled.stop_requested())
             block();
         done->release();
     });
-    const std::stop_callback letGo(givenUp, [done] { done->release(); });
-    // An application that has ended takes no more events; then nobody may wait for one.
+    const std::stop_callback onCancel(cancelled, [done] { done->release(); });
+    // An application that has ended runs no more events, so that nobody may wait for one.
     while (!done->try_acquire_for(std::chrono::milliseconds(100)) && QCoreApplication::instance()) { }
 }
 

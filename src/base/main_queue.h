@@ -5,16 +5,15 @@
 
 namespace vornic::main_queue {
 
-/// The queue of the main thread: Qt's event loop. Needs a QCoreApplication; both may be called from any
-/// thread.
+/// The queue of the main thread, which is Qt's event loop. Needs a QCoreApplication, without which nothing is
+/// run. Both functions may be called from any thread.
 
 /// Queues \a block for the main thread and returns.
 void async(std::function<void()> block);
 
 /// Runs \a block on the main thread and waits until it has run. From the main thread itself this is an
-/// assertion failure; the block then runs at once. Returns without running it when the loop has ended, or
-/// once a stop of \a givenUp is requested; where that is done on the main thread, the block does not run
-/// later either.
-void sync(const std::function<void()> &block, const std::stop_token &givenUp = {});
+/// assertion failure; the block then runs at once. Returns early when the application ends, or once a stop is
+/// requested of \a cancelled; if the main thread requests it, the block does not run afterwards either.
+void sync(const std::function<void()> &block, const std::stop_token &cancelled = {});
 
 } // namespace vornic::main_queue

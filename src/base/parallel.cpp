@@ -27,14 +27,13 @@ asio::thread_pool &helpers()
 
 } // namespace
 
-void parallelRanges(int count, int leastItems, const std::function<void(int, int)> &work)
+void parallelRanges(int count, int minItems, const std::function<void(int, int)> &work)
 {
     if (count <= 0)
         return;
     // More ranges than processors: where another program holds one of them, the others take over its share.
-    constexpr int rangesForEach = 4;
-    const int least = std::max(1, leastItems);
-    const int length = std::max(least, count / (processorCount() * rangesForEach));
+    constexpr int rangesPerProcessor = 4;
+    const int length = std::max({ 1, minItems, count / (processorCount() * rangesPerProcessor) });
     const int ranges = std::max(1, count / length);
     const int workers = std::min(processorCount(), ranges);
     std::atomic<int> next = 0;

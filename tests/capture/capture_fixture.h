@@ -78,17 +78,17 @@ inline int largestDifference(const QImage &a, const QImage &b)
 {
     if (a.size() != b.size())
         return 256;
-    int most = 0;
+    int largest = 0;
     for (int y = 0; y < a.height(); ++y)
         for (int x = 0; x < a.width(); ++x) {
             const QRgb p = a.pixel(x, y);
             const QRgb q = b.pixel(x, y);
-            most = std::max({ most,
-                              std::abs(qRed(p) - qRed(q)),
-                              std::abs(qGreen(p) - qGreen(q)),
-                              std::abs(qBlue(p) - qBlue(q)) });
+            largest = std::max({ largest,
+                                 std::abs(qRed(p) - qRed(q)),
+                                 std::abs(qGreen(p) - qGreen(q)),
+                                 std::abs(qBlue(p) - qBlue(q)) });
         }
-    return most;
+    return largest;
 }
 
 } // namespace vornic

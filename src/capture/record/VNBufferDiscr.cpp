@@ -185,13 +185,13 @@ void VNBufferDiscr::saveCGImageForDebug(const std::shared_ptr<const BitmapImage>
 
 std::pair<double, double> VNBufferDiscr::calcMaxFitSize(std::int64_t width, std::int64_t hight)
 {
-    constexpr std::int64_t mostWidth = 1920;
-    constexpr std::int64_t mostHeight = 1080;
-    if (width <= mostWidth && hight <= mostHeight)
+    constexpr std::int64_t maxWidth = 1920;
+    constexpr std::int64_t maxHeight = 1080;
+    if (width <= maxWidth && hight <= maxHeight)
         return { static_cast<double>(width), static_cast<double>(hight) };
-    if (width * mostHeight > hight * mostWidth)
-        return { static_cast<double>(mostWidth), static_cast<double>(hight * mostWidth / width) };
-    return { static_cast<double>(width * mostHeight / hight), static_cast<double>(mostHeight) };
+    if (width * maxHeight > hight * maxWidth)
+        return { static_cast<double>(maxWidth), static_cast<double>(hight * maxWidth / width) };
+    return { static_cast<double>(width * maxHeight / hight), static_cast<double>(maxHeight) };
 }
 
 } // namespace vornic

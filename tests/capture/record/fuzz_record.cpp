@@ -1,7 +1,7 @@
 /// Feeds random bytes and damaged archives of frame records and audio chunks to their readers, and composes
 /// what comes out: fuzz_record [inputs] [seed].
 ///
-/// Prints what gave an object and the most memory; a crash or a sanitizer's report is the failure.
+/// Prints what gave an object and the peak memory; a crash or a sanitizer's report is the failure.
 /// Deterministic for a seed.
 
 #include "audio/PKAudioRecorderData.h"
@@ -33,9 +33,9 @@ int below(Random &random, qsizetype limit)
     return random.bounded(static_cast<int>(limit));
 }
 
-QByteArray randomBytes(Random &random, int most)
+QByteArray randomBytes(Random &random, int maxSize)
 {
-    QByteArray bytes(below(random, most + 1), '\0');
+    QByteArray bytes(below(random, maxSize + 1), '\0');
     for (char &byte : bytes)
         byte = static_cast<char>(below(random, 256));
     return bytes;
