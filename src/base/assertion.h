@@ -6,17 +6,17 @@
 
 namespace vornic {
 
-/// A state that should be impossible, as it is told to the assertion handler.
+/// A state that should be impossible, as it is reported to the assertion handler.
 struct AssertionFailure {
     QString operation; ///< the operation that found it, for example "lz4CompressWithLevel:"
-    QString file;      ///< the source unit it belongs to, without an ending
-    int line = 0;      ///< the line the report is known by; stable, not that of the call
+    QString file;      ///< the source file it belongs to, without its suffix
+    int line = 0;      ///< a number that identifies the report for good; not the line of the call
     QString description;
 };
 
 using AssertionHandler = std::function<void(const AssertionFailure &)>;
 
-/// Tells the handler, on the calling thread. The standard handler logs and returns: the program goes on.
+/// Calls the handler, on the calling thread. The standard handler logs and returns: the program goes on.
 void reportAssertionFailure(const AssertionFailure &failure);
 
 /// Installs \a handler and returns the one before; an empty handler restores the standard one.

@@ -4,7 +4,7 @@ namespace vornic {
 
 /// The absolute clock: seconds of CLOCK_MONOTONIC, from any thread.
 ///
-/// It never jumps when the wall clock is set. Only differences mean something; never 0 on a running system.
+/// It does not jump when the wall clock is set. Only differences of two readings mean something. Never 0.
 [[nodiscard]] double absoluteTimeSeconds();
 
 } // namespace vornic

@@ -12,7 +12,7 @@ namespace vornic {
 
 namespace {
 
-/// The numbers of an array of exactly \a out.size() numbers; false for anything else.
+/// Reads an array of exactly out.size() numbers into \a out; false for anything else.
 bool readNumbers(const QCborValue &value, std::span<double> out)
 {
     const QCborArray array = value.toArray();
@@ -89,16 +89,16 @@ void KeyedArchiver::encodeString(QLatin1StringView key, const QString &value)
 
 void KeyedArchiver::encodeData(QLatin1StringView key, const QByteArray &value)
 {
-    // Room for it and for the small values around it, so that a large one is copied once.
-    constexpr qsizetype roomBesides = 256;
-    m_bytes.reserve(m_bytes.size() + value.size() + roomBesides);
+    // Enough for this value and the small ones that follow, so that a large one is copied once.
+    constexpr qsizetype extraCapacity = 256;
+    m_bytes.reserve(m_bytes.size() + value.size() + extraCapacity);
     this->value(key).append(value);
 }
 
 void KeyedArchiver::encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write)
 {
     value(key).startMap();
-    // The nested archive goes on in the same stream: its keys follow at once.
+    // The nested archive's keys go to the same stream; the map is open already.
     write(*this);
     m_writer.endMap();
 }

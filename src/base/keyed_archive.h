@@ -20,7 +20,7 @@ namespace vornic {
 class KeyedArchiver;
 class KeyedUnarchiver;
 
-/// A type that can stand in a keyed archive: it writes itself, and is made again from what it wrote.
+/// A type whose objects can write themselves to a keyed archive and be made again from it.
 template<typename T>
 concept Archivable = requires(const T &object, KeyedArchiver &archiver, const KeyedUnarchiver &unarchiver)
 {
@@ -47,7 +47,7 @@ public:
     /// Writes a nested archive: \a write fills its keys.
     void encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write);
 
-    /// The archive's bytes; nothing is written after this.
+    /// The finished archive; nothing may be written after the first call.
     [[nodiscard]] QByteArray bytes();
 
 private:
@@ -56,19 +56,20 @@ private:
     bool m_isOpen = false;
     bool m_isClosed = false;
 
-    /// Writes \a key, of whatever came before it behind the start of the map.
+    /// Opens the map if this is its first entry, writes \a key, and returns the writer for the value.
     QCborStreamWriter &value(QLatin1StringView key);
     void encodeNumbers(QLatin1StringView key, std::initializer_list<double> numbers);
 };
 
 /// Reads the values of a keyed archive back.
 ///
-/// A key that is missing, or holds another type than the one asked for, reads as that type's zero value;
-/// keys that nobody asks for are skipped. Copyable, used on any one thread.
+/// A key that is missing, or whose value is of another type than the one asked for, reads as that type's zero
+/// value. Made on the stack from the bytes of one archive; copyable, on any thread.
 class KeyedUnarchiver
 {
 public:
-    /// No object where \a archive is not exactly one CBOR map: broken, cut short or followed by other bytes.
+    /// Nothing where \a archive is not exactly one CBOR map, for example damaged, cut short or followed by
+    /// more bytes.
     [[nodiscard]] static std::optional<KeyedUnarchiver> create(const QByteArray &archive);
 
     [[nodiscard]] bool containsValueForKey(QLatin1StringView key) const;

@@ -20,7 +20,7 @@ LogSink &currentSink()
     return sink;
 }
 
-/// A line that comes again and again, many times a second at worst, is written once.
+/// Standard error. A line that is logged again and again, many times a second at worst, is written once.
 class StandardLog
 {
 public:

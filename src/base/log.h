@@ -6,14 +6,15 @@
 
 namespace vornic {
 
-/// Writes one line to the log (standard error, or where the desktop collects it), from any thread. A
-/// line that comes again before any other is not written again.
+/// Writes one line to standard error, from any thread. A line equal to the one before is only counted; the
+/// count is written before the next different line.
 void logMessage(const QString &message);
 
-/// Receives every logged line, on the thread that logged it.
+/// Gets every logged line, repeated ones too, on the thread that logged it.
 using LogSink = std::function<void(const QString &)>;
 
-/// Puts \a sink in place of the standard one and returns the one before; an empty sink restores the standard.
+/// Installs \a sink in place of standard error and returns the one before; an empty sink restores standard
+/// error.
 LogSink setLogSink(LogSink sink);
 
 } // namespace vornic

@@ -9,14 +9,15 @@ namespace vornic {
 
 /// A serial dispatch queue: blocks run one after the other, in the order given, on the queue's own thread.
 ///
-/// Made and destroyed by its owner; the functions may be called from any thread. Destruction runs what has
-/// been given with async() and sync(), drops what is delayed, and waits for the running block.
+/// Made and destroyed by its owner; the functions may be called from any thread. The destructor waits for all
+/// blocks given to async() and sync(), and drops those of after() whose delay has not passed.
 class SerialQueue
 {
 public:
     using Block = std::function<void()>;
 
-    /// \a label names the thread in debuggers (Linux keeps its first 15 characters); empty names nothing.
+    /// \a label names the thread in debuggers, which show its first 15 characters; an empty one leaves the
+    /// thread its name.
     explicit SerialQueue(std::string label = {});
     ~SerialQueue();
     SerialQueue(const SerialQueue &) = delete;

@@ -32,7 +32,7 @@ void remove(const QString &key)
 
 bool synchronize()
 {
-    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, "kavlor", "Vornic");
+    QSettings settings = store();
     settings.sync();
     return settings.status() == QSettings::NoError;
 }
