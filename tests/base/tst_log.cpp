@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 namespace vornic {
+namespace {
 
 TEST(LogTest, LinesGoToStandardErrorAndRepeatsAreCounted)
 {
@@ -16,6 +17,13 @@ TEST(LogTest, LinesGoToStandardErrorAndRepeatsAreCounted)
     logMessage("one");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "vornic: one\nvornic: again\nvornic: (49 more times)\nvornic: two\nvornic: one\n");
+}
+
+TEST(LogTest, LinesAreWrittenAsUtf8)
+{
+    ::testing::internal::CaptureStderr();
+    logMessage(QStringLiteral("Größe"));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "vornic: Größe\n");
 }
 
 TEST(LogTest, ASinkGetsEveryLineInsteadOfStandardError)
@@ -30,4 +38,5 @@ TEST(LogTest, ASinkGetsEveryLineInsteadOfStandardError)
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
+} // namespace
 } // namespace vornic

@@ -4,15 +4,15 @@
 #include "base/serial_queue.h"
 
 #include <QCoreApplication>
-#include <QThread>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <future>
-#include <memory>
+#include <semaphore>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -151,6 +151,23 @@ TEST(MainQueueTest, WithoutAnApplicationNothingRunsAndNobodyHangs)
 {
     bool ran = false;
     std::jthread([&] { main_queue::sync([&] { ran = true; }); }).join();
+    EXPECT_FALSE(ran);
+}
+
+TEST(MainQueueTest, ACancelledWaitEndsAndItsBlockDoesNotRun)
+{
+    bool ran = false;
+    std::stop_source stop;
+    std::binary_semaphore returned(0);
+    besideTheMainLoop([&] {
+        // The main thread is busy until the wait has ended, so that it is not the block that ends it.
+        main_queue::async([&] {
+            stop.request_stop();
+            EXPECT_TRUE(returned.try_acquire_for(20s));
+        });
+        main_queue::sync([&] { ran = true; }, stop.get_token());
+        returned.release();
+    });
     EXPECT_FALSE(ran);
 }
 

@@ -22,9 +22,9 @@ constexpr const char *inventedVolume = "/an/invented/volume";
 
 } // namespace
 
-/// Stands before the system's: most file systems have equal block and fragment sizes, and as many free blocks
-/// for a user as for the administrator, so that none shows which fields are read. The invented one differs in
-/// all.
+/// Replaces the system's, to which it passes all other paths. On most file systems blocks and fragments are
+/// of one size, and a user may take as many blocks as the administrator, so that a test on them does not
+/// show which fields are read. In the invented volume all of them differ.
 extern "C" int statvfs(const char *path, struct statvfs *volume) noexcept
 {
     if (std::strcmp(path, inventedVolume) != 0) {
@@ -43,22 +43,6 @@ extern "C" int statvfs(const char *path, struct statvfs *volume) noexcept
 
 namespace vornic {
 namespace {
-
-TEST(LogTest, TheSinkGetsTheLinesUntilItIsReplaced)
-{
-    QStringList lines;
-    setLogSink([&](const QString &line) { lines += line; });
-    logMessage("first");
-    setLogSink({});
-    EXPECT_EQ(lines, QStringList { "first" });
-}
-
-TEST(LogTest, WithoutASinkLinesGoToStandardError)
-{
-    testing::internal::CaptureStderr();
-    logMessage(QStringLiteral("Größe"));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "vornic: Größe\n");
-}
 
 TEST(AssertionTest, TheStandardHandlerLogsAndGoesOn)
 {
