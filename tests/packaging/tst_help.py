@@ -30,8 +30,14 @@ def words_of_document(path):
     return normalized(text).split()
 
 
-def make(text):
-    """The maker's exit status, and what it said."""
+def lines_of_pages(path):
+    """The lines of each page, without those that are empty."""
+    text = subprocess.run(["pdftotext", "-layout", path, "-"], check=True, capture_output=True, text=True).stdout
+    return [[line.strip() for line in page.splitlines() if line.strip()] for page in text.split("\f") if page]
+
+
+def make(text, look=lambda document: None):
+    """The maker's exit status, what it said, and what LOOK finds in the document."""
     with tempfile.TemporaryDirectory() as folder:
         place = pathlib.Path(folder)
         (place / "help.md").write_text(text, encoding="utf-8")
@@ -40,7 +46,7 @@ def make(text):
         ended = subprocess.run(
             [MAKER, place / "help.md", icon, place / "help.pdf"], env=environment, capture_output=True, text=True
         )
-        return ended.returncode, ended.stderr
+        return ended.returncode, ended.stderr, look(place / "help.pdf")
 
 
 class Help(unittest.TestCase):
@@ -62,9 +68,18 @@ class Help(unittest.TestCase):
         self.assertGreaterEqual(len(sizes), 1 + len(set(re.findall(r"!\[", self.text))))
 
     def test_a_picture_that_is_missing_is_told(self):
-        status, said = make("# A\n\nB.\n\n## C\n\n![D](nowhere.png)\n")
+        status, said, _ = make("# A\n\nB.\n\n## C\n\n![D](nowhere.png)\n")
         self.assertEqual(status, 1)
         self.assertIn("nowhere.png", said)
+
+    def test_no_heading_stands_alone_at_the_end_of_a_page(self):
+        if not shutil.which("pdftotext"):
+            self.skipTest("there is no pdftotext")
+        sections = "".join(f"## Heading\n\n{paragraphs}" for paragraphs in ("Text.\n\n" * lines for lines in range(20)))
+        _, _, pages = make(f"# A\n\n{sections}", lines_of_pages)
+        self.assertGreater(len(pages), 4)
+        for page in pages:
+            self.assertNotIn("Heading", page[-2:], "the last line, and the number of the page")
 
     def test_a_text_without_a_title_is_no_help(self):
         self.assertEqual(make("Some text.\n\nAnd more.\n\n")[0], 1)
