@@ -1,7 +1,5 @@
 #pragma once
 
-#include "controls/skin_painting.h"
-
 #include <QCheckBox>
 #include <QRectF>
 
@@ -17,8 +15,7 @@ class VNCheckCell : public QCheckBox
 public:
     static constexpr double pictureSide = 14;
 
-    explicit VNCheckCell(QWidget *parent = nullptr);
-    explicit VNCheckCell(const QString &title, QWidget *parent = nullptr);
+    using QCheckBox::QCheckBox;
 
     [[nodiscard]] static QRectF calcImagePosition(const QRectF &frame);
     [[nodiscard]] static QRectF calcTextPosition(const QRectF &frame);
@@ -32,9 +29,6 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     [[nodiscard]] bool hitButton(const QPoint &position) const override;
-
-private:
-    [[nodiscard]] SkinText title() const;
 };
 
 } // namespace vornic

@@ -1,23 +1,18 @@
 #include "controls/VNRadioCell.h"
 
-#include "controls/mouse_button.h"
-#include "controls/skin_colors.h"
 #include "controls/toggle_painting.h"
 
 #include <QPainter>
-#include <QStyle>
 
 namespace vornic {
 
-VNRadioCell::VNRadioCell(QWidget *parent)
-    : VNRadioCell(QString(), parent)
-{
-}
+namespace {
 
-VNRadioCell::VNRadioCell(const QString &title, QWidget *parent)
-    : QRadioButton(title, parent)
-{
-}
+constexpr ToggleSkin radioButton { .name = "radio",
+                                   .pictureSide = VNRadioCell::pictureSide,
+                                   .focusRadius = VNRadioCell::pictureSide / 2 };
+
+} // namespace
 
 QRectF VNRadioCell::calcImagePosition(const QRectF &frame)
 {
@@ -29,25 +24,9 @@ QRectF VNRadioCell::calcTextPosition(const QRectF &frame)
     return toggleTextPosition(frame, pictureSide);
 }
 
-SkinText VNRadioCell::title() const
-{
-    const bool underlines = style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, this) != 0;
-    return { .text = text(),
-             .font = font(),
-             .color = skin::title(),
-             .flags = Qt::AlignLeft | (underlines ? Qt::TextShowMnemonic : Qt::TextHideMnemonic) };
-}
-
 void VNRadioCell::drawWithFrame(const QRectF &frame, QPainter &view)
 {
-    const bool isDown = paintsMouseButtonDown(*this);
-    paintToggle(view,
-                { .imagePosition = calcImagePosition(frame),
-                  .textPosition = calcTextPosition(frame),
-                  .picture = togglePicture(QStringLiteral("radio"), isChecked(), isEnabled(), isDown),
-                  .title = title(),
-                  .hasFocus = hasFocus(),
-                  .focusRadius = pictureSide / 2 });
+    paintToggle(view, toggleLook(*this, frame, radioButton, isChecked()));
 }
 
 void VNRadioCell::paintEvent(QPaintEvent * /*event*/)
@@ -58,12 +37,12 @@ void VNRadioCell::paintEvent(QPaintEvent * /*event*/)
 
 bool VNRadioCell::hitButton(const QPoint &position) const
 {
-    return toggleHitRect(rect(), pictureSide, skinTextWidth(title())).contains(position);
+    return toggleHitRect(*this, radioButton).contains(position);
 }
 
 QSize VNRadioCell::sizeHint() const
 {
-    return toggleSize(pictureSide, title()).toSize();
+    return toggleSize(*this, radioButton);
 }
 
 QSize VNRadioCell::minimumSizeHint() const

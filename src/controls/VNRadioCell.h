@@ -1,7 +1,5 @@
 #pragma once
 
-#include "controls/skin_painting.h"
-
 #include <QRadioButton>
 #include <QRectF>
 
@@ -17,8 +15,7 @@ class VNRadioCell : public QRadioButton
 public:
     static constexpr double pictureSide = 16;
 
-    explicit VNRadioCell(QWidget *parent = nullptr);
-    explicit VNRadioCell(const QString &title, QWidget *parent = nullptr);
+    using QRadioButton::QRadioButton;
 
     [[nodiscard]] static QRectF calcImagePosition(const QRectF &frame);
     [[nodiscard]] static QRectF calcTextPosition(const QRectF &frame);
@@ -31,9 +28,6 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     [[nodiscard]] bool hitButton(const QPoint &position) const override;
-
-private:
-    [[nodiscard]] SkinText title() const;
 };
 
 } // namespace vornic

@@ -5,8 +5,6 @@
 #include <QFontMetricsF>
 #include <QLinearGradient>
 #include <QPainter>
-#include <QPushButton>
-#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -52,12 +50,6 @@ void paintButtonFace(QPainter &painter, const QRectF &bounds, const ButtonFace &
     painter.setBrush(fill);
     painter.drawRoundedRect(bounds.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
     painter.restore();
-}
-
-int mnemonicFlag(const QPushButton &button)
-{
-    const bool underlines = button.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &button) != 0;
-    return underlines ? Qt::TextShowMnemonic : Qt::TextHideMnemonic;
 }
 
 } // namespace vornic

@@ -6,7 +6,6 @@
 #include <QString>
 
 class QPainter;
-class QPushButton;
 
 namespace vornic {
 
@@ -41,8 +40,5 @@ struct ButtonFace {
 };
 
 void paintButtonFace(QPainter &painter, const QRectF &bounds, const ButtonFace &face, double radius);
-
-/// Whether the text of \a button shows its mnemonic, as drawSkinText() takes it.
-[[nodiscard]] int mnemonicFlag(const QPushButton &button);
 
 } // namespace vornic

@@ -5,6 +5,8 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QStyle>
+#include <QWidget>
 
 #include <cmath>
 
@@ -47,6 +49,12 @@ void drawSkinText(QPainter &painter, const QRectF &rectangle, const SkinText &te
     painter.setPen(text.color);
     painter.drawText(line, flags, shown);
     painter.restore();
+}
+
+int mnemonicFlag(const QWidget &control)
+{
+    const bool underlines = control.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &control) != 0;
+    return underlines ? Qt::TextShowMnemonic : Qt::TextHideMnemonic;
 }
 
 void drawFieldLeft(QPainter &painter, const QRectF &frame, bool enabled, double rightWidth)

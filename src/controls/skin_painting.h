@@ -6,6 +6,7 @@
 #include <QString>
 
 class QPainter;
+class QWidget;
 
 namespace vornic {
 
@@ -25,6 +26,9 @@ void drawSkinText(QPainter &painter, const QRectF &rectangle, const SkinText &te
 
 /// How wide drawSkinText() draws it, where there is room.
 [[nodiscard]] double skinTextWidth(const SkinText &text);
+
+/// Whether the text of \a control shows its mnemonic, as one of SkinText's flags.
+[[nodiscard]] int mnemonicFlag(const QWidget &control);
 
 /// A picture of 4 x 28 at the left end of \a frame, then \a middle, stretched over all but the last
 /// \a rightWidth points.

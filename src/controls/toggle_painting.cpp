@@ -1,8 +1,10 @@
 #include "controls/toggle_painting.h"
 
+#include "controls/mouse_button.h"
 #include "controls/skin_colors.h"
 #include "controls/skin_pictures.h"
 
+#include <QAbstractButton>
 #include <QFontMetricsF>
 #include <QPainter>
 
@@ -15,7 +17,21 @@ namespace {
 
 constexpr double gap = 4;
 constexpr double textHeight = 15;
-constexpr double leastHeight = 20;
+constexpr double minimumHeight = 20;
+
+SkinText titleOf(const QAbstractButton &button)
+{
+    return { .text = button.text(),
+             .font = button.font(),
+             .color = skin::title(),
+             .flags = Qt::AlignLeft | mnemonicFlag(button) };
+}
+
+double contentsWidth(const QAbstractButton &button, const ToggleSkin &skin)
+{
+    const double titleWidth = skinTextWidth(titleOf(button));
+    return titleWidth > 0 ? skin.pictureSide + gap + titleWidth : skin.pictureSide;
+}
 
 } // namespace
 
@@ -40,17 +56,27 @@ QRectF toggleTextPosition(const QRectF &frame, double side)
              textHeight };
 }
 
-QRectF toggleHitRect(const QRectF &frame, double side, double titleWidth)
+ToggleLook toggleLook(QAbstractButton &button, const QRectF &frame, const ToggleSkin &skin, bool on)
 {
-    const double width = titleWidth > 0 ? side + gap + titleWidth : side;
-    return { frame.x(), frame.y(), std::min(frame.width(), width), frame.height() };
+    const bool isDown = paintsMouseButtonDown(button);
+    return { .imagePosition = toggleImagePosition(frame, skin.pictureSide),
+             .textPosition = toggleTextPosition(frame, skin.pictureSide),
+             .picture = togglePicture(QLatin1String(skin.name), on, button.isEnabled(), isDown),
+             .title = titleOf(button),
+             .hasFocus = button.hasFocus(),
+             .focusRadius = skin.focusRadius };
 }
 
-QSizeF toggleSize(double side, const SkinText &title)
+QRectF toggleHitRect(const QAbstractButton &button, const ToggleSkin &skin)
 {
-    const double titleWidth = skinTextWidth(title);
-    const double width = titleWidth > 0 ? side + gap + titleWidth : side;
-    return { width, std::max(leastHeight, std::ceil(QFontMetricsF(title.font).height()) + 1) };
+    const QRectF frame = button.rect();
+    return { frame.topLeft(), QSizeF(std::min(frame.width(), contentsWidth(button, skin)), frame.height()) };
+}
+
+QSize toggleSize(const QAbstractButton &button, const ToggleSkin &skin)
+{
+    const double height = std::ceil(QFontMetricsF(button.font()).height()) + 1;
+    return QSizeF(contentsWidth(button, skin), std::max(minimumHeight, height)).toSize();
 }
 
 void paintToggle(QPainter &painter, const ToggleLook &look)
