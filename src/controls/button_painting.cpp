@@ -1,10 +1,11 @@
 #include "controls/button_painting.h"
 
-#include "controls/skin_painting.h"
+#include "controls/skin_colors.h"
 
 #include <QFontMetricsF>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPushButton>
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +15,15 @@ namespace vornic {
 namespace {
 
 constexpr double textMarginAbove = 4;
+
+ButtonFace currentFace(const QPushButton &button, const ButtonFaces &faces)
+{
+    if (!button.isEnabled())
+        return skin::disabledFace();
+    if (button.isDown() || button.isChecked())
+        return faces.down;
+    return button.underMouse() ? faces.hovered : faces.normal;
+}
 
 } // namespace
 
@@ -39,8 +49,10 @@ QSize buttonSize(const ButtonMetrics &metrics, double pictureSide, const SkinTex
              std::max(metrics.height, static_cast<int>(std::ceil(height))) };
 }
 
-void paintButtonFace(QPainter &painter, const QRectF &bounds, const ButtonFace &face, double radius)
+void paintButtonFace(QPainter &painter, const QPushButton &button, const ButtonFaces &faces, double radius)
 {
+    const QRectF bounds = button.rect();
+    const ButtonFace face = currentFace(button, faces);
     QLinearGradient fill(bounds.topLeft(), bounds.bottomLeft());
     fill.setColorAt(0, face.top);
     fill.setColorAt(1, face.bottom);
@@ -50,6 +62,17 @@ void paintButtonFace(QPainter &painter, const QRectF &bounds, const ButtonFace &
     painter.setBrush(fill);
     painter.drawRoundedRect(bounds.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
     painter.restore();
+    if (button.hasFocus())
+        drawFocusOutline(painter, bounds, radius);
+}
+
+SkinText buttonLabel(const QPushButton &button, const QFont &font)
+{
+    return { .text = button.text(),
+             .font = font,
+             .color = button.isEnabled() ? skin::value() : skin::disabledTitle(),
+             .hasShadow = false,
+             .flags = Qt::AlignLeft | mnemonicFlag(button) };
 }
 
 } // namespace vornic

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "controls/skin_painting.h"
+
 #include <QColor>
 #include <QRectF>
 #include <QSize>
-#include <QString>
 
 class QPainter;
+class QPushButton;
 
 namespace vornic {
-
-struct SkinText;
 
 /// What push buttons that are painted without pictures have in common.
 
@@ -39,6 +39,17 @@ struct ButtonFace {
     QColor edge;
 };
 
-void paintButtonFace(QPainter &painter, const QRectF &bounds, const ButtonFace &face, double radius);
+/// The faces of a button that can be used.
+struct ButtonFaces {
+    ButtonFace normal;
+    ButtonFace hovered;
+    ButtonFace down;
+};
+
+/// The face of \a button as it is now, and the outline of the focus where it has it.
+void paintButtonFace(QPainter &painter, const QPushButton &button, const ButtonFaces &faces, double radius);
+
+/// The text of \a button in \a font.
+[[nodiscard]] SkinText buttonLabel(const QPushButton &button, const QFont &font);
 
 } // namespace vornic

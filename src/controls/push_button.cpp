@@ -2,7 +2,6 @@
 
 #include "controls/button_painting.h"
 #include "controls/skin_colors.h"
-#include "controls/skin_painting.h"
 #include "controls/skin_pictures.h"
 
 #include <QPainter>
@@ -17,43 +16,14 @@ constexpr ButtonMetrics metrics {
 
 constexpr double disabledOpacity = 0.4;
 
-ButtonFace face(const PushButtonLook &look)
+ButtonFaces faces(bool isDefault)
 {
-    if (!look.isEnabled)
-        return skin::disabledFace();
-    if (look.isDown)
-        return look.isDefault ? skin::defaultFaceDown() : skin::faceDown();
-    if (look.isHovered)
-        return look.isDefault ? skin::defaultFaceOver() : skin::faceOver();
-    return look.isDefault ? skin::defaultFace() : skin::face();
-}
-
-SkinText label(const PushButtonLook &look)
-{
-    return { .text = look.text,
-             .font = look.font,
-             .color = look.isEnabled ? skin::value() : skin::disabledTitle(),
-             .hasShadow = false,
-             .flags = Qt::AlignLeft | look.mnemonic };
+    if (isDefault)
+        return { skin::defaultFace(), skin::defaultFaceOver(), skin::defaultFaceDown() };
+    return { skin::face(), skin::faceOver(), skin::faceDown() };
 }
 
 } // namespace
-
-void paintPushButton(QPainter &painter, const QRectF &bounds, const PushButtonLook &look)
-{
-    paintButtonFace(painter, bounds, face(look), metrics.radius);
-    const SkinText text = label(look);
-    const ButtonContents contents = buttonContents(bounds, metrics, look.iconSide, skinTextWidth(text));
-    if (look.iconSide > 0) {
-        painter.save();
-        painter.setOpacity(look.isEnabled ? 1 : disabledOpacity);
-        look.icon.paint(&painter, contents.picture.toRect());
-        painter.restore();
-    }
-    drawSkinText(painter, contents.text, text);
-    if (look.hasFocus)
-        drawFocusOutline(painter, bounds, metrics.radius);
-}
 
 PushButton::PushButton(QWidget *parent)
     : PushButton(QString(), parent)
@@ -66,30 +36,25 @@ PushButton::PushButton(const QString &text, QWidget *parent)
     setAttribute(Qt::WA_Hover);
 }
 
-PushButtonLook PushButton::look() const
+int PushButton::iconSide() const
 {
-    return { .text = text(),
-             .font = font(),
-             .icon = icon(),
-             .iconSide = icon().isNull() ? 0 : iconSize().height(),
-             .mnemonic = mnemonicFlag(*this),
-             .isDefault = isDefault(),
-             .isEnabled = isEnabled(),
-             .isHovered = underMouse(),
-             .isDown = isDown() || isChecked(),
-             .hasFocus = hasFocus() };
+    return icon().isNull() ? 0 : iconSize().height();
 }
 
 void PushButton::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    paintPushButton(painter, rect(), look());
+    paintButtonFace(painter, *this, faces(isDefault()), metrics.radius);
+    const SkinText text = buttonLabel(*this, font());
+    const ButtonContents contents = buttonContents(rect(), metrics, iconSide(), skinTextWidth(text));
+    drawSkinText(painter, contents.text, text);
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    icon().paint(&painter, contents.picture.toRect());
 }
 
 QSize PushButton::sizeHint() const
 {
-    const PushButtonLook now = look();
-    return buttonSize(metrics, now.iconSide, label(now));
+    return buttonSize(metrics, iconSide(), buttonLabel(*this, font()));
 }
 
 QSize PushButton::minimumSizeHint() const

@@ -1,26 +1,8 @@
 #pragma once
 
-#include <QFont>
-#include <QIcon>
 #include <QPushButton>
 
 namespace vornic {
-
-/// What a push button shows; enough to paint it without a widget.
-struct PushButtonLook {
-    QString text;
-    QFont font;
-    QIcon icon;
-    int iconSide = 0;       ///< in points; 0: no icon
-    int mnemonic = 0;       ///< Qt::TextShowMnemonic or Qt::TextHideMnemonic
-    bool isDefault = false; ///< the one that Enter presses
-    bool isEnabled = true;
-    bool isHovered = false;
-    bool isDown = false;
-    bool hasFocus = false;
-};
-
-void paintPushButton(QPainter &painter, const QRectF &bounds, const PushButtonLook &look);
 
 /// A push button in the greys of the list buttons, blue when it is the window's default.
 ///
@@ -40,7 +22,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] PushButtonLook look() const;
+    /// In points; 0 without an icon.
+    [[nodiscard]] int iconSide() const;
 };
 
 } // namespace vornic

@@ -2,7 +2,6 @@
 
 #include "controls/button_painting.h"
 #include "controls/skin_colors.h"
-#include "controls/skin_painting.h"
 
 #include <QFontInfo>
 #include <QPainter>
@@ -15,46 +14,7 @@ constexpr ButtonMetrics metrics { .height = 44, .leastWidth = 160, .margin = 24,
 constexpr double discSide = 14;
 constexpr double larger = 1.2;
 
-ButtonFace face(const RecordButtonLook &look)
-{
-    if (!look.isEnabled)
-        return skin::disabledFace();
-    if (look.isDown)
-        return skin::recordFaceDown();
-    return look.isHovered ? skin::recordFaceOver() : skin::recordFace();
-}
-
-SkinText label(const RecordButtonLook &look)
-{
-    return { .text = look.text,
-             .font = look.font,
-             .color = look.isEnabled ? skin::value() : skin::disabledTitle(),
-             .hasShadow = false,
-             .flags = Qt::AlignLeft | look.mnemonic };
-}
-
 } // namespace
-
-QRectF recordDiscRect(const QRectF &bounds, double textWidth)
-{
-    return buttonContents(bounds, metrics, discSide, textWidth).picture;
-}
-
-void paintRecordButton(QPainter &painter, const QRectF &bounds, const RecordButtonLook &look)
-{
-    paintButtonFace(painter, bounds, face(look), metrics.radius);
-    const SkinText text = label(look);
-    const ButtonContents contents = buttonContents(bounds, metrics, discSide, skinTextWidth(text));
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(text.color);
-    painter.drawEllipse(contents.picture);
-    painter.restore();
-    drawSkinText(painter, contents.text, text);
-    if (look.hasFocus)
-        drawFocusOutline(painter, bounds, metrics.radius);
-}
 
 RecordButton::RecordButton(QWidget *parent)
     : RecordButton(QString(), parent)
@@ -68,29 +28,33 @@ RecordButton::RecordButton(const QString &text, QWidget *parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-RecordButtonLook RecordButton::look() const
+QFont RecordButton::largeFont() const
 {
     QFont large = font();
     large.setBold(true);
     large.setPixelSize(qRound(QFontInfo(large).pixelSize() * larger));
-    return { .text = text(),
-             .font = large,
-             .mnemonic = mnemonicFlag(*this),
-             .isEnabled = isEnabled(),
-             .isHovered = underMouse(),
-             .isDown = isDown() || isChecked(),
-             .hasFocus = hasFocus() };
+    return large;
 }
 
 void RecordButton::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    paintRecordButton(painter, rect(), look());
+    paintButtonFace(painter,
+                    *this,
+                    { skin::recordFace(), skin::recordFaceOver(), skin::recordFaceDown() },
+                    metrics.radius);
+    const SkinText text = buttonLabel(*this, largeFont());
+    const ButtonContents contents = buttonContents(rect(), metrics, discSide, skinTextWidth(text));
+    drawSkinText(painter, contents.text, text);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(text.color);
+    painter.drawEllipse(contents.picture);
 }
 
 QSize RecordButton::sizeHint() const
 {
-    return buttonSize(metrics, discSide, label(look()));
+    return buttonSize(metrics, discSide, buttonLabel(*this, largeFont()));
 }
 
 QSize RecordButton::minimumSizeHint() const

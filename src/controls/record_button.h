@@ -1,25 +1,8 @@
 #pragma once
 
-#include <QFont>
 #include <QPushButton>
-#include <QRectF>
 
 namespace vornic {
-
-/// What the record button shows; enough to paint it without a widget.
-struct RecordButtonLook {
-    QString text;
-    QFont font;       ///< of the text as it is drawn
-    int mnemonic = 0; ///< Qt::TextShowMnemonic or Qt::TextHideMnemonic
-    bool isEnabled = true;
-    bool isHovered = false;
-    bool isDown = false;
-    bool hasFocus = false;
-};
-
-/// Where the disc is, beside a text of \a textWidth points.
-[[nodiscard]] QRectF recordDiscRect(const QRectF &bounds, double textWidth);
-void paintRecordButton(QPainter &painter, const QRectF &bounds, const RecordButtonLook &look);
 
 /// The red button with a white disc that starts a recording; as wide as there is room.
 ///
@@ -39,7 +22,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] RecordButtonLook look() const;
+    /// Of the text as it is drawn.
+    [[nodiscard]] QFont largeFont() const;
 };
 
 } // namespace vornic
