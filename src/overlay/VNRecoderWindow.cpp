@@ -4,6 +4,7 @@
 #include "geometry/screen_geometry.h"
 #include "geometry/toolkit_scale.h"
 #include "overlay/VNRecoderView.h"
+#include "overlay/overlay_backend.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_server.h"
 
@@ -40,23 +41,21 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
                                  int /*backing*/,
                                  bool /*defer*/)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
-    , m_server(OverlayServer::create(*this))
+    , m_server(createOverlayServer(*this))
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
     setMouseTracking(true);
     setWindowTitle(tr("Recorded rectangle"));
-    if (m_server) {
-        connect(m_server.get(), &OverlayServer::compositingChanged, this, [this] {
-            if (m_view)
-                m_view->redraw();
-        });
-        connect(m_server.get(), &OverlayServer::windowsMoved, this, [this] {
-            leaveOutOwnWindows();
-            updateAppearance();
-        });
-    }
+    connect(m_server.get(), &OverlayServer::compositingChanged, this, [this] {
+        if (m_view)
+            m_view->redraw();
+    });
+    connect(m_server.get(), &OverlayServer::windowsMoved, this, [this] {
+        leaveOutOwnWindows();
+        updateAppearance();
+    });
     setFrame(contentRect);
 }
 
@@ -117,8 +116,6 @@ void VNRecoderWindow::place()
 
 void VNRecoderWindow::leaveOutOwnWindows()
 {
-    if (!m_server)
-        return;
     QList<QWindow *> others = QGuiApplication::topLevelWindows();
     others.removeAll(windowHandle());
     m_ownWindows = m_server->pixelsOf(others);
@@ -126,10 +123,10 @@ void VNRecoderWindow::leaveOutOwnWindows()
 
 void VNRecoderWindow::updateAppearance()
 {
-    if (!m_server || !m_view || !windowHandle() || !windowHandle()->handle())
+    if (!m_view || !windowHandle() || !windowHandle()->handle())
         return;
     const bool takesMouse = !m_view->isRecording();
-    OverlayServer::Appearance appearance;
+    OverlayAppearance appearance;
     appearance.takesMouse = takesMouse;
     // Recorded, the logo is whole, and no window needs to be reached through it.
     const QRegion leftOut = takesMouse ? m_ownWindows.translated(-m_toolkitPixels.topLeft()) : QRegion();
@@ -153,8 +150,7 @@ void VNRecoderWindow::orderFront()
     if (m_view)
         m_view->redraw();
     updateAppearance();
-    if (m_server)
-        m_server->orderFront(*windowHandle());
+    m_server->orderFront(*windowHandle());
     show();
     updateAppearance();
 }
@@ -162,8 +158,7 @@ void VNRecoderWindow::orderFront()
 void VNRecoderWindow::orderOut()
 {
     const bool hadFocus = isActiveWindow();
-    if (m_server)
-        m_server->orderOut();
+    m_server->orderOut();
     hide();
     if (hadFocus && m_windowAbove && m_windowAbove->isVisible())
         m_windowAbove->activateWindow();
@@ -181,13 +176,12 @@ void VNRecoderWindow::waitUntilDrawn()
         return;
     if (m_view)
         m_view->repaint();
-    if (m_server)
-        m_server->wait();
+    m_server->wait();
 }
 
 bool VNRecoderWindow::isTranslucent() const
 {
-    return !m_server || m_server->isComposited();
+    return m_server->isComposited();
 }
 
 QPointF VNRecoderWindow::pixelOrigin() const

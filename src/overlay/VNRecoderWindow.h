@@ -69,6 +69,8 @@ public:
     /// The middle of the pixel where the mouse is, in screen coordinates; \a global is where the toolkit says
     /// that it is.
     [[nodiscard]] QPointF mouseLocation(QPointF global) const;
+    /// The desktop's part in this window.
+    [[nodiscard]] OverlayServer &server() const { return *m_server; }
 
 signals:
     void windowDidBecomeKey();
@@ -95,7 +97,7 @@ private:
     QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
     QPointer<QWidget> m_windowAbove;
     QPointer<VNRecoderView> m_view;
-    std::unique_ptr<OverlayServer> m_server; ///< null where there is no X server
+    std::unique_ptr<OverlayServer> m_server; ///< never null
 };
 
 } // namespace vornic

@@ -4,56 +4,47 @@
 #include <QObject>
 #include <QRegion>
 
-#include <memory>
-
 class QWindow;
 
 namespace vornic {
 
-class InputReceiver;
+/// What of the overlay's window is seen, what takes the mouse, and what stands above it.
+struct OverlayAppearance {
+    QRegion shape; ///< the part of the window that shows; device pixels from its upper left
+    bool takesMouse = true;
+    QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
+    QWindow *windowAbove = nullptr; ///< directly above; null: none
+};
 
-/// What the overlay's window needs of the X server and the toolkit cannot ask for.
+/// What the overlay's window needs of the desktop and the toolkit cannot ask for.
 ///
-/// Made by VNRecoderWindow; main thread only. Regions are device pixels from the window's upper left.
+/// Made through the table of backends (createOverlayServer()) by VNRecoderWindow, and has an InputReceiver
+/// that is told what the mouse does over the input area; main thread only.
 class OverlayServer : public QObject
 {
     Q_OBJECT
 public:
-    /// What of the window is seen, what takes the mouse, and what stands above it.
-    struct Appearance {
-        QRegion shape; ///< the part of the window that shows
-        bool takesMouse = true;
-        QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
-        QWindow *windowAbove = nullptr; ///< directly above; null: none
-    };
+    ~OverlayServer() override = default;
 
-    /// Null where windows are not those of an X server. Borrows \a receiver for life.
-    [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver);
-    ~OverlayServer() override;
-
-    /// Whether a compositing manager runs, which makes windows translucent.
-    [[nodiscard]] bool isComposited() const;
-    /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. Blocks
-    /// for some exchanges with the server. From then on windowsMoved() tells when that is another answer.
-    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) const;
+    /// Whether the desktop shows through what is painted translucent.
+    [[nodiscard]] virtual bool isComposited() const = 0;
+    /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. May
+    /// block for some exchanges with the server. From then on windowsMoved() tells when that is another
+    /// answer.
+    [[nodiscard]] virtual QRegion pixelsOf(const QList<QWindow *> &windows) = 0;
     /// Tells the server what has changed. Before the window is shown, and whenever something changes.
-    void setAppearance(QWindow &window, const Appearance &appearance);
+    virtual void setAppearance(QWindow &window, const OverlayAppearance &appearance) = 0;
     /// Puts it above everything but the window above, and keeps it there.
-    void orderFront(QWindow &window);
-    void orderOut();
+    virtual void orderFront(QWindow &window) = 0;
+    virtual void orderOut() = 0;
     /// Returns once the server has done what the toolkit and we have asked for.
-    void wait();
+    virtual void wait() = 0;
 
 signals:
+    /// isComposited() is another answer now.
     void compositingChanged();
     /// Some window was shown, hidden, moved or stacked anew, while the overlay is kept in front.
     void windowsMoved();
-
-private:
-    OverlayServer();
-
-    struct Private;
-    std::unique_ptr<Private> d;
 };
 
 } // namespace vornic

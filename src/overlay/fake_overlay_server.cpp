@@ -1,0 +1,49 @@
+#include "overlay/fake_overlay_server.h"
+
+#include <utility>
+
+namespace vornic {
+
+FakeOverlayServer::FakeOverlayServer(InputReceiver &receiver)
+    : m_receiver(receiver)
+{
+}
+
+void FakeOverlayServer::setComposited(bool isComposited)
+{
+    if (std::exchange(m_isComposited, isComposited) != isComposited)
+        emit compositingChanged();
+}
+
+void FakeOverlayServer::setPixelsOfWindows(const QRegion &pixels)
+{
+    m_pixelsOfWindows = pixels;
+    emit windowsMoved();
+}
+
+QRegion FakeOverlayServer::pixelsOf(const QList<QWindow *> & /*windows*/)
+{
+    return m_pixelsOfWindows;
+}
+
+void FakeOverlayServer::setAppearance(QWindow & /*window*/, const OverlayAppearance &appearance)
+{
+    m_appearance = appearance;
+}
+
+void FakeOverlayServer::orderFront(QWindow & /*window*/)
+{
+    m_isInFront = true;
+}
+
+void FakeOverlayServer::orderOut()
+{
+    m_isInFront = false;
+}
+
+void FakeOverlayServer::wait()
+{
+    ++m_waits;
+}
+
+} // namespace vornic

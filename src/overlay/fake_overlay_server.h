@@ -1,0 +1,48 @@
+#pragma once
+
+#include "overlay/overlay_server.h"
+
+namespace vornic {
+
+class InputReceiver;
+
+/// A server for the overlay without a desktop: it remembers what it was asked for, and tells what a test lets
+/// it tell.
+///
+/// For tests, and chosen only by VORNIC_OVERLAY=fake; main thread only.
+class FakeOverlayServer final : public OverlayServer
+{
+    Q_OBJECT
+public:
+    /// Borrows \a receiver for life. A compositing manager runs, and no window is shown.
+    explicit FakeOverlayServer(InputReceiver &receiver);
+
+    /// Who is told what the mouse does over the input area.
+    [[nodiscard]] InputReceiver &receiver() const { return m_receiver; }
+    /// A compositing manager comes or goes.
+    void setComposited(bool isComposited);
+    /// What pixelsOf() answers from now on; tells that windows have moved.
+    void setPixelsOfWindows(const QRegion &pixels);
+
+    /// The last that was asked for.
+    [[nodiscard]] const OverlayAppearance &appearance() const { return m_appearance; }
+    [[nodiscard]] bool isInFront() const { return m_isInFront; }
+    [[nodiscard]] int waitCount() const { return m_waits; }
+
+    [[nodiscard]] bool isComposited() const override { return m_isComposited; }
+    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) override;
+    void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
+    void orderFront(QWindow &window) override;
+    void orderOut() override;
+    void wait() override;
+
+private:
+    InputReceiver &m_receiver;
+    OverlayAppearance m_appearance;
+    QRegion m_pixelsOfWindows;
+    bool m_isComposited = true;
+    bool m_isInFront = false;
+    int m_waits = 0;
+};
+
+} // namespace vornic

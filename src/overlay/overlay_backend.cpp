@@ -1,0 +1,77 @@
+#include "overlay/overlay_backend.h"
+
+#include "base/log.h"
+#include "overlay/fake_overlay_server.h"
+#include "overlay/null_overlay_server.h"
+#include "overlay/x11/x11_overlay_server.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+
+namespace vornic {
+
+namespace {
+
+std::unique_ptr<OverlayServer> createFake(InputReceiver &receiver)
+{
+    return std::make_unique<FakeOverlayServer>(receiver);
+}
+
+std::unique_ptr<OverlayServer> createNull(InputReceiver & /*receiver*/)
+{
+    return std::make_unique<NullOverlayServer>();
+}
+
+constexpr std::array backendTable {
+    OverlayBackendEntry { "x11", true, X11OverlayServer::create },
+    OverlayBackendEntry { "fake", false, createFake },
+    OverlayBackendEntry { "null", true, createNull },
+};
+
+QString listOfIds()
+{
+    QStringList ids;
+    for (const OverlayBackendEntry &entry : backendTable)
+        ids += QString::fromUtf8(entry.id.data(), static_cast<qsizetype>(entry.id.size()));
+    return ids.join(QStringLiteral(", "));
+}
+
+std::unique_ptr<OverlayServer> createForced(const QByteArray &id, InputReceiver &receiver)
+{
+    const auto entry = std::ranges::find(backendTable, std::string_view(id), &OverlayBackendEntry::id);
+    if (entry == backendTable.end())
+        logMessage(QStringLiteral("VORNIC_OVERLAY names the overlay backend \"%1\", but there are only: %2.")
+                       .arg(QString::fromUtf8(id), listOfIds()));
+    else if (auto server = entry->create(receiver))
+        return server;
+    else
+        logMessage(QStringLiteral("The overlay backend \"%1\" that VORNIC_OVERLAY names does not work here.")
+                       .arg(QString::fromUtf8(id)));
+    return createNull(receiver);
+}
+
+} // namespace
+
+std::span<const OverlayBackendEntry> overlayBackends()
+{
+    return backendTable;
+}
+
+std::unique_ptr<OverlayServer> createOverlayServer(InputReceiver &receiver)
+{
+    if (const QByteArray forced = qgetenv("VORNIC_OVERLAY"); !forced.isEmpty())
+        return createForced(forced, receiver);
+    for (const OverlayBackendEntry &entry : backendTable) {
+        if (!entry.selectedByItself)
+            continue;
+        if (auto server = entry.create(receiver))
+            return server;
+    }
+    return createNull(receiver);
+}
+
+} // namespace vornic

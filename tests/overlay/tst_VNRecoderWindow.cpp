@@ -1,0 +1,202 @@
+#include "overlay/VNRecoderView.h"
+#include "overlay/VNRecoderViewDelegate.h"
+#include "overlay/VNRecoderWindow.h"
+#include "overlay/fake_overlay_server.h"
+#include "overlay/input_receiver.h"
+#include "overlay_main.h"
+
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QWindow>
+
+namespace vornic {
+namespace {
+
+class Delegate : public VNRecoderViewDelegate
+{
+public:
+    void VNRecorderViewWindowFrameDidChanged(VNRecoderView & /*view*/) override { }
+    bool VNRecorderViewWindowIsRecording(VNRecoderView & /*view*/) override { return isRecording; }
+    bool VNRecorderViewWindowIsRecordFullScreen(VNRecoderView & /*view*/) override { return false; }
+
+    bool isRecording = false;
+};
+
+/// The overlay on a desktop that is not there, around the rectangle (320, 150, 800, 600) of a display of
+/// 1440 x 900: its window is at (312, 142) of the desktop.
+class RecoderWindow : public testing::Test
+{
+protected:
+    RecoderWindow()
+    {
+        window.setContentView(&view);
+        window.setFrame({ 312, 142, 816, 616 });
+        view.setDelegate(&delegate);
+        view.setLogoContext(&logo);
+    }
+
+    [[nodiscard]] static std::unique_ptr<VNRecoderWindow> makeWindow()
+    {
+        qputenv("VORNIC_OVERLAY", "fake");
+        auto made = std::make_unique<VNRecoderWindow>();
+        qunsetenv("VORNIC_OVERLAY");
+        return made;
+    }
+    [[nodiscard]] const OverlayAppearance &appearance() const { return server.appearance(); }
+
+    VNLogoContext logo;
+    Delegate delegate;
+    std::unique_ptr<VNRecoderWindow> made = makeWindow();
+    VNRecoderWindow &window = *made;
+    FakeOverlayServer &server = dynamic_cast<FakeOverlayServer &>(window.server());
+    VNRecoderView view { &window };
+
+    const QRect onDesktop { 312, 142, 816, 616 };
+    /// All of the window but its first pixel, on which nothing is drawn.
+    const QRegion whole = QRegion(QRect(0, 0, 816, 616)) - QRect(0, 0, 1, 1);
+    /// A window of the program's own that covers the upper left quarter.
+    const QRect ownWindow { 312, 142, 408, 308 };
+};
+
+TEST_F(RecoderWindow, IsKeptInFrontWhileItIsShown)
+{
+    EXPECT_FALSE(server.isInFront());
+    window.orderFront();
+    EXPECT_TRUE(server.isInFront());
+    EXPECT_TRUE(window.isVisible());
+    window.orderOut();
+    EXPECT_FALSE(server.isInFront());
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(RecoderWindow, TranslucentItIsWholeAndTakesTheMouseItself)
+{
+    window.orderFront();
+    EXPECT_EQ(appearance().shape, whole);
+    EXPECT_TRUE(appearance().takesMouse);
+    EXPECT_EQ(appearance().inputArea, QRegion());
+}
+
+TEST_F(RecoderWindow, OpaqueItIsCutToWhatItDrawsAndTheInputAreaTakesTheMouse)
+{
+    window.orderFront();
+    server.setComposited(false);
+    EXPECT_EQ(appearance().shape, view.shape());
+    EXPECT_FALSE(appearance().shape.contains(QPoint(200, 300))) << "nothing is drawn inside";
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
+    server.setComposited(true);
+    EXPECT_EQ(appearance().shape, whole);
+    EXPECT_EQ(appearance().inputArea, QRegion());
+}
+
+TEST_F(RecoderWindow, HiddenItHasNoInputArea)
+{
+    server.setComposited(false);
+    window.setWindowAbove(nullptr);
+    view.redraw();
+    EXPECT_EQ(appearance().inputArea, QRegion());
+}
+
+TEST_F(RecoderWindow, RecordingLeavesTheMouseToTheDesktop)
+{
+    window.orderFront();
+    server.setComposited(false);
+    delegate.isRecording = true;
+    view.redraw();
+    EXPECT_FALSE(appearance().takesMouse);
+    EXPECT_EQ(appearance().inputArea, QRegion());
+    delegate.isRecording = false;
+    view.redraw();
+    EXPECT_TRUE(appearance().takesMouse);
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
+}
+
+TEST_F(RecoderWindow, HasAHoleWhereOtherWindowsOfTheProgramAre)
+{
+    window.orderFront();
+    server.setPixelsOfWindows(ownWindow);
+    EXPECT_EQ(appearance().shape, whole - QRect(0, 0, 408, 308));
+    server.setComposited(false);
+    EXPECT_EQ(appearance().shape, view.shape() - QRect(0, 0, 408, 308));
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop) - ownWindow);
+    server.setPixelsOfWindows({});
+    EXPECT_EQ(appearance().shape, view.shape());
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
+}
+
+TEST_F(RecoderWindow, IsRecordedWithoutTheHole)
+{
+    window.orderFront();
+    server.setPixelsOfWindows(ownWindow);
+    delegate.isRecording = true;
+    view.redraw();
+    EXPECT_EQ(appearance().shape, whole);
+}
+
+TEST_F(RecoderWindow, TheHoleStaysWhereItIsWhileTheWindowMoves)
+{
+    window.orderFront();
+    server.setPixelsOfWindows(ownWindow);
+    window.setFrame({ 312 - 100, 142, 816, 616 });
+    EXPECT_EQ(appearance().shape, whole - QRect(100, 0, 408, 308));
+}
+
+TEST_F(RecoderWindow, NamesTheWindowThatStaysAboveIt)
+{
+    QWidget main;
+    window.orderFront();
+    EXPECT_EQ(appearance().windowAbove, nullptr);
+    window.setWindowAbove(&main);
+    ASSERT_TRUE(main.windowHandle());
+    EXPECT_EQ(appearance().windowAbove, main.windowHandle());
+    window.setWindowAbove(nullptr);
+    EXPECT_EQ(appearance().windowAbove, nullptr);
+}
+
+TEST_F(RecoderWindow, DragsOverTheInputAreaMoveItToThePixel)
+{
+    window.orderFront();
+    server.setComposited(false);
+    server.receiver().inputPressed({ 512, 442 });
+    server.receiver().inputDragged({ 512 - 30, 442 + 40 });
+    EXPECT_EQ(window.frame(), QRectF(282, 102, 816, 616));
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop.translated(-30, 40)));
+}
+
+TEST_F(RecoderWindow, TakesPicturesThatAreDroppedOnTheInputArea)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("picture.png");
+    QImage picture(60, 40, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(file));
+    QMimeData files;
+    files.setUrls({ QUrl::fromLocalFile(file) });
+    window.orderFront();
+    EXPECT_FALSE(server.receiver().filesEntered(files, true)) << "without a picture for a logo";
+    logo.setLogoValidate(true);
+    logo.setLogoType(1);
+    EXPECT_FALSE(server.receiver().filesEntered(files, false)) << "not to be copied";
+    EXPECT_TRUE(server.receiver().filesEntered(files, true));
+    EXPECT_TRUE(server.receiver().filesDropped(files, { 312 + 100, 142 + 616 - 80 }));
+    EXPECT_EQ(logo.getNSImage().size(), QSize(60, 40));
+    EXPECT_EQ(logo.LogoPosition(), QPointF(100 - 30, 80 - 20));
+}
+
+TEST_F(RecoderWindow, WaitsForTheServerOnlyWhileItIsShown)
+{
+    window.waitUntilDrawn();
+    EXPECT_EQ(server.waitCount(), 0);
+    window.orderFront();
+    window.waitUntilDrawn();
+    EXPECT_EQ(server.waitCount(), 1);
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    return vornic::runOverlayTests(argc, argv);
+}
