@@ -91,10 +91,11 @@ void PKAudioRecorder::setDeviceID(std::uint32_t deviceID)
 
 bool PKAudioRecorder::startRecordWithFormat(const AudioStreamBasicDescription &format)
 {
+    stopRecord();
     const PulseConnection::Lock lock(m_connection);
-    closeStream();
     m_format = format;
     m_pending.clear();
+    m_beginsSoon = false;
     m_timeline.emplace(format.mSampleRate);
     return openStream();
 }
@@ -107,8 +108,12 @@ AudioStreamBasicDescription PKAudioRecorder::currentDataFormat() const
 
 void PKAudioRecorder::stopRecord()
 {
-    const PulseConnection::Lock lock(m_connection);
-    closeStream();
+    {
+        const PulseConnection::Lock lock(m_connection);
+        closeStream();
+    }
+    // What was captured before is delivered still, and nothing after that.
+    m_deliveries.sync([] {});
 }
 
 bool PKAudioRecorder::openStream()
@@ -230,53 +235,69 @@ void PKAudioRecorder::placeHeld()
     if (!m_timeline->hasStarted()) {
         m_timeline->leaveOut(frames);
         m_held.clear();
-        if (m_timeline->isSettled())
-            begin();
+        if (m_timeline->isSettled() && !std::exchange(m_beginsSoon, true))
+            m_deliveries.async([this] { begin(); });
         return;
     }
     if (!m_timeline->isSettled())
         return;
     const CaptureTimeline::Placement placement = m_timeline->place(frames);
-    deliverSilence(placement.silence);
+    queueSilence(placement.silence);
     m_pending += m_held.sliced(static_cast<qsizetype>(placement.drop * m_format.mBytesPerFrame));
     m_held.clear();
-    deliverPending();
+    queuePending();
 }
 
+/// On the queue and not where the server was heard: what the delegate takes for the time of the first chunk is
+/// the time that the timeline starts at, however late the queue runs.
 void PKAudioRecorder::begin()
 {
-    const QByteArray silence(static_cast<qsizetype>(chunkBytes()), silenceOf(m_format));
-    m_timeline->start(absoluteTimeSeconds() - 1 / chunksPerSecond - pictureDelay,
-                      chunkBytes() / m_format.mBytesPerFrame);
-    deliver(silence.constData(), chunkBytes());
+    PKAudioRecorderDelegate *delegate = nullptr;
+    AudioStreamBasicDescription format;
+    QByteArray silence;
+    {
+        const PulseConnection::Lock lock(m_connection);
+        if (!m_stream)
+            return; // stopped meanwhile
+        delegate = m_delegate;
+        format = m_format;
+        silence = QByteArray(static_cast<qsizetype>(chunkBytes()), silenceOf(format));
+        m_timeline->start(absoluteTimeSeconds() - 1 / chunksPerSecond - pictureDelay,
+                          chunkBytes() / format.mBytesPerFrame);
+    }
+    if (delegate)
+        delegate->dataRecord(*this, silence.constData(), static_cast<std::uint32_t>(silence.size()), format);
 }
 
-void PKAudioRecorder::deliverSilence(std::uint64_t frames)
+void PKAudioRecorder::queueSilence(std::uint64_t frames)
 {
     for (std::uint64_t left = frames * m_format.mBytesPerFrame; left > 0;) {
         const auto part = std::min<std::uint64_t>(left, chunkBytes());
         m_pending.append(static_cast<qsizetype>(part), silenceOf(m_format));
         left -= part;
-        deliverPending();
+        queuePending();
     }
 }
 
-void PKAudioRecorder::deliverPending()
+void PKAudioRecorder::queuePending()
 {
     std::size_t done = 0;
     const auto available = static_cast<std::size_t>(m_pending.size());
     while (available - done >= chunkBytes()) {
         const std::size_t part = std::min(available - done, 2 * chunkBytes());
-        deliver(m_pending.constData() + done, part);
+        queueChunk(m_pending.sliced(static_cast<qsizetype>(done), static_cast<qsizetype>(part)));
         done += part;
     }
     m_pending.remove(0, static_cast<qsizetype>(done));
 }
 
-void PKAudioRecorder::deliver(const char *bytes, std::size_t byteCount)
+void PKAudioRecorder::queueChunk(QByteArray chunk)
 {
-    if (m_delegate)
-        m_delegate->dataRecord(*this, bytes, static_cast<std::uint32_t>(byteCount), m_format);
+    if (!m_delegate)
+        return;
+    m_deliveries.async([this, chunk = std::move(chunk), delegate = m_delegate, format = m_format] {
+        delegate->dataRecord(*this, chunk.constData(), static_cast<std::uint32_t>(chunk.size()), format);
+    });
 }
 
 std::size_t PKAudioRecorder::chunkBytes() const

@@ -2,6 +2,7 @@
 
 #include "audio/audio_recorder.h"
 #include "audio/capture_timeline.h"
+#include "base/serial_queue.h"
 
 #include <QByteArray>
 
@@ -16,9 +17,10 @@ class PulseConnection;
 
 /// Records one input of the sound server, in chunks of 20 to 40 ms.
 ///
-/// Made by the application delegate through the control, which it may not outlive. Chunks come on the
-/// connection's thread. The first one is 20 ms of silence: it ends at the very moment at which it is
-/// delivered, and every frame after it stands where it was captured, whatever the server's latency.
+/// Made through the control, which it may not outlive. Samples arrive on the connection's thread; chunks are
+/// delivered on a queue of the recorder's own, under no lock, so that a delegate that is slow or that asks the
+/// control something holds up no one. The first chunk is 20 ms of silence: it ends at the very moment at which
+/// it is delivered, and every frame after it stands where it was captured, whatever the server's latency.
 class PKAudioRecorder final : public AudioRecorder
 {
 public:
@@ -42,9 +44,9 @@ private:
     void takeTiming();
     void placeHeld();
     void begin();
-    void deliverSilence(std::uint64_t frames);
-    void deliverPending();
-    void deliver(const char *bytes, std::size_t byteCount);
+    void queueSilence(std::uint64_t frames);
+    void queuePending();
+    void queueChunk(QByteArray chunk);
     [[nodiscard]] std::size_t chunkBytes() const;
 
     PKAudioControl &m_control;
@@ -59,8 +61,11 @@ private:
     std::optional<CaptureTimeline> m_timeline;
     double m_askedForTiming = 0; ///< absolute clock; 0: not since the stream was opened
     bool m_awaitsTiming = false;
-    QByteArray m_held;    ///< as the device gave them, until it is known when they were captured
-    QByteArray m_pending; ///< of the recording, less than a chunk
+    bool m_beginsSoon = false; ///< begin() is queued
+    QByteArray m_held;         ///< as the device gave them, until it is known when they were captured
+    QByteArray m_pending;      ///< of the recording, less than a chunk
+
+    SerialQueue m_deliveries { "vornic chunks" }; ///< last: its thread ends before what it uses
 };
 
 } // namespace vornic

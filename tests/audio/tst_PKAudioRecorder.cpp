@@ -8,7 +8,9 @@
 #include <QThread>
 
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <cstring>
 #include <mutex>
 #include <set>
@@ -80,6 +82,36 @@ private:
     mutable std::mutex m_mutex;
     std::vector<char> m_bytes;
     double m_origin = 0;
+};
+
+/// Stays in its first chunk until it is let go, as one does whose disk is slow.
+class SlowDelegate final : public PKAudioRecorderDelegate
+{
+public:
+    void
+    dataRecord(AudioRecorder &, const void *, std::uint32_t, const AudioStreamBasicDescription &) override
+    {
+        std::unique_lock lock(m_mutex);
+        isCalled = true;
+        // The bound is for the case that the test fails, which would hang.
+        m_letGo.wait_for(lock, std::chrono::seconds(5), [this] { return m_isLetGo; });
+        m_isLetGo = true;
+        ++chunks;
+    }
+    void letGo()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isLetGo = true;
+        m_letGo.notify_all();
+    }
+
+    std::atomic<bool> isCalled = false;
+    std::atomic<int> chunks = 0;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_letGo;
+    bool m_isLetGo = false;
 };
 
 class AudioRecorderTest : public SoundServerTest
@@ -159,6 +191,21 @@ TEST_P(AudioRecorderTest, ChunksComeInTheFormatAskedForOnOneThreadOfItsOwn)
         EXPECT_GE(size, 3840U); // 20 ms
         EXPECT_LE(size, 7680U); // 40 ms
     }
+}
+
+TEST_P(AudioRecorderTest, ASlowDelegateHoldsUpNeitherTheControlNorAnotherRecorder)
+{
+    SlowDelegate slow;
+    const auto recorder = control->createRecorder(control->deviceIDFromName("Monitor of Speakers"));
+    recorder->setDelegate(&slow);
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(waitUntil([&slow] { return slow.isCalled.load(); }));
+    EXPECT_EQ(control->inputDevicesName().size(), 2);
+    EXPECT_TRUE(anotherIsServed());
+    EXPECT_EQ(slow.chunks, 0) << "what was asked waited for the delegate";
+    slow.letGo();
+    recorder->stopRecord();
+    EXPECT_GT(slow.chunks, 3) << "chunks that came meanwhile are delivered";
 }
 
 TEST_P(AudioRecorderTest, TheSoundIsAsLongAsTheTimeSinceItsOrigin)
