@@ -1,0 +1,95 @@
+#include "recording_fixture.h"
+
+namespace vornic {
+namespace {
+
+using testing::numbersOf;
+using testing::probe;
+
+/// Runs of the program in a mount namespace of their own, with small volumes.
+class SmallVolumeTest : public RecordingTest
+{
+protected:
+    /// Mounts \a size bytes at "volume" in the test's folder and runs \a script there; what it leaves outside
+    /// of the volume stays.
+    Result inVolume(qint64 size, const QString &script) const
+    {
+        QDir(folder.path()).mkdir("volume");
+        const QString mounted
+            = QStringLiteral("mount -t tmpfs -o size=%1 tmpfs volume && { %2; }").arg(size).arg(script);
+        const auto process = start("unshare", { "-Urm", "sh", "-c", mounted });
+        return finish(*process);
+    }
+    static bool namespacesWork()
+    {
+        return QProcess::execute("unshare", { "-Urm", "sh", "-c", "mount -t tmpfs tmpfs /mnt" }) == 0;
+    }
+    void SetUp() override
+    {
+        if (!namespacesWork())
+            GTEST_SKIP() << "this machine allows no mount namespaces";
+        startServer();
+        scene = server->startProgram({ VORNIC_SHOW_SCENE, "video", "--fps", "30", "--seconds", "100" });
+    }
+
+    const QString program = QStringLiteral(VORNIC_PROGRAM);
+    const qint64 gibibyte = 1LL << 30;
+    std::unique_ptr<test::ChildProcess> scene;
+};
+
+TEST_F(SmallVolumeTest, AnOutputVolumeThatFillsLeavesNoPartialFile)
+{
+    const Result result = inVolume(
+        100'000,
+        program
+            + " record --ignore-low-space --duration 3 volume/o.mp4; status=$?; ls -A volume; exit $status");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error.count("vornic: "), 1) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains("full")) << result.error.toStdString();
+}
+
+TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpooled)
+{
+    const Result result = inVolume(gibibyte + gibibyte / 40,
+                                   "XDG_CACHE_HOME=$PWD/volume " + program
+                                       + " record --ignore-low-space --duration 60 o.mp4");
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains("Disk free space is too low")) << result.error.toStdString();
+    const double seconds = secondsOf(movie());
+    EXPECT_GT(seconds, 1.0);
+    EXPECT_LT(seconds, 55.0);
+    const QStringList words = result.output.split(' ');
+    EXPECT_EQ(words[0], words[3]) << result.output.toStdString();
+    EXPECT_EQ(words[3].toLongLong(), numbersOf(probe(movie()), "packets", "video", "pts").size());
+}
+
+TEST_F(SmallVolumeTest, LittleSpaceIsRefusedNamingTheRule)
+{
+    const Result result
+        = inVolume(2 * gibibyte, "XDG_CACHE_HOME=$PWD/volume " + program + " record --duration 1 o.mp4");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.contains("10.0 GiB")) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains("--ignore-low-space"));
+    EXPECT_FALSE(QFile::exists(movie()));
+    const Result hopeless
+        = inVolume(gibibyte / 2,
+                   "XDG_CACHE_HOME=$PWD/volume " + program + " record --ignore-low-space --duration 1 o.mp4");
+    EXPECT_EQ(hopeless.status, 1);
+    EXPECT_TRUE(hopeless.error.contains("1.0 GiB")) << hopeless.error.toStdString();
+}
+
+TEST_F(SmallVolumeTest, ASpoolThatCannotGrowEndsTheRecordingNormally)
+{
+    // The limit stands in for a quota: the volume says that it has room, and takes no more.
+    const auto process = start(
+        "sh",
+        { "-c", "ulimit -f 20000; exec " + program + " record --ignore-low-space --duration 60 o.mp4" });
+    const Result result = finish(*process);
+    EXPECT_EQ(result.status, 0) << result.error.toStdString();
+    EXPECT_LT(secondsOf(movie()), 55.0);
+    EXPECT_EQ(result.output.split(' ')[0], result.output.split(' ')[3]);
+}
+
+} // namespace
+} // namespace vornic
