@@ -3,6 +3,7 @@
 #include "movie_test_support.h"
 #include "support/wait_until.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -79,6 +80,13 @@ protected:
                 return seen.contains(text);
             },
             std::chrono::seconds(30));
+    }
+
+    /// Lets \a time of a recording pass: how long it is, is what is tested.
+    static void letPass(std::chrono::milliseconds time)
+    {
+        const QDeadlineTimer end(time);
+        test::waitUntil([&end] { return end.hasExpired(); });
     }
 
     QString movie(const QString &file = "o.mp4") const { return folder.filePath(file); }

@@ -5,6 +5,7 @@
 #include "support/sound_server.h"
 
 #include <algorithm>
+#include <string>
 
 namespace vornic {
 
@@ -48,5 +49,13 @@ protected:
     const QStringList small { "--region", "0,0,160,120" };
     std::unique_ptr<test::SoundServer> sound;
 };
+
+inline const auto bothServers
+    = ::testing::Values(test::SoundServer::Kind::PulseAudio, test::SoundServer::Kind::PipeWire);
+
+inline std::string nameOfServer(const ::testing::TestParamInfo<test::SoundServer::Kind> &kind)
+{
+    return kind.param == test::SoundServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire";
+}
 
 } // namespace vornic

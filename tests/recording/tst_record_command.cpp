@@ -25,7 +25,7 @@ TEST_F(RecordCommandTest, AKnownPictureComesOutAsItWas)
     const QSize size(1280, 720);
     painter->showWindow(test::knownPicture(size), { 0, 0 });
     painter->movePointer({ 640, 360 });
-    const Result result = record({ "--duration", "3" });
+    const Result result = record({ "--duration", "1.5" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
     EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
 
@@ -39,7 +39,7 @@ TEST_F(RecordCommandTest, AKnownPictureComesOutAsItWas)
     for (const char *tag : { "color_space", "color_transfer", "color_primaries" })
         EXPECT_EQ(video[QLatin1StringView(tag)].toString(), "bt709") << tag;
     EXPECT_TRUE(streamOf(probed, "audio").isEmpty());
-    EXPECT_NEAR(secondsOf(movie()), 3.0, 0.2);
+    EXPECT_NEAR(secondsOf(movie()), 1.5, 0.2);
     QStringList boxes;
     for (const testing::Box &box : boxesOf(movie()))
         boxes += box.name;
@@ -61,7 +61,7 @@ TEST_F(RecordCommandTest, AKnownPictureComesOutAsItWas)
 TEST_F(RecordCommandTest, TheSummaryCountsWhatTheMovieHolds)
 {
     startServer({ 320, 240 });
-    const Result result = record({ "--duration", "1" });
+    const Result result = record({ "--duration", "0.5" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
     const QRegularExpression form(
         "^(\\d+) frames grabbed, (\\d+) frames written, 0 frames skipped, 0\\.0 s of audio$");
@@ -88,7 +88,7 @@ TEST_F(RecordCommandTest, ARegionIsExactToThePixel)
                 picture.setPixel(corner + QPoint(x, y), qRgb(0, 0, 0));
     painter->showWindow(picture, { 0, 0 });
     painter->movePointer({ 10, 10 });
-    ASSERT_EQ(record({ "--region", "101,57,641,361", "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--region", "101,57,641,361", "--duration", "0.5" }).status, 0);
     ASSERT_EQ(sizeOf(movie()), QSize(642, 362));
     const QImage shown = decodedPicture(movie(), 5, QSize(642, 362));
     const auto isWhite = [&](int x, int y) { return qGray(shown.pixel(x, y)) > 235; };
@@ -111,7 +111,7 @@ TEST_F(RecordCommandTest, ARegionPartlyOffTheDisplayShowsWhatLiesOnIt)
 {
     startServer({ 640, 480 });
     painter->showWindow(test::knownPicture({ 640, 480 }), { 0, 0 });
-    ASSERT_EQ(record({ "--region", "540,-40,200,140", "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--region", "540,-40,200,140", "--duration", "0.5" }).status, 0);
     EXPECT_EQ(sizeOf(movie()), QSize(100, 100));
     const Result off = record({ "--region", "640,0,100,100", "--duration", "1" }, "off.mp4");
     EXPECT_EQ(off.status, 1);
@@ -125,7 +125,7 @@ TEST_F(RecordCommandTest, ALargeDisplayIsFittedInto1080Lines)
     startServer({ 2560, 1440 });
     painter->showWindow(test::knownPicture({ 2560, 1440 }), { 0, 0 });
     painter->movePointer({ 1280, 720 });
-    ASSERT_EQ(record({ "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--duration", "0.5" }).status, 0);
     ASSERT_EQ(sizeOf(movie()), QSize(1920, 1080));
     const QImage shown = decodedPicture(movie(), 2, QSize(1920, 1080));
     for (const test::KnownPatch &patch : test::knownPatches({ 1920, 1080 }))
@@ -143,7 +143,7 @@ TEST_P(EndingTest, ASignalLeavesACompleteMovie)
     const auto process = startVornic({ "record", "--ignore-low-space", "o.mp4" });
     QString error;
     ASSERT_TRUE(waitForText(*process, "00:00:00", error)) << error.toStdString();
-    std::this_thread::sleep_for(std::chrono::milliseconds(800));
+    letPass(std::chrono::milliseconds(600));
     ::kill(static_cast<pid_t>(process->processId()), GetParam());
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 0) << result.error.toStdString();
@@ -174,13 +174,13 @@ TEST_F(RecordCommandTest, AnExistingFileIsRefusedAndKept)
     ASSERT_TRUE(old.open(QIODevice::WriteOnly));
     old.write("precious");
     old.close();
-    const Result refused = record({ "--duration", "1" });
+    const Result refused = record({ "--duration", "0.5" });
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.error, "vornic: o.mp4 exists; --overwrite replaces it.\n");
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(), "precious");
     old.close();
-    EXPECT_EQ(record({ "--duration", "1", "--overwrite" }).status, 0);
+    EXPECT_EQ(record({ "--duration", "0.5", "--overwrite" }).status, 0);
     EXPECT_EQ(sizeOf(movie()), QSize(320, 240));
 }
 
@@ -214,12 +214,12 @@ TEST_F(RecordCommandTest, HelpAndVersionNeedNoDisplay)
 TEST_F(RecordCommandTest, NoDisplayIsOneSentence)
 {
     qunsetenv("DISPLAY");
-    const Result result = record({ "--duration", "1" });
+    const Result result = record({ "--duration", "0.5" });
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.error.count('\n'), 1) << result.error.toStdString();
     EXPECT_TRUE(result.error.contains("display")) << result.error.toStdString();
     qputenv("DISPLAY", ":98765");
-    EXPECT_EQ(record({ "--duration", "1" }).status, 1);
+    EXPECT_EQ(record({ "--duration", "0.5" }).status, 1);
     EXPECT_EQ(vornic({}).status, 1);
     EXPECT_FALSE(QFile::exists(movie()));
 }
@@ -227,7 +227,7 @@ TEST_F(RecordCommandTest, NoDisplayIsOneSentence)
 TEST_F(RecordCommandTest, AServerWithoutSharedMemoryIsOneSentence)
 {
     startServer({ 320, 240 }, { "-extension", "MIT-SHM" });
-    const Result result = record({ "--duration", "1" });
+    const Result result = record({ "--duration", "0.5" });
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.error.contains("MIT-SHM")) << result.error.toStdString();
 }
@@ -250,7 +250,7 @@ TEST_F(RecordCommandTest, AServerThatDiesLeavesWhatWasRecorded)
     const auto process = startVornic({ "record", "--ignore-low-space", "o.mp4" });
     QString error;
     ASSERT_TRUE(waitForText(*process, "00:00:00", error));
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    letPass(std::chrono::milliseconds(600));
     painter.reset();
     server->kill();
     const Result result = finish(*process);

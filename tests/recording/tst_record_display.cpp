@@ -1,4 +1,5 @@
 #include "recording_fixture.h"
+#include "support/pseudo_terminal.h"
 
 #include <algorithm>
 
@@ -63,19 +64,24 @@ protected:
         return most <= 6;
     }
 
-    /// Records while the display goes from \a first to \a second.
+    /// Records while the display goes from \a first to \a second. On a terminal the clock is shown each second.
     void recordAcross(QSize first, QSize second)
     {
         startServerAt({ 1280, 720 }, first);
-        const auto process = startVornic({ "record", "--ignore-low-space", "o.mp4" });
-        QString error;
-        ASSERT_TRUE(waitForText(*process, "00:00:00", error)) << error.toStdString();
+        test::PseudoTerminal terminal;
+        const auto process = start("sh",
+                                   { "-c",
+                                     "exec " + QStringLiteral(VORNIC_PROGRAM)
+                                         + " record --ignore-low-space o.mp4 2>" + terminal.device() });
+        ASSERT_TRUE(test::waitUntil([&] { return terminal.written().contains("00:00:00"); }));
         resizeTo(second);
-        // Ten seconds later the clock is told again.
-        ASSERT_TRUE(waitForText(*process, "00:00:10", error)) << error.toStdString();
+        const qsizetype resized = terminal.written().size();
+        // Between two steps of the clock lies a second in which the display had its new size.
+        ASSERT_TRUE(test::waitUntil([&] { return terminal.written().sliced(resized).count("00:00:0") >= 2; }))
+            << terminal.written().toStdString();
         ::kill(static_cast<pid_t>(process->processId()), SIGINT);
         const Result result = finish(*process);
-        ASSERT_EQ(result.status, 0) << error.toStdString() << result.error.toStdString();
+        ASSERT_EQ(result.status, 0) << terminal.written().toStdString();
         EXPECT_TRUE(result.output.contains(", 0 frames skipped")) << result.output.toStdString();
     }
 };
@@ -131,7 +137,7 @@ TEST_F(CursorTest, InsideTheRegionItStandsAtItsHotSpot)
 {
     showWhiteWithBlackCursor({ 5, 7 });
     painter->movePointer({ 205, 107 });
-    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "0.5" }).status, 0);
     EXPECT_EQ(darkPixels({ 400, 300 }), QRect(100, 40, 24, 24));
 }
 
@@ -139,11 +145,11 @@ TEST_F(CursorTest, OnTheFirstAndLastPixelItIsInside)
 {
     showWhiteWithBlackCursor({ 0, 0 });
     painter->movePointer({ 100, 60 });
-    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "0.5" }).status, 0);
     EXPECT_EQ(darkPixels({ 400, 300 }), QRect(0, 0, 24, 24));
     painter->setCursor(blackSquare(), { 23, 23 });
     painter->movePointer({ 499, 359 });
-    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "1", "--overwrite" }).status, 0);
+    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "0.5", "--overwrite" }).status, 0);
     EXPECT_EQ(darkPixels({ 400, 300 }), QRect(376, 276, 24, 24));
 }
 
@@ -152,7 +158,7 @@ TEST_F(CursorTest, OutsideTheRegionItIsNotThere)
     showWhiteWithBlackCursor({ 0, 0 });
     // One pixel left of the region: the picture of the pointer reaches in, but its hot spot does not.
     painter->movePointer({ 99, 200 });
-    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "1" }).status, 0);
+    ASSERT_EQ(record({ "--region", "100,60,400,300", "--duration", "0.5" }).status, 0);
     EXPECT_TRUE(darkPixels({ 400, 300 }).isNull());
 }
 

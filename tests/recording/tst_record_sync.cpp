@@ -11,12 +11,7 @@ using testing::decodedSound;
 using testing::probe;
 using testing::streamOf;
 
-INSTANTIATE_TEST_SUITE_P(Servers,
-                         RecordSoundTest,
-                         ::testing::Values(SoundServer::Kind::PulseAudio, SoundServer::Kind::PipeWire),
-                         [](const auto &kind) {
-                             return kind.param == SoundServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire";
-                         });
+INSTANTIATE_TEST_SUITE_P(Servers, RecordSoundTest, bothServers, nameOfServer);
 
 TEST_P(RecordSoundTest, AToneIsInTheMovieAsItWasPlayed)
 {
@@ -25,7 +20,7 @@ TEST_P(RecordSoundTest, AToneIsInTheMovieAsItWasPlayed)
     startSound(quantum);
     ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
     const auto player = play({ "tone", "120", "1000", "0.25" });
-    const Result result = record(small + QStringList { "--audio", "--duration", "30" });
+    const Result result = record(small + QStringList { "--audio", "--duration", "10" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
 
     const QJsonObject probed = probe(movie());
@@ -33,7 +28,7 @@ TEST_P(RecordSoundTest, AToneIsInTheMovieAsItWasPlayed)
     EXPECT_EQ(audio["codec_name"].toString(), "aac");
     EXPECT_EQ(audio["sample_rate"].toString(), "48000");
     EXPECT_EQ(audio["channels"].toInt(), 2);
-    EXPECT_NEAR(lengthOf(probed, "video"), 30, 0.2);
+    EXPECT_NEAR(lengthOf(probed, "video"), 10, 0.2);
     EXPECT_NEAR(lengthOf(probed, "audio"),
                 lengthOf(probed, "video"),
                 GetParam() == SoundServer::Kind::PipeWire ? 0.1 + quantum / 48000.0 : 0.1);
@@ -41,7 +36,7 @@ TEST_P(RecordSoundTest, AToneIsInTheMovieAsItWasPlayed)
 
     // The lead-in is silent, and the encoder's first and last block fade.
     std::vector<HeardTone> tones = tonesIn(decodedSound(movie()), 1000);
-    ASSERT_GT(tones.size(), 2900U);
+    ASSERT_GT(tones.size(), 900U);
     tones.erase(tones.begin(), tones.begin() + 8);
     tones.resize(tones.size() - 8);
     double furthest = 0;
@@ -69,7 +64,7 @@ TEST_P(RecordSoundTest, FlashesAndBeepsAreInStep)
     ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
     // More than are recorded, however long the recording takes to begin.
     const auto player = play({ "flashes", "60", "0.7" });
-    const Result result = record(small + QStringList { "--audio", "--duration", "20" });
+    const Result result = record(small + QStringList { "--audio", "--duration", "10" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
 
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
