@@ -140,7 +140,7 @@ TEST_F(DelegateTest, AnswersThatEndTheStartChangeNothing)
     frontEnd.hintResponse = RecordingQuestions::responseStop;
     delegate->recorded();
     EXPECT_TRUE(runUntil([&] { return refused.size() == 3; }));
-    runFor(30);
+    EXPECT_TRUE(runPosted());
     EXPECT_EQ(delegate->state(), 0);
     EXPECT_EQ(frontEnd.told.last(), "hint");
     EXPECT_FALSE(QFile::exists(moviePath()));
@@ -483,7 +483,7 @@ TEST_F(DelegateTest, AStopThatComesAfterTheMovieIsCompleteLeavesItAlone)
     ASSERT_TRUE(record(3));
     const auto written = static_cast<qsizetype>(delegate->counts().framesWritten);
     delegate->executeStopRecord();
-    runFor(100);
+    EXPECT_TRUE(runPosted());
     EXPECT_EQ(delegate->state(), 0);
     EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
     EXPECT_EQ(frontEnd.told.last(), "endProgress");
@@ -769,7 +769,7 @@ TEST_F(DelegateTest, ARefusedFormatIsOnlyLogged)
     delegate->recorded();
     ASSERT_TRUE(runUntil([this] { return logged.contains("Can support 16bit, 8bit record."); }));
     // No sound ever comes, so no frame is kept; a stop during the wait ends the recording all the same.
-    runFor(150);
+    EXPECT_TRUE(runForPasses(5));
     EXPECT_EQ(delegate->counts().framesGrabbed, 0U);
     EXPECT_EQ(delegate->bufferMgr().muxerContext()->audioCodecID(), 0);
     delegate->stopRecord();
@@ -783,7 +783,7 @@ TEST_F(DelegateTest, FramesBeforeTheFirstChunkAreDroppedAndTheChunkIsTheOrigin)
     delegate->options()->setEnableAudio(true);
     delegate->recorded();
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
-    runFor(200);
+    EXPECT_TRUE(runForPasses(5));
     EXPECT_EQ(delegate->counts().framesGrabbed, 0U);
 
     // 19,200 bytes are 0.1 s: the origin lies that long before the chunk's arrival.

@@ -3,11 +3,12 @@
 #include "app/VornicAppDelegate.h"
 #include "app/session/session_fakes.h"
 #include "base/log.h"
+#include "base/main_queue.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "display/fake_display.h"
+#include "support/wait_until.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 namespace vornic {
 
@@ -54,13 +54,7 @@ protected:
     /// Runs the main loop until \a holds, half a minute at most.
     static bool runUntil(const std::function<bool()> &holds)
     {
-        QElapsedTimer timer;
-        timer.start();
-        while (!holds() && timer.elapsed() < 30'000) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return holds();
+        return test::waitUntil(holds, std::chrono::seconds(30));
     }
     bool runUntilIdle()
     {
@@ -70,11 +64,18 @@ protected:
     {
         return runUntil([this, frames] { return delegate->counts().framesGrabbed >= frames; });
     }
-    void runFor(int milliseconds)
+    /// Runs what the main thread has been given up to now.
+    static bool runPosted()
     {
-        QElapsedTimer timer;
-        timer.start();
-        runUntil([&] { return timer.elapsed() >= milliseconds; });
+        bool hasRun = false;
+        main_queue::async([&hasRun] { hasRun = true; });
+        return runUntil([&hasRun] { return hasRun; });
+    }
+    /// Runs the main loop until that many more passes have grabbed a picture.
+    bool runForPasses(int passes)
+    {
+        const int before = display->grabCount();
+        return runUntil([this, before, passes] { return display->grabCount() >= before + passes; });
     }
     /// Starts, waits for that many frames, stops and waits for the movie.
     bool record(std::uint64_t frames)

@@ -1,0 +1,164 @@
+#include "app/session/audio_input.h"
+#include "app/session/recording_session.h"
+#include "app/session/session_fakes.h"
+#include "base/PKTimebase.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "display/fake_display.h"
+#include "movie_test_support.h"
+#include "support/wait_until.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+namespace vornic {
+namespace {
+
+using Phase = RecordingSession::Phase;
+using test::waitUntil;
+
+/// A session on a fake display of 320 x 200 and a clock that the test sets.
+class RecordingSessionTest : public ::testing::Test
+{
+protected:
+    RecordingSessionTest()
+    {
+        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
+        setMainDisplay(std::make_shared<FakeDisplay>(QSize(320, 200)));
+        frontEnd.path = folder.filePath("movie.mp4");
+    }
+    ~RecordingSessionTest() override
+    {
+        session.reset();
+        setMainDisplay(nullptr);
+    }
+
+    void makeSession()
+    {
+        session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
+        session->setClock([this] { return time.load(); });
+        session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
+        QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this](qint64 ticks) {
+            timestamps += ticks;
+            time = time + step;
+        });
+    }
+    /// Starts, waits for that many frames, stops and waits for the movie.
+    bool record(qsizetype frames)
+    {
+        session->recorded();
+        if (!waitUntil([&] { return timestamps.size() >= frames; }))
+            return false;
+        session->stopRecord();
+        return waitUntil([&] { return session->phase() == Phase::Idle; });
+    }
+
+    int argc = 1;
+    char name[5] = "test";
+    char *argv[2] = { name, nullptr };
+    QCoreApplication application { argc, argv };
+    QTemporaryDir folder;
+    FakeFrontEnd frontEnd;
+    VNOption options;
+    FakeAudioControl audioControl;
+    std::atomic<double> time = 1000; ///< seconds
+    double step = 0.25;              ///< by which each kept frame moves the clock on
+    QList<qint64> timestamps;        ///< of the frames that were kept
+    std::unique_ptr<RecordingSession> session;
+};
+
+TEST_F(RecordingSessionTest, FramesAreStampedByTheClockThatIsPassedIn)
+{
+    makeSession();
+    ASSERT_TRUE(record(5));
+    for (qsizetype i = 0; i < timestamps.size(); ++i)
+        EXPECT_EQ(timestamps[i], i * PKTimebase / 4);
+    const QList<double> times
+        = testing::numbersOf(testing::probe(*frontEnd.path), "packets", "video", "pts_time");
+    ASSERT_EQ(times.size(), timestamps.size());
+    for (qsizetype i = 0; i < times.size(); ++i)
+        EXPECT_NEAR(times[i], static_cast<double>(i) / 4, 0.0001);
+}
+
+TEST_F(RecordingSessionTest, EachRecordingHasAnOriginOfItsOwn)
+{
+    makeSession();
+    ASSERT_TRUE(record(2));
+    time = 5000;
+    timestamps.clear();
+    ASSERT_TRUE(record(2));
+    EXPECT_EQ(timestamps.first(), 0);
+}
+
+TEST_F(RecordingSessionTest, TheFirstSoundIsTheOrigin)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    time = 1001;
+    // 0.1 s of it: the first sample was captured that long before.
+    const QByteArray samples(19'200, '\0');
+    audioControl.recorder->deliver(samples.constData(), 19'200);
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    EXPECT_EQ(timestamps[0], PKTimebase / 10);
+    EXPECT_EQ(timestamps[1], PKTimebase / 10 + PKTimebase / 4);
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+}
+
+TEST_F(RecordingSessionTest, PhasesFollowEachOther)
+{
+    makeSession();
+    QList<Phase> phases;
+    QObject::connect(session.get(), &RecordingSession::stateChanged, [&] { phases += session->phase(); });
+    frontEnd.onProgress = [&] { phases += session->phase(); };
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    session->recorded();
+    EXPECT_EQ(session->phase(), Phase::Asking);
+    EXPECT_EQ(session->state(), 0);
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    EXPECT_EQ(session->phase(), Phase::Capturing);
+    EXPECT_EQ(session->state(), 1);
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(phases.first(), Phase::Capturing);
+    EXPECT_TRUE(phases.contains(Phase::Writing));
+    EXPECT_EQ(phases.last(), Phase::Idle);
+}
+
+/// A front end that keeps the save panel open until the test answers.
+class PatientFrontEnd : public FakeFrontEnd
+{
+public:
+    std::function<void(std::optional<QString>)> answerSavePanel;
+
+    void runSavePanel(const QString &suggested,
+                      const QString &type,
+                      std::function<void(std::optional<QString>)> answer) override
+    {
+        told += "savePanel " + suggested + "." + type;
+        answerSavePanel = std::move(answer);
+    }
+};
+
+TEST_F(RecordingSessionTest, TheRecordButtonIsIgnoredWhileAQuestionStands)
+{
+    PatientFrontEnd patient;
+    session = std::make_unique<RecordingSession>(patient.frontEnd(), options, nullptr);
+    session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
+    session->recorded();
+    session->recorded();
+    EXPECT_EQ(patient.told, QStringList { "savePanel Untitled.mp4" });
+    patient.answerSavePanel(std::nullopt);
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    session->recorded();
+    EXPECT_EQ(patient.told.size(), 2);
+}
+
+} // namespace
+} // namespace vornic
