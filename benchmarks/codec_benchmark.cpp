@@ -29,13 +29,11 @@ QImage page(unsigned seed, int pageWidth = width, int pageHeight = height)
     picture.fill(Qt::white);
     std::mt19937 random(seed);
     for (int y = 0; y < pageHeight; ++y) {
-        if (y % 16 > 9) {
+        if (y % 16 > 9)
             continue;
-        }
         auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        for (int x = 0; x < pageWidth; ++x) {
+        for (int x = 0; x < pageWidth; ++x)
             row[x] = random() % 4 == 0 ? qRgb(30, 30, 60) : row[x];
-        }
     }
     return picture;
 }
@@ -70,9 +68,8 @@ void convertByScaler(benchmark::State &state)
                                                   nullptr,
                                                   nullptr,
                                                   nullptr));
-    for (auto _ : state) {
+    for (auto _ : state)
         sws_scale(scaler.get(), in->data, in->linesize, 0, height, out->data, out->linesize);
-    }
 }
 BENCHMARK(convertByScaler)->Unit(benchmark::kMillisecond);
 
@@ -80,9 +77,8 @@ void scaleFrame(benchmark::State &state, int fromWidth, int fromHeight)
 {
     const PKVideoFrame2 rgb(page(1, fromWidth, fromHeight));
     PKScaleContext scaler(fromWidth, width, fromHeight, height, PKPixelFormatRGB32, PKPixelFormatYUV420P);
-    for (auto _ : state) {
+    for (auto _ : state)
         benchmark::DoNotOptimize(scaler.scaleFrame(rgb));
-    }
 }
 BENCHMARK_CAPTURE(scaleFrame, same, width, height)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(scaleFrame, from1440p, 2560, 1440)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -124,9 +120,8 @@ void encode(benchmark::State &state, const char *preset, bool scrolls)
     routeAvLog();
     for (auto _ : state) {
         VideoEncoder encoder(context, preset);
-        for (const auto &frame : frames) {
+        for (const auto &frame : frames)
             encoder.encode(*frame, frame->timeStamp() + PKTimebase / 30, sink);
-        }
         encoder.finish(sink);
     }
     const auto encoded = static_cast<double>(state.iterations()) * count;

@@ -199,9 +199,8 @@ private:
     {
         const QImage page = textPage(QSize(size.width(), size.height() * m_screens), 1);
         QImage endless = page.copy(0, 0, size.width(), size.height() * (m_screens + 1));
-        for (int row = 0; row < size.height(); ++row) {
+        for (int row = 0; row < size.height(); ++row)
             std::copy_n(page.constScanLine(row), page.bytesPerLine(), endless.scanLine(page.height() + row));
-        }
         return endless;
     }
 
