@@ -8,19 +8,16 @@
 #include "base/log.h"
 #include "codec_samples.h"
 #include "compression/codecs.h"
-
-#include <sys/resource.h>
+#include "support/fuzz_run.h"
 
 #define LZ4_DISABLE_DEPRECATE_WARNINGS
 #include <lz4.h>
 
 #include <array>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <span>
-#include <string_view>
 #include <vector>
 
 using namespace vornic;
@@ -130,20 +127,17 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *bytes, std::size_t si
 
 namespace {
 
-/// Makes the inputs, always the same for the same seed.
+/// Makes the inputs.
 class Generator
 {
 public:
-    explicit Generator(unsigned seed)
-        : m_random(seed)
+    explicit Generator(FuzzRandom &random)
+        : m_random(random)
     {
     }
 
     /// Under \a limit, small numbers more often than large ones.
-    qsizetype smallNumber(qsizetype limit)
-    {
-        return static_cast<qsizetype>(below(1 + below(unsigned(limit))));
-    }
+    qsizetype smallNumber(qsizetype limit) { return below(1 + below(limit)); }
 
     QByteArray content()
     {
@@ -152,14 +146,14 @@ public:
         // Now and then long enough for the second level of FastLZ and for far matches.
         const qsizetype size = below(10) == 0 ? 65536 + smallNumber(20000) : smallNumber(3000);
         const Content kind = contents[below(4)];
-        return sampleOf(kind, size, next());
+        return sampleOf(kind, size, m_random.next());
     }
 
     /// Random bytes, mostly behind a length that the length-prefixed families take seriously.
     QByteArray randomBytes()
     {
         const qsizetype size = smallNumber(600);
-        const QByteArray bytes = sampleOf(Content::Random, size, next());
+        const QByteArray bytes = sampleOf(Content::Random, size, m_random.next());
         const quint64 length = 1 + quint64(smallNumber(8000));
         const QByteArray prefix(reinterpret_cast<const char *>(&length), sizeof length);
         switch (below(4)) {
@@ -172,30 +166,30 @@ public:
         }
     }
 
-    /// \a valid with one to four wounds.
+    /// \a valid with one to four changes.
     QByteArray damaged(QByteArray valid)
     {
-        for (unsigned wounds = 1 + below(4); wounds != 0; --wounds)
-            wound(valid);
+        for (int changes = 1 + below(4); changes > 0; --changes)
+            change(valid);
         return valid;
     }
 
 private:
-    unsigned next() { return static_cast<unsigned>(m_random()); }
-    unsigned below(unsigned limit) { return limit == 0 ? 0 : next() % limit; }
+    int below(qsizetype limit) { return m_random.below(limit); }
     char anyByte()
     {
-        static constexpr std::array<char, 6> telling = { '\0', '\x01', '\x1f', '\x7f', '\xfe', '\xff' };
-        return below(2) == 0 ? telling[below(telling.size())] : static_cast<char>(next() & 255U);
+        static constexpr std::array<char, 6> extremes = { '\0', '\x01', '\x1f', '\x7f', '\xfe', '\xff' };
+        return below(2) == 0 ? extremes[static_cast<std::size_t>(below(std::ssize(extremes)))]
+                             : static_cast<char>(below(256));
     }
 
-    void wound(QByteArray &bytes)
+    void change(QByteArray &bytes)
     {
         if (bytes.isEmpty()) {
             bytes.append(anyByte());
             return;
         }
-        const auto place = qsizetype(below(unsigned(bytes.size())));
+        const qsizetype place = below(bytes.size());
         switch (below(8)) {
         case 0:
             bytes.truncate(place);
@@ -228,11 +222,11 @@ private:
         if (bytes.size() < 4)
             return;
         auto length = lengthOf<quint32>(bytes);
-        length += below(2) == 0 ? below(70) - 35 : quint32(smallNumber(100000));
+        length += static_cast<quint32>(below(2) == 0 ? below(70) - 35 : smallNumber(100000));
         std::memcpy(bytes.data(), &length, sizeof length);
     }
 
-    std::mt19937 m_random;
+    FuzzRandom &m_random;
 };
 
 struct Family {
@@ -258,41 +252,27 @@ void fuzzExactly(const QByteArray &data)
     fuzzOne(std::vector<char>(data.begin(), data.end()));
 }
 
-void fuzzFamily(const Family &family, Generator &generator, long count)
+void fuzzFamily(const Family &family, FuzzRun &run)
 {
-    constexpr long variants = 40; // of each valid stream
+    constexpr int variants = 40; // of each valid stream
+    Generator generator(run.random());
     QByteArray valid;
-    for (long i = 0; i < count; ++i) {
-        if (i % variants == 0) {
+    run.feedAll(family.name, [&](int number) {
+        if (number % variants == 0) {
             valid = family.compress(generator.content());
             fuzzExactly(valid);
         }
-        fuzzExactly(i % 5 == 0 ? generator.randomBytes() : generator.damaged(valid));
-    }
-    rusage usage = {};
-    getrusage(RUSAGE_SELF, &usage);
-    std::printf("%s: %ld inputs, peak memory so far %ld KiB\n", family.name, count, usage.ru_maxrss);
-}
-
-template<typename Number>
-Number argument(int argc, char **argv, int index, Number otherwise)
-{
-    if (index >= argc)
-        return otherwise;
-    const std::string_view text = argv[index];
-    std::from_chars(text.data(), text.data() + text.size(), otherwise);
-    return otherwise;
+        fuzzExactly(number % 5 == 0 ? generator.randomBytes() : generator.damaged(valid));
+    });
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const long count = argument(argc, argv, 1, 100'000L);
-    Generator generator(argument(argc, argv, 2, 1U));
-    setLogSink([](const QString &) {});
+    FuzzRun run(argc, argv, 100'000);
     for (const Family &family : families)
-        fuzzFamily(family, generator, count);
+        fuzzFamily(family, run);
     return 0;
 }
 

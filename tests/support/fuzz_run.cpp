@@ -1,0 +1,56 @@
+#include "support/fuzz_run.h"
+
+#include "base/log.h"
+
+#include <sys/resource.h>
+
+#include <cstdio>
+
+namespace vornic::test {
+
+namespace {
+
+template<typename Number>
+Number argument(int argc, char **argv, int index, Number defaultValue)
+{
+    if (index >= argc)
+        return defaultValue;
+    bool isNumber = false;
+    const auto number = static_cast<Number>(QByteArray(argv[index]).toUInt(&isNumber));
+    if (!isNumber)
+        qFatal("%s is not a number", argv[index]);
+    return number;
+}
+
+} // namespace
+
+int FuzzRandom::below(qsizetype limit)
+{
+    return limit <= 0 ? 0 : static_cast<int>(next() % static_cast<std::size_t>(limit));
+}
+
+QByteArray FuzzRandom::bytes(int maxSize)
+{
+    QByteArray bytes(below(maxSize + 1), '\0');
+    for (char &byte : bytes)
+        byte = static_cast<char>(below(256));
+    return bytes;
+}
+
+FuzzRun::FuzzRun(int argc, char **argv, int defaultCount)
+    : m_count(argument(argc, argv, 1, defaultCount))
+    , m_random(argument(argc, argv, 2, 1U))
+{
+    setLogSink([](const QString &) {});
+}
+
+void FuzzRun::feedAll(const char *what, const std::function<void(int)> &feedOne) const
+{
+    for (int number = 0; number < m_count; ++number)
+        feedOne(number);
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%s: %d inputs, peak memory %ld KiB\n", what, m_count, usage.ru_maxrss);
+}
+
+} // namespace vornic::test
