@@ -1,4 +1,4 @@
-/// How long the encoding of a spooled recording takes, beside the ffmpeg program turning the same JPEGs into
+/// How long it takes to write the movie of a spooled recording, beside the ffmpeg program turning the same JPEGs into
 /// the same H.264: encode_benchmark [desktop|text|colours] [frames]
 ///
 /// Both run on all processors, in turns, five times; ratios are of medians of wall time.
@@ -97,7 +97,7 @@ public:
     }
 
     /// Seconds of wall time.
-    double encode(const QString &movie)
+    double write(const QString &movie)
     {
         m_next = 0;
         m_composer = std::make_unique<FrameComposer>();
@@ -194,7 +194,7 @@ int main(int argc, char **argv)
     const double cpuBefore = cpuSeconds();
     constexpr int turns = 5;
     for (int turn = 0; turn < turns; ++turn) {
-        ours.push_back(recording.encode(folder.filePath("ours.mp4")));
+        ours.push_back(recording.write(folder.filePath("ours.mp4")));
         theirs.push_back(ffmpeg(folder.filePath("frames.mjpeg"), folder.filePath("theirs.mp4")));
     }
     std::printf(

@@ -1,8 +1,8 @@
 // What a step of dragging or setting the logo costs on a display of 3840 x 2160: the logo where it was and
 // where it is painted anew, beside painting the whole view. The aim for the logo is 8 ms.
 
+#include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
-#include "options/y_up.h"
 #include "overlay/overlay_painting.h"
 
 #include <QGuiApplication>
