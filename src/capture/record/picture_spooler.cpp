@@ -2,7 +2,7 @@
 
 #include "base/PKTimebase.h"
 #include "base/keyed_archive.h"
-#include "capture/jpeg/jpeg_picture.h"
+#include "capture/record/picture_keys.h"
 #include "display/bitmap_image.h"
 
 namespace vornic {
@@ -13,7 +13,7 @@ constexpr std::uint64_t ticksBetweenWholePictures = 2 * std::uint64_t { PKTimeba
 
 } // namespace
 
-bool PictureSpooler::canMark(const BitmapImage &image, std::uint64_t timestamp) const
+bool PictureSpooler::canWriteMark(const BitmapImage &image, std::uint64_t timestamp) const
 {
     return !m_lastVersions.empty() && QSize(image.width(), image.height()) == m_lastSize
         && image.bandVersions() == m_lastVersions && timestamp >= m_lastWholeTimestamp
@@ -28,7 +28,7 @@ void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
         m_lastVersions.clear();
         return;
     }
-    if (canMark(*image, timestamp)) {
+    if (canWriteMark(*image, timestamp)) {
         archiver.encodeBool(samePictureKey, true);
         return;
     }
@@ -41,15 +41,6 @@ void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
     m_lastSize = QSize(image->width(), image->height());
     m_lastVersions = image->bandVersions();
     m_lastWholeTimestamp = timestamp;
-}
-
-std::shared_ptr<const JpegPicture> PictureUnspooler::decode(const KeyedUnarchiver &unarchiver)
-{
-    if (unarchiver.decodeBool(samePictureKey))
-        return m_last;
-    const std::optional<QByteArray> jpeg = unarchiver.decodeData(pictureKey);
-    m_last = jpeg ? std::make_shared<const JpegPicture>(*jpeg) : nullptr;
-    return m_last;
 }
 
 } // namespace vornic

@@ -40,8 +40,8 @@ void VNBufferMgr::prepareFileHandle()
 {
     m_video.queue().sync([this] {
         m_video.open(tempVideoPathfile());
-        m_pictures.reset();
-        m_picturesBack.forget();
+        m_pictures.beginSpool();
+        m_picturesBack.forgetPicture();
     });
     m_audio.queue().sync([this] { m_audio.open(tempAudioPathfile()); });
 }
@@ -97,7 +97,7 @@ std::unique_ptr<VNBufferDiscr> VNBufferMgr::takeRecord(bool &wasEmpty)
         if (const auto unarchiver = KeyedUnarchiver::create(block->bytes))
             record = VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack);
         else
-            m_picturesBack.forget();
+            m_picturesBack.forgetPicture();
     });
     return record;
 }
@@ -192,7 +192,7 @@ void VNBufferMgr::rewind()
 {
     m_video.queue().sync([this] {
         m_video.rewind();
-        m_picturesBack.forget();
+        m_picturesBack.forgetPicture();
     });
     m_audio.queue().sync([this] { m_audio.rewind(); });
     m_skippedBlocks = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/record/picture_spooler.h"
+#include "capture/record/picture_unspooler.h"
 #include "capture/spool/spool_stream.h"
 
 #include <QRectF>

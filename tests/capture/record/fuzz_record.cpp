@@ -8,6 +8,7 @@
 #include "capture/record/VNBufferDiscr.h"
 #include "capture/record/frame_composer.h"
 #include "capture/record/picture_spooler.h"
+#include "capture/record/picture_unspooler.h"
 #include "codec/PKVideoFrame2.h"
 #include "display/bitmap_image.h"
 #include "display/fake_display.h"

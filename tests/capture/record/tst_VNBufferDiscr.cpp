@@ -2,7 +2,6 @@
 #include "capture/capture_fixture.h"
 #include "capture/record/VNBufferDiscr.h"
 #include "capture/record/cursor_table.h"
-#include "capture/record/picture_spooler.h"
 #include "codec/PKVideoFrame2.h"
 #include "support/test_pictures.h"
 
