@@ -21,7 +21,7 @@ namespace vornic {
 namespace {
 
 /// The left and bottom edges belong to the rectangle, the right and top ones do not (y up).
-bool holdsPoint(const QRectF &rectangle, QPointF point)
+bool contains(const QRectF &rectangle, QPointF point)
 {
     return point.x() >= rectangle.x() && point.x() < rectangle.x() + rectangle.width()
         && point.y() >= rectangle.y() && point.y() < rectangle.y() + rectangle.height();
@@ -46,7 +46,7 @@ QRect FrameComposer::DrawnCursor::rect() const
     return { topLeft, shape->picture.size() };
 }
 
-void FrameComposer::start()
+void FrameComposer::reset()
 {
     m_decoder.forget();
     m_picture = nullptr;
@@ -54,11 +54,11 @@ void FrameComposer::start()
     m_frame = nullptr;
 }
 
-std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorOf(const VNBufferDiscr &record,
-                                                                  const QRectF &region) const
+std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorFor(const VNBufferDiscr &record,
+                                                                   const QRectF &region) const
 {
     const QPointF mouse = record.mouseLocation();
-    if (!region.isEmpty() && !holdsPoint(region, mouse))
+    if (!region.isEmpty() && !contains(region, mouse))
         return std::nullopt;
     const std::shared_ptr<const CursorShape> shape = VNBufferDiscr::cusorAtIndex(record.cursorIndex());
     if (!shape || shape->picture.isNull())
@@ -69,58 +69,61 @@ std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorOf(const VNBuffer
     const double bottom = mouse.y() + shape->hotSpot.y() - offset.y() - shape->picture.height();
     // The mouse is in the middle of its pixel, so rounding down lands the hot spot on that pixel.
     const double top = m_canvas.height() - (bottom + shape->picture.height());
-    constexpr double farOff = 1e6;
-    if (!(std::abs(left) < farOff) || !(std::abs(top) < farOff))
+    constexpr double maxDistance = 1e6;
+    if (!(std::abs(left) < maxDistance) || !(std::abs(top) < maxDistance))
         return std::nullopt;
     return DrawnCursor { shape,
                          QPoint(static_cast<int>(std::floor(left)), static_cast<int>(std::floor(top))) };
 }
 
-void FrameComposer::touchRows(const QRect &rectangle)
+void FrameComposer::markChanged(const QRect &rectangle)
 {
     const QRect rows = rectangle & m_canvas.rect();
     if (rows.isEmpty())
         return;
     for (int band = rows.top() / BitmapImage::bandHeight; band <= rows.bottom() / BitmapImage::bandHeight;
          ++band)
-        m_touched[static_cast<std::size_t>(band)] = true;
+        m_changedBands[static_cast<std::size_t>(band)] = true;
 }
 
 void FrameComposer::removeCursor()
 {
     if (!m_cursor)
         return;
-    copyPixels(m_canvas, m_cursor->topLeft, m_beneathCursor);
-    touchRows(m_cursor->rect());
+    copyPixels(m_canvas, m_cursor->topLeft, m_underCursor);
+    markChanged(m_cursor->rect());
     m_cursor.reset();
 }
 
-bool FrameComposer::bringImage(const std::shared_ptr<const BitmapImage> &image)
+bool FrameComposer::loadImage(const std::shared_ptr<const BitmapImage> &image)
 {
-    start();
+    reset();
     if (!image)
         return false;
     m_canvas = image->view().copy();
-    m_touched.assign(static_cast<std::size_t>(bandCount(m_canvas.height())), true);
+    m_changedBands.assign(static_cast<std::size_t>(bandCount(m_canvas.height())), true);
     return true;
 }
 
-bool FrameComposer::bringPicture(const VNBufferDiscr &record)
+bool FrameComposer::loadPicture(const VNBufferDiscr &record)
 {
     const std::shared_ptr<const JpegPicture> &picture = record.recordPicture();
     if (!picture)
-        return bringImage(record.recordImage());
+        return loadImage(record.recordImage());
     if (picture == m_picture)
         return true;
     const QSize sizeBefore = m_canvas.size();
     const std::vector<bool> written = m_decoder.decode(picture->jpeg(), m_canvas);
     if (written.empty() || m_canvas.size() != sizeBefore)
-        start();
+        reset();
     if (written.empty())
         return false;
-    m_touched.resize(written.size(), true);
-    std::transform(
-        m_touched.begin(), m_touched.end(), written.begin(), m_touched.begin(), std::logical_or<bool>());
+    m_changedBands.resize(written.size(), true);
+    std::transform(m_changedBands.begin(),
+                   m_changedBands.end(),
+                   written.begin(),
+                   m_changedBands.begin(),
+                   std::logical_or<bool>());
     m_picture = picture;
     return true;
 }
@@ -149,13 +152,14 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::convert(const PKVideoFrame2 &frame
         return m_scaler->scaleFrame(frame);
     }
     std::shared_ptr<PKVideoFrame2> result = m_frame->sharingPixels();
-    for (auto run = std::find(m_touched.begin(), m_touched.end(), true); run != m_touched.end();) {
-        const auto end = std::find(run, m_touched.end(), false);
-        const int firstRow = static_cast<int>(run - m_touched.begin()) * BitmapImage::bandHeight;
-        const int lastRow = std::min(static_cast<int>(end - m_touched.begin()) * BitmapImage::bandHeight,
+    for (auto run = std::find(m_changedBands.begin(), m_changedBands.end(), true);
+         run != m_changedBands.end();) {
+        const auto end = std::find(run, m_changedBands.end(), false);
+        const int firstRow = static_cast<int>(run - m_changedBands.begin()) * BitmapImage::bandHeight;
+        const int lastRow = std::min(static_cast<int>(end - m_changedBands.begin()) * BitmapImage::bandHeight,
                                      frame.codeHeight());
         m_scaler->convertRows(frame, *result, firstRow, lastRow - firstRow);
-        run = std::find(end, m_touched.end(), true);
+        run = std::find(end, m_changedBands.end(), true);
     }
     return result;
 }
@@ -164,16 +168,16 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::compose(const VNBufferDiscr &recor
 {
     // A pointer that stays where it was over pixels that stay is left in the canvas.
     const bool samePicture = record.recordPicture() && record.recordPicture() == m_picture;
-    if (samePicture && m_frame && cursorOf(record, region) == m_cursor)
+    if (samePicture && m_frame && cursorFor(record, region) == m_cursor)
         return m_frame->sharingPixels();
 
     removeCursor();
-    if (!bringPicture(record))
+    if (!loadPicture(record))
         return nullptr;
-    m_cursor = cursorOf(record, region);
+    m_cursor = cursorFor(record, region);
     if (m_cursor) {
-        m_beneathCursor = m_canvas.copy(m_cursor->rect());
-        touchRows(m_cursor->rect());
+        m_underCursor = m_canvas.copy(m_cursor->rect());
+        markChanged(m_cursor->rect());
     }
 
     PKVideoFrame2 frame(std::exchange(m_canvas, {}));
@@ -182,7 +186,7 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::compose(const VNBufferDiscr &recor
     drawCursor(frame);
     m_frame = convert(frame);
     m_canvas = frame.takeImage();
-    std::fill(m_touched.begin(), m_touched.end(), false);
+    std::fill(m_changedBands.begin(), m_changedBands.end(), false);
     return m_frame ? m_frame->sharingPixels() : nullptr;
 }
 

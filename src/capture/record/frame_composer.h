@@ -24,9 +24,9 @@ struct CursorShape;
 /// Composes the encoder's frames of one movie, one record after the other: decodes the picture, draws the
 /// pointer, converts to planar YUV at the movie's size.
 ///
-/// Only what differs from the frame before is done again: bands of the picture, and the rows that the pointer
-/// left or came to. A frame that equals the one before shares its pixels. Owned by whoever feeds the encoder
-/// and used by one thread at a time; inside a frame it works on all processors.
+/// Only what differs from the frame before is done again: changed bands of the picture, and the bands where
+/// the pointer was and is. A frame that equals the one before shares its pixels. Owned by whoever feeds the
+/// encoder and used by one thread at a time; a frame is composed on all processors.
 class FrameComposer
 {
 public:
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] std::shared_ptr<PKVideoFrame2> compose(const VNBufferDiscr &record, const QRectF &region);
 
 private:
-    /// Where a pointer is drawn, in pixels of the canvas from its top left.
+    /// A pointer and where it is drawn: in pixels of the canvas, from its top left.
     struct DrawnCursor {
         std::shared_ptr<const CursorShape> shape;
         QPoint topLeft;
@@ -49,23 +49,28 @@ private:
         friend bool operator==(const DrawnCursor &, const DrawnCursor &) = default;
     };
 
-    [[nodiscard]] bool bringPicture(const VNBufferDiscr &record);
-    [[nodiscard]] bool bringImage(const std::shared_ptr<const BitmapImage> &image);
+    /// Brings the canvas to the record's picture; false when that is missing or damaged.
+    [[nodiscard]] bool loadPicture(const VNBufferDiscr &record);
+    [[nodiscard]] bool loadImage(const std::shared_ptr<const BitmapImage> &image);
     void removeCursor();
     void drawCursor(PKVideoFrame2 &frame) const;
-    void touchRows(const QRect &rectangle);
+    /// Marks the bands that \a rectangle of the canvas reaches into.
+    void markChanged(const QRect &rectangle);
+    /// Converts the changed bands into a copy of the last frame, or all of \a frame where that cannot be.
     [[nodiscard]] std::shared_ptr<PKVideoFrame2> convert(const PKVideoFrame2 &frame);
-    void start();
+    /// Forgets the frames before: the next one is composed from nothing.
+    void reset();
 
-    [[nodiscard]] std::optional<DrawnCursor> cursorOf(const VNBufferDiscr &record,
-                                                      const QRectF &region) const;
+    /// The record's pointer in the canvas; nothing where it lies outside \a region, or has no picture.
+    [[nodiscard]] std::optional<DrawnCursor> cursorFor(const VNBufferDiscr &record,
+                                                       const QRectF &region) const;
 
     JpegBandDecoder m_decoder;
-    std::shared_ptr<const JpegPicture> m_picture; ///< the one in the canvas
+    std::shared_ptr<const JpegPicture> m_picture; ///< the one shown in the canvas
     QImage m_canvas;                              ///< the picture with the pointer drawn in
     std::optional<DrawnCursor> m_cursor;          ///< the one in the canvas
-    QImage m_beneathCursor;                       ///< the canvas's pixels that the pointer covers
-    std::vector<bool> m_touched;                  ///< bands of the canvas that the last frame does not show
+    QImage m_underCursor;                         ///< the pixels that the pointer covers in the canvas
+    std::vector<bool> m_changedBands;             ///< of the canvas, since the last frame
     std::unique_ptr<PKScaleContext> m_scaler;
     std::shared_ptr<PKVideoFrame2> m_frame; ///< the last one
 };
