@@ -12,22 +12,23 @@ class DisplayBackend;
 
 /// Takes pictures of the main display.
 ///
-/// Made once by the application delegate. Width and height are those of that moment and stay so; pictures
-/// show the display as it is when they are taken. May be called from any thread.
+/// Made once by the application delegate, which measures width and height for good; pictures show the display
+/// as it is when they are taken. May be called from any thread.
 class VNCGDisplay
 {
 public:
-    /// A missing display, or one without a height, is an assertion failure; if the handler returns, the
-    /// object is made all the same and its reads give null.
+    /// Where the display server tells no width, both are those of a picture of the display. A missing
+    /// display, or one that has a width and no height, is an assertion failure; when the handler returns,
+    /// the object is made all the same.
     VNCGDisplay();
     ~VNCGDisplay();
     VNCGDisplay(const VNCGDisplay &) = delete;
     VNCGDisplay &operator=(const VNCGDisplay &) = delete;
 
-    /// A new picture of the whole display in its size of now, or null where the display server gives none.
+    /// A new picture of the whole display in its present size, or null where the display server gives none.
     [[nodiscard]] std::shared_ptr<const BitmapImage> readFullScreen() const;
-    /// The same for a rectangle in screen coordinates (y up), truncated to whole pixels; the part of it that
-    /// lies on the display, null when none does.
+    /// The same for the part of \a rect that lies on the display; null when none does. \a rect is in screen
+    /// coordinates (y up); in display coordinates it is truncated to whole pixels.
     [[nodiscard]] std::shared_ptr<const BitmapImage> readPartScreen(const QRectF &rect) const;
 
     /// Pixels, as they were when this object was made.

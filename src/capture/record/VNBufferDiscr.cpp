@@ -31,7 +31,7 @@ constexpr QLatin1StringView timestampKey("mTimestamp");
 constexpr QLatin1StringView cursorIndexKey("_cursorIndex");
 constexpr QLatin1StringView videoFrameKey("_videoFrame");
 
-/// Names no shape, now and later: the pointer is hidden.
+/// Never the index of a shape: the pointer is hidden.
 constexpr std::uint64_t noCursor = std::numeric_limits<std::uint64_t>::max();
 
 } // namespace

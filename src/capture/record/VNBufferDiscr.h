@@ -54,7 +54,7 @@ public:
 
     void encodeWithCoder(KeyedArchiver &archiver) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver);
-    /// The same through a spool, which stores a picture that equals the one before as a mark.
+    /// The same for a record in a spool, where a picture that equals the one before is stored as a mark.
     void encodeWithCoder(KeyedArchiver &archiver, PictureSpooler &pictures) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver,
                                                                         PictureUnspooler &pictures);
@@ -77,7 +77,7 @@ public:
     [[nodiscard]] static std::uint64_t indexOfCursor(const std::shared_ptr<const CursorShape> &cursor);
     /// Null when the table holds no shape at \a index.
     [[nodiscard]] static std::shared_ptr<const CursorShape> cusorAtIndex(std::uint64_t index);
-    /// The user's cache folder of this program, made when missing.
+    /// The program's folder among the user's cache folders, made when missing.
     [[nodiscard]] static QString cachePath();
     [[nodiscard]] static QString tempExtension();
     /// A new UUID in its canonical form.

@@ -11,7 +11,7 @@ namespace vornic {
 
 /// The pointer shapes seen in this process, in the order of their first use; it only grows.
 ///
-/// One for the process, made at its first use; its functions may be called from any thread.
+/// The process has one, made at the first use; its functions may be called from any thread.
 class CursorTable
 {
 public:

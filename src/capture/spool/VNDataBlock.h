@@ -4,7 +4,7 @@
 
 namespace vornic {
 
-/// The place of one spooled block: an entry of a spool's index, made by the spool manager; a plain value.
+/// Where one spooled block lies: an entry of a spool's index, made when the block is appended; a plain value.
 class VNDataBlock
 {
 public:

@@ -7,10 +7,10 @@
 
 namespace vornic {
 
-/// Where the blocks of one spool lie, oldest first: first in, first out. Used on the spool's queue only.
+/// Where the blocks of one spool lie, oldest first: first in, first out.
 ///
-/// In memory for now; nothing else knows how entries are kept, so that a journal on disk can take its place
-/// and let a recording be found again after a crash.
+/// Owned by the SpoolStream, used on its queue only. Entries are in memory; nothing else knows how they are
+/// kept, so that a journal on disk can take their place and let a recording survive a crash.
 class BlockIndex
 {
 public:
@@ -20,7 +20,7 @@ public:
     [[nodiscard]] std::int64_t oldestTimeStamp() const;
     [[nodiscard]] std::int64_t newestTimeStamp() const;
     [[nodiscard]] std::size_t count() const { return mBufferDescris.size(); }
-    /// Puts the blocks that were taken back, so that the whole spool can be read again.
+    /// Puts back all blocks that were taken since clear(), so that the whole spool can be read again.
     void rewind();
     void clear();
 

@@ -44,7 +44,7 @@ void SpoolStream::clear(const QString &path)
 std::optional<std::uint64_t> SpoolStream::writeBufferToFile()
 {
     if (!m_tmpDataFileHandle) {
-        // Blocks keep their places, so that nothing is taken for another block's bytes.
+        // Offsets still grow, so that no block that is pushed later is read in place of one that is lost.
         const std::uint64_t end = m_tmpOffset;
         m_tmpBufWrite.resize(0);
         return end;

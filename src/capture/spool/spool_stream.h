@@ -25,11 +25,11 @@ public:
     explicit SpoolStream(std::string queueLabel);
 
     [[nodiscard]] SerialQueue &queue() { return m_queue; }
-    /// The file system took no more. What did not go to the file stays readable from memory.
+    /// A write to the file failed since open(). What is not in the file stays in memory and can be read.
     [[nodiscard]] bool writeFailed() const { return m_writeFailed; }
 
-    /// Makes an empty file at \a path and begins anew there. Without a file the spool has no handle: its
-    /// writes do nothing and its reads yield no bytes. The index stays as it is.
+    /// Makes an empty file at \a path and starts over there; what is in memory is dropped, the index stays as
+    /// it is. Where no file can be made, writes do nothing and reads give no bytes.
     void open(const QString &path);
     /// Empties the index, closes the file and deletes it.
     void clear(const QString &path);
@@ -37,7 +37,7 @@ public:
     static bool createEmptyFile(const QString &path);
 
     void append(const QByteArray &block, std::int64_t timeStamp, bool compressed);
-    /// Writes what is in memory to the file: no block follows.
+    /// Writes what is in memory to the file. No append() may follow.
     void end();
 
     struct Block {
@@ -46,7 +46,7 @@ public:
     };
     /// The oldest block, taken out of the index; nothing when that is empty.
     [[nodiscard]] std::optional<Block> takeOldest();
-    /// Begins again with the first block that was ever taken; the bytes are all still there.
+    /// Begins again with the first block since clear(); the bytes are all still there.
     void rewind() { m_index.rewind(); }
     [[nodiscard]] const BlockIndex &index() const { return m_index; }
 
@@ -59,7 +59,7 @@ private:
     std::uint64_t m_tmpOffset = 0; ///< where the first byte of m_tmpBufWrite belongs in the file
     BlockIndex m_index;
     std::atomic<bool> m_writeFailed = false;
-    SerialQueue m_queue; ///< last: its thread ends before what it uses
+    SerialQueue m_queue; ///< last, so that its thread ends before what it uses is destroyed
 };
 
 } // namespace vornic
