@@ -79,87 +79,73 @@ void VNBufferMgr::endAudioRecord()
     m_audio.queue().sync([this] { m_audio.end(); });
 }
 
-void VNBufferMgr::countSkipped(const char *what)
+VNBufferMgr::Taken<std::unique_ptr<VNBufferDiscr>> VNBufferMgr::takeRecord()
 {
-    ++m_skippedBlocks;
-    logMessage(
-        QStringLiteral("A spooled %1 could not be read back and is left out.").arg(QLatin1StringView(what)));
-}
-
-std::unique_ptr<VNBufferDiscr> VNBufferMgr::takeRecord(bool &wasEmpty)
-{
-    std::unique_ptr<VNBufferDiscr> record;
+    Taken<std::unique_ptr<VNBufferDiscr>> taken;
     m_video.queue().sync([&] {
         const std::optional<SpoolStream::Block> block = m_video.takeOldest();
-        wasEmpty = !block;
+        taken.wasEmpty = !block;
         if (!block)
             return;
         if (const auto unarchiver = KeyedUnarchiver::create(block->bytes))
-            record = VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack);
+            taken.object = VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack);
         else
             m_picturesBack.forgetPicture();
     });
-    return record;
+    return taken;
 }
 
-std::unique_ptr<VNBufferDiscr> VNBufferMgr::getBufferVideoFrame()
+VNBufferMgr::Taken<std::optional<PKAudioRecorderData>> VNBufferMgr::takeChunk()
 {
-    bool wasEmpty = false;
-    return takeRecord(wasEmpty);
-}
-
-std::unique_ptr<VNBufferDiscr> VNBufferMgr::popRecordBuffer()
-{
-    while (true) {
-        // Read first: what is pushed before the flag goes up must still be found.
-        const bool exiting = mExit;
-        bool wasEmpty = false;
-        if (auto record = takeRecord(wasEmpty))
-            return record;
-        if (!wasEmpty)
-            countSkipped("frame");
-        else if (exiting)
-            return nullptr;
-        else
-            waitSeconds(pollSeconds);
-    }
-}
-
-std::optional<PKAudioRecorderData> VNBufferMgr::takeChunk(bool &wasEmpty)
-{
-    std::optional<PKAudioRecorderData> chunk;
+    Taken<std::optional<PKAudioRecorderData>> taken;
     m_audio.queue().sync([&] {
         const std::optional<SpoolStream::Block> block = m_audio.takeOldest();
-        wasEmpty = !block;
+        taken.wasEmpty = !block;
         if (!block)
             return;
         const QByteArray bytes = block->entry.isCompressed() ? LZOUncompress(block->bytes) : block->bytes;
         if (const auto unarchiver = KeyedUnarchiver::create(bytes))
-            chunk = PKAudioRecorderData::createWithCoder(*unarchiver);
+            taken.object = PKAudioRecorderData::createWithCoder(*unarchiver);
     });
-    return chunk;
+    return taken;
+}
+
+template<typename Take>
+auto VNBufferMgr::pop(Take take, QLatin1StringView kind)
+{
+    while (true) {
+        // Read before the spool: what is pushed before the flag goes up must still be found.
+        const bool exiting = mExit;
+        auto taken = take();
+        if (taken.object || (taken.wasEmpty && exiting))
+            return std::move(taken.object);
+        if (taken.wasEmpty) {
+            waitSeconds(pollSeconds);
+            continue;
+        }
+        ++m_skippedBlocks;
+        logMessage(QStringLiteral("A spooled %1 could not be read back and is left out.").arg(kind));
+    }
+}
+
+std::unique_ptr<VNBufferDiscr> VNBufferMgr::getBufferVideoFrame()
+{
+    return takeRecord().object;
+}
+
+std::unique_ptr<VNBufferDiscr> VNBufferMgr::popRecordBuffer()
+{
+    return pop([this] { return takeRecord(); }, QLatin1StringView("frame"));
 }
 
 std::optional<PKAudioRecorderData> VNBufferMgr::getAudioBuffer()
 {
-    bool wasEmpty = false;
-    return takeChunk(wasEmpty);
+    return takeChunk().object;
 }
 
 std::optional<PKAudioRecorderData> VNBufferMgr::popAudioBuffer()
 {
-    while (true) {
-        const bool exiting = mExit;
-        bool wasEmpty = false;
-        if (auto chunk = takeChunk(wasEmpty))
-            return chunk;
-        if (!wasEmpty)
-            countSkipped("audio chunk");
-        else if (exiting)
-            return std::nullopt;
-        else
-            waitSeconds(pollSeconds);
-    }
+    return pop([this] { return takeChunk(); }, QLatin1StringView("audio chunk"));
 }
 
 std::int64_t VNBufferMgr::lastBufferTimestamp()

@@ -20,22 +20,25 @@ class PKAudioRecorderData;
 class PKMuxerContext;
 class VNBufferDiscr;
 
-/// The two spools that stand between recording and encoding, first in, first out.
+/// The two spools between recording and encoding, one for frames and one for sound; first in, first out.
 ///
-/// One lives for the whole run, owned by the application delegate. Pushes and pops may come from any thread:
-/// all that touches a spool runs on its serial queue, and no operation waits for both.
+/// One lives for the whole run, owned by the application delegate. Any thread may call it: everything that
+/// touches a spool runs on that spool's serial queue, which the caller waits for.
 class VNBufferMgr
 {
 public:
-    /// \a size means nothing any more.
-    explicit VNBufferMgr(int size);
+    /// A number of buffers, which is ignored: the spools grow on disk.
+    explicit VNBufferMgr(int /*size*/);
     ~VNBufferMgr();
     VNBufferMgr(const VNBufferMgr &) = delete;
     VNBufferMgr &operator=(const VNBufferMgr &) = delete;
 
-    /// Begins a recording: empty spool files, no muxer context, exit flag down.
+    /// Begins a recording: empty spool files, no muxer context, exit flag down, nothing skipped. The indexes
+    /// stay as they are.
     void readyToRecord();
+    /// Makes both spool files anew and opens them.
     void prepareFileHandle();
+    /// Deletes what is at \a path and makes an empty file there; false (and logged) when that fails.
     static bool createEmptyFile(const QString &path);
 
     void pushRecordBuffer(const VNBufferDiscr &record);
@@ -45,37 +48,43 @@ public:
     void endAudioRecord();
 
     /// The oldest record, taken out of the index; null when that is empty, or when the record cannot be read.
+    /// The same for chunks of sound.
     [[nodiscard]] std::unique_ptr<VNBufferDiscr> getBufferVideoFrame();
-    /// The oldest record that can be read, waiting for one while the exit flag is down; null when the flag is
-    /// up and none is left. Records that cannot be read are skipped, counted and logged.
-    [[nodiscard]] std::unique_ptr<VNBufferDiscr> popRecordBuffer();
     [[nodiscard]] std::optional<PKAudioRecorderData> getAudioBuffer();
+    /// The oldest record that can be read, waiting for one while the exit flag is down; null when the flag is
+    /// up and none is left. Records that cannot be read are skipped, counted and logged. The same for chunks
+    /// of sound.
+    [[nodiscard]] std::unique_ptr<VNBufferDiscr> popRecordBuffer();
     [[nodiscard]] std::optional<PKAudioRecorderData> popAudioBuffer();
 
     /// Of the newest and the oldest record in the index, in PKTimebase ticks; 0 when it is empty.
     [[nodiscard]] std::int64_t lastBufferTimestamp();
     [[nodiscard]] std::int64_t nextBufferTimestamp();
     [[nodiscard]] std::uint64_t recordBufferCount();
-    /// Blocks that could not be read back since readyToRecord().
+    /// Blocks that could not be read back since readyToRecord() or rewind().
     [[nodiscard]] std::uint64_t skippedBlockCount() const { return m_skippedBlocks; }
 
     /// Blocks the calling thread.
     static void waitSeconds(double seconds);
-    /// Puts everything that was popped back: the same recording can be encoded again.
+    /// Puts back everything that was taken since clear(): the same recording can be encoded again.
     void rewind();
-    /// Empties both indexes and deletes both files.
+    /// Empties both indexes, closes both files and deletes them.
     void clear();
 
+    /// Whether a recording may start: freeSpaceRequired() bytes are free on the cache folder's file system.
     [[nodiscard]] bool freespaceIsEough() const;
+    /// Whether a recording must stop: fewer than limitSpaceForRecord() bytes are free.
     [[nodiscard]] bool cacheFull() const;
-    /// The file system of a spool took no more bytes; what is in memory is not lost.
+    /// A spool could not be written to its file; what was pushed is still in memory and can be popped.
     [[nodiscard]] bool writeFailed() const;
-    /// Bytes that must be free before a recording.
+    /// Bytes.
     [[nodiscard]] static std::uint64_t freeSpaceRequired() { return 10'737'418'240; }
+    /// For the user; says more than is asked for.
     [[nodiscard]] static QString descriptionOfFreeSpaceRequired();
-    /// Bytes; a recording stops when fewer are free.
+    /// Bytes.
     [[nodiscard]] static std::uint64_t limitSpaceForRecord() { return 1'073'741'824; }
-    /// What is asked for the free bytes of the cache volume, for tests; an empty one asks the file system.
+    /// For tests: asked for the number of free bytes in place of the file system. Before any other thread
+    /// uses the manager.
     void setFreeSpaceProbe(std::function<std::uint64_t()> probe) { m_freeSpaceProbe = std::move(probe); }
 
     /// No more data will come: ends the consumers' waits.
@@ -84,13 +93,16 @@ public:
     /// The recorded region in screen coordinates (y up).
     void setRecordRect(const QRectF &rect);
     [[nodiscard]] QRectF recordRect() const;
+    /// A rectangle of the display is recorded, not the whole.
     void setIsRecordPart(bool part) { _isRecordPart = part; }
     [[nodiscard]] bool isRecordPart() const { return _isRecordPart; }
     void setMuxerContext(std::shared_ptr<const PKMuxerContext> context);
     [[nodiscard]] std::shared_ptr<const PKMuxerContext> muxerContext() const;
 
+    /// Of the recorded region, truncated to whole pixels.
     [[nodiscard]] std::int64_t recordWidth() const;
     [[nodiscard]] std::int64_t recordHeight() const;
+    /// Of the movie: those of the region fitted into 1920 x 1080.
     [[nodiscard]] std::int64_t encodeWidth() const;
     [[nodiscard]] std::int64_t encodeHeight() const;
 
@@ -99,10 +111,20 @@ public:
     [[nodiscard]] static QString tempAudioPathfile();
 
 private:
+    /// The oldest block of a spool as an object, which is null for an unreadable block.
+    template<typename Object>
+    struct Taken {
+        bool wasEmpty = false; ///< there was no block
+        Object object {};
+    };
+
     [[nodiscard]] std::uint64_t freeBytes() const;
-    void countSkipped(const char *what);
-    [[nodiscard]] std::unique_ptr<VNBufferDiscr> takeRecord(bool &wasEmpty);
-    [[nodiscard]] std::optional<PKAudioRecorderData> takeChunk(bool &wasEmpty);
+    /// Calls \a take until it gives an object, or finds the spool empty and the exit flag up. \a kind names
+    /// the objects in the log.
+    template<typename Take>
+    [[nodiscard]] auto pop(Take take, QLatin1StringView kind);
+    [[nodiscard]] Taken<std::unique_ptr<VNBufferDiscr>> takeRecord();
+    [[nodiscard]] Taken<std::optional<PKAudioRecorderData>> takeChunk();
 
     SpoolStream m_video;
     SpoolStream m_audio;
