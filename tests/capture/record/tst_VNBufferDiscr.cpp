@@ -24,9 +24,10 @@ protected:
         return VNBufferDiscr::createWithScreenImage(grabOf(picture));
     }
 
-    static std::unique_ptr<VNBufferDiscr> throughArchive(const VNBufferDiscr &record)
+    /// Null where \a archive is none.
+    static std::unique_ptr<VNBufferDiscr> recordFrom(const QByteArray &archive)
     {
-        const auto unarchiver = KeyedUnarchiver::create(archivedData(record));
+        const auto unarchiver = KeyedUnarchiver::create(archive);
         return unarchiver ? VNBufferDiscr::createWithCoder(*unarchiver) : nullptr;
     }
 
@@ -49,6 +50,7 @@ TEST_F(BufferDiscrTest, ANewRecordHoldsThePointerOfTheMoment)
     m_display->setPointerPosition(QPoint(100, 30));
     m_display->setCursorShape(shape(0xff112233, { 3, 4 }));
     const auto made = record();
+    ASSERT_TRUE(made);
     EXPECT_EQ(made->mouseLocation(), QPointF(100.5, 200 - 30.5));
     const auto cursor = VNBufferDiscr::cusorAtIndex(made->cursorIndex());
     ASSERT_TRUE(cursor);
@@ -62,12 +64,17 @@ TEST_F(BufferDiscrTest, EqualCursorsShareOneEntry)
 {
     m_display->setCursorShape(shape(0xff445566, { 1, 1 }));
     const auto first = record();
+    ASSERT_TRUE(first);
     const std::uint64_t count = CursorTable::shared().count();
     m_display->setCursorShape(shape(0xff445566, { 1, 1 }));
-    EXPECT_EQ(record()->cursorIndex(), first->cursorIndex());
+    const auto second = record();
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->cursorIndex(), first->cursorIndex());
     EXPECT_EQ(CursorTable::shared().count(), count);
     m_display->setCursorShape(shape(0xff445566, { 2, 1 }));
-    EXPECT_EQ(record()->cursorIndex(), count);
+    const auto third = record();
+    ASSERT_TRUE(third);
+    EXPECT_EQ(third->cursorIndex(), count);
 }
 
 TEST_F(BufferDiscrTest, NoCursorStandsBehindTheLastOne)
@@ -89,9 +96,10 @@ TEST_F(BufferDiscrTest, TheArchiveKeepsEverything)
     m_display->setPointerPosition(QPoint(7, 8));
     const QImage picture = boxPicture({ 320, 200 }, qRgb(10, 200, 30), { 0, 0, 8, 8 }, 0);
     const auto made = record(picture);
+    ASSERT_TRUE(made);
     made->setBufferTimestamp(123'456'789'012);
     made->setDuration(3000);
-    const auto back = throughArchive(*made);
+    const auto back = recordFrom(archivedData(*made));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->timestamp(), 123'456'789'012U);
     EXPECT_EQ(back->duration(), 3000U);
@@ -105,7 +113,9 @@ TEST_F(BufferDiscrTest, TheArchiveKeepsEverything)
 
 TEST_F(BufferDiscrTest, TheKeysAreTheDocumentedOnes)
 {
-    const QCborMap map = QCborValue::fromCbor(archivedData(*record())).toMap();
+    const auto made = record();
+    ASSERT_TRUE(made);
+    const QCborMap map = QCborValue::fromCbor(archivedData(*made)).toMap();
     EXPECT_EQ(map.size(), 5);
     EXPECT_TRUE(map.value("mMouseLocation").isArray());
     EXPECT_TRUE(map.value("_duration").isInteger());
@@ -118,23 +128,27 @@ TEST_F(BufferDiscrTest, WithoutImageAndFrameOnlyTheScalarsAreWritten)
 {
     KeyedArchiver scalars;
     scalars.encodeInt64(QLatin1StringView("mTimestamp"), 42);
-    const auto bare = VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(scalars.bytes()));
+    const auto bare = recordFrom(scalars.bytes());
     ASSERT_TRUE(bare);
     EXPECT_EQ(bare->timestamp(), 42U);
     EXPECT_FALSE(bare->recordImage());
     const QCborMap map = QCborValue::fromCbor(archivedData(*bare)).toMap();
     EXPECT_EQ(map.size(), 4);
     EXPECT_FALSE(map.contains(QLatin1StringView("cgimage.jpegrep")));
-    EXPECT_FALSE(throughArchive(*bare)->recordImage());
+    const auto back = recordFrom(archivedData(*bare));
+    ASSERT_TRUE(back);
+    EXPECT_FALSE(back->recordImage());
 }
 
 TEST_F(BufferDiscrTest, ADamagedPictureIsNone)
 {
-    QCborMap map = QCborValue::fromCbor(archivedData(*record())).toMap();
+    const auto made = record();
+    ASSERT_TRUE(made);
+    QCborMap map = QCborValue::fromCbor(archivedData(*made)).toMap();
     QByteArray jpeg = map.value("cgimage.jpegrep").toByteArray();
     jpeg.truncate(jpeg.size() / 3);
     map[QStringLiteral("cgimage.jpegrep")] = jpeg;
-    const auto back = VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(map.toCborValue().toCbor()));
+    const auto back = recordFrom(map.toCborValue().toCbor());
     ASSERT_TRUE(back);
     EXPECT_FALSE(back->recordImage());
 }
@@ -142,10 +156,12 @@ TEST_F(BufferDiscrTest, ADamagedPictureIsNone)
 TEST_F(BufferDiscrTest, AComposedFrameIsArchivedWithIt)
 {
     const auto made = record();
+    ASSERT_TRUE(made);
     made->setBufferTimestamp(9);
     const auto frame = made->getVideoFrameWithLogoContext(nullptr, QRectF());
     ASSERT_TRUE(frame);
-    const auto back = throughArchive(*made);
+    const auto back = recordFrom(archivedData(*made));
+    ASSERT_TRUE(back);
     const auto restored = back->getVideoFrameWithLogoContext(nullptr, QRectF(5, 5, 1, 1));
     ASSERT_TRUE(restored);
     EXPECT_EQ(restored->timeStamp(), 9);

@@ -29,6 +29,13 @@ constexpr int greyLuma = 126;
 class FrameCompositionTest : public CaptureTest
 {
 protected:
+    /// Null where \a archive is none.
+    static std::unique_ptr<VNBufferDiscr> recordFrom(const QByteArray &archive)
+    {
+        const auto unarchiver = KeyedUnarchiver::create(archive);
+        return unarchiver ? VNBufferDiscr::createWithCoder(*unarchiver) : nullptr;
+    }
+
     /// A record of a grey display whose pointer is a white square.
     std::unique_ptr<VNBufferDiscr> recordAt(QPointF mouse, QSize display, QSize cursor, QPoint hotSpot)
     {
@@ -37,11 +44,12 @@ protected:
         m_display->setCursorShape({ shape, hotSpot });
         QImage picture(display, QImage::Format_RGB32);
         picture.fill(grey);
-        KeyedArchiver archiver;
-        VNBufferDiscr::createWithScreenImage(grabOf(picture))->encodeWithCoder(archiver);
-        QCborMap map = QCborValue::fromCbor(archiver.bytes()).toMap();
+        const auto record = VNBufferDiscr::createWithScreenImage(grabOf(picture));
+        if (!record)
+            return nullptr;
+        QCborMap map = QCborValue::fromCbor(archivedData(*record)).toMap();
         map[QStringLiteral("mMouseLocation")] = QCborArray { mouse.x(), mouse.y() };
-        return VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(map.toCborValue().toCbor()));
+        return recordFrom(map.toCborValue().toCbor());
     }
 
     static int lumaAt(const PKVideoFrame2 &frame, int x, int y)
@@ -61,9 +69,10 @@ protected:
     }
 
     /// The pointer's rectangle with the origin at its lower left, y up, as drawn into the composed frame.
-    static QRect drawnCursor(VNBufferDiscr &record, const QRectF &region)
+    static QRect drawnCursor(const std::unique_ptr<VNBufferDiscr> &record, const QRectF &region)
     {
-        const auto frame = record.getVideoFrameWithLogoContext(nullptr, region);
+        const auto frame = record ? record->getVideoFrameWithLogoContext(nullptr, region) : nullptr;
+        EXPECT_TRUE(frame);
         const QRect pixels = frame ? brightPixels(*frame) : QRect();
         if (pixels.isNull())
             return {};
@@ -76,22 +85,22 @@ protected:
 TEST_F(FrameCompositionTest, AFullDisplayCursorStandsAtItsHotSpot)
 {
     const auto record = recordAt({ 500, 400 }, { 800, 600 }, { 32, 32 }, { 4, 4 });
-    EXPECT_EQ(drawnCursor(*record, QRectF(0, 0, 800, 600)), QRect(496, 372, 32, 32));
+    EXPECT_EQ(drawnCursor(record, QRectF(0, 0, 800, 600)), QRect(496, 372, 32, 32));
 }
 
 TEST_F(FrameCompositionTest, ARegionsOriginIsTruncated)
 {
     const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
-    EXPECT_EQ(drawnCursor(*record, QRectF(100.7, 200.2, 640, 480)), QRect(200, 84, 16, 16));
+    EXPECT_EQ(drawnCursor(record, QRectF(100.7, 200.2, 640, 480)), QRect(200, 84, 16, 16));
 }
 
 TEST_F(FrameCompositionTest, AMouseOutsideTheRegionIsNotDrawn)
 {
     EXPECT_TRUE(
-        drawnCursor(*recordAt({ 50, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 }), QRectF(100, 200, 640, 480))
+        drawnCursor(recordAt({ 50, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 }), QRectF(100, 200, 640, 480))
             .isNull());
     EXPECT_TRUE(
-        drawnCursor(*recordAt({ 300, 199 }, { 640, 480 }, { 16, 16 }, { 0, 0 }), QRectF(100, 200, 640, 480))
+        drawnCursor(recordAt({ 300, 199 }, { 640, 480 }, { 16, 16 }, { 0, 0 }), QRectF(100, 200, 640, 480))
             .isNull());
 }
 
@@ -99,7 +108,7 @@ TEST_F(FrameCompositionTest, LeftAndBottomEdgesBelongToTheRegionRightAndTopDoNot
 {
     const QRectF region(100, 200, 640, 480);
     const auto drawn = [&](QPointF mouse) {
-        return !drawnCursor(*recordAt(mouse, { 640, 480 }, { 16, 16 }, { 8, 8 }), region).isNull();
+        return !drawnCursor(recordAt(mouse, { 640, 480 }, { 16, 16 }, { 8, 8 }), region).isNull();
     };
     EXPECT_TRUE(drawn({ 100, 300 }));
     EXPECT_FALSE(drawn({ 740, 300 }));
@@ -111,7 +120,7 @@ TEST_F(FrameCompositionTest, LeftAndBottomEdgesBelongToTheRegionRightAndTopDoNot
 TEST_F(FrameCompositionTest, AnEmptyRegionAlwaysDrawsWithoutOffset)
 {
     const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
-    EXPECT_EQ(drawnCursor(*record, QRectF()), QRect(30, 24, 16, 16));
+    EXPECT_EQ(drawnCursor(record, QRectF()), QRect(30, 24, 16, 16));
 }
 
 TEST_F(FrameCompositionTest, AnEmptyRegionWithAnOriginDrawsWithoutOffset)
@@ -120,14 +129,14 @@ TEST_F(FrameCompositionTest, AnEmptyRegionWithAnOriginDrawsWithoutOffset)
     for (const QRectF &region :
          { QRectF(100.7, 200.2, 0, 0), QRectF(100, 200, 640, 0), QRectF(100, 200, 0, 480) }) {
         const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
-        EXPECT_EQ(drawnCursor(*record, region), QRect(30, 40 - 16, 16, 16));
+        EXPECT_EQ(drawnCursor(record, region), QRect(30, 40 - 16, 16, 16));
     }
 }
 
 TEST_F(FrameCompositionTest, ANegativeOriginIsTruncatedTowardsZero)
 {
     const auto record = recordAt({ 30, 40 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
-    EXPECT_EQ(drawnCursor(*record, QRectF(-10.7, -20.2, 640, 480)), QRect(30 + 10, 40 + 20 - 16, 16, 16));
+    EXPECT_EQ(drawnCursor(record, QRectF(-10.7, -20.2, 640, 480)), QRect(30 + 10, 40 + 20 - 16, 16, 16));
 }
 
 /// It stands on the screen, and so in the picture already.
@@ -143,6 +152,7 @@ TEST_F(FrameCompositionTest, ALogoIsNotDrawnOnceMore)
     for (const bool isOn : { false, true }) {
         logo.setLogoValidate(isOn);
         const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+        ASSERT_TRUE(record);
         const auto frame = record->getVideoFrameWithLogoContext(&logo, region);
         ASSERT_TRUE(frame);
         // White where the pointer is, the grey of the desktop everywhere else.
@@ -161,23 +171,29 @@ TEST_F(FrameCompositionTest, APointerPixelIsHitExactly)
 {
     // As a grab stores it: the middle of the pixel at (10, 3) from the top left of a display 480 high.
     const auto record = recordAt({ 10.5, 480 - 3.5 }, { 640, 480 }, { 16, 16 }, { 2, 1 });
+    ASSERT_TRUE(record);
     const auto frame = record->getVideoFrameWithLogoContext(nullptr, QRectF(0, 0, 640, 480));
+    ASSERT_TRUE(frame);
     EXPECT_EQ(brightPixels(*frame), QRect(8, 2, 16, 16));
 }
 
 TEST_F(FrameCompositionTest, ACursorReachesOverTheEdge)
 {
     const auto record = recordAt({ 0.5, 479.5 }, { 640, 480 }, { 16, 16 }, { 8, 8 });
+    ASSERT_TRUE(record);
     const auto frame = record->getVideoFrameWithLogoContext(nullptr, QRectF(0, 0, 640, 480));
+    ASSERT_TRUE(frame);
     EXPECT_EQ(brightPixels(*frame), QRect(0, 0, 8, 8));
 }
 
 TEST_F(FrameCompositionTest, TheSecondCallGivesTheVeryFrame)
 {
     const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+    ASSERT_TRUE(record);
     record->setBufferTimestamp(1234);
     record->setDuration(3000);
     const auto frame = record->getVideoFrameWithLogoContext(nullptr, QRectF());
+    ASSERT_TRUE(frame);
     EXPECT_EQ(frame->timeStamp(), 1234);
     EXPECT_EQ(frame->duration(), 3000);
     record->setDuration(7);
@@ -188,27 +204,33 @@ TEST_F(FrameCompositionTest, TheSecondCallGivesTheVeryFrame)
 TEST_F(FrameCompositionTest, ACursorOfAnotherProcessIsLeftOut)
 {
     const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+    ASSERT_TRUE(record);
     QCborMap map = QCborValue::fromCbor(archivedData(*record)).toMap();
     map[QStringLiteral("_cursorIndex")] = 1'000'000;
-    const auto foreign = VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(map.toCborValue().toCbor()));
-    EXPECT_TRUE(drawnCursor(*foreign, QRectF()).isNull());
+    const auto foreign = recordFrom(map.toCborValue().toCbor());
+    EXPECT_TRUE(drawnCursor(foreign, QRectF()).isNull());
 }
 
 TEST_F(FrameCompositionTest, HostileMouseLocationsAreSurvived)
 {
     for (const double value : { 1e300, -1e300, std::nan(""), std::numeric_limits<double>::infinity() }) {
         const auto record = recordAt({ value, value }, { 64, 48 }, { 16, 16 }, { 0, 0 });
+        ASSERT_TRUE(record);
         EXPECT_TRUE(record->getVideoFrameWithLogoContext(nullptr, QRectF()));
     }
 }
 
 TEST_F(FrameCompositionTest, LargePicturesAreFittedAndOddOnesPadded)
 {
-    const auto large = recordAt({ 0, 0 }, { 2560, 1440 }, { 1, 1 }, { 0, 0 })
-                           ->getVideoFrameWithLogoContext(nullptr, QRectF(1, 1, 1, 1));
+    const auto frameOf = [this](QSize display) {
+        const auto record = recordAt({ 0, 0 }, display, { 1, 1 }, { 0, 0 });
+        return record ? record->getVideoFrameWithLogoContext(nullptr, QRectF(1, 1, 1, 1)) : nullptr;
+    };
+    const auto large = frameOf({ 2560, 1440 });
+    ASSERT_TRUE(large);
     EXPECT_EQ(QSize(large->displayWidth(), large->displayHeight()), QSize(1920, 1080));
-    const auto odd = recordAt({ 0, 0 }, { 641, 361 }, { 1, 1 }, { 0, 0 })
-                         ->getVideoFrameWithLogoContext(nullptr, QRectF(1, 1, 1, 1));
+    const auto odd = frameOf({ 641, 361 });
+    ASSERT_TRUE(odd);
     EXPECT_EQ(QSize(odd->displayWidth(), odd->displayHeight()), QSize(641, 361));
     EXPECT_EQ(QSize(odd->codeWidth(), odd->codeHeight()), QSize(642, 362));
     EXPECT_EQ(lumaAt(*odd, 641, 361), greyLuma);
@@ -217,7 +239,8 @@ TEST_F(FrameCompositionTest, LargePicturesAreFittedAndOddOnesPadded)
 TEST_F(FrameCompositionTest, ARecordWithoutPictureHasNoFrame)
 {
     KeyedArchiver nothing;
-    const auto bare = VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(nothing.bytes()));
+    const auto bare = recordFrom(nothing.bytes());
+    ASSERT_TRUE(bare);
     EXPECT_FALSE(bare->getVideoFrameWithLogoContext(nullptr, QRectF()));
 }
 
@@ -230,10 +253,13 @@ protected:
     {
         m_display->setPointerPosition(pointer);
         const auto record = VNBufferDiscr::createWithScreenImage(grabOf(picture));
+        if (!record)
+            return nullptr;
         record->setBufferTimestamp(m_time += 3000);
         KeyedArchiver archiver;
         record->encodeWithCoder(archiver, m_pictures);
-        return VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(archiver.bytes()), m_picturesBack);
+        const auto unarchiver = KeyedUnarchiver::create(archiver.bytes());
+        return unarchiver ? VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack) : nullptr;
     }
 
     static QByteArray planes(const PKVideoFrame2 &frame)
@@ -248,10 +274,14 @@ protected:
     }
 
     /// Composes \a record with the running composer, and compares with a composer that knows nothing.
-    std::shared_ptr<PKVideoFrame2> composeAndCompare(const VNBufferDiscr &record, const QRectF &region = {})
+    std::shared_ptr<PKVideoFrame2> composeAndCompare(const std::unique_ptr<VNBufferDiscr> &record,
+                                                     const QRectF &region = {})
     {
-        auto frame = m_composer.compose(record, region);
-        const auto afresh = FrameComposer().compose(record, region);
+        EXPECT_TRUE(record);
+        if (!record)
+            return nullptr;
+        auto frame = m_composer.compose(*record, region);
+        const auto afresh = FrameComposer().compose(*record, region);
         EXPECT_TRUE(frame && afresh);
         if (frame && afresh) {
             EXPECT_EQ(planes(*frame), planes(*afresh));
@@ -270,11 +300,14 @@ TEST_F(ComposerTest, WhatIsEqualIsShared)
     m_display->setCursorShape(
         { noisePicture({ 16, 16 }, 9).convertToFormat(QImage::Format_ARGB32_Premultiplied), {} });
     const QImage picture = noisePicture({ 333, 211 }, 1);
-    const auto first = composeAndCompare(*spooled(picture, { 50, 60 }));
-    const auto second = composeAndCompare(*spooled(picture, { 50, 60 }));
+    const auto first = composeAndCompare(spooled(picture, { 50, 60 }));
+    ASSERT_TRUE(first);
+    const auto second = composeAndCompare(spooled(picture, { 50, 60 }));
+    ASSERT_TRUE(second);
     EXPECT_TRUE(second->sharesPixelsWith(*first));
     EXPECT_NE(second, first);
-    const auto moved = composeAndCompare(*spooled(picture, { 51, 60 }));
+    const auto moved = composeAndCompare(spooled(picture, { 51, 60 }));
+    ASSERT_TRUE(moved);
     EXPECT_FALSE(moved->sharesPixelsWith(*first));
 }
 
@@ -287,19 +320,18 @@ TEST_F(ComposerTest, AWanderingPointerOverAChangingPictureLeavesNoTrace)
         if (step % 3 == 0)
             picture.setPixel(step * 7 % 333, step * 31 % 211, qRgb(step, 255 - step, 77));
         const QPoint pointer(step * 37 % 400 - 20, step * 53 % 260 - 20);
-        composeAndCompare(*spooled(picture, pointer), QRectF(0, 0, 333, 211));
+        composeAndCompare(spooled(picture, pointer), QRectF(0, 0, 333, 211));
     }
 }
 
 TEST_F(ComposerTest, ADamagedPictureInTheMiddleHurtsNoOther)
 {
     const QImage first = noisePicture({ 100, 60 }, 1);
-    composeAndCompare(*spooled(first, {}));
+    composeAndCompare(spooled(first, {}));
     KeyedArchiver damaged;
     damaged.encodeData(pictureKey, "damaged");
-    EXPECT_FALSE(
-        m_composer.compose(*VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(damaged.bytes())), {}));
-    composeAndCompare(*spooled(noisePicture({ 100, 60 }, 2), {}));
+    EXPECT_FALSE(m_composer.compose(*recordFrom(damaged.bytes()), {}));
+    composeAndCompare(spooled(noisePicture({ 100, 60 }, 2), {}));
 }
 
 TEST_F(ComposerTest, ARecordWithoutPictureInTheMiddleLeavesNoPointer)
@@ -308,20 +340,21 @@ TEST_F(ComposerTest, ARecordWithoutPictureInTheMiddleLeavesNoPointer)
         { noisePicture({ 16, 16 }, 9).convertToFormat(QImage::Format_ARGB32_Premultiplied), {} });
     const QImage picture = noisePicture({ 100, 60 }, 1);
     const QRectF region(0, 0, 100, 60);
-    const auto withPointer = composeAndCompare(*spooled(picture, { 50, 30 }), region);
+    const auto withPointer = composeAndCompare(spooled(picture, { 50, 30 }), region);
+    ASSERT_TRUE(withPointer);
     KeyedArchiver nothing;
-    EXPECT_FALSE(m_composer.compose(
-        *VNBufferDiscr::createWithCoder(*KeyedUnarchiver::create(nothing.bytes())), region));
-    const auto pointerOutside = composeAndCompare(*spooled(picture, { 250, 30 }), region);
+    EXPECT_FALSE(m_composer.compose(*recordFrom(nothing.bytes()), region));
+    const auto pointerOutside = composeAndCompare(spooled(picture, { 250, 30 }), region);
+    ASSERT_TRUE(pointerOutside);
     EXPECT_NE(planes(*pointerOutside), planes(*withPointer));
 }
 
 TEST_F(ComposerTest, SizesMayChangeAndScaledFramesFollow)
 {
-    composeAndCompare(*spooled(noisePicture({ 100, 60 }, 1), {}));
-    composeAndCompare(*spooled(noisePicture({ 2000, 1200 }, 2), { 50, 50 }));
-    composeAndCompare(*spooled(noisePicture({ 2000, 1200 }, 2), { 60, 50 }));
-    composeAndCompare(*spooled(noisePicture({ 120, 60 }, 1), {}));
+    composeAndCompare(spooled(noisePicture({ 100, 60 }, 1), {}));
+    composeAndCompare(spooled(noisePicture({ 2000, 1200 }, 2), { 50, 50 }));
+    composeAndCompare(spooled(noisePicture({ 2000, 1200 }, 2), { 60, 50 }));
+    composeAndCompare(spooled(noisePicture({ 120, 60 }, 1), {}));
 }
 
 } // namespace
