@@ -114,8 +114,8 @@ QByteArray KeyedArchiver::bytes()
     return m_bytes;
 }
 
-KeyedUnarchiver::KeyedUnarchiver(QCborMap map)
-    : m_map(std::move(map))
+KeyedUnarchiver::KeyedUnarchiver(const QCborMap &map)
+    : m_map(map)
 {
 }
 

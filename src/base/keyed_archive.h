@@ -86,7 +86,7 @@ public:
     [[nodiscard]] std::optional<KeyedUnarchiver> decodeObject(QLatin1StringView key) const;
 
 private:
-    explicit KeyedUnarchiver(QCborMap map);
+    explicit KeyedUnarchiver(const QCborMap &map);
 
     QCborMap m_map;
 };
