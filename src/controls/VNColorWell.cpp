@@ -3,6 +3,7 @@
 #include "controls/color_panel.h"
 #include "controls/mouse_button.h"
 #include "controls/painted_control_access.h"
+#include "controls/press_keys.h"
 #include "controls/skin_painting.h"
 #include "controls/skin_pictures.h"
 
@@ -119,26 +120,10 @@ void VNColorWell::mouseReleaseEvent(QMouseEvent * /*event*/)
 
 void VNColorWell::keyPressEvent(QKeyEvent *event)
 {
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Select:
-    case Qt::Key_Enter:
-    case Qt::Key_Return:
+    if (isPressKey(*event))
         popUp();
-        break;
-    default:
+    else
         event->ignore();
-    }
-}
-
-void VNColorWell::focusInEvent(QFocusEvent * /*event*/)
-{
-    update();
-}
-
-void VNColorWell::focusOutEvent(QFocusEvent * /*event*/)
-{
-    update();
 }
 
 QSize VNColorWell::sizeHint() const

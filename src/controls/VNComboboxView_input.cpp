@@ -146,16 +146,6 @@ void VNComboboxView::wheelEvent(QWheelEvent *event)
     event->accept();
 }
 
-void VNComboboxView::focusInEvent(QFocusEvent * /*event*/)
-{
-    update();
-}
-
-void VNComboboxView::focusOutEvent(QFocusEvent * /*event*/)
-{
-    update();
-}
-
 void VNComboboxView::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);

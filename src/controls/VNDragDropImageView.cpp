@@ -3,6 +3,7 @@
 #include "controls/painted_control_access.h"
 #include "controls/picture_data.h"
 #include "controls/picture_file.h"
+#include "controls/press_keys.h"
 #include "controls/skin_colors.h"
 #include "controls/skin_painting.h"
 
@@ -225,16 +226,10 @@ void VNDragDropImageView::mousePressEvent(QMouseEvent *event)
 
 void VNDragDropImageView::keyPressEvent(QKeyEvent *event)
 {
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Select:
-    case Qt::Key_Enter:
-    case Qt::Key_Return:
+    if (isPressKey(*event))
         popUp();
-        break;
-    default:
+    else
         event->ignore();
-    }
 }
 
 void VNDragDropImageView::dragEnterEvent(QDragEnterEvent *event)
@@ -260,16 +255,6 @@ void VNDragDropImageView::dropEvent(QDropEvent *event)
     const bool done = prepareForDragOperation(*event) && performDragOperation(*event);
     event->setDropAction(done ? Qt::CopyAction : Qt::IgnoreAction);
     event->setAccepted(done);
-}
-
-void VNDragDropImageView::focusInEvent(QFocusEvent * /*event*/)
-{
-    update();
-}
-
-void VNDragDropImageView::focusOutEvent(QFocusEvent * /*event*/)
-{
-    update();
 }
 
 QSize VNDragDropImageView::sizeHint() const

@@ -189,7 +189,7 @@ TEST_F(ColorWell, OnlyThePrimaryButtonPresses)
 TEST_F(ColorWell, KeysPressIt)
 {
     show();
-    for (const Qt::Key key : { Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter }) {
+    for (const Qt::Key key : { Qt::Key_Space, Qt::Key_Select, Qt::Key_Return, Qt::Key_Enter }) {
         ColorPanel::shared().hide();
         QTest::keyClick(&well, key);
         EXPECT_TRUE(ColorPanel::shared().isVisible()) << key;
@@ -203,8 +203,12 @@ TEST_F(ColorWell, TabStopsHereAndTheFocusIsVisible)
 {
     show();
     well.setFocus();
+    PaintCounter left(well);
+    PaintCounter reached(other);
     QTest::keyClick(&well, Qt::Key_Tab);
     ASSERT_TRUE(other.hasFocus());
+    EXPECT_GT(left.paints(), 0);
+    EXPECT_GT(reached.paints(), 0);
     EXPECT_EQ(at(painted(other, 1), 50, 0), skin::focus());
     EXPECT_NE(at(painted(well, 1), 50, 0), skin::focus());
 }
