@@ -17,7 +17,7 @@ constexpr double buttonSide = 28;
 constexpr double textMargin = 8;
 constexpr double textGap = 4; ///< before the button
 constexpr double focusRadius = 4;
-constexpr int leastTextWidth = 24;
+constexpr int minTextWidth = 24;
 
 } // namespace
 
@@ -74,7 +74,7 @@ void VNComboBoxCell::childEvent(QChildEvent *event)
 
 QSize VNComboBoxCell::sizeHint() const
 {
-    double widest = leastTextWidth;
+    double widest = minTextWidth;
     for (int index = 0; index < count(); ++index)
         widest = std::max(widest, skinTextWidth({ .text = itemText(index), .font = font(), .color = {} }));
     return { static_cast<int>(textMargin + widest + textGap + buttonSide), skinFieldHeight };
@@ -82,7 +82,7 @@ QSize VNComboBoxCell::sizeHint() const
 
 QSize VNComboBoxCell::minimumSizeHint() const
 {
-    return { static_cast<int>(textMargin + leastTextWidth + textGap + buttonSide), skinFieldHeight };
+    return { static_cast<int>(textMargin + minTextWidth + textGap + buttonSide), skinFieldHeight };
 }
 
 } // namespace vornic

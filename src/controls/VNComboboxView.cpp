@@ -23,9 +23,9 @@ namespace {
 
 constexpr double focusRadius = 4;
 constexpr int fontSize = 13;
-constexpr int leastTextWidth = 60;
+constexpr int minTextWidth = 60;
 /// What the view asks for at most, in heights of its font: names of devices may be longer than a window.
-constexpr int usualTextWidth = 24;
+constexpr int maxTextWidth = 24;
 
 /// The first family where it is installed, else the application's.
 QFont titleFont()
@@ -210,12 +210,12 @@ void VNComboboxView::paintEvent(QPaintEvent * /*event*/)
 
 QSize VNComboboxView::sizeHint() const
 {
-    double widest = leastTextWidth;
+    double widest = minTextWidth;
     for (const QAction *item : mPopupMenu->actions())
         widest = std::max(widest,
                           skinTextWidth({ .text = item->data().toString(), .font = font(), .color = {} }));
-    const int aroundText = minimumSizeHint().width() - leastTextWidth;
-    return { aroundText + static_cast<int>(std::min(widest, double(usualTextWidth * fontInfo().pixelSize()))),
+    const int aroundText = minimumSizeHint().width() - minTextWidth;
+    return { aroundText + static_cast<int>(std::min(widest, double(maxTextWidth * fontInfo().pixelSize()))),
              skinFieldHeight };
 }
 
@@ -223,7 +223,7 @@ QSize VNComboboxView::minimumSizeHint() const
 {
     const QRectF wide(0, 0, 1000, skinFieldHeight);
     const double aroundText = wide.width() - popupTextRect(wide).width();
-    return { static_cast<int>(aroundText) + leastTextWidth, skinFieldHeight };
+    return { static_cast<int>(aroundText) + minTextWidth, skinFieldHeight };
 }
 
 } // namespace vornic

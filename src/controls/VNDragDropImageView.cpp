@@ -21,8 +21,8 @@ namespace {
 constexpr double cornerRadius = 4;
 constexpr double pictureInset = 4;
 constexpr double highlightWidth = 5;
-constexpr QSize usualSize(120, 80);
-constexpr QSize leastSize(48, 48);
+constexpr QSize defaultSize(120, 80);
+constexpr QSize minSize(48, 48);
 
 /// Of the pixels that are dragged, or of the first of the files.
 QImage pictureFrom(const QMimeData *pasteboard)
@@ -259,12 +259,12 @@ void VNDragDropImageView::dropEvent(QDropEvent *event)
 
 QSize VNDragDropImageView::sizeHint() const
 {
-    return usualSize;
+    return defaultSize;
 }
 
 QSize VNDragDropImageView::minimumSizeHint() const
 {
-    return leastSize;
+    return minSize;
 }
 
 } // namespace vornic

@@ -20,9 +20,9 @@ constexpr double knobSide = 18;
 constexpr double trackHeight = 5;
 constexpr double capWidth = 4;
 constexpr double knobBorder = 4; ///< what the knob covers at the height of the track, besides its margin
-constexpr int usualHeight = 20;
-constexpr int leastWidth = 60;
-constexpr int usualWidth = 160;
+constexpr int defaultHeight = 20;
+constexpr int minWidth = 60;
+constexpr int defaultWidth = 160;
 
 QString variant(const char *name, bool isEnabled)
 {
@@ -159,12 +159,12 @@ void VNSliderCell::mousePressEvent(QMouseEvent *event)
 
 QSize VNSliderCell::sizeHint() const
 {
-    return { usualWidth, usualHeight };
+    return { defaultWidth, defaultHeight };
 }
 
 QSize VNSliderCell::minimumSizeHint() const
 {
-    return { leastWidth, usualHeight };
+    return { minWidth, defaultHeight };
 }
 
 } // namespace vornic

@@ -19,7 +19,7 @@ constexpr double cornerRadius = 4.5;
 constexpr QSize wholeSize(23, 30);
 
 /// A rectangle in \a frame, from y up to y down.
-QRectF turnedOver(const QRectF &rectangle, const QRectF &frame)
+QRectF flipped(const QRectF &rectangle, const QRectF &frame)
 {
     return { QPointF(rectangle.x(), frame.top() + frame.bottom() - rectangle.bottom()), rectangle.size() };
 }
@@ -38,12 +38,12 @@ QRectF stepDownPosition(const QRectF &frame)
 
 QRectF stepUpRect(const QRectF &frame)
 {
-    return turnedOver(stepUpPosition(frame), frame);
+    return flipped(stepUpPosition(frame), frame);
 }
 
 QRectF stepDownRect(const QRectF &frame)
 {
-    return turnedOver(stepDownPosition(frame), frame);
+    return flipped(stepDownPosition(frame), frame);
 }
 
 void paintStepper(QPainter &painter, const QRectF &frame, bool isEnabled)

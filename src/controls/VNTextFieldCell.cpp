@@ -18,7 +18,7 @@ namespace {
 constexpr double capWidth = 4;
 constexpr double textMargin = 8;
 constexpr double focusRadius = 4;
-constexpr int leastWidth = 44;
+constexpr int minWidth = 44;
 
 /// The line in the middle of \a rectangle, on whole points as the toolkit's editor has it, so that the text
 /// stands still when editing begins.
@@ -83,7 +83,7 @@ QSize VNTextFieldCell::sizeHint() const
 QSize VNTextFieldCell::minimumSizeHint() const
 {
     const double hint = skinTextWidth({ .text = placeholderText(), .font = font(), .color = {} });
-    return { std::max(leastWidth, static_cast<int>(hint + 2 * textMargin)), skinFieldHeight };
+    return { std::max(minWidth, static_cast<int>(hint + 2 * textMargin)), skinFieldHeight };
 }
 
 } // namespace vornic

@@ -45,7 +45,7 @@ QSize buttonSize(const ButtonMetrics &metrics, double pictureSide, const SkinTex
     const double gap = pictureSide > 0 && textWidth > 0 ? metrics.gap : 0;
     const double width = 2 * metrics.margin + pictureSide + gap + textWidth;
     const double height = QFontMetricsF(text.font).height() + 2 * textMarginAbove;
-    return { std::max(metrics.leastWidth, static_cast<int>(std::ceil(width))),
+    return { std::max(metrics.minWidth, static_cast<int>(std::ceil(width))),
              std::max(metrics.height, static_cast<int>(std::ceil(height))) };
 }
 

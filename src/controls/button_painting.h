@@ -16,7 +16,7 @@ namespace vornic {
 /// In points.
 struct ButtonMetrics {
     int height = 0; ///< at least; a tall font makes it higher
-    int leastWidth = 0;
+    int minWidth = 0;
     double margin = 0; ///< left and right of the contents, at least
     double gap = 0;    ///< between picture and text
     double radius = 0; ///< of the corners

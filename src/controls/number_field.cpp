@@ -18,7 +18,7 @@ namespace {
 /// Of the arrows, which are two points higher than the field.
 constexpr int wholeHeight = 30;
 constexpr int stepperWidth = 19;
-constexpr int leastTextWidth = 24;
+constexpr int minTextWidth = 24;
 /// For the insertion point after the last digit.
 constexpr int textSlack = 4;
 
@@ -64,7 +64,7 @@ void NumberField::wheelEvent(QWheelEvent *event)
 
 QSize NumberField::sizeHint() const
 {
-    double widest = leastTextWidth;
+    double widest = minTextWidth;
     for (const double number : { minimum(), maximum() })
         widest = std::max(
             widest,

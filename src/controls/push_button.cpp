@@ -11,7 +11,7 @@ namespace vornic {
 namespace {
 
 constexpr ButtonMetrics metrics {
-    .height = skinFieldHeight, .leastWidth = 72, .margin = 14, .gap = 6, .radius = 4
+    .height = skinFieldHeight, .minWidth = 72, .margin = 14, .gap = 6, .radius = 4
 };
 
 constexpr double disabledOpacity = 0.4;

@@ -10,7 +10,7 @@ namespace vornic {
 
 namespace {
 
-constexpr ButtonMetrics metrics { .height = 44, .leastWidth = 160, .margin = 24, .gap = 10, .radius = 6 };
+constexpr ButtonMetrics metrics { .height = 44, .minWidth = 160, .margin = 24, .gap = 10, .radius = 6 };
 constexpr double discSide = 14;
 constexpr double larger = 1.2;
 

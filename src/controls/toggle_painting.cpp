@@ -17,7 +17,7 @@ namespace {
 
 constexpr double gap = 4;
 constexpr double textHeight = 15;
-constexpr double minimumHeight = 20;
+constexpr double minHeight = 20;
 
 SkinText titleOf(const QAbstractButton &button)
 {
@@ -76,7 +76,7 @@ QRectF toggleHitRect(const QAbstractButton &button, const ToggleSkin &skin)
 QSize toggleSize(const QAbstractButton &button, const ToggleSkin &skin)
 {
     const double height = std::ceil(QFontMetricsF(button.font()).height()) + 1;
-    return QSizeF(contentsWidth(button, skin), std::max(minimumHeight, height)).toSize();
+    return QSizeF(contentsWidth(button, skin), std::max(minHeight, height)).toSize();
 }
 
 void paintToggle(QPainter &painter, const ToggleLook &look)

@@ -29,8 +29,8 @@ qint64 truncatedToInt64(float value)
 /// \a value in single precision; what is beyond it, where a conversion would be undefined, at its limit.
 float narrowed(double value)
 {
-    constexpr double most = std::numeric_limits<float>::max();
-    return static_cast<float>(std::clamp(value, -most, most));
+    constexpr double maximum = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(value, -maximum, maximum));
 }
 
 /// The picture's pixels in the format that is drawn fastest, at one pixel a point.

@@ -13,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 mostPicturePixels = 8192LL * 4096;
-constexpr double mostFontSize = 10000;
+constexpr qint64 maxPicturePixels = 8192LL * 4096;
+constexpr double maxFontSize = 10000;
 
 int colorComponent(const KeyedUnarchiver &unarchiver, QLatin1StringView key)
 {
@@ -32,9 +32,9 @@ bool setStoredSize(QFont &font, const KeyedUnarchiver &stored)
 {
     const std::int32_t pixels = stored.decodeInt32("pixelSize"_L1);
     const double points = stored.decodeDouble("pointSize"_L1);
-    if (pixels > 0 && pixels <= mostFontSize)
+    if (pixels > 0 && pixels <= maxFontSize)
         font.setPixelSize(pixels);
-    else if (points > 0 && points <= mostFontSize)
+    else if (points > 0 && points <= maxFontSize)
         font.setPointSizeF(points);
     else
         return false;
@@ -124,7 +124,7 @@ QImage decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key)
     QImageReader reader(&buffer, "png");
     reader.setAutoDetectImageFormat(false);
     const QSize size = reader.size();
-    if (size.isEmpty() || qint64 { size.width() } * size.height() > mostPicturePixels)
+    if (size.isEmpty() || qint64 { size.width() } * size.height() > maxPicturePixels)
         return {};
     return reader.read();
 }

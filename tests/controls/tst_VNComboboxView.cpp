@@ -331,7 +331,7 @@ TEST_F(ComboboxView, KeysChooseAtOnce)
 
 TEST_F(ComboboxView, TypingFindsATitle)
 {
-    const int usualInterval = QApplication::keyboardInputInterval();
+    const int standardInterval = QApplication::keyboardInputInterval();
     const auto typeAfterAPause = [&](const QString &text) {
         QApplication::setKeyboardInputInterval(0);
         QTest::qWait(5);
@@ -350,7 +350,7 @@ TEST_F(ComboboxView, TypingFindsATitle)
     EXPECT_FALSE(view.menu().isVisible()) << "a space in the middle of typing is part of the title";
     typeAfterAPause(QStringLiteral("x"));
     EXPECT_EQ(view.stringValue(), "Low & small");
-    QApplication::setKeyboardInputInterval(usualInterval);
+    QApplication::setKeyboardInputInterval(standardInterval);
 }
 
 TEST_F(ComboboxView, KeysOpenTheMenu)

@@ -13,7 +13,7 @@
 namespace vornic {
 namespace {
 
-constexpr ButtonMetrics metrics { .height = 28, .leastWidth = 72, .margin = 14, .gap = 6, .radius = 4 };
+constexpr ButtonMetrics metrics { .height = 28, .minWidth = 72, .margin = 14, .gap = 6, .radius = 4 };
 
 TEST(ButtonContents, PictureAndTextAreInTheMiddleTogether)
 {
