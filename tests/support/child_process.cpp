@@ -1,5 +1,7 @@
 #include "support/child_process.h"
 
+#include "support/wait_until.h"
+
 #include <QByteArray>
 #include <QList>
 
@@ -11,7 +13,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <thread>
 #include <vector>
 
 namespace vornic::test {
@@ -111,14 +112,10 @@ int ChildProcess::wait()
 
 void ChildProcess::stop(int signalNumber)
 {
-    using namespace std::chrono_literals;
     if (!isRunning())
         return;
     kill(m_pid, signalNumber);
-    const auto deadline = std::chrono::steady_clock::now() + 5s;
-    while (isRunning() && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(2ms);
-    if (isRunning()) {
+    if (!waitUntil([this] { return !isRunning(); }, std::chrono::seconds(5))) {
         kill(m_pid, SIGKILL);
         reap(true);
     }

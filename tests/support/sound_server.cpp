@@ -1,5 +1,7 @@
 #include "support/sound_server.h"
 
+#include "support/wait_until.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
@@ -9,11 +11,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <thread>
 
 namespace vornic::test {
 
@@ -112,15 +112,10 @@ bool SoundServer::launch()
         m_processes.push_back(ChildProcess::start(silenced + optionsOf(program), environment()));
         // Each finds the one before through its socket.
         const QString socket = path(program == "dbus-daemon" ? "bus" : "pipewire-0");
-        for (int i = 0; m_kind == Kind::PipeWire && i < 100 && !QFile::exists(socket); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        if (m_kind == Kind::PipeWire && !waitUntil([&] { return QFile::exists(socket); }))
+            return false;
     }
-    for (int i = 0; i < 200; ++i) {
-        if (!pactl({ "info" }).isEmpty())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return false;
+    return waitUntil([this] { return !pactl({ "info" }).isEmpty(); });
 }
 
 void SoundServer::kill()
@@ -204,8 +199,9 @@ void SoundServer::rename(const QString &name, const QString &description)
                                     .toUtf8();
         static_cast<void>(::write(socketNumber, line.constData(), static_cast<std::size_t>(line.size())));
         // It does not say when it has done so.
-        for (int i = 0; i < 100 && !pactl({ "list", "sources" }).contains("Description: " + description); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        static_cast<void>(waitUntil([&] {
+            return pactl({ "list", "sources" }).contains("Description: " + description);
+        }));
     }
     ::close(socketNumber);
 }

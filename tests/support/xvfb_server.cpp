@@ -1,15 +1,15 @@
 #include "support/xvfb_server.h"
 
+#include "support/wait_until.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <thread>
 #include <utility>
 
 namespace vornic::test {
@@ -86,14 +86,8 @@ private:
 /// \a process once \a isUp; null when it ends or takes too long.
 std::unique_ptr<ChildProcess> onceUp(std::unique_ptr<ChildProcess> process, const std::function<bool()> &isUp)
 {
-    using namespace std::chrono_literals;
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (process && process->isRunning() && std::chrono::steady_clock::now() < deadline) {
-        if (isUp())
-            return process;
-        std::this_thread::sleep_for(5ms);
-    }
-    return nullptr;
+    const bool hasDecided = process && waitUntil([&] { return isUp() || !process->isRunning(); });
+    return hasDecided && process->isRunning() ? std::move(process) : nullptr;
 }
 
 } // namespace
