@@ -64,14 +64,8 @@ protected:
     }
     static QString xdotoolUntil(const QStringList &arguments)
     {
-        QElapsedTimer timer;
-        timer.start();
         QString found;
-        while (found.isEmpty() && timer.elapsed() < 20'000) {
-            found = xdotool(arguments);
-            if (found.isEmpty())
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
+        test::waitUntil([&] { return !(found = xdotool(arguments)).isEmpty(); });
         return found.split('\n').last();
     }
     void key(const QString &window, const QString &keys) const
@@ -79,17 +73,15 @@ protected:
         xdotool({ "windowfocus", "--sync", window });
         xdotool({ "key", "--clearmodifiers", keys });
     }
-    /// The window that has the keyboard in place of \a window, once there is one; empty after 20 s.
-    static QString waitForOtherActiveWindow(const QString &window)
+    /// The window that has the keyboard and is none of \a others, once there is one; empty after 20 s.
+    static QString waitForActiveWindowBut(const QStringList &others)
     {
-        QElapsedTimer timer;
-        timer.start();
-        QString active = window;
-        while ((active == window || active.isEmpty()) && timer.elapsed() < 20'000) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        QString active;
+        const bool isThere = test::waitUntil([&] {
             active = xdotool({ "getactivewindow" });
-        }
-        return active == window ? QString() : active;
+            return !active.isEmpty() && !others.contains(active);
+        });
+        return isThere ? active : QString();
     }
     /// Something that moves all over the screen.
     std::unique_ptr<QProcess> startScene() const
@@ -97,18 +89,14 @@ protected:
         return start(QStringLiteral(VORNIC_SHOW_SCENE),
                      { "video", "--below", "--fps", "30", "--seconds", "1000" });
     }
-    bool waitForFile(const QString &path) const
+    static bool waitForFile(const QString &path)
     {
-        QElapsedTimer timer;
-        timer.start();
-        while (!QFile::exists(path) && timer.elapsed() < 30'000)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        return QFile::exists(path);
+        return test::waitUntil([&] { return QFile::exists(path); }, std::chrono::seconds(30));
     }
     /// From the main window through the save panel and the hint to a running recording.
     QString startRecording()
     {
-        QString window = waitForWindow("^Vornic$");
+        const QString window = waitForWindow("^Vornic$");
         key(window, "alt+r");
         const QString panel = waitForWindow("^Save the recording as$");
         EXPECT_FALSE(panel.isEmpty());
@@ -116,16 +104,9 @@ protected:
         xdotool({ "key", "--clearmodifiers", "ctrl+a" });
         xdotool({ "type", "--clearmodifiers", folder.filePath("window.mp4") });
         xdotool({ "key", "--clearmodifiers", "Return" });
-        QElapsedTimer timer;
-        timer.start();
-        // The hint bears the program's name too: it is the newest of such windows.
-        QString hint = window;
-        while ((hint == window || hint.isEmpty()) && timer.elapsed() < 20'000) {
-            hint = xdotool({ "getactivewindow" });
-            if (hint == panel)
-                hint.clear();
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
+        // The hint bears the program's name too.
+        const QString hint = waitForActiveWindowBut({ window, panel });
+        EXPECT_FALSE(hint.isEmpty());
         key(hint, "Return");
         return waitForWindow("^Stop recording$");
     }

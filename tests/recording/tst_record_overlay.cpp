@@ -1,11 +1,17 @@
 #include "record_window_fixture.h"
 
 #include <QColor>
+#include <QElapsedTimer>
+
+#include <utility>
 
 namespace vornic {
 namespace {
 
-constexpr QRect region(240, 60, 800, 600); // the rectangle of a first start, pixels from the upper left
+using test::waitUntil;
+
+constexpr QRect region(240, 60, 800, 600);    // the rectangle of a first start, pixels from the upper left
+constexpr QRect mainWindow(900, 0, 380, 720); // where it is moved to, off what is measured
 constexpr QSize logoSize(64, 48);
 const QColor background(128, 128, 128); // as picom paints a root window without a picture
 
@@ -34,28 +40,32 @@ protected:
         logo.fill(Qt::white);
         ASSERT_TRUE(logo.save(folder.filePath("logo.png")));
         const QString window = waitForWindow("^Vornic$");
-        xdotool({ "windowmove", "--sync", window, "900", "0" }); // off what is measured
-        ASSERT_TRUE(until([&] { return xdotool({ "getactivewindow" }) == window; }));
+        xdotool({ "windowmove", "--sync", window, QString::number(mainWindow.x()), "0" });
+        ASSERT_TRUE(waitUntil([&] { return xdotool({ "getactivewindow" }) == window; }));
         for (const char *keys : { "alt+s", "alt+l", "alt+i", "alt+c" }) {
             key(window, keys);
-            std::this_thread::sleep_for(
-                std::chrono::milliseconds(300)); // a control is enabled by the one before
+            ASSERT_TRUE(mainWindowRests()) << keys; // each enables the next one's control
         }
         const QString panel = waitForWindow("^Choose the logo's picture$");
         ASSERT_FALSE(panel.isEmpty());
         xdotool({ "windowfocus", "--sync", panel });
         xdotool({ "type", "--clearmodifiers", folder.filePath("logo.png") });
         xdotool({ "key", "--clearmodifiers", "Return" });
-        ASSERT_TRUE(until([this] { return brightBox(painter->screen(region)).size() == logoSize; }));
+        ASSERT_TRUE(waitUntil([this] { return brightBox(painter->screen(region)).size() == logoSize; }));
     }
 
-    static bool until(const std::function<bool()> &holds)
+    /// Waits until the main window has looked the same for 0.3 s.
+    bool mainWindowRests() const
     {
-        QElapsedTimer timer;
-        timer.start();
-        while (!holds() && timer.elapsed() < 20'000)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        return holds();
+        QImage seen;
+        QElapsedTimer same;
+        return waitUntil([&] {
+            if (QImage shown = painter->screen(mainWindow); shown != seen) {
+                seen = std::move(shown);
+                same.start();
+            }
+            return same.hasExpired(300);
+        });
     }
 
     static bool isBackground(QRgb pixel)
@@ -96,18 +106,18 @@ TEST_P(RecordOverlayTest, TheMovieHoldsTheLogoAndNothingElseOfTheOverlay)
     ASSERT_FALSE(waitForWindow("^Event Tester$").isEmpty());
     const QString stopBar = startRecording();
     ASSERT_FALSE(stopBar.isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    letPass(std::chrono::milliseconds(300));
     xdotool({ "mousemove", "880", "520", "click", "1" });
     QString told;
-    EXPECT_TRUE(until([&] {
-        beneath->waitForReadyRead(50);
+    EXPECT_TRUE(waitUntil([&] {
+        beneath->waitForReadyRead(10);
         told += QString::fromUtf8(beneath->readAllStandardOutput());
         return told.contains("ButtonPress");
     }));
     beneath->kill();
     beneath->waitForFinished();
     xdotool({ "mousemove", "5", "5" });
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    letPass(std::chrono::milliseconds(500));
     EXPECT_EQ(brightBox(painter->screen(region)), expected);
     xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
     ASSERT_TRUE(waitForFile(movie("window.mp4")));

@@ -11,7 +11,7 @@ TEST_F(RecordWindowTest, RecordStopAndMovie)
     painter->drawOnRoot(test::knownPicture({ 1280, 720 }), { 0, 0 });
     const QString stopBar = startRecording();
     ASSERT_FALSE(stopBar.isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    letPass(std::chrono::milliseconds(1200));
     EXPECT_FALSE(QFile::exists(movie("window.mp4")));
     // A click on the stop bar, as with a mouse.
     xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
@@ -31,7 +31,7 @@ TEST_F(RecordWindowTest, RecordStopAndMovie)
 TEST_F(RecordWindowTest, SigtermWhileRecordingLeavesACompleteMovieAndTheOptions)
 {
     ASSERT_FALSE(startRecording().isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    letPass(std::chrono::milliseconds(1000));
     program->terminate();
     EXPECT_EQ(finish(*program).status, 0);
     QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
@@ -43,32 +43,26 @@ TEST_F(RecordWindowTest, SigtermWhileRecordingLeavesACompleteMovieAndTheOptions)
 /// Waits until the movie is being written, beside its place under another name.
 bool isBeingWritten(const QString &folder)
 {
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < 20'000) {
-        if (!QDir(folder).entryList({ "*.part" }, QDir::Files | QDir::Hidden).isEmpty())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return false;
+    return test::waitUntil(
+        [&] { return !QDir(folder).entryList({ "*.part" }, QDir::Files | QDir::Hidden).isEmpty(); });
 }
 
 TEST_F(RecordWindowTest, QuitWhileRecordingAsksAndLeavesACompleteMovie)
 {
     const QString window = waitForWindow("^Vornic$");
     ASSERT_FALSE(startRecording().isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    letPass(std::chrono::milliseconds(1000));
     // "No" is what Enter and Escape mean.
     for (const char *answer : { "Escape", "Return" }) {
         xdotool({ "windowactivate", "--sync", window });
         xdotool({ "key", "--clearmodifiers", "alt+F4" });
-        key(waitForOtherActiveWindow(window), answer);
+        key(waitForActiveWindowBut({ window }), answer);
         EXPECT_FALSE(program->waitForFinished(300));
         EXPECT_FALSE(QFile::exists(movie("window.mp4")));
     }
     xdotool({ "windowactivate", "--sync", window });
     xdotool({ "key", "--clearmodifiers", "alt+F4" });
-    const QString question = waitForOtherActiveWindow(window);
+    const QString question = waitForActiveWindowBut({ window });
     ASSERT_FALSE(question.isEmpty());
     key(question, "Tab");
     key(question, "space");
@@ -81,13 +75,13 @@ TEST_F(RecordWindowTest, SigtermWhileTheMovieIsWrittenLeavesItComplete)
     const std::unique_ptr<QProcess> scene = startScene();
     const QString stopBar = startRecording();
     ASSERT_FALSE(stopBar.isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(4000));
+    letPass(std::chrono::milliseconds(2500));
     xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
     ASSERT_TRUE(isBeingWritten(folder.path()));
     program->terminate();
     EXPECT_FALSE(QFile::exists(movie("window.mp4")));
     EXPECT_EQ(finish(*program).status, 0);
-    EXPECT_GT(secondsOf(movie("window.mp4")), 3.0);
+    EXPECT_GT(secondsOf(movie("window.mp4")), 2.0);
     EXPECT_TRUE(QDir(folder.path()).entryList({ "*.part" }, QDir::Files | QDir::Hidden).isEmpty());
 }
 
@@ -97,12 +91,12 @@ TEST_F(RecordWindowTest, TheWindowDoesNotCloseWhileTheMovieIsWritten)
     const std::unique_ptr<QProcess> scene = startScene();
     const QString stopBar = startRecording();
     ASSERT_FALSE(stopBar.isEmpty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(4000));
+    letPass(std::chrono::milliseconds(2500));
     xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
     ASSERT_TRUE(isBeingWritten(folder.path()));
     xdotool({ "key", "--clearmodifiers", "alt+F4" });
     ASSERT_TRUE(waitForFile(movie("window.mp4")));
-    EXPECT_GT(secondsOf(movie("window.mp4")), 3.0);
+    EXPECT_GT(secondsOf(movie("window.mp4")), 2.0);
     program->terminate();
     EXPECT_EQ(finish(*program).status, 0);
 }
