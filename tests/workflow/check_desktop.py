@@ -7,7 +7,7 @@ import sys
 import threading
 import time
 
-from desktop_session import Program, key, run_inside, wait, xdotool
+from desktop_session import Program, active_window_but, key, run_inside, wait, xdotool
 
 MOVIE = os.environ.get("VORNIC_TEST_SESSION", "") + "/Untitled.mp4"
 SERVICES = """<node>
@@ -72,16 +72,17 @@ def check_second_start(program):
 
 
 def record(program, services):
+    window = active_window_but()
     assert start_again("--record=full").returncode == 0
     program.wait_for("Save the recording as", "dialog", "file chooser")
-    time.sleep(0.3)
+    panel = active_window_but(window)
     key("Return")
     program.wait_for("Start recording", "push button")
     assert services.count("Inhibit") == 0
-    time.sleep(0.3)
+    active_window_but(window, panel)
     key("Return")
     wait(lambda: services.count("Inhibit") == 1)
-    time.sleep(2)
+    time.sleep(1.2)  # what is recorded
     assert services.count("UnInhibit") == 0
     assert start_again("--stop").returncode == 0
     wait(lambda: os.path.exists(MOVIE), 40)

@@ -107,12 +107,21 @@ def wait(holds, seconds=20):
             return answer
         if time.monotonic() > stop:
             raise AssertionError("waited in vain for " + getattr(holds, "what", "an answer"))
-        time.sleep(0.1)
+        time.sleep(0.05)
 
 
 def xdotool(*arguments):
     return subprocess.run(["xdotool"] + [str(argument) for argument in arguments], capture_output=True, text=True,
                           check=False).stdout.strip()
+
+
+def active_window_but(*others):
+    """The window that has the keyboard, once that is none of the others."""
+    def active():
+        window = xdotool("getactivewindow")
+        return window if window not in ("",) + others else None
+    active.what = "another active window"
+    return wait(active)
 
 
 def walk(node):
