@@ -134,6 +134,10 @@
         <translation>Der Video-Encoder ist gescheitert: %1.</translation>
     </message>
     <message>
+        <source>This build of Vornic cannot record: it was made without support for any kind of display.</source>
+        <translation>Diese Fassung von Vornic kann nicht aufnehmen: Sie wurde ohne Unterstützung für Bildschirme gebaut.</translation>
+    </message>
+    <message>
         <source>The display is switched off by the environment variable VORNIC_DISPLAY.</source>
         <translation>Der Bildschirm ist durch die Umgebungsvariable VORNIC_DISPLAY abgeschaltet.</translation>
     </message>

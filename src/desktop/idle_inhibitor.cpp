@@ -1,9 +1,12 @@
 #include "desktop/idle_inhibitor.h"
 
 #include "desktop/application_id.h"
+#include "desktop/blanking_pause.h"
 #include "desktop/dbus_call.h"
 #include "desktop/dbus_inhibition.h"
-#include "desktop/x11_blanking_pause.h"
+#ifdef VORNIC_X11
+#    include "desktop/x11_blanking_pause.h"
+#endif
 
 namespace vornic {
 
@@ -53,6 +56,15 @@ InhibitRequest loginManager(const QString &reason)
              {} };
 }
 
+std::unique_ptr<BlankingPause> pauseBlanking()
+{
+#ifdef VORNIC_X11
+    return std::make_unique<X11BlankingPause>();
+#else
+    return nullptr;
+#endif
+}
+
 } // namespace
 
 void IdleInhibitor::Release::operator()(DBusInhibition *inhibition) const
@@ -61,7 +73,7 @@ void IdleInhibitor::Release::operator()(DBusInhibition *inhibition) const
 }
 
 IdleInhibitor::IdleInhibitor(const QString &reason)
-    : m_blankingPause(std::make_unique<X11BlankingPause>())
+    : m_blankingPause(pauseBlanking())
 {
     for (const auto &request : { screenSaver, sessionManager, powerManagement, loginManager })
         m_inhibitions.emplace_back(new DBusInhibition(request(reason)));

@@ -7,8 +7,8 @@
 
 namespace vornic {
 
+class BlankingPause;
 class DBusInhibition;
-class X11BlankingPause;
 
 /// While it lives, the desktop neither becomes idle nor blanks or locks the screen, and the machine does not
 /// go to sleep; the end of the process ends that too, however it comes.
@@ -29,7 +29,7 @@ private:
         void operator()(DBusInhibition *inhibition) const;
     };
 
-    std::unique_ptr<X11BlankingPause> m_blankingPause;
+    std::unique_ptr<BlankingPause> m_blankingPause; ///< null where the build knows no display server
     std::vector<std::unique_ptr<DBusInhibition, Release>> m_inhibitions;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "desktop/blanking_pause.h"
+
 #include <memory>
 
 namespace vornic {
@@ -10,13 +12,11 @@ class X11Connection;
 ///
 /// Made by IdleInhibitor, used on one thread. It holds a connection of its own, with which the pause ends
 /// even when the process is killed. Does nothing where there is no X server.
-class X11BlankingPause
+class X11BlankingPause final : public BlankingPause
 {
 public:
     X11BlankingPause();
-    ~X11BlankingPause();
-    X11BlankingPause(const X11BlankingPause &) = delete;
-    X11BlankingPause &operator=(const X11BlankingPause &) = delete;
+    ~X11BlankingPause() override;
 
 private:
     std::unique_ptr<X11Connection> m_connection; ///< null where there is no X server

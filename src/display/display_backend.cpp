@@ -2,7 +2,9 @@
 
 #include "display/fake_display.h"
 #include "display/null_display.h"
-#include "display/x11/x11_display.h"
+#ifdef VORNIC_X11
+#    include "display/x11/x11_display.h"
+#endif
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -26,12 +28,15 @@ std::unique_ptr<DisplayBackend> createNull(QString &whyNot)
 {
     if (whyNot.isEmpty())
         whyNot = QCoreApplication::translate(
-            "vornic", "The display is switched off by the environment variable VORNIC_DISPLAY.");
+            "vornic",
+            "This build of Vornic cannot record: it was made without support for any kind of display.");
     return std::make_unique<NullDisplay>(whyNot);
 }
 
 constexpr std::array backendTable {
+#ifdef VORNIC_X11
     DisplayBackendEntry { "x11", true, X11Display::create },
+#endif
     DisplayBackendEntry { "fake", false, createFake },
     DisplayBackendEntry { "null", true, createNull },
 };
@@ -47,7 +52,9 @@ QString listOfIds()
 std::unique_ptr<DisplayBackend> createForced(const QByteArray &id)
 {
     const auto entry = std::ranges::find(backendTable, std::string_view(id), &DisplayBackendEntry::id);
-    QString whyNot;
+    // What a backend that cannot work puts its own sentence in place of.
+    QString whyNot = QCoreApplication::translate(
+        "vornic", "The display is switched off by the environment variable VORNIC_DISPLAY.");
     if (entry == backendTable.end()) {
         whyNot = QCoreApplication::translate(
                      "vornic", "VORNIC_DISPLAY names the display backend \"%1\", but there are only: %2.")

@@ -3,7 +3,9 @@
 #include "base/log.h"
 #include "overlay/fake_overlay_server.h"
 #include "overlay/null_overlay_server.h"
-#include "overlay/x11/x11_overlay_server.h"
+#ifdef VORNIC_X11
+#    include "overlay/x11/x11_overlay_server.h"
+#endif
 
 #include <QByteArray>
 #include <QString>
@@ -27,7 +29,9 @@ std::unique_ptr<OverlayServer> createNull(InputReceiver & /*receiver*/)
 }
 
 constexpr std::array backendTable {
+#ifdef VORNIC_X11
     OverlayBackendEntry { "x11", true, X11OverlayServer::create },
+#endif
     OverlayBackendEntry { "fake", false, createFake },
     OverlayBackendEntry { "null", true, createNull },
 };

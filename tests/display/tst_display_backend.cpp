@@ -1,90 +1,44 @@
-#include "display/bitmap_image.h"
-#include "display/display_backend.h"
 #include "display/fake_display.h"
-#include "x11_display_fixture.h"
+#include "display_choice_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <set>
 
-using namespace vornic;
-using namespace vornic::test;
-using testing::ElementsAre;
-using testing::HasSubstr;
-
+namespace vornic::test {
 namespace {
 
-/// Leaves the process without a chosen display and with the environment as it was.
-class DisplayBackendTest : public testing::Test
+using testing::Contains;
+using testing::HasSubstr;
+
+TEST_F(DisplayChoiceTest, TheTableEndsWithTheNullBackend)
 {
-protected:
-    void SetUp() override
-    {
-        qunsetenv("DISPLAY");
-        qunsetenv("VORNIC_DISPLAY");
-        setMainDisplay(nullptr);
-    }
-    void TearDown() override
-    {
-        qunsetenv("VORNIC_DISPLAY");
-        setMainDisplay(nullptr);
-    }
-
-    static std::string reason() { return noDisplayReason().toStdString(); }
-
-    static void expectNoDisplay()
-    {
-        EXPECT_EQ(mainDisplay()->mainDisplayId(), 0U);
-        EXPECT_EQ(mainDisplay()->mainDisplaySize(), QSize(0, 0));
-        EXPECT_FALSE(mainDisplay()->grab(QRect(0, 0, 10, 10)));
-        EXPECT_FALSE(mainDisplay()->cursorShape());
-        EXPECT_EQ(mainDisplay()->pointerPosition(), QPoint(0, 0));
-    }
-
-    static std::string sentenceFor(const XvfbServer::Options &options)
-    {
-        const auto server = XvfbServer::start(options);
-        EXPECT_TRUE(server);
-        setMainDisplay(nullptr);
-        expectNoDisplay();
-        return reason();
-    }
-};
-
-TEST_F(DisplayBackendTest, TheTableEndsWithTheNullBackend)
-{
-    std::vector<std::string_view> ids;
+    std::set<std::string_view> ids;
     for (const DisplayBackendEntry &entry : displayBackends()) {
-        ids.push_back(entry.id);
+        EXPECT_TRUE(ids.insert(entry.id).second) << entry.id << " twice";
         EXPECT_EQ(entry.selectedByItself, entry.id != "fake");
     }
-    EXPECT_THAT(ids, ElementsAre("x11", "fake", "null"));
+    EXPECT_THAT(ids, Contains("fake"));
+    EXPECT_EQ(displayBackends().back().id, "null");
 }
 
-TEST_F(DisplayBackendTest, WithoutADisplayThereIsASentence)
+TEST_F(DisplayChoiceTest, WithoutADisplayThereIsASentence)
 {
+    const bool isBuiltForAny = displayBackends().size() > 2;
     expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("DISPLAY is not set"));
+    EXPECT_THAT(reason(),
+                HasSubstr(isBuiltForAny ? "DISPLAY is not set" : "This build of Vornic cannot record"));
 }
 
-TEST_F(DisplayBackendTest, AServerThatIsNotThereIsNamed)
-{
-    qputenv("DISPLAY", ":4711");
-    expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("\":4711\""));
-}
-
-TEST_F(DisplayBackendTest, AnUnknownBackendIsNamedWithThoseThatThereAre)
+TEST_F(DisplayChoiceTest, AnUnknownBackendIsNamedWithThoseThatThereAre)
 {
     qputenv("VORNIC_DISPLAY", "x12");
     expectNoDisplay();
     EXPECT_THAT(reason(), HasSubstr("\"x12\""));
-    EXPECT_THAT(reason(), HasSubstr("x11, fake, null"));
+    EXPECT_THAT(reason(), HasSubstr("fake, null"));
 }
 
-TEST_F(DisplayBackendTest, TheFakeIsThereWhenAskedFor)
+TEST_F(DisplayChoiceTest, TheFakeIsThereWhenAskedFor)
 {
     qputenv("VORNIC_DISPLAY", "fake");
     EXPECT_TRUE(dynamic_cast<FakeDisplay *>(mainDisplay().get()));
@@ -92,33 +46,14 @@ TEST_F(DisplayBackendTest, TheFakeIsThereWhenAskedFor)
     EXPECT_EQ(reason(), "");
 }
 
-TEST_F(DisplayBackendTest, NoneCanBeAskedFor)
+TEST_F(DisplayChoiceTest, NoneCanBeAskedFor)
 {
-    const auto server = XvfbServer::start();
-    ASSERT_TRUE(server);
     qputenv("VORNIC_DISPLAY", "null");
     expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("VORNIC_DISPLAY"));
+    EXPECT_THAT(reason(), HasSubstr("switched off by the environment variable VORNIC_DISPLAY"));
 }
 
-TEST_F(DisplayBackendTest, AForcedBackendThatCannotWorkSaysWhy)
-{
-    qputenv("VORNIC_DISPLAY", "x11");
-    expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("DISPLAY is not set"));
-}
-
-TEST_F(DisplayBackendTest, AnX11DisplayIsChosenByItself)
-{
-    const auto server = XvfbServer::start({ .size = QSize(640, 480) });
-    ASSERT_TRUE(server);
-    EXPECT_NE(mainDisplay()->mainDisplayId(), 0U);
-    EXPECT_EQ(mainDisplay()->mainDisplaySize(), QSize(640, 480));
-    EXPECT_EQ(reason(), "");
-    EXPECT_EQ(mainDisplay(), mainDisplay());
-}
-
-TEST_F(DisplayBackendTest, ATestMayPutItsOwnInPlace)
+TEST_F(DisplayChoiceTest, ATestMayPutItsOwnInPlace)
 {
     const auto fake = std::make_shared<FakeDisplay>(QSize(32, 32));
     setMainDisplay(fake);
@@ -128,43 +63,5 @@ TEST_F(DisplayBackendTest, ATestMayPutItsOwnInPlace)
     EXPECT_NE(mainDisplay(), fake);
 }
 
-TEST_F(DisplayBackendTest, MissingSharedMemoryIsNamed)
-{
-    EXPECT_THAT(sentenceFor({ .arguments = { "-extension", "MIT-SHM" } }), HasSubstr("MIT-SHM"));
-}
-
-TEST_F(DisplayBackendTest, MissingMonitorsAreNamed)
-{
-    EXPECT_THAT(sentenceFor({ .arguments = { "-extension", "RANDR" } }), HasSubstr("RANDR"));
-}
-
-TEST_F(DisplayBackendTest, MissingCursorPicturesAreNamed)
-{
-    EXPECT_THAT(sentenceFor({ .arguments = { "-extension", "XFIXES" } }), HasSubstr("XFIXES"));
-}
-
-TEST_F(DisplayBackendTest, APixelFormatThatCannotBeReadIsNamed)
-{
-    EXPECT_THAT(sentenceFor({ .depth = 8 }), HasSubstr("depth 8"));
-}
-
-TEST_F(DisplayBackendTest, TheServerInsideAWaylandSessionIsRefused)
-{
-    const auto server = XvfbServer::start();
-    ASSERT_TRUE(server);
-    ASSERT_EQ(server->run({ "xrandr", "--setmonitor", "XWAYLAND0", "400/100x300/80+0+0", "screen" }), 0);
-    expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("Wayland"));
-}
-
-TEST_F(DisplayBackendTest, ADisplayOfAnotherMachineIsRefused)
-{
-    // Only what the connection runs over tells, so one over TCP to this machine stands for all.
-    const auto server = XvfbServer::start({ .arguments = { "-listen", "tcp", "-ac" } });
-    ASSERT_TRUE(server);
-    qputenv("DISPLAY", ("127.0.0.1" + server->displayName()).toLatin1());
-    expectNoDisplay();
-    EXPECT_THAT(reason(), HasSubstr("another machine"));
-}
-
 } // namespace
+} // namespace vornic::test

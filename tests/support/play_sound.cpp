@@ -6,9 +6,7 @@
 ///
 /// Prints "playing" once something is heard.
 
-#include "support/screen_painter.h"
-
-#include <QGuiApplication>
+#include "support/screen_light.h"
 
 #include <pulse/pulseaudio.h>
 
@@ -173,21 +171,15 @@ int playFlashes(int count, double apart)
             return beeps ? 0.5 * sine(1000, frame) : 0.0;
         },
         0.5);
-    const auto painter = vornic::test::ScreenPainter::connect();
-    if (!painter)
+    const auto light = vornic::test::screenLight();
+    if (!light)
         return 1;
-    QImage black(painter->screenSize(), QImage::Format_RGB32);
-    black.fill(Qt::black);
-    QImage white(painter->screenSize(), QImage::Format_RGB32);
-    white.fill(Qt::white);
-    const auto window = painter->showWindow(black, { 0, 0 });
-    painter->sync();
     tellThatItPlays(player);
     for (int i = 1; i <= count; ++i) {
         waitUntilHeard(player, i * apart);
-        painter->drawInWindow(window, white, { 0, 0 });
+        light(true);
         waitUntilHeard(player, i * apart + beepSeconds);
-        painter->drawInWindow(window, black, { 0, 0 });
+        light(false);
     }
     waitUntilHeard(player, count * apart + apart / 2);
     return 0;

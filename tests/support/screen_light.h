@@ -1,0 +1,13 @@
+#pragma once
+
+#include <functional>
+
+namespace vornic::test {
+
+/// Makes all of $DISPLAY white (true) or black (false).
+using ScreenLight = std::function<void(bool isWhite)>;
+
+/// A window over all of $DISPLAY, black at first, which the function keeps; empty where there is no display.
+[[nodiscard]] ScreenLight screenLight();
+
+} // namespace vornic::test
