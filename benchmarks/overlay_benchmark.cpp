@@ -47,7 +47,7 @@ void moveLogo(benchmark::State &state, VNLogoContext &logo, bool isTranslucent)
         QPainter painter(&view);
         painter.setClipRegion(QRegion(before) + shown);
         if (isTranslucent) {
-            turnOver(painter, bounds.height());
+            flipPainter(painter, bounds.height());
             paintOverlay(painter, look, &logo);
         } else {
             const LogoStencil stencil = stencilOf(&logo, bounds);
@@ -82,7 +82,7 @@ void wholeView(benchmark::State &state)
     QImage view(bounds.size().toSize(), QImage::Format_ARGB32_Premultiplied);
     for ([[maybe_unused]] auto step : state) {
         QPainter painter(&view);
-        turnOver(painter, bounds.height());
+        flipPainter(painter, bounds.height());
         paintOverlay(painter, { bounds }, &logo);
     }
 }

@@ -29,7 +29,7 @@ std::unique_ptr<QPainter> PKVideoFrame2::creatContextRef()
     if (m_planes)
         return nullptr;
     auto painter = std::make_unique<QPainter>(&m_image);
-    turnOver(*painter, m_image.height());
+    flipPainter(*painter, m_image.height());
     return painter;
 }
 

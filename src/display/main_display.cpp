@@ -20,7 +20,7 @@ QPointF pointerLocation()
 {
     const auto display = mainDisplay();
     const QPointF middle = QPointF(display->pointerPosition()) + QPointF(0.5, 0.5);
-    return turnedOver(middle, display->mainDisplaySize().height());
+    return flipped(middle, display->mainDisplaySize().height());
 }
 
 } // namespace vornic

@@ -18,7 +18,7 @@ namespace vornic {
 [[nodiscard]] QRectF mainDisplayFrame();
 
 /// The middle of the pixel under the pointer's hot spot, in screen coordinates (y up): which pixel that is
-/// stays unambiguous when the y axis is turned over.
+/// stays unambiguous when y is flipped.
 [[nodiscard]] QPointF pointerLocation();
 
 } // namespace vornic

@@ -5,17 +5,18 @@
 #include <QMargins>
 
 #include <algorithm>
+#include <cmath>
 
 namespace vornic {
 
 namespace {
 
-/// Truncates toward zero; what is no number becomes 0, and what no int can hold the nearest that stays
-/// far from its limits, so that sums of two do not overflow.
+/// Truncates toward zero. NaN becomes 0, and what is too large for an int a limit so far from the largest
+/// int that sums of two do not overflow.
 int truncated(double value)
 {
-    constexpr double farthest = 1 << 29;
-    return value == value ? static_cast<int>(std::clamp(value, -farthest, farthest)) : 0;
+    constexpr double limit = 1 << 29;
+    return std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, -limit, limit));
 }
 
 } // namespace
@@ -30,14 +31,14 @@ QRect truncatedRect(const QRectF &rectangle)
 
 QRect desktopPixels(const QRectF &recorded, int margin, const DisplayPlacement &display)
 {
-    QRect pixels = truncatedRect(turnedOver(recorded, display.size.height()));
+    QRect pixels = truncatedRect(flipped(recorded, display.size.height()));
     pixels.setSize(pixels.size().expandedTo(QSize(0, 0)));
     return pixels.marginsAdded({ margin, margin, margin, margin }).translated(display.origin);
 }
 
 QPointF screenPoint(QPointF onDesktop, const DisplayPlacement &display)
 {
-    return turnedOver(onDesktop - display.origin, display.size.height());
+    return flipped(onDesktop - display.origin, display.size.height());
 }
 
 } // namespace vornic

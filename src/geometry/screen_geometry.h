@@ -13,8 +13,7 @@ namespace vornic {
 /// - screen coordinates: origin at the lower left of the main display, y up;
 /// - display coordinates: origin at its upper left, y down;
 /// - the desktop's pixels: whole pixels from the upper left of the whole desktop, y down. The main display
-/// may
-///   lie anywhere on it.
+///   may lie anywhere on it.
 
 /// The main display as the desktop has it now.
 struct DisplayPlacement {

@@ -26,8 +26,8 @@ QRect ToolkitScale::logicalAround(const QRect &onDesktop) const
 {
     const QPointF topLeft = QPointF(onDesktop.topLeft() - m_origin) / m_factor + m_origin;
     QRect logical(static_cast<int>(std::floor(topLeft.x())), static_cast<int>(std::floor(topLeft.y())), 1, 1);
-    const QSizeF least = QSizeF(onDesktop.size()) / m_factor;
-    logical.setSize({ static_cast<int>(least.width()), static_cast<int>(least.height()) });
+    const QSizeF size = QSizeF(onDesktop.size()) / m_factor;
+    logical.setSize({ static_cast<int>(size.width()), static_cast<int>(size.height()) });
     // Position and size are rounded each by itself, so what is missing is found by trying.
     while (pixelsOf(logical).right() < onDesktop.right())
         logical.setWidth(logical.width() + 1);

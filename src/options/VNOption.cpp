@@ -206,7 +206,7 @@ double VNOption::screenHeight()
 
 QPointF VNOption::convertScreenPointToQuartz(QPointF point)
 {
-    return turnedOver(point, screenHeight());
+    return flipped(point, screenHeight());
 }
 
 QPointF VNOption::convertScreenPointFromQuartz(QPointF point)
@@ -216,7 +216,7 @@ QPointF VNOption::convertScreenPointFromQuartz(QPointF point)
 
 QRectF VNOption::convertScreenRectToQuartz(const QRectF &rectangle)
 {
-    return turnedOver(rectangle, screenHeight());
+    return flipped(rectangle, screenHeight());
 }
 
 QRectF VNOption::convertScreenRectFromQuartz(const QRectF &rectangle)

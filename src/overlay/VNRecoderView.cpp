@@ -189,7 +189,7 @@ void VNRecoderView::paintEvent(QPaintEvent * /*event*/)
     if (const VNRecoderWindow *window = recorderWindow())
         painter.translate(window->pixelInset());
     if (m_shownLook.isTranslucent) {
-        turnOver(painter, bounds().height());
+        flipPainter(painter, bounds().height());
         drawRect(painter);
     } else {
         paintShapedOverlay(painter, m_shownLook, m_stencil);

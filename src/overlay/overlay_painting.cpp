@@ -62,7 +62,7 @@ QRegion handlesRegion(const QRectF &bounds)
 {
     QRegion handles;
     for (int region = 0; region < static_cast<int>(DragRegion::Centre); ++region)
-        handles += pixelsOfDisc(turnedOver(hotRegion(bounds, region)->boundingRect(), bounds.height()));
+        handles += pixelsOfDisc(flipped(hotRegion(bounds, region)->boundingRect(), bounds.height()));
     return handles;
 }
 
@@ -117,7 +117,7 @@ QImage solidLogo(const VNLogoContext &logo, const QRect &pixels, double height)
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.translate(-pixels.topLeft());
-    turnOver(painter, height);
+    flipPainter(painter, height);
     logo.decorateAtOpacity(1.0, painter, QRectF(0, 0, 0, height), 1.0);
     return picture;
 }
@@ -145,7 +145,7 @@ QRect logoPixels(const VNLogoContext *logo, const QRectF &bounds)
 {
     if (!isShown(logo))
         return {};
-    const QRectF drawn = turnedOver(logo->decoratedRect(bounds, 1.0), bounds.height());
+    const QRectF drawn = flipped(logo->decoratedRect(bounds, 1.0), bounds.height());
     return drawn.adjusted(-1, -1, 1, 1).intersected(bounds).toAlignedRect();
 }
 

@@ -45,7 +45,7 @@ TEST(DrawImageYUp, StandsUprightWithItsBottomRowAtTheRectanglesY)
     picture.setPixelColor(1, 0, Qt::green);
     QImage surface = white({ 10, 8 });
     QPainter painter(&surface);
-    turnOver(painter, surface.height());
+    flipPainter(painter, surface.height());
     drawImageYUp(painter, QRectF(3, 1, 2, 2), picture);
     painter.end();
     QImage expected = white({ 10, 8 });
@@ -53,13 +53,13 @@ TEST(DrawImageYUp, StandsUprightWithItsBottomRowAtTheRectanglesY)
     EXPECT_EQ(surface, expected);
 }
 
-TEST(DrawImageYUp, ATurnedPictureIsAsSmoothAsThePainterIs)
+TEST(DrawImageYUp, ARotatedPictureIsAsSmoothAsThePainterIs)
 {
     const auto drawn = [](bool smooth) {
         QImage surface = white({ 60, 60 });
         QPainter painter(&surface);
         painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
-        turnOver(painter, surface.height());
+        flipPainter(painter, surface.height());
         painter.translate(30, 30);
         painter.rotate(30);
         drawImageYUp(painter, QRectF(-10, -10, 20, 20), stripes({ 20, 20 }));
@@ -74,7 +74,7 @@ TEST(DrawImageYUp, AScaledPictureIsAlwaysSmooth)
 {
     QImage surface = white({ 60, 60 });
     QPainter painter(&surface);
-    turnOver(painter, surface.height());
+    flipPainter(painter, surface.height());
     drawImageYUp(painter, QRectF(10, 10, 40, 40), stripes({ 4, 4 }));
     EXPECT_FALSE(painter.testRenderHint(QPainter::SmoothPixmapTransform)) << "as it was before";
     painter.end();

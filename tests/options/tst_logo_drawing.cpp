@@ -29,7 +29,7 @@ public:
     {
         QPainter painter(&m_image);
         painter.scale(m_ratio, m_ratio);
-        turnOver(painter, m_points.height());
+        flipPainter(painter, m_points.height());
         logo.decorateImage(painter, bound, scale);
     }
 
@@ -47,8 +47,8 @@ public:
             for (int x = 0; x < m_image.width(); ++x)
                 if (m_image.pixelColor(x, y).alpha() > 16)
                     ink |= QRect(x, y, 1, 1);
-        return turnedOver(QRectF(QPointF(ink.topLeft()) / m_ratio, QSizeF(ink.size()) / m_ratio),
-                          m_points.height());
+        return flipped(QRectF(QPointF(ink.topLeft()) / m_ratio, QSizeF(ink.size()) / m_ratio),
+                       m_points.height());
     }
     [[nodiscard]] const QImage &image() const { return m_image; }
 

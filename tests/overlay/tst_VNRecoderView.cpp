@@ -316,7 +316,7 @@ TEST_F(RecoderView, PaintsItselfAtAnyRatio)
         QImage image(QSize(816, 616) * ratio, QImage::Format_ARGB32_Premultiplied);
         QPainter painter(&image);
         painter.scale(ratio, ratio);
-        turnOver(painter, 616);
+        flipPainter(painter, 616);
         view.drawRect(painter);
         painter.end();
         EXPECT_EQ(image.pixelColor(130 * ratio, 500 * ratio), QColor(Qt::red));

@@ -25,7 +25,7 @@ protected:
         image.fill(Qt::magenta);
         QPainter painter(&image);
         painter.scale(ratio, ratio);
-        turnOver(painter, look.bounds.height());
+        flipPainter(painter, look.bounds.height());
         paintOverlay(painter, look, logo);
         return image;
     }

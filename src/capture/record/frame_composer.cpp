@@ -68,7 +68,7 @@ std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorFor(const VNBuffe
     const double left = mouse.x() - shape->hotSpot.x() - offset.x();
     const double bottom = mouse.y() + shape->hotSpot.y() - offset.y() - shape->picture.height();
     // The mouse is in the middle of its pixel, so rounding down lands the hot spot on that pixel.
-    const double top = m_canvas.height() - (bottom + shape->picture.height());
+    const double top = flipped(QPointF(left, bottom + shape->picture.height()), m_canvas.height()).y();
     constexpr double maxDistance = 1e6;
     if (!(std::abs(left) < maxDistance) || !(std::abs(top) < maxDistance))
         return std::nullopt;

@@ -134,7 +134,7 @@ QImage VNLogoContext::decorateCGImage(const QImage &image) const
     const QRect whole = stamped.rect();
     QPainter painter(&stamped);
     painter.drawImage(whole, image, image.rect());
-    turnOver(painter, whole.height());
+    flipPainter(painter, whole.height());
     decorateImage(painter, whole, 1.0);
     return stamped;
 }
