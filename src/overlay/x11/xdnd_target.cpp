@@ -76,7 +76,7 @@ XdndTarget::XdndTarget(X11Events &events, std::uint32_t window, InputReceiver &r
 void XdndTarget::enter(const std::uint32_t (&data)[5])
 {
     leave();
-    m_drag.emplace();
+    m_drag = Drag();
     m_drag->source = data[0];
     const bool hasLongList = (data[1] & 1U) != 0;
     m_drag->namesFiles = hasLongList ? listContains(data[0], m_atoms.typeList, m_atoms.uriList)
