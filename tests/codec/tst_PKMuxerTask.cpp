@@ -320,11 +320,16 @@ TEST_F(PKMuxerTaskTest, aFrameThatClaimsToShowMoreThanItHoldsIsScaled)
 
 TEST_F(PKMuxerTaskTest, progressGrowsInWholeStepsOnTheMainThread)
 {
-    m_source.addGreys({ 320, 240 }, 200);
     // Progress is told at most once in 50 ms, so the movie has to take some time: the sleep is what is
-    // tested.
+    // tested. The first 60 frames are three percent of the movie, so that a step takes longer than that.
+    qint64 now = 0;
+    for (int i = 0; i < 100; ++i) {
+        const qint64 duration = i < 60 ? 450 : 21825;
+        m_source.add(flat({ 64, 48 }, QColor(i, i, i)), now, duration);
+        now += duration;
+    }
     m_source.onVideo = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
-    const auto report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
+    const auto report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
     ASSERT_TRUE(report.isComplete());
     EXPECT_TRUE(report.wasOnMainThread);
     ASSERT_GE(report.actions.size(), 4);
