@@ -67,7 +67,7 @@ AvPtr<AVFrame> avFrameOver(const PKVideoFrame2 &frame, int width, int height)
         = av_buffer_create(result->data[0], bytes, releasePixels, owner.get(), AV_BUFFER_FLAG_READONLY);
     if (!result->buf[0])
         throw std::bad_alloc();
-    owner.release();
+    static_cast<void>(owner.release()); // the buffer's from here on
     return result;
 }
 

@@ -52,7 +52,7 @@ struct RowPair {
     uchar *cb;
     uchar *cr;
 
-    [[nodiscard]] RowPair after(int pixels) const
+    [[nodiscard]] RowPair after(qsizetype pixels) const
     {
         return { top + 4 * pixels, bottom + 4 * pixels, yTop + pixels,
                  yBottom + pixels, cb + pixels / 2,     cr + pixels / 2 };
@@ -65,13 +65,13 @@ inline uchar lumaOf(const uchar *pixel)
 }
 
 /// \a width is even.
-void convertPortably(const RowPair &rows, int width)
+void convertPortably(const RowPair &rows, qsizetype width)
 {
-    for (int x = 0; x < width; ++x) {
+    for (qsizetype x = 0; x < width; ++x) {
         rows.yTop[x] = lumaOf(rows.top + 4 * x);
         rows.yBottom[x] = lumaOf(rows.bottom + 4 * x);
     }
-    for (int x = 0; x < width / 2; ++x) {
+    for (qsizetype x = 0; x < width / 2; ++x) {
         const uchar *top = rows.top + 8 * x;
         const uchar *bottom = rows.bottom + 8 * x;
         const int blue = top[0] + top[4] + bottom[0] + bottom[4];
@@ -113,11 +113,11 @@ __attribute__((target("avx2"))) inline __m256i lumaOf(__m256i blueRed, __m256i g
 }
 
 /// Sixteen pixels of each row at a time. A pixel is split into 16-bit pairs blue-red and green-unused.
-__attribute__((target("avx2"))) void convertWithAvx2(const RowPair &rows, int width)
+__attribute__((target("avx2"))) void convertWithAvx2(const RowPair &rows, qsizetype width)
 {
     const __m256i lowBytes = _mm256_set1_epi16(0x00FF);
     const __m256i lumaOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
-    int x = 0;
+    qsizetype x = 0;
     for (; x + 16 <= width; x += 16) {
         const __m256i top0 = eightPixels(rows.top + 4 * x);
         const __m256i top1 = eightPixels(rows.top + 4 * x + 32);
@@ -154,7 +154,7 @@ __attribute__((target("avx2"))) void convertWithAvx2(const RowPair &rows, int wi
         const __m128i chroma
             = _mm_unpacklo_epi16(_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1));
         const std::array<std::int64_t, 2> halves { _mm_cvtsi128_si64(chroma), _mm_extract_epi64(chroma, 1) };
-        std::memcpy(rows.cb + x / 2, &halves[0], 8);
+        std::memcpy(rows.cb + x / 2, halves.data(), 8);
         std::memcpy(rows.cr + x / 2, &halves[1], 8);
     }
     convertPortably(rows.after(x), width - x);
@@ -162,7 +162,7 @@ __attribute__((target("avx2"))) void convertWithAvx2(const RowPair &rows, int wi
 
 #endif
 
-using RowPairFunction = void (*)(const RowPair &, int);
+using RowPairFunction = void (*)(const RowPair &, qsizetype);
 
 RowPairFunction functionFor(ConversionCode code)
 {
@@ -181,7 +181,7 @@ void convertBgrxToYuv(
     const BgrxView &view, PlanarPicture &picture, int firstRow, int rowCount, ConversionCode code)
 {
     const RowPairFunction convert = functionFor(code);
-    const int evenWidth = view.width & ~1;
+    const qsizetype evenWidth = view.width & ~1;
     const int endRow = std::min(firstRow + rowCount, view.height);
     for (int row = firstRow; row < endRow; row += 2) {
         const uchar *top = view.bits + row * view.stride;

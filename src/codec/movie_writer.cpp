@@ -38,7 +38,7 @@ public:
     }
 
     /// The frame itself where it already fits; null where it holds no picture.
-    ConstFrame conform(ConstFrame frame)
+    ConstFrame conform(const ConstFrame &frame)
     {
         const bool isYuv = frame->pixFormat() == PKPixelFormatYUV420P;
         const QSize stored(frame->codeWidth(), frame->codeHeight());
@@ -76,9 +76,9 @@ public:
         , m_conformer({ context.width(), context.height() })
         , m_file(context.filename())
         , m_video(context)
+        , m_videoTrack(m_file.addTrack(m_video.codec()))
         , m_length(source.PKMuxerTaskLength())
     {
-        m_videoTrack = m_file.addTrack(m_video.codec());
         if (context.audioCodecID() != PKMuxerContext::audioCodecNone) {
             m_audio.emplace(context.audioCodecID());
             m_audioTrack = m_file.addTrack(m_audio->codec());
@@ -120,8 +120,8 @@ private:
     /// Reader's thread: the next frame that has a picture, in the movie's size.
     ConstFrame readFrame()
     {
-        while (auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
-            if (auto conformed = m_conformer.conform(std::move(frame)))
+        while (const auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
+            if (auto conformed = m_conformer.conform(frame))
                 return conformed;
             ++m_framesUnusable;
         }
@@ -172,7 +172,7 @@ private:
     MovieFile m_file;
     VideoEncoder m_video;
     std::optional<AudioEncoder> m_audio;
-    int m_videoTrack = 0;
+    int m_videoTrack;
     int m_audioTrack = 0;
     std::int64_t m_length; ///< of the recording, ticks
     bool m_audioHasEnded = false;

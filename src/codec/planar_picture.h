@@ -49,7 +49,7 @@ private:
     int m_height;
     qsizetype m_stride;
     std::size_t m_byteCount;
-    std::unique_ptr<uchar[], AlignedDelete> m_memory;
+    std::unique_ptr<uchar, AlignedDelete> m_memory;
     std::weak_ptr<PlanarPicturePool> m_pool;
 };
 
