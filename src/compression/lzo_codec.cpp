@@ -5,7 +5,7 @@
 #include <lzo/lzo1x.h>
 
 #include <algorithm>
-#include <memory>
+#include <vector>
 
 namespace vornic {
 
@@ -63,14 +63,14 @@ QByteArray LZOCompress(const QByteArray &input, bool *compressed)
         return input;
     QByteArray framed(prefixSize + compressorRoom(input.size()), Qt::Uninitialized);
     storeLength(framed, static_cast<Prefix>(input.size()));
-    const auto workArea = std::make_unique<unsigned char[]>(LZO1X_1_MEM_COMPRESS);
+    std::vector<unsigned char> workArea(LZO1X_1_MEM_COMPRESS);
     const auto inputSize = static_cast<lzo_uint>(input.size());
     lzo_uint blockSize = 0;
     const int result = lzo1x_1_compress(bytesOf(input.constData()),
                                         inputSize,
                                         bytesOf(framed.data() + prefixSize),
                                         &blockSize,
-                                        workArea.get());
+                                        workArea.data());
     if (result != LZO_E_OK) {
         logMessage(QStringLiteral("Failed to compressed."));
         return input;

@@ -52,7 +52,7 @@ bool JpegBandCompressor::compressRun(const BitmapImage &image, Run run)
     if (!parts)
         return false;
     for (int i = 0; i < run.bandCount; ++i) {
-        const auto band = static_cast<std::size_t>(run.firstBand + i);
+        const auto band = static_cast<std::size_t>(run.firstBand) + static_cast<std::size_t>(i);
         m_bands[band] = { image.bandVersions()[band], *jpeg, parts->bands[static_cast<std::size_t>(i)] };
     }
     if (run.firstBand == 0)

@@ -3,6 +3,7 @@
 #include <jpeglib.h>
 
 #include <algorithm>
+#include <array>
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
@@ -70,8 +71,8 @@ private:
 
 bool compressInto(MemoryOutput &output, const uchar *pixels, int width, int height, qsizetype bytesPerLine)
 {
-    jpeg_compress_struct info;
-    ErrorManager errors;
+    jpeg_compress_struct info {};
+    ErrorManager errors {};
     prepare(errors);
     info.err = &errors.base;
     if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
@@ -90,12 +91,12 @@ bool compressInto(MemoryOutput &output, const uchar *pixels, int width, int heig
     jpeg_start_compress(&info, TRUE);
     while (info.next_scanline < info.image_height) {
         constexpr JDIMENSION rowsAtOnce = 16;
-        JSAMPROW rows[rowsAtOnce];
+        std::array<JSAMPROW, rowsAtOnce> rows {};
         const JDIMENSION count = std::min(rowsAtOnce, info.image_height - info.next_scanline);
         for (JDIMENSION i = 0; i < count; ++i)
             rows[i]
                 = const_cast<uchar *>(pixels + static_cast<qsizetype>(info.next_scanline + i) * bytesPerLine);
-        jpeg_write_scanlines(&info, rows, count);
+        jpeg_write_scanlines(&info, rows.data(), count);
     }
     jpeg_finish_compress(&info);
     jpeg_destroy_compress(&info);
@@ -122,8 +123,8 @@ void readFrom(jpeg_decompress_struct &info, const QByteArray &jpeg)
 
 bool readSize(const QByteArray &jpeg, int &width, int &height)
 {
-    jpeg_decompress_struct info;
-    ErrorManager errors;
+    jpeg_decompress_struct info {};
+    ErrorManager errors {};
     prepare(errors);
     info.err = &errors.base;
     if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
@@ -142,8 +143,8 @@ bool readSize(const QByteArray &jpeg, int &width, int &height)
 
 bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
 {
-    jpeg_decompress_struct info;
-    ErrorManager errors;
+    jpeg_decompress_struct info {};
+    ErrorManager errors {};
     prepare(errors);
     info.err = &errors.base;
     if (setjmp(errors.jump) != 0) { // NOLINT: see ErrorManager
@@ -160,12 +161,11 @@ bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height
         info.do_fancy_upsampling = FALSE;
         jpeg_start_decompress(&info);
         while (info.output_scanline < info.output_height) {
-            JSAMPROW rows[2]
-                = { pixels + static_cast<qsizetype>(info.output_scanline) * bytesPerLine, nullptr };
             // Two rows at once where there are two: the library then writes them without a copy.
             const bool two = info.output_scanline + 1 < info.output_height;
-            rows[1] = two ? rows[0] + bytesPerLine : nullptr;
-            jpeg_read_scanlines(&info, rows, two ? 2 : 1);
+            JSAMPROW row = pixels + static_cast<qsizetype>(info.output_scanline) * bytesPerLine;
+            std::array<JSAMPROW, 2> rows { row, two ? row + bytesPerLine : nullptr };
+            jpeg_read_scanlines(&info, rows.data(), two ? 2 : 1);
         }
         jpeg_finish_decompress(&info);
     }
