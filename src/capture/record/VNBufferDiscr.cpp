@@ -157,7 +157,7 @@ QString VNBufferDiscr::cachePath()
         logMessage(QStringLiteral("User temporary dir."));
         base = QDir::tempPath();
     }
-    const QString path = base + QStringLiteral("/com.kavlor.vornic");
+    QString path = base + QStringLiteral("/com.kavlor.vornic");
     errno = 0;
     if (!QDir(path).exists() && !QDir().mkpath(path))
         logMessage(QStringLiteral("Failed to create cache path(%1), with error description:%2")
@@ -191,9 +191,12 @@ std::pair<double, double> VNBufferDiscr::calcMaxFitSize(std::int64_t width, std:
     constexpr std::int64_t maxHeight = 1080;
     if (width <= maxWidth && hight <= maxHeight)
         return { static_cast<double>(width), static_cast<double>(hight) };
-    if (width * maxHeight > hight * maxWidth)
-        return { static_cast<double>(maxWidth), static_cast<double>(hight * maxWidth / width) };
-    return { static_cast<double>(width * maxHeight / hight), static_cast<double>(maxHeight) };
+    if (width * maxHeight > hight * maxWidth) {
+        const std::int64_t fittedHeight = hight * maxWidth / width;
+        return { static_cast<double>(maxWidth), static_cast<double>(fittedHeight) };
+    }
+    const std::int64_t fittedWidth = width * maxHeight / hight;
+    return { static_cast<double>(fittedWidth), static_cast<double>(maxHeight) };
 }
 
 } // namespace vornic

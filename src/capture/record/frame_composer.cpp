@@ -29,10 +29,14 @@ bool contains(const QRectF &rectangle, QPointF point)
 
 void copyPixels(QImage &to, QPoint toTopLeft, const QImage &from)
 {
+    constexpr qsizetype bytesPerPixel = 4;
     const QRect target = QRect(toTopLeft, from.size()) & to.rect();
     for (int y = target.top(); y <= target.bottom(); ++y) {
-        const uchar *source = from.constScanLine(y - toTopLeft.y()) + 4 * (target.left() - toTopLeft.x());
-        std::memcpy(to.scanLine(y) + 4 * target.left(), source, 4 * static_cast<std::size_t>(target.width()));
+        const uchar *source
+            = from.constScanLine(y - toTopLeft.y()) + bytesPerPixel * (target.left() - toTopLeft.x());
+        std::memcpy(to.scanLine(y) + bytesPerPixel * target.left(),
+                    source,
+                    static_cast<std::size_t>(bytesPerPixel * target.width()));
     }
 }
 
@@ -123,7 +127,7 @@ bool FrameComposer::loadPicture(const VNBufferDiscr &record)
                    m_changedBands.end(),
                    written.begin(),
                    m_changedBands.begin(),
-                   std::logical_or<bool>());
+                   std::logical_or<>());
     m_picture = picture;
     return true;
 }
