@@ -5,7 +5,7 @@
 
 namespace vornic {
 
-/// A check box drawn from pictures; all but its looks is the toolkit's.
+/// A check box drawn from pictures; its behaviour is the toolkit's.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. Frames are in points, in the
 /// coordinates of the painter.

@@ -45,7 +45,7 @@ public:
     /// Takes over the panel's colour and sends the action, also while the well is disabled.
     void changeColor(const QColorDialog &sender);
 
-    /// Borrowed; told of what the user chooses.
+    /// Borrowed; called when the user chooses.
     void setTarget(QObject *target) { m_action.setTarget(target); }
     /// The name of the function of the target that is called, with this well.
     void setSelector(const QByteArray &selector) { m_action.setSelector(selector); }

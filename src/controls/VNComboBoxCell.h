@@ -9,7 +9,7 @@ namespace vornic {
 [[nodiscard]] QRectF popupButtonRect(const QRectF &frame);
 [[nodiscard]] QRectF popupTextRect(const QRectF &frame);
 
-/// A list, or a text field with a list, drawn from pictures; all but its looks is the toolkit's.
+/// A list, or a text field with a list, drawn from pictures; its behaviour is the toolkit's.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only.
 class VNComboBoxCell : public QComboBox
@@ -18,7 +18,7 @@ class VNComboBoxCell : public QComboBox
 public:
     explicit VNComboBoxCell(QWidget *parent = nullptr);
 
-    /// An editable one's text is its editor's.
+    /// The text of an editable list is painted by its editor.
     void drawWithFrame(const QRectF &frame, QPainter &view);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -46,7 +46,7 @@ public:
     /// The pop-up button's square at the right end of \a rectangle.
     [[nodiscard]] static QRectF getSettingPos(const QRectF &rectangle);
     void setFrame(const QRect &frame);
-    /// Rectangles that repaint the view when the mouse enters or leaves them: the button's, and where it was.
+    /// Rectangles that repaint the view when the mouse enters or leaves them: the button's, now and before.
     [[nodiscard]] const std::vector<QRect> &trackingRects() const { return m_trackingRects; }
 
     void addMenuItem(const QString &title);
@@ -62,7 +62,7 @@ public:
     /// The selected title; null when there is none.
     [[nodiscard]] QString stringValue() const { return titleOfItem(m_indexOfSelected); }
 
-    /// Borrowed; told of what the user chooses.
+    /// Borrowed; called when the user chooses.
     void setTarget(QObject *target) { m_action.setTarget(target); }
     /// The name of the function of the target that is called, with this view.
     void setSelector(const QByteArray &selector) { m_action.setSelector(selector); }

@@ -26,7 +26,7 @@ void VNComboboxView::mousePressEvent(QMouseEvent *event)
 
 bool VNComboboxView::eventFilter(QObject *watched, QEvent *event)
 {
-    // A press on the view while the menu is open closes it; it is not to open it again.
+    // A press on the view while its menu is open closes the menu, and must not open it again.
     if (watched == mPopupMenu && event->type() == QEvent::MouseButtonPress) {
         const QPointF mouse = static_cast<QMouseEvent *>(event)->globalPosition();
         if (rect().contains(mapFromGlobal(mouse).toPoint()))

@@ -64,9 +64,9 @@ public slots:
     void loadFile(const QString &path);
 
 signals:
-    /// There is another picture, or other pixels in the one that there is.
+    /// There is another picture, or the present one has other pixels.
     void imageChanged();
-    /// The chosen file is no picture that can be read; the picture is still the one before. \a whyNot ends
+    /// The chosen file cannot be read as a picture; the one that is shown stays. \a whyNot ends
     /// the sentence "It cannot be read: ".
     void fileUnreadable(const QString &path, const QString &whyNot);
 

@@ -5,7 +5,7 @@
 
 namespace vornic {
 
-/// A radio button drawn from pictures; all but its looks is the toolkit's.
+/// A radio button drawn from pictures; its behaviour is the toolkit's.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. Frames are in points, in the
 /// coordinates of the painter.

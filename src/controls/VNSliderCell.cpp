@@ -66,7 +66,7 @@ void paintSliderBar(QPainter &painter, const QRectF &bar, const SliderLook &look
 
 void paintSliderKnob(QPainter &painter, const QRectF &knobRect, const SliderLook &look)
 {
-    // One down: the picture has the knob's shadow below it, and the knob itself is to be on the track.
+    // One point down: the picture has the knob's shadow below it, and the knob itself is centred on the track.
     const QRectF picture(knobRect.x() + (knobRect.width() - knobSide) / 2,
                          knobRect.y() + (knobRect.height() - knobSide) / 2 + 1,
                          knobSide,
@@ -152,7 +152,7 @@ void VNSliderCell::mousePressEvent(QMouseEvent *event)
         setSliderPosition(
             QStyle::sliderValueFromPosition(minimum(), maximum(), x, width() - static_cast<int>(knobSide)));
         if (!knobRect().contains(event->position()))
-            return; // a coarse slider: the nearest step is as near as it gets
+            return; // the steps are too coarse to bring the knob under the mouse
     }
     QSlider::mousePressEvent(event);
 }

@@ -7,7 +7,7 @@ namespace vornic {
 
 /// What a slider shows; enough to paint it without a widget.
 struct SliderLook {
-    double fraction = 0; ///< of the way from the least to the greatest value
+    double fraction = 0; ///< of the way from the minimum to the maximum
     bool isEnabled = true;
     bool mouseButtonIsDown = false;
     bool hasFocus = false;
@@ -21,10 +21,10 @@ struct SliderLook {
 void paintSliderBar(QPainter &painter, const QRectF &bar, const SliderLook &look);
 void paintSliderKnob(QPainter &painter, const QRectF &knobRect, const SliderLook &look);
 
-/// A horizontal slider drawn from pictures, least value at the left.
+/// A horizontal slider drawn from pictures, with the minimum at the left.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. The toolkit's slider, whose position
-/// counts in whole steps, with values in other units on top.
+/// counts whole steps; what a step is worth makes values in other units of it.
 class VNSliderCell : public QSlider
 {
     Q_OBJECT

@@ -59,7 +59,7 @@ VNStepperCell::VNStepperCell(QWidget *parent)
     setStyle(SkinStyle::shared());
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setLayoutDirection(Qt::LeftToRight);
-    // Nobody would see what is typed.
+    // The field is hidden: what is typed would not be seen.
     lineEdit()->setReadOnly(true);
     lineEdit()->hide();
     setContextMenuPolicy(Qt::PreventContextMenu);

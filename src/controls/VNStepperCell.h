@@ -5,8 +5,7 @@
 
 namespace vornic {
 
-/// Where the pictures of a stepper are: in points with y up, like \a frame, so that the arrow up is the
-/// upper.
+/// Where the pictures of a stepper are, in points with y up, like \a frame: the up arrow is above the down arrow.
 [[nodiscard]] QRectF stepUpPosition(const QRectF &frame);
 [[nodiscard]] QRectF stepDownPosition(const QRectF &frame);
 /// The same with y down, for painting and for the mouse.

@@ -70,7 +70,7 @@ void VNTextFieldCell::paintEvent(QPaintEvent *event)
         QPainter painter(this);
         drawWithFrame(rect(), painter);
     }
-    // The editor has the text while it is edited, and the hint while there is none.
+    // The toolkit's editor paints the text while it is edited, and the hint while there is no text.
     if (isEdited() || displayText().isEmpty())
         QLineEdit::paintEvent(event);
 }

@@ -7,10 +7,10 @@
 
 namespace vornic {
 
-/// The one colour panel of the program, open beside the window; what it shows is seen in its target at once.
+/// The program's only colour panel, a dialog that blocks nothing; its target shows each chosen colour at once.
 ///
-/// Made at the first call of shared(), and again when it has ended with the window that it stood above; main
-/// thread only.
+/// Made at the first call of shared(), and again after the window that it was shown above, its parent, has been
+/// destroyed; main thread only.
 class ColorPanel : public QColorDialog
 {
     Q_OBJECT

@@ -11,7 +11,7 @@ qint64 titleForTyping(const QStringList &titles, const QString &typed, qint64 cu
     const bool isOneLetter = std::all_of(
         typed.begin(), typed.end(), [&](QChar letter) { return letter.toLower() == typed[0].toLower(); });
     const QString beginning = isOneLetter ? typed.left(1) : typed;
-    // One letter goes on to the next title; more letters may be of the title that is selected already.
+    // A single letter moves on to the next title; several may still match the one that is selected.
     const qint64 known = current < titles.size() ? current : -1;
     const qint64 first = std::max<qint64>(0, isOneLetter ? known + 1 : known);
     for (qint64 step = 0; step < titles.size(); ++step) {

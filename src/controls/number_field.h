@@ -13,7 +13,7 @@ namespace vornic {
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. The toolkit's spin box, whose editor
 /// is a VNTextFieldCell and whose arrows are a VNStepperCell's. What is typed counts when the user presses
-/// Enter or leaves; what is no number in the range goes back to the last one. The wheel steps only with the
+/// Enter or leaves; anything but a number in the range is replaced by the last valid one. The wheel steps only with the
 /// keyboard focus, so that scrolling over the field changes nothing.
 class NumberField : public QDoubleSpinBox
 {

@@ -7,7 +7,7 @@ namespace vornic {
 /// What assistive programs learn of, and may do with, a control that is painted from scratch.
 ///
 /// Made by the toolkit when an assistive program asks for it; main thread only. The text of the control is
-/// its property "stringValue", which it cannot edit; pressing it is its slot popUp().
+/// its property "stringValue", read-only; pressing it calls its slot popUp().
 class PaintedControlAccess : public QAccessibleWidget, public QAccessibleTextInterface
 {
 public:

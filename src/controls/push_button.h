@@ -6,7 +6,7 @@ namespace vornic {
 
 /// A push button in the greys of the list buttons, blue when it is the window's default.
 ///
-/// Made by whoever builds a window, as a child of it; main thread only. All but its looks is the toolkit's;
+/// Made by whoever builds a window, as a child of it; main thread only. Its behaviour is the toolkit's;
 /// it shows no arrow for a menu.
 class PushButton : public QPushButton
 {

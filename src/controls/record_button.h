@@ -6,7 +6,7 @@ namespace vornic {
 
 /// The red button with a white disc that starts a recording; as wide as there is room.
 ///
-/// Made by whoever builds a window, as a child of it; main thread only. All but its looks is the toolkit's;
+/// Made by whoever builds a window, as a child of it; main thread only. Its behaviour is the toolkit's;
 /// its text is bold and larger than its font().
 class RecordButton : public QPushButton
 {

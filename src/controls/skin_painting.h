@@ -10,7 +10,7 @@ class QWidget;
 
 namespace vornic {
 
-/// Strokes that several controls share. All leave the painter as it was.
+/// Painting that several controls share. All leave the painter as it was.
 
 /// One line of text.
 struct SkinText {

@@ -14,11 +14,11 @@ namespace vornic {
 /// How tall text fields, list buttons and colour wells are, in points.
 inline constexpr int skinFieldHeight = 28;
 
-/// The picture at \a scale, 1 or 2, pixels a point; null for a name that is not there.
+/// The picture at \a scale, 1 or 2, pixels a point; null for an unknown name.
 [[nodiscard]] QImage skinPicture(const QString &name, int scale);
 
-/// The whole picture into \a rectangle, over what is there, on whole device pixels; nothing for a name that
-/// is not there. The painter may be scaled and moved, but neither turned nor mirrored.
+/// The whole picture into \a rectangle, over what is there, on whole device pixels; nothing for an unknown
+/// name. The painter may be scaled and moved, but neither turned nor mirrored.
 void drawSkinPicture(QPainter &painter, const QString &name, const QRectF &rectangle);
 
 } // namespace vornic

@@ -105,12 +105,12 @@ int SkinStyle::styleHint(StyleHint hint,
                          const QWidget *widget,
                          QStyleHintReturn *returnData) const
 {
-    // Typing finds an item; and a list opens below its control, as menus do.
+    // Typing finds an item in a menu; and a list opens below its control, as menus do.
     if (hint == SH_Menu_KeyboardSearch)
         return 1;
     if (hint == SH_ComboBox_Popup)
         return 0;
-    // On the blue of a selection the insertion point, which turns what is there into its opposite, is orange.
+    // The insertion point inverts what is beneath it: on the blue of a selection it would be orange.
     if (hint == SH_BlinkCursorWhenTextSelected)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, returnData);

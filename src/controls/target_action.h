@@ -7,11 +7,11 @@ class QWidget;
 
 namespace vornic {
 
-/// Whom a control tells that the user has changed it: an object and the name of one of its slots or
+/// What a control calls when the user has changed it: an object and the name of one of its slots or
 /// invokables, which takes the control (of a class that is complete for moc there) or nothing.
 ///
-/// A member of the control; main thread only. Both are set apart and in any order; without one of them, or
-/// when the object has no such function, nothing is told.
+/// A member of the control; main thread only. Both are set separately, in any order; without one of them, or
+/// when the object has no such function, nothing is called.
 class TargetAction
 {
 public:

@@ -14,9 +14,9 @@ namespace vornic {
 
 /// What tells the two kinds apart.
 struct ToggleSkin {
-    const char *name;       ///< "check" or "radio", of the pictures
-    double pictureSide = 0; ///< in points
-    double focusRadius = 0; ///< of the picture's corners
+    const char *name = nullptr; ///< "check" or "radio", of the pictures
+    double pictureSide = 0;     ///< in points
+    double focusRadius = 0;     ///< of the picture's corners
 };
 
 /// What such a button shows; enough to paint it without a widget.

@@ -32,7 +32,8 @@ enum class LogoType : std::int32_t { Text = 0, Picture = 1 };
 /// The user's logo: whether it is stamped, its text with font and colours or its picture, and its place.
 ///
 /// Made by the options that own it, and lives on the main thread. LogoValidate, the text, the position and
-/// the colours may be read from any thread; the encoder's reads the first for every frame.
+/// the colours may be read from any thread: the one that composes a movie's frames is handed this object, though
+/// it needs nothing of it as long as the logo is in the captured pictures.
 class VNLogoContext : public ObservableObject
 {
     Q_OBJECT
@@ -72,15 +73,15 @@ public:
     /// Null when the archive it came from held none.
     [[nodiscard]] QString LogoText() const;
     void setLogoText(const QString &text);
-    /// From the lower left of the surface that is drawn on, y up: the picture's lower left, or the start of
-    /// the text's baseline.
+    /// From the lower left of the surface that is drawn on, y up: the lower left of the unrotated picture, or the
+    /// start of the text's baseline.
     [[nodiscard]] QPointF LogoPosition() const;
     void setLogoPosition(QPointF position);
     [[nodiscard]] double logoPositionX() const { return LogoPosition().x(); }
     void setLogoPositionX(double x);
     [[nodiscard]] double logoPositionY() const { return LogoPosition().y(); }
     void setLogoPositionY(double y);
-    /// 0 is invisible, 255 opaque.
+    /// 0 is invisible, 255 opaque; numbers beyond are kept, and drawn as the nearer of the two.
     [[nodiscard]] qint64 LogoTransparency() const { return mLogoTransparency; }
     void setLogoTransparency(qint64 transparency);
     [[nodiscard]] double LogoScale() const { return mLogoScale; }
@@ -115,8 +116,8 @@ public:
     void decorateAtOpacity(double opacity, QPainter &context, const QRectF &bound, double scale) const;
     /// What decorateImage() draws lies within this rectangle, or nowhere where it is empty; y up.
     [[nodiscard]] QRectF decoratedRect(const QRectF &bound, double scale) const;
-    /// An opaque copy of the picture, one point a pixel, with the logo on it, whatever LogoValidate says;
-    /// null for a null one.
+    /// An opaque copy of \a image, one point a pixel, with the logo on it, whatever LogoValidate says; null for a
+    /// null image.
     [[nodiscard]] QImage decorateCGImage(const QImage &image) const;
     /// The same, but \a image itself when LogoValidate is off.
     [[nodiscard]] QImage decorateNSImage(const QImage &image) const;
@@ -136,7 +137,7 @@ signals:
     void LogoRotationChanged();
     void LogoFontFillColorChanged();
     void LogoFontStrokeColorChanged();
-    /// There is another picture.
+    /// setNSImage() was given a picture.
     void logoImageChanged();
 
 private:
@@ -150,7 +151,7 @@ private:
     /// The scaled picture about (0, 0).
     [[nodiscard]] QRectF centredPicture(double scale) const;
     [[nodiscard]] QTransform pictureTransform(const QRectF &bound, double scale) const;
-    /// Where the letters stand, turned and all.
+    /// The letters where they are drawn, rotated.
     [[nodiscard]] std::vector<QPainterPath> textOutlines(const QRectF &bound, double scale) const;
 
     mutable std::mutex m_atomicProperties; ///< guards the text, the position and the two colours

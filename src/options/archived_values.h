@@ -12,14 +12,14 @@ namespace vornic {
 class KeyedArchiver;
 class KeyedUnarchiver;
 
-/// Colours, fonts and pictures as objects of a keyed archive, on any one thread. Whatever an archive holds is
-/// safe to read: what is not such an object reads as none.
+/// Colours, fonts and pictures as objects of a keyed archive, on any one thread. Any archive is safe to read:
+/// what is not such an object reads as nothing.
 
 /// An invalid colour is not written. Colours come back as red, green, blue and alpha.
 void encodeColor(KeyedArchiver &archiver, QLatin1StringView key, const QColor &color);
 [[nodiscard]] QColor decodeColor(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
 
-/// Family, size, weight, style and lines.
+/// Family, size, weight, style, underline and strikeout.
 void encodeFont(KeyedArchiver &archiver, QLatin1StringView key, const QFont &font);
 /// None without a family and a size that can be drawn.
 [[nodiscard]] std::optional<QFont> decodeFont(const KeyedUnarchiver &unarchiver, QLatin1StringView key);

@@ -9,9 +9,9 @@
 
 namespace vornic {
 
-/// The characters that show where \a text is drawn with a single-byte encoding (Mac Roman): one for each byte
-/// of its UTF-8 form, but only as many as the text has UTF-16 code units. ASCII stays what it is; of other
-/// text the end is cut off.
+/// The characters that appear where \a text is drawn with a single-byte encoding (Mac Roman): one for each byte
+/// of its UTF-8 form, but only as many as the text has UTF-16 code units. ASCII stays what it is; other
+/// text loses its end.
 [[nodiscard]] QString singleByteCharacters(const QString &text);
 
 /// The outlines of \a characters on one line, one by one, from the start of the baseline at (0, 0), in points
