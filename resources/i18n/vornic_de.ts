@@ -590,8 +590,8 @@
         <translation>Die Aufnahme beginnt jetzt</translation>
     </message>
     <message>
-        <source>The window makes room while the recording runs. Stop it with the red button, which shows the time.</source>
-        <translation>Das Fenster macht Platz, solange die Aufnahme läuft. Der rote Knopf, der die Zeit zeigt, beendet sie.</translation>
+        <source>The window is minimised while the recording runs. To stop it, click the red icon or the bar with the clock.</source>
+        <translation>Das Fenster ist solange minimiert. Das rote Symbol oder die Leiste mit der Uhr beendet die Aufnahme.</translation>
     </message>
     <message>
         <source>&amp;Show this again</source>
