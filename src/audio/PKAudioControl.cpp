@@ -20,7 +20,7 @@ namespace {
 /// A server that hangs holds the program up no longer than this, seconds.
 constexpr double firstAnswerWait = 1.0;
 
-/// Operations report to callbacks; nobody waits for them.
+/// Operations report to callbacks; nobody waits for them or cancels them.
 void forget(pa_operation *operation)
 {
     if (operation)
@@ -29,11 +29,11 @@ void forget(pa_operation *operation)
 
 } // namespace
 
-/// Whom to tell of changes, and what is known there already; main thread only.
+/// The delegate and the list that it knows already; main thread only.
 struct PKAudioControl::Announcement {
     PKAudioControlDelegate *delegate = nullptr;
     QStringList lastRead; ///< the names last given out
-    QStringList known;    ///< to the delegate
+    QStringList known;    ///< the names that the delegate has been told of
 };
 
 PKAudioControl &PKAudioControl::sharedAudioControl()
@@ -82,7 +82,7 @@ void PKAudioControl::serverChanged()
     m_isReading = false;
     m_readsAgain = false;
     if (m_connection->readyContext()) {
-        listen();
+        subscribe();
         readDevices();
         return;
     }
@@ -91,7 +91,7 @@ void PKAudioControl::serverChanged()
     takeList();
 }
 
-void PKAudioControl::listen()
+void PKAudioControl::subscribe()
 {
     pa_context *context = m_connection->readyContext();
     pa_context_set_subscribe_callback(

@@ -15,14 +15,15 @@ class PulseConnection;
 
 /// The desktop's audio inputs: microphones, and the monitors of outputs, which give what the system plays.
 ///
-/// One for the process, made at its first use. Lives on the main thread; the sound server is listened to on a
-/// thread of its own. Without a server there are no devices, and when it comes back its devices do.
+/// sharedAudioControl() is the process's own, made at its first use; tests make others. Used on the main thread;
+/// the sound server's events are handled on a thread of its own. Without a server there are no devices; when it
+/// comes back, its devices do too.
 class PKAudioControl final : public AudioControl
 {
 public:
     [[nodiscard]] static PKAudioControl &sharedAudioControl();
 
-    /// Listens to \a server, or to the desktop's own when it is empty.
+    /// Connects to \a server, or to the desktop's own when it is empty.
     explicit PKAudioControl(const QByteArray &server = {});
     ~PKAudioControl() override;
 
@@ -41,7 +42,7 @@ private:
     struct Announcement;
 
     void serverChanged();
-    void listen();
+    void subscribe();
     void readDevices();
     void takeSource(const pa_source_info &source);
     void takeList();

@@ -27,8 +27,9 @@ constexpr double chunksPerSecond = 50;
 /// How often the server is asked when frames are captured, seconds.
 constexpr double timingInterval = 0.1;
 
-/// What happens on the screen is in the next picture taken, 18 ms later on average. Sound that waits for half
-/// of that is never far from its picture, and less than 10 ms from its own time.
+/// How much later sound is placed than it was captured, seconds. What happens on the screen is in the next
+/// picture, taken 18 ms later on average: half of that keeps sound close to its picture, and within 10 ms of its
+/// own time.
 constexpr double pictureDelay = 0.008;
 
 /// Nothing for a format that cannot be recorded.
@@ -138,10 +139,10 @@ bool PKAudioRecorder::openStream()
         m_stream,
         [](pa_stream *, std::size_t, void *self) { static_cast<PKAudioRecorder *>(self)->read(); },
         this);
-    constexpr auto whatever = static_cast<std::uint32_t>(-1);
-    pa_buffer_attr buffer { whatever, whatever, whatever, whatever, whatever };
+    constexpr auto standard = static_cast<std::uint32_t>(-1);
+    pa_buffer_attr buffer { standard, standard, standard, standard, standard };
     buffer.fragsize = static_cast<std::uint32_t>(chunkBytes() * 3 / 2);
-    // The server would let a recording whose microphone is pulled out go on with another one.
+    // Without the second flag the server moves a recording to another device when its own is unplugged.
     const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
     const auto isDecided = [this] { return m_isLost || pa_stream_get_state(m_stream) == PA_STREAM_READY; };
     if (pa_stream_connect_record(m_stream, source.constData(), &buffer, flags) >= 0
@@ -177,7 +178,7 @@ void PKAudioRecorder::read()
     std::size_t byteCount = 0;
     while (pa_stream_peek(m_stream, &bytes, &byteCount) >= 0 && byteCount > 0) {
         const auto count = static_cast<qsizetype>(byteCount);
-        // Without bytes it is a hole: the server has lost so many.
+        // No bytes but a count: the server has lost that many.
         if (bytes)
             m_held.append(static_cast<const char *>(bytes), count);
         else
@@ -208,8 +209,8 @@ void PKAudioRecorder::askForTiming(double now)
         pa_operation_unref(operation);
 }
 
-/// The library's own interpolation of these numbers takes seconds to come within 10 ms; the numbers
-/// themselves are exact.
+/// Uses the server's numbers as they are: they are exact, while the library's interpolation of them needs
+/// seconds to come within 10 ms.
 void PKAudioRecorder::takeTiming()
 {
     const pa_timing_info *timing = m_stream ? pa_stream_get_timing_info(m_stream) : nullptr;
@@ -224,9 +225,9 @@ void PKAudioRecorder::takeTiming()
     const double onTheWay
         = (static_cast<double>(timing->source_usec) - static_cast<double>(timing->sink_usec))
         / PA_USEC_PER_SEC;
-    m_timeline->hear(time,
-                     static_cast<double>(timing->write_index) / m_format.mBytesPerFrame
-                         + onTheWay * m_format.mSampleRate);
+    m_timeline->addAnswer(time,
+                          static_cast<double>(timing->write_index) / m_format.mBytesPerFrame
+                              + onTheWay * m_format.mSampleRate);
 }
 
 void PKAudioRecorder::placeHeld()

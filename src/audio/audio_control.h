@@ -11,9 +11,10 @@ namespace vornic {
 class AudioRecorder;
 class PKAudioControlDelegate;
 
-/// The audio input devices there are; PKAudioControl asks the desktop's sound server for them.
+/// The audio input devices that can be recorded; one class for each sound backend.
 ///
-/// Made by main, or by a test, and lent to the application delegate; used on the main thread.
+/// Made through the table of backends (mainAudioControl()), or by a test, and lent to the application delegate.
+/// Used on the main thread.
 class AudioControl
 {
 public:
@@ -21,14 +22,16 @@ public:
     AudioControl(const AudioControl &) = delete;
     AudioControl &operator=(const AudioControl &) = delete;
 
-    /// The devices' names, each another, in the order to show them; the desktop's default device is the
-    /// first.
+    /// The devices' names in the order in which to show them, the desktop's default device first. No two
+    /// devices have the same name.
     [[nodiscard]] virtual QStringList inputDevicesName() = 0;
-    /// 0 when no device has that name. A device keeps its number as long as the program runs.
+    /// 0 when no device has that name. A device keeps its ID as long as the program runs, also while it is
+    /// unplugged.
     [[nodiscard]] virtual std::uint32_t deviceIDFromName(const QString &name) = 0;
-    /// Borrows \a delegate; null for none. It is told of lists that differ from the one read last before
-    /// this.
+    /// Borrows \a delegate; null for none. It is called when the list of names becomes another than the one
+    /// that inputDevicesName() returned last before this call, and at every change after that.
     virtual void setDelegate(PKAudioControlDelegate *delegate) = 0;
+    /// A recorder of that device, which may not outlive the control.
     [[nodiscard]] virtual std::unique_ptr<AudioRecorder> createRecorder(std::uint32_t deviceID) = 0;
 
 protected:

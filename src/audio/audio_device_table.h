@@ -10,14 +10,14 @@
 
 namespace vornic {
 
-/// One input as the sound server tells of it.
+/// One input as the sound server describes it.
 struct AudioInputFacts {
     QByteArray source;   ///< the server's own name, the same whenever the device is there
     QString description; ///< what the desktop's mixer shows
-    bool isMonitor;      ///< what an output plays
+    bool isMonitor;      ///< records what an output plays
 };
 
-/// Gives the inputs their order, their numbers and names that differ.
+/// Gives the inputs their order, their IDs and unique names.
 ///
 /// Owned by PKAudioControl, which guards it.
 class AudioDeviceTable

@@ -8,10 +8,10 @@ namespace vornic {
 
 class PKAudioRecorderDelegate;
 
-/// Records one input device; PKAudioRecorder does it with the desktop's sound server.
+/// Records one input device; one class for each sound backend.
 ///
-/// Made by an AudioControl and owned by the application delegate, which starts and stops it on any thread but
-/// the recorder's own, one call at a time.
+/// Made by an AudioControl and owned by the caller, who may use it on any thread but the recorder's own, one
+/// call at a time.
 class AudioRecorder
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// Borrows \a delegate; set before the first start.
     virtual void setDelegate(PKAudioRecorderDelegate *delegate) = 0;
-    /// Records that device from now on, a running recording included. 0 is no device.
+    /// Selects the device to record, also while a recording runs. 0 is no device.
     virtual void setDeviceID(std::uint32_t deviceID) = 0;
     /// True when chunks will come, in the format of currentDataFormat(). Blocks for a few seconds at most.
     [[nodiscard]] virtual bool startRecordWithFormat(const AudioStreamBasicDescription &format) = 0;

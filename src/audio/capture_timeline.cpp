@@ -8,14 +8,14 @@ namespace vornic {
 
 namespace {
 
-/// Answers that are counted: a single odd one moves nothing.
-constexpr std::size_t mostVotes = 15;
-constexpr std::size_t votesToSettle = 11;
+/// How many answers are kept. Their median is used, so that a single wrong one changes nothing.
+constexpr std::size_t maximumAnswers = 15;
+constexpr std::size_t answersToSettle = 11;
 
-/// A difference that is a gap and not the server's imprecision, seconds.
+/// The smallest difference that is taken for a gap, not for the server's imprecision, seconds.
 constexpr double gap = 0.025;
 
-/// Frames that stay away this long were not captured, seconds.
+/// When no frames arrive for this long, the device captures none, seconds.
 constexpr double pause = 0.2;
 
 } // namespace
@@ -25,10 +25,10 @@ CaptureTimeline::CaptureTimeline(double framesPerSecond)
 {
 }
 
-void CaptureTimeline::hear(double time, double frames)
+void CaptureTimeline::addAnswer(double time, double frames)
 {
     m_offsets.push_back(time - frames / m_framesPerSecond);
-    if (m_offsets.size() > mostVotes)
+    if (m_offsets.size() > maximumAnswers)
         m_offsets.pop_front();
 }
 
@@ -49,7 +49,7 @@ void CaptureTimeline::reopened()
 
 bool CaptureTimeline::isSettled() const
 {
-    return m_offsets.size() >= votesToSettle;
+    return m_offsets.size() >= answersToSettle;
 }
 
 void CaptureTimeline::start(double time, std::uint64_t frames)

@@ -7,13 +7,13 @@ namespace vornic {
 
 /// Lays recorded frames end to end on the absolute clock.
 ///
-/// The server answers, now and then and a little imprecisely, which frame is being captured. A recording
-/// begins at an instant that is named once; from there on each frame's place is its time: what was captured
-/// before is dropped, and where the device lost frames (an overrun, a device put to sleep), silence takes
-/// their place.
+/// The sound server tells several times a second, a little imprecisely, which frame is being captured. start()
+/// sets the time at which the recording begins; from then on each frame is placed by the time at which it was
+/// captured: what was captured earlier is dropped, and where the device lost frames (an overrun, a device put to
+/// sleep), silence takes their place.
 ///
-/// Owned by PKAudioRecorder, on its thread. A frame is one sample of every channel; times are seconds of the
-/// absolute clock.
+/// Owned by PKAudioRecorder and guarded by its connection's lock. A frame is one sample of every channel; times
+/// are seconds of the absolute clock.
 class CaptureTimeline
 {
 public:
@@ -26,12 +26,12 @@ public:
     explicit CaptureTimeline(double framesPerSecond);
 
     /// An answer: at \a time, \a frames frames had been captured since the device was opened.
-    void hear(double time, double frames);
-    /// Frames have come at \a now; after a long pause the answers of before count no more.
+    void addAnswer(double time, double frames);
+    /// Frames have arrived at \a now. After a pause, the answers from before it are forgotten.
     void arrived(double now);
     /// The device was opened again, or another one was.
     void reopened();
-    /// There are answers enough to know when frames are captured.
+    /// Whether there are enough answers to know when frames are captured.
     [[nodiscard]] bool isSettled() const;
 
     /// The recording begins with frames that are not the device's, of which the first stands at \a time.
@@ -39,7 +39,7 @@ public:
     [[nodiscard]] bool hasStarted() const { return m_hasStarted; }
     /// The next frames of the device; only while settled.
     [[nodiscard]] Placement place(std::uint64_t frames);
-    /// The next frames of the device are left out: nothing has begun yet.
+    /// Skips the next frames of the device, before start().
     void leaveOut(std::uint64_t frames) { m_taken += frames; }
 
 private:

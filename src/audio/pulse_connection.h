@@ -13,8 +13,8 @@ namespace vornic {
 
 /// A connection to the desktop's sound server that is made again whenever it breaks.
 ///
-/// Owned by PKAudioControl. It has a thread of its own; everything that it gives out may be touched on that
-/// thread, or under a Lock.
+/// Owned by PKAudioControl. It has a thread of its own; what it returns may be used on that thread, or under a
+/// Lock.
 class PulseConnection
 {
 public:

@@ -15,7 +15,7 @@ protected:
         m_captured += 20;
         const double now = 100 + m_lost + m_captured / 1000;
         timeline.arrived(now);
-        timeline.hear(now + error, m_captured);
+        timeline.addAnswer(now + error, m_captured);
     }
     void settle()
     {
@@ -105,7 +105,7 @@ TEST_F(CaptureTimelineTest, AReopenedDeviceFindsItsPlaceExactly)
     const double opened = now() + 0.050;
     for (int i = 1; !timeline.isSettled(); ++i) {
         timeline.arrived(opened + i * 0.020);
-        timeline.hear(opened + i * 0.020, i * 20);
+        timeline.addAnswer(opened + i * 0.020, i * 20);
     }
     placement = timeline.place(220);
     EXPECT_EQ(placement.silence, 50U);

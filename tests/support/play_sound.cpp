@@ -52,8 +52,8 @@ public:
             m_stream,
             [](pa_stream *, size_t bytes, void *self) { static_cast<Player *>(self)->fill(bytes); },
             this);
-        constexpr auto whatever = static_cast<std::uint32_t>(-1);
-        pa_buffer_attr buffer { whatever, whatever, whatever, whatever, whatever };
+        constexpr auto standard = static_cast<std::uint32_t>(-1);
+        pa_buffer_attr buffer { standard, standard, standard, standard, standard };
         buffer.tlength = static_cast<std::uint32_t>(bufferSeconds * framesPerSecond) * 4;
         const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY);
         if (pa_stream_connect_playback(m_stream, nullptr, &buffer, flags, nullptr, nullptr) < 0)
