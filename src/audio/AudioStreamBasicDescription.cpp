@@ -12,7 +12,7 @@ namespace {
 
 struct Field {
     QLatin1StringView key;
-    std::uint32_t AudioStreamBasicDescription::*member;
+    std::uint32_t AudioStreamBasicDescription::*member = nullptr;
 };
 
 constexpr std::array fields {

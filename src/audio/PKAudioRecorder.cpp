@@ -244,7 +244,7 @@ void PKAudioRecorder::placeHeld()
         return;
     const CaptureTimeline::Placement placement = m_timeline->place(frames);
     queueSilence(placement.silence);
-    m_pending += m_held.sliced(static_cast<qsizetype>(placement.drop * m_format.mBytesPerFrame));
+    m_pending += m_held.sliced(static_cast<qsizetype>(placement.drop) * m_format.mBytesPerFrame);
     m_held.clear();
     queuePending();
 }
