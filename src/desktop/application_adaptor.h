@@ -9,7 +9,7 @@
 
 namespace vornic {
 
-/// The program's face on the bus: whoever calls is answered before anything is done.
+/// What other programs can call on the bus; they are answered before anything is done.
 ///
 /// Made by SingleInstance, lives on the main thread.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor

@@ -32,8 +32,9 @@ void callLater(const QDBusConnection &bus,
         QMetaObject::invokeMethod(context, answer, Qt::QueuedConnection);
         return;
     }
-    constexpr std::chrono::milliseconds::rep longest = std::numeric_limits<int>::max(); // taken as no limit
-    const auto limit = static_cast<int>(std::min(timeout.count(), longest));
+    constexpr std::chrono::milliseconds::rep maxTimeout
+        = std::numeric_limits<int>::max(); // taken as no limit
+    const auto limit = static_cast<int>(std::min(timeout.count(), maxTimeout));
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, limit), context);
     QObject::connect(
         watcher, &QDBusPendingCallWatcher::finished, context, [handler](QDBusPendingCallWatcher *answered) {

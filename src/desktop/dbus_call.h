@@ -14,7 +14,7 @@ namespace vornic {
 
 /// A call that is given up only when the bus is lost or the service goes away.
 inline constexpr std::chrono::milliseconds waitForEver = std::chrono::milliseconds::max();
-inline constexpr std::chrono::milliseconds usualTimeout { 25000 };
+inline constexpr std::chrono::milliseconds defaultTimeout { 25000 };
 
 /// Receives a reply, or an error where there is none for whatever reason.
 using AnswerHandler = std::function<void(const QDBusMessage &)>;
@@ -25,7 +25,7 @@ void callLater(const QDBusConnection &bus,
                const QDBusMessage &call,
                QObject *context,
                const AnswerHandler &handler,
-               std::chrono::milliseconds timeout = usualTimeout);
+               std::chrono::milliseconds timeout = defaultTimeout);
 
 [[nodiscard]] inline bool isReply(const QDBusMessage &answer)
 {

@@ -11,7 +11,7 @@
 
 namespace vornic {
 
-/// How a service of the desktop is asked to keep awake.
+/// How a service of the desktop is asked not to become idle.
 struct InhibitRequest {
     QDBusConnection bus;
     QString service;
@@ -22,7 +22,8 @@ struct InhibitRequest {
     QString releaseMethod;
 };
 
-/// The wish to keep awake, as one service knows it: uttered again to whoever takes the service over.
+/// Keeps one service of the desktop from becoming idle; asks again when another process takes the service
+/// over.
 ///
 /// Made by IdleInhibitor, on the main thread. It waits for nothing: an answer that comes after release() is
 /// released then.
@@ -34,11 +35,11 @@ public:
     /// Asks the service if it runs. It is not started: what does not run sends nothing to sleep.
     explicit DBusInhibition(InhibitRequest request);
 
-    /// Takes the wish back; the object deletes itself, at once or when the service has answered.
+    /// Ends the inhibition; the object deletes itself, at once or when the service has answered.
     void release();
 
 private:
-    /// Leave that the service gave: its reply holds the cookie or the descriptor.
+    /// An inhibition that the service granted: its reply holds the cookie or the descriptor.
     struct Grant {
         QDBusMessage reply;
         QString path;
@@ -53,7 +54,7 @@ private:
 
     InhibitRequest m_request;
     QDBusServiceWatcher m_watcher;
-    int m_lastQuestion = 0; ///< answers to the ones before come from who is no longer the service
+    int m_lastQuestion = 0; ///< earlier ones went to a process that is no longer the service
     int m_pendingQuestions = 0;
     bool m_isReleased = false;
     std::optional<Grant> m_grant;

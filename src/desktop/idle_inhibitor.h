@@ -18,7 +18,7 @@ class DBusInhibition;
 class IdleInhibitor
 {
 public:
-    /// \a reason is for the user, who may be shown it as the cause: "Recording the screen".
+    /// \a reason may be shown to the user: "Recording the screen".
     explicit IdleInhibitor(const QString &reason);
     ~IdleInhibitor();
     IdleInhibitor(const IdleInhibitor &) = delete;

@@ -73,7 +73,7 @@ void Notifier::show(const Notification &notification)
 void Notifier::send(const Notification &notification, const QStringList &capabilities)
 {
     constexpr uint replacesNothing = 0;
-    constexpr int asLongAsUsual = -1;
+    constexpr int defaultExpiry = -1;
     QDBusMessage call = methodCall(QStringLiteral("Notify"));
     call.setArguments({ QStringLiteral("Vornic"),
                         replacesNothing,
@@ -82,7 +82,7 @@ void Notifier::send(const Notification &notification, const QStringList &capabil
                         bodyOf(notification, capabilities),
                         actionsOf(notification, capabilities),
                         QVariantMap { { QStringLiteral("desktop-entry"), applicationId() } },
-                        asLongAsUsual });
+                        defaultExpiry });
     callLater(sessionBus(), call, this, [this, action = notification.action](const QDBusMessage &answer) {
         if (isReply(answer) && action)
             m_shown.insert(answer.arguments().value(0).toUInt(), { action, QString() });

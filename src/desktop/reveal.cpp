@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// Long enough for a file manager that has to be started from a cold disk.
-constexpr std::chrono::milliseconds patience = 5s;
+constexpr std::chrono::milliseconds answerTimeout = 5s;
 
 QDBusMessage showItems(const QUrl &file, const QString &activationToken)
 {
@@ -42,7 +42,7 @@ void revealInFileManager(const QString &path, const QString &activationToken, co
               showItems(QUrl::fromLocalFile(file.absoluteFilePath()), activationToken),
               QCoreApplication::instance(),
               answered,
-              patience);
+              answerTimeout);
 }
 
 } // namespace vornic

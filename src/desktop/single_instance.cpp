@@ -13,7 +13,7 @@ namespace {
 
 const QString objectPath = QStringLiteral("/com/kavlor/vornic");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
-constexpr int longestWaitMs = 2000;
+constexpr int handOverTimeoutMs = 2000;
 
 /// What the desktop gave this process to bring a window to the front with.
 QVariantMap ownPlatformData()
@@ -50,7 +50,7 @@ SingleInstance::~SingleInstance()
 void SingleInstance::claim()
 {
     QDBusConnection bus = sessionBus();
-    // The object first: who sees the name may call at once.
+    // The object first: whoever sees the name may call at once.
     m_isOnly = !bus.isConnected()
         || (bus.registerObject(objectPath, this, QDBusConnection::ExportAdaptors)
             && bus.registerService(applicationId()));
@@ -70,7 +70,7 @@ bool SingleInstance::handOver(const QString &action)
     else
         call.setArguments({ action, QVariantList(), ownPlatformData() });
     call.setAutoStartService(false);
-    const bool isTaken = isReply(sessionBus().call(call, QDBus::Block, longestWaitMs));
+    const bool isTaken = isReply(sessionBus().call(call, QDBus::Block, handOverTimeoutMs));
     if (!isTaken)
         claim();
     return isTaken;

@@ -5,7 +5,7 @@
 
 namespace vornic {
 
-/// Makes the process the only one of this program in the session, or reaches the one that is.
+/// Makes this process the program's only instance in the session, or reaches the one that runs already.
 ///
 /// Made by main() after the application object and before the window, on the main thread, where its signals
 /// come too. Without a session bus every process is the only one.
@@ -15,21 +15,21 @@ class SingleInstance : public QObject
 
 public:
     explicit SingleInstance(QObject *parent = nullptr);
-    /// Leaves the place to the next start.
+    /// The next start can be the only instance then.
     ~SingleInstance() override;
     SingleInstance(const SingleInstance &) = delete;
     SingleInstance &operator=(const SingleInstance &) = delete;
 
     [[nodiscard]] bool isOnly() const { return m_isOnly; }
 
-    /// Asks the process that is the only one to come to the front (\a action empty) or to do \a action, and
-    /// waits for it, two seconds at most. False when it did not take it: it hangs, or it has just ended, and
-    /// then this process has its place if nobody was faster.
+    /// Asks the instance that runs already to come to the front, or to do \a action where one is given, and
+    /// waits for its reply, two seconds at most. False when none comes: that instance hangs, or it has just
+    /// ended; in the second case this process tries to become the only one, and isOnly() tells whether it is.
     [[nodiscard]] bool handOver(const QString &action = {});
 
 signals:
-    // Another start handed over, or the desktop asked. The token lets the window come to the front; empty
-    // where there is none.
+    // Another start handed over, or the desktop asked for it. The token lets the window come to the front;
+    // empty where there is none.
     void activated(const QString &activationToken);
     void actionAsked(const QString &action, const QString &activationToken);
 

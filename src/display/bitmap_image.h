@@ -16,7 +16,7 @@ namespace vornic {
 class BitmapImage
 {
 public:
-    /// Rows in a band, the grain in which two pictures are told apart; the last band may hold fewer.
+    /// Rows in a band, the unit in which two pictures are compared; the last band may hold fewer.
     static constexpr int bandHeight = 16;
 
     virtual ~BitmapImage() = default;
@@ -68,7 +68,7 @@ private:
 /// An image that owns a copy of \a picture (converted to 32-bit where needed); every band gets a new version.
 [[nodiscard]] std::shared_ptr<const BitmapImage> bitmapImageFrom(const QImage &picture);
 
-/// The same with \a versions for its bands, as many as bandCount() says, by one who knows which are kept.
+/// The same with \a versions for its bands, as many as bandCount() says, for a caller that knows which bands are as before.
 [[nodiscard]] std::shared_ptr<const BitmapImage> bitmapImageFrom(const QImage &picture,
                                                                  std::vector<std::uint64_t> versions);
 

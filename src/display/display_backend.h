@@ -40,7 +40,7 @@ public:
     [[nodiscard]] virtual std::uint32_t mainDisplayId() const = 0;
     /// The size now; empty when there is no display.
     [[nodiscard]] virtual QSize mainDisplaySize() const = 0;
-    /// Where its top left lies on the whole desktop, from the desktop's top left, for who places windows.
+    /// Where its top left lies on the desktop, from the desktop's top left: windows are placed by that.
     [[nodiscard]] virtual QPoint mainDisplayOrigin() const { return {}; }
     /// The part of \a rectangle that lies on the display, without the pointer; null when none does, or when
     /// the server refuses. Blocks for one exchange with the server, or for none when nothing has changed.

@@ -27,8 +27,8 @@ public:
 
     [[nodiscard]] uchar *data() const { return m_data; }
     [[nodiscard]] std::size_t size() const { return m_size; }
-    /// The file descriptor of the memory, for one who maps it; the caller owns it. -1 from the second call
-    /// on.
+    /// The file descriptor of the memory, through which it can be mapped; from now on the caller's. -1 from the
+    /// second call on.
     [[nodiscard]] int takeFileDescriptor();
 
     /// No image shows the memory; what their readers have done with it has happened before.

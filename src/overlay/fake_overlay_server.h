@@ -17,7 +17,7 @@ public:
     /// Borrows \a receiver for life. A compositing manager runs, and no window is shown.
     explicit FakeOverlayServer(InputReceiver &receiver);
 
-    /// Who is told what the mouse does over the input area.
+    /// The object that is told what the mouse does over the input area.
     [[nodiscard]] InputReceiver &receiver() const { return m_receiver; }
     /// A compositing manager comes or goes.
     void setComposited(bool isComposited);

@@ -12,7 +12,7 @@ namespace vornic {
 namespace {
 
 constexpr double handleSize = 8;
-constexpr double shortestSide = 76;
+constexpr double minSide = 76;
 constexpr double lowestOrigin = -overlayMargin;
 /// Where a press counts for the logo, from where it was.
 constexpr QPointF logoTestShift(-4, -4);
@@ -140,8 +140,8 @@ QRectF adjustedLeftEdge(const QRectF &frame, qint64 distance)
     const double width = std::trunc(frame.width() - s);
     const double x = std::trunc(frame.x() + s);
     QRectF adjusted = frame;
-    if (width < shortestSide)
-        adjusted.setRect(frame.x() + (frame.width() - shortestSide), frame.y(), shortestSide, frame.height());
+    if (width < minSide)
+        adjusted.setRect(frame.x() + (frame.width() - minSide), frame.y(), minSide, frame.height());
     else if (x >= lowestOrigin)
         adjusted.setRect(x, frame.y(), width, frame.height());
     else
@@ -155,8 +155,8 @@ QRectF adjustedBottomEdge(const QRectF &frame, qint64 distance)
     const double height = std::trunc(frame.height() - s);
     const double y = std::trunc(frame.y() + s);
     QRectF adjusted = frame;
-    if (height < shortestSide)
-        adjusted.setRect(frame.x(), frame.y() + (frame.height() - shortestSide), frame.width(), shortestSide);
+    if (height < minSide)
+        adjusted.setRect(frame.x(), frame.y() + (frame.height() - minSide), frame.width(), minSide);
     else if (y >= lowestOrigin)
         adjusted.setRect(frame.x(), y, frame.width(), height);
     else // 4, not the 8 of the left edge
@@ -170,8 +170,8 @@ QRectF adjustedTopEdge(const QRectF &frame, qint64 distance, const QRectF &bound
     double height = frame.height() + toDouble(distance);
     if (frame.y() + height > limit)
         height = limit - frame.y();
-    else if (height < shortestSide)
-        height = shortestSide;
+    else if (height < minSide)
+        height = minSide;
     return { frame.topLeft(), QSizeF(frame.width(), height) };
 }
 
@@ -181,8 +181,8 @@ QRectF adjustedRightEdge(const QRectF &frame, qint64 distance, const QRectF &bou
     double width = frame.width() + toDouble(distance);
     if (frame.x() + width > limit)
         width = limit - frame.x();
-    else if (width < shortestSide)
-        width = shortestSide;
+    else if (width < minSide)
+        width = minSide;
     return { frame.topLeft(), QSizeF(width, frame.height()) };
 }
 

@@ -59,12 +59,12 @@ std::shared_ptr<const BitmapImage> X11Display::grab(const QRect &rectangle)
         const QRect visible = partOnDisplay(rectangle, layout.rectangle.size());
         auto image = visible.isEmpty()
             ? nullptr
-            : m_grabber.grab(visible.translated(layout.rectangle.topLeft()), layout.edition);
+            : m_grabber.grab(visible.translated(layout.rectangle.topLeft()), layout.version);
         if (image)
             return image;
         // A display that has shrunk since refuses what is no longer there, and has told of that before.
         const X11Layout now = m_monitor.layout();
-        if (now.edition == layout.edition)
+        if (now.version == layout.version)
             return nullptr;
         layout = now;
     }

@@ -20,7 +20,7 @@ namespace vornic {
 namespace {
 
 /// One being written, one still shown, and one for a reader that is a picture late.
-constexpr std::size_t mostSlots = 3;
+constexpr std::size_t maxSlots = 3;
 /// How long a picture may rest on damage reports alone. A server or driver that draws past them would
 /// otherwise leave a stale picture for good; a whole fetch costs a few milliseconds.
 constexpr double wholeFetchPeriod = 2.0;
@@ -35,11 +35,11 @@ X11Grabber::X11Grabber(X11Connection &connection, X11Changes &changes, X11PixelF
 {
 }
 
-std::shared_ptr<const BitmapImage> X11Grabber::grab(const QRect &onRoot, std::uint64_t layoutEdition)
+std::shared_ptr<const BitmapImage> X11Grabber::grab(const QRect &onRoot, std::uint64_t layoutVersion)
 {
     const std::lock_guard lock(m_mutex);
-    if (onRoot != m_onRoot || layoutEdition != m_layoutEdition)
-        startAfresh(onRoot, layoutEdition);
+    if (onRoot != m_onRoot || layoutVersion != m_layoutVersion)
+        startAnew(onRoot, layoutVersion);
     if (!update()) {
         m_current = nullptr;
         return nullptr;
@@ -49,7 +49,7 @@ std::shared_ptr<const BitmapImage> X11Grabber::grab(const QRect &onRoot, std::ui
     return imageOver(m_current->memory.pixels, m_onRoot.width(), m_onRoot.height(), std::move(versions));
 }
 
-void X11Grabber::startAfresh(const QRect &onRoot, std::uint64_t layoutEdition)
+void X11Grabber::startAnew(const QRect &onRoot, std::uint64_t layoutVersion)
 {
     if (onRoot != m_onRoot) {
         m_bands.assign(static_cast<std::size_t>(bandCount(onRoot.height())), Band {});
@@ -57,7 +57,7 @@ void X11Grabber::startAfresh(const QRect &onRoot, std::uint64_t layoutEdition)
             slot->versions.assign(m_bands.size(), 0);
     }
     m_onRoot = onRoot;
-    m_layoutEdition = layoutEdition;
+    m_layoutVersion = layoutVersion;
     m_current = nullptr;
 }
 
@@ -94,9 +94,9 @@ bool X11Grabber::updateSlot(Slot &slot, const ChangedBands &changed)
         return false;
     }
     // Hashing a whole picture takes about as long as fetching it.
-    constexpr int leastBandsPerThread = 8;
+    constexpr int minBandsPerThread = 8;
     for (const BandRun &run : runs)
-        parallelRanges(run.count, leastBandsPerThread, [&](int first, int count) {
+        parallelRanges(run.count, minBandsPerThread, [&](int first, int count) {
             readBands(slot, { run.first + first, count });
         });
     return true;
@@ -114,7 +114,7 @@ X11Grabber::Slot *X11Grabber::slotToWrite()
     const auto usable = std::ranges::find_if(m_slots, [&](const auto &slot) { return isUsable(*slot); });
     if (usable != m_slots.end())
         return usable->get();
-    if (m_slots.size() >= mostSlots)
+    if (m_slots.size() >= maxSlots)
         m_slots.erase(
             std::ranges::find_if(m_slots, [this](const auto &slot) { return slot.get() != m_current; }));
     auto memory = newMemory(size, m_format.isDirect());

@@ -33,9 +33,9 @@ public:
     /// Borrows connection and changes for life.
     X11Grabber(X11Connection &connection, X11Changes &changes, X11PixelFormat format);
 
-    /// \a onRoot in root coordinates, inside the root window; another \a layoutEdition than the last one says
-    /// that the server's screen has been arranged anew. Null when the server refuses.
-    [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &onRoot, std::uint64_t layoutEdition);
+    /// \a onRoot in root coordinates, inside the root window; \a layoutVersion differs from the last one when
+    /// the server's screen has been arranged anew. Null when the server refuses.
+    [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &onRoot, std::uint64_t layoutVersion);
 
 private:
     /// Memory that the server can write to.
@@ -54,7 +54,7 @@ private:
         XXH128_hash_t hash {};
     };
 
-    void startAfresh(const QRect &onRoot, std::uint64_t layoutEdition);
+    void startAnew(const QRect &onRoot, std::uint64_t layoutVersion);
     [[nodiscard]] bool update();
     [[nodiscard]] bool updateSlot(Slot &slot, const ChangedBands &changed);
     [[nodiscard]] bool makeStaging();
@@ -75,7 +75,7 @@ private:
     std::mutex m_mutex;
     X11Damage m_damage;
     QRect m_onRoot;
-    std::uint64_t m_layoutEdition = 0;
+    std::uint64_t m_layoutVersion = 0;
     std::vector<Band> m_bands;
     std::vector<std::unique_ptr<Slot>> m_slots;
     Slot *m_current = nullptr;       ///< shows m_bands; null: the whole picture must be fetched

@@ -57,7 +57,7 @@ void X11MainMonitor::refresh()
         xcb_get_geometry_reply(connection, geometryCookie, nullptr));
     const XcbReply<xcb_randr_get_monitors_reply_t> monitors(
         xcb_randr_get_monitors_reply(connection, monitorsCookie, nullptr));
-    ++m_layout.edition;
+    ++m_layout.version;
     if (!root || !monitors)
         return;
     const QRect wholeRoot(0, 0, root->width, root->height);

@@ -14,7 +14,7 @@ class X11Connection;
 struct X11Layout {
     std::uint32_t id = 0;      ///< 0: there is no display
     QRect rectangle;           ///< device pixels from the root's top left, y down; always inside the root
-    std::uint64_t edition = 0; ///< another one whenever the server has told of a change
+    std::uint64_t version = 0; ///< another one whenever the server has told of a change
 };
 
 /// The main display: the primary monitor, or the first where none is primary, or the whole root window

@@ -32,9 +32,9 @@ const xcb_format_t *formatOfDepth(const xcb_setup_t &setup, int depth)
 bool isReadable(const xcb_setup_t &setup, const xcb_format_t *format, const xcb_visualtype_t *visual)
 {
     // Deeper channels would need tables of more than a page or two; no server has them.
-    constexpr std::uint32_t deepest = 0xfff;
+    constexpr std::uint32_t maxChannel = 0xfff;
     const auto fits
-        = [](std::uint32_t mask) { return mask != 0 && mask >> std::countr_zero(mask) <= deepest; };
+        = [](std::uint32_t mask) { return mask != 0 && mask >> std::countr_zero(mask) <= maxChannel; };
     return std::endian::native == std::endian::little && setup.image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST
         && format && visual && visual->_class == XCB_VISUAL_CLASS_TRUE_COLOR
         && (format->bits_per_pixel == 16 || format->bits_per_pixel == 32) && fits(visual->red_mask)
@@ -80,9 +80,9 @@ X11PixelFormat::Channel X11PixelFormat::channelOf(std::uint32_t mask)
 {
     Channel channel;
     channel.shift = static_cast<unsigned>(std::countr_zero(mask));
-    channel.most = mask >> channel.shift;
-    const auto bits = static_cast<unsigned>(std::bit_width(channel.most));
-    for (std::uint32_t value = 0; value <= channel.most; ++value)
+    channel.maximum = mask >> channel.shift;
+    const auto bits = static_cast<unsigned>(std::bit_width(channel.maximum));
+    for (std::uint32_t value = 0; value <= channel.maximum; ++value)
         channel.toEightBits.push_back(eightBitsOf(value, bits));
     return channel;
 }
@@ -112,7 +112,7 @@ void X11PixelFormat::convertRow(const uchar *from, uchar *to, int width) const
         Pixel pixel = 0;
         std::memcpy(&pixel, from + static_cast<std::size_t>(x) * sizeof pixel, sizeof pixel);
         for (const Channel &channel : m_channels)
-            *to++ = channel.toEightBits[(std::uint32_t { pixel } >> channel.shift) & channel.most];
+            *to++ = channel.toEightBits[(std::uint32_t { pixel } >> channel.shift) & channel.maximum];
         *to++ = 0xff;
     }
 }

@@ -32,7 +32,7 @@ public:
 private:
     struct Channel {
         unsigned shift = 0;
-        std::uint32_t most = 0;                ///< the largest value, and the mask once shifted
+        std::uint32_t maximum = 0;             ///< the largest value, and the mask once shifted
         std::vector<std::uint8_t> toEightBits; ///< indexed by value
     };
 
