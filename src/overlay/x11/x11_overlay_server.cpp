@@ -57,6 +57,7 @@ QRegion X11OverlayServer::pixelsOf(const QList<QWindow *> &windows)
         m_stacking.watch(id); // first, so that no change between is missed
         pixels += framePixels(*m_connection, id);
     }
+    m_events.flush(); // the replies may have brought events, for which nothing else would wake the loop
     return pixels;
 }
 
