@@ -1,9 +1,11 @@
 // A window of another program, for tests: drag_source TITLE X Y W H COLOUR [FILE]
 //
 // The title "Panel" makes it the panel of a desktop, "Background" lays it beneath everything.
-// Tells "pressed X Y", "dragged", "wheel" on standard output. Dragging from it drags FILE's name, and the end
-// of that is told as "dropped copy" or "dropped nothing".
+// Tells "pressed X Y", "dragged", "wheel" on standard output. Dragging from it drags FILE's name: told are
+// "drags", "answer 1" or "answer 0" whenever the window below says whether it would take it, and at the end
+// "dropped copy" or "dropped nothing".
 
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
@@ -11,7 +13,11 @@
 #include <QUrl>
 #include <QWidget>
 
+#include <xcb/xcb.h>
+
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -55,6 +61,7 @@ protected:
         auto *files = new QMimeData;
         files->setUrls({ QUrl::fromLocalFile(m_file) });
         drag->setMimeData(files);
+        tell(QStringLiteral("drags"));
         const Qt::DropAction action = drag->exec(Qt::CopyAction);
         tell(action == Qt::CopyAction ? QStringLiteral("dropped copy") : QStringLiteral("dropped nothing"));
     }
@@ -65,11 +72,40 @@ private:
     const QString m_file;
 };
 
+/// Tells the answers of the windows over which something is dragged: XDND, XdndStatus.
+class Answers : public QAbstractNativeEventFilter
+{
+public:
+    Answers()
+    {
+        auto *connection = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+        constexpr char name[] = "XdndStatus";
+        auto *reply = xcb_intern_atom_reply(
+            connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
+        m_status = reply ? reply->atom : xcb_atom_t { XCB_ATOM_NONE };
+        std::free(reply);
+    }
+
+    bool nativeEventFilter(const QByteArray & /*type*/, void *event, qintptr * /*result*/) override
+    {
+        xcb_client_message_event_t message;
+        std::memcpy(&message, event, sizeof message);
+        if ((message.response_type & 0x7f) == XCB_CLIENT_MESSAGE && message.type == m_status)
+            tell(QStringLiteral("answer %1").arg(message.data.data32[1] & 1U));
+        return false;
+    }
+
+private:
+    xcb_atom_t m_status;
+};
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
+    Answers answers;
+    QCoreApplication::instance()->installNativeEventFilter(&answers);
     Window window(QApplication::arguments());
     window.show();
     if (window.windowTitle() == u"Background")

@@ -2,6 +2,7 @@
 
 #include "support/screen_painter.h"
 #include "support/test_pictures.h"
+#include "support/wait_until.h"
 #include "support/xvfb_server.h"
 
 #include <QElapsedTimer>
@@ -11,10 +12,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
-#include <thread>
 
 namespace vornic {
 
@@ -46,7 +45,7 @@ public:
     LineProgram &operator=(const LineProgram &) = delete;
 
     /// Waits for a line that \a isIt; what was told before it is passed by. Null after some seconds.
-    QString waitFor(const std::function<bool(const QString &)> &isIt, int mostMs = 20'000)
+    QString waitFor(const std::function<bool(const QString &)> &isIt, int maxMs = 20'000)
     {
         QElapsedTimer timer;
         timer.start();
@@ -57,19 +56,19 @@ public:
                 if (isIt(line))
                     return line;
             }
-            if (timer.elapsed() >= mostMs)
+            if (timer.elapsed() >= maxMs)
                 return {};
-            m_process.waitForReadyRead(static_cast<int>(mostMs - timer.elapsed()));
+            m_process.waitForReadyRead(static_cast<int>(maxMs - timer.elapsed()));
         }
     }
     bool waitForLine(const QString &text)
     {
         return !waitFor([&](const QString &line) { return line == text; }).isNull();
     }
-    /// Whether a line that begins like this comes within \a mostMs.
-    bool tells(const QString &begin, int mostMs)
+    /// Whether a line that begins like this comes within \a maxMs.
+    bool tells(const QString &begin, int maxMs)
     {
-        return !waitFor([&](const QString &line) { return line.startsWith(begin); }, mostMs).isNull();
+        return !waitFor([&](const QString &line) { return line.startsWith(begin); }, maxMs).isNull();
     }
     void say(const QString &line)
     {
@@ -138,44 +137,21 @@ protected:
         ASSERT_TRUE(eventually([&] { return pixel({ 5, 5 }) == colour; }));
     }
 
-    static bool eventually(const std::function<bool()> &condition)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition()) {
-            if (timer.elapsed() > 15'000)
-                return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return true;
-    }
+    static bool eventually(const std::function<bool()> &condition) { return test::waitUntil(condition); }
     [[nodiscard]] QColor pixel(QPoint onDesktop) const
     {
         return painter->screen(QRect(onDesktop, QSize(1, 1))).pixelColor(0, 0);
     }
 
-    void press(QPoint onDesktop) const
-    {
-        server->xdotool({ "mousemove", QString::number(onDesktop.x()), QString::number(onDesktop.y()) });
-        server->xdotool({ "mousedown", "1" });
-    }
-    void moveTo(QPoint onDesktop) const
-    {
-        server->xdotool({ "mousemove", QString::number(onDesktop.x()), QString::number(onDesktop.y()) });
-    }
-    void release() const { server->xdotool({ "mouseup", "1" }); }
+    // Each is one process: starting them takes longer than what they do.
+    void press(QPoint onDesktop) const { server->xdotool(moves({ onDesktop }) + press1); }
+    void moveTo(QPoint onDesktop) const { server->xdotool(moves({ onDesktop })); }
+    void release() const { server->xdotool(release1); }
     void drag(QPoint from, QPoint to) const
     {
-        press(from);
-        moveTo((from + to) / 2);
-        moveTo(to);
-        release();
+        server->xdotool(moves({ from }) + press1 + moves({ (from + to) / 2, to }) + release1);
     }
-    void click(QPoint onDesktop) const
-    {
-        press(onDesktop);
-        release();
-    }
+    void click(QPoint onDesktop) const { server->xdotool(moves({ onDesktop }) + press1 + release1); }
 
     std::unique_ptr<test::XvfbServer> server;
     std::unique_ptr<test::ScreenPainter> painter;
@@ -183,6 +159,18 @@ protected:
     std::unique_ptr<test::ChildProcess> picom;
     std::unique_ptr<LineProgram> stage;
     std::unique_ptr<LineProgram> backgroundWindow;
+
+private:
+    static QStringList moves(const QList<QPoint> &points)
+    {
+        QStringList words;
+        for (const QPoint point : points)
+            words += { "mousemove", QString::number(point.x()), QString::number(point.y()) };
+        return words;
+    }
+
+    const QStringList press1 { "mousedown", "1" };
+    const QStringList release1 { "mouseup", "1" };
 };
 
 inline std::string compositingName(const ::testing::TestParamInfo<bool> &info)

@@ -160,7 +160,8 @@ TEST_P(OverlayDesktop, RecordingLetsEveryClickThrough)
     // Idle again, it takes the mouse.
     stage->say("recording 0");
     click(inside);
-    EXPECT_FALSE(other->tells("pressed", 500));
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == white; })) << "and the keyboard focus";
+    EXPECT_FALSE(other->tells("pressed", 0));
     drag(inside, inside + QPoint(10, -10));
     EXPECT_TRUE(stage->tells("rect 110 110 400 300", 10'000)
                 || !stage->told.filter("rect 110 110").isEmpty());
@@ -219,19 +220,18 @@ TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
     const test::ScreenPainter::Window overlay = windowWithName("Recorded rectangle");
     ASSERT_NE(overlay, 0U);
     // Whatever the window manager still does about the main window lets the overlay go below it again.
-    const auto staysRaised = [&] {
-        painter->raiseWindow(overlay);
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        return topWindow() == overlay;
+    const auto holdsWhileRaised = [&](const std::function<bool()> &condition) {
+        return eventually([&] {
+            painter->raiseWindow(overlay);
+            return condition() && topWindow() == overlay;
+        });
     };
-    ASSERT_TRUE(eventually(staysRaised));
-    EXPECT_EQ(pixel(onBar), mainColour);
-    EXPECT_TRUE(isBar(pixel({ 400, 196 }))) << "and is there where the main window is not";
+    // It is there where the main window is not.
+    EXPECT_TRUE(holdsWhileRaised([&] { return pixel(onBar) == mainColour && isBar(pixel({ 400, 196 })); }));
     click(onBar);
     EXPECT_TRUE(stage->tells("main pressed", 10'000));
     stage->say("recording 1");
-    ASSERT_TRUE(eventually(staysRaised));
-    EXPECT_TRUE(isBar(pixel(onBar))) << "a movie shows all of the overlay";
+    EXPECT_TRUE(holdsWhileRaised([&] { return isBar(pixel(onBar)); })) << "a movie shows all of the overlay";
     stage->say("recording 0");
     EXPECT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
     stage->say("main 350 150 100 150");
@@ -391,20 +391,31 @@ protected:
         stage->say("place");
         ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
     }
-    /// As a hand does: in steps, with time for the programs to talk.
-    QString dragFile(QPoint to)
+    /// Begins to drag the file.
+    void takeFile()
     {
-        const QPoint from(660, 60);
-        press(from);
-        for (int step = 1; step <= 8; ++step) {
-            moveTo(from + (to - from) * step / 8);
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        }
+        press(inSource);
+        moveTo(inSource + QPoint(10, 10));
+        ASSERT_TRUE(source->waitForLine("drags"));
+    }
+    /// Drags it there, and waits for what the overlay says to that.
+    void carryFile(QPoint to)
+    {
         moveTo(to);
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        ASSERT_TRUE(source->tells("answer", 10'000));
+    }
+    QString dropFile()
+    {
         release();
         return source->waitFor([](const QString &line) { return line.startsWith("dropped"); });
     }
+    QString dragFile(QPoint to)
+    {
+        takeFile();
+        carryFile(to);
+        return dropFile();
+    }
+    static constexpr QPoint inSource { 660, 60 };
 
     std::unique_ptr<LineProgram> source;
 };
@@ -444,14 +455,10 @@ TEST_P(OverlayDrop, TextLogoRefuses)
 TEST_P(OverlayDrop, DragThatOnlyPassesIsForgotten)
 {
     startSource("a picture.png");
-    press({ 660, 60 });
-    for (const QPoint to : { QPoint(640, 80), QPoint(400, 300), QPoint(380, 300), QPoint(700, 560) }) {
-        moveTo(to);
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    }
-    release();
-    EXPECT_EQ(source->waitFor([](const QString &line) { return line.startsWith("dropped"); }),
-              "dropped nothing");
+    takeFile();
+    for (const QPoint to : { QPoint(400, 300), QPoint(380, 300), QPoint(700, 560) })
+        carryFile(to); // the last is over the background
+    EXPECT_EQ(dropFile(), "dropped nothing");
     EXPECT_EQ(pixel(onLogo), QColor(Qt::red));
     EXPECT_EQ(dragFile({ 350, 300 }), "dropped copy");
 }
