@@ -92,8 +92,9 @@ TEST_F(RecoderWindow, OpaqueItIsCutToWhatItDrawsAndTheInputAreaTakesTheMouse)
 
 TEST_F(RecoderWindow, HiddenItHasNoInputArea)
 {
+    window.orderFront();
     server.setComposited(false);
-    window.setWindowAbove(nullptr);
+    window.orderOut();
     view.redraw();
     EXPECT_EQ(appearance().inputArea, QRegion());
 }
