@@ -17,7 +17,7 @@ namespace vornic {
 
 VNRecorderWndCtrl &VNRecorderWndCtrl::shareRecorderWndCtrl()
 {
-    static VNRecorderWndCtrl *const shared = new VNRecorderWndCtrl;
+    static auto *const shared = new VNRecorderWndCtrl;
     return *shared;
 }
 

@@ -118,8 +118,9 @@ private:
 
     void showMain(const QStringList &words)
     {
-        m_main.setVisible(words.size() > 1);
+        // Shown where it belongs: moved afterwards, it would race the window manager.
         m_main.setGeometry(rectangle(words).toRect());
+        m_main.setVisible(words.size() > 1);
     }
 
     VNOption m_options;

@@ -46,7 +46,7 @@ class DesktopEntry(unittest.TestCase):
 
     def test_the_bus_knows_the_actions_by_the_same_names(self):
         # The desktop activates an action by its name; the program's own second start uses the same ones.
-        text = (SOURCE / "src/app/main.cpp").read_text(encoding="utf-8")
+        text = (SOURCE / "src/app/window/window_program.h").read_text(encoding="utf-8")
         for action in self.actions():
             self.assertIn(f'"{action}"', text)
 

@@ -112,7 +112,7 @@ def check_notification(services):
 def main():
     run_inside(services=("openbox",))
     alone = start_again("--stop")
-    assert alone.returncode == 1 and "No window" in alone.stderr, alone
+    assert alone.returncode == 1 and "not recording" in alone.stderr, alone
     import gi
     gi.require_version("Gio", "2.0")
     services = Services()

@@ -30,8 +30,8 @@ QString bar(int percent)
 
 } // namespace
 
-CommandLineFrontEnd::CommandLineFrontEnd(const CommandLine &line)
-    : m_line(line)
+CommandLineFrontEnd::CommandLineFrontEnd(CommandLine line)
+    : m_line(std::move(line))
     , m_isTerminal(::isatty(STDERR_FILENO) == 1)
 {
 }

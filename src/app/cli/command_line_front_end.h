@@ -25,7 +25,7 @@ class CommandLineFrontEnd final : public RecordingQuestions,
                                   public LogoPanels
 {
 public:
-    explicit CommandLineFrontEnd(const CommandLine &line);
+    explicit CommandLineFrontEnd(CommandLine line);
     ~CommandLineFrontEnd();
     CommandLineFrontEnd(const CommandLineFrontEnd &) = delete;
     CommandLineFrontEnd &operator=(const CommandLineFrontEnd &) = delete;

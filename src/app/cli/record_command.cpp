@@ -56,7 +56,7 @@ QString whyNoSound(const CommandLine &line)
 {
     if (!line.audio)
         return {};
-    if (const QString reason = noAudioReason(); !reason.isEmpty())
+    if (QString reason = noAudioReason(); !reason.isEmpty())
         return reason;
     const QStringList devices = mainAudioControl().inputDevicesName();
     if (devices.isEmpty())
@@ -72,7 +72,7 @@ QString whyNoSound(const CommandLine &line)
 /// Everything that can be known to go wrong before the recording starts.
 QString whyNotRecord(const CommandLine &line)
 {
-    if (const QString reason = noDisplayReason(); !reason.isEmpty())
+    if (QString reason = noDisplayReason(); !reason.isEmpty())
         return reason;
     const QSize display = mainDisplay()->mainDisplaySize();
     if (line.region && !line.region->intersects(QRect(QPoint(0, 0), display)))
@@ -84,13 +84,13 @@ QString whyNotRecord(const CommandLine &line)
             .arg(line.region->height())
             .arg(display.width())
             .arg(display.height());
-    if (const QString reason = whyNoSound(line); !reason.isEmpty())
+    if (QString reason = whyNoSound(line); !reason.isEmpty())
         return reason;
-    if (const QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
+    if (QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
         return reason;
     if (QFileInfo::exists(line.file) && !line.overwrite)
         return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
-    if (const QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
+    if (QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
         return reason;
     return whyTooLittleSpace(line.ignoreLowSpace);
 }

@@ -13,7 +13,7 @@ namespace vornic {
 
 VNAlertFreeSpace &VNAlertFreeSpace::shareAlertFreeSpace()
 {
-    static VNAlertFreeSpace *const shared = new VNAlertFreeSpace;
+    static auto *const shared = new VNAlertFreeSpace;
     return *shared;
 }
 

@@ -8,8 +8,6 @@
 
 #include <ui_VNEncoderProgress.h>
 
-#include <utility>
-
 namespace vornic {
 
 namespace {
@@ -38,7 +36,7 @@ protected:
 
 VNEncoderProgress &VNEncoderProgress::shareEncoderProgress()
 {
-    static VNEncoderProgress *const shared = new VNEncoderProgress;
+    static auto *const shared = new VNEncoderProgress;
     return *shared;
 }
 
@@ -61,8 +59,7 @@ void VNEncoderProgress::beginSheet(QWidget *window, std::uint64_t frames)
 
 void VNEncoderProgress::endSheet()
 {
-    if (QDialog *window = std::exchange(m_window, nullptr))
-        delete window;
+    delete m_window.data();
 }
 
 void VNEncoderProgress::setPercent(double percent)

@@ -21,7 +21,7 @@ const QString showAgainKey = QStringLiteral("VNShowHintWndAgain");
 
 VNHintWndCtroller &VNHintWndCtroller::shareHintWndCtroller()
 {
-    static VNHintWndCtroller *const shared = new VNHintWndCtroller;
+    static auto *const shared = new VNHintWndCtroller;
     return *shared;
 }
 

@@ -128,7 +128,7 @@ using ProgressTest = SheetTest;
 TEST_F(ProgressTest, ItShowsHowFarHowFastAndHowLong)
 {
     VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
-    progress.beginSheet(&window, 600);
+    progress.beginSheet(&window, 300);
     ASSERT_TRUE(sheet());
     EXPECT_EQ(control<QLabel>("percentLabel")->text(), "0 %");
     // Speed and time left are shown once there is something to reckon them from.
@@ -142,7 +142,7 @@ TEST_F(ProgressTest, ItShowsHowFarHowFastAndHowLong)
     EXPECT_EQ(control<QLabel>("timeLeftLabel")->text(), "0:00 left");
     const double speed = control<QLabel>("speedLabel")->text().section(u' ', 0, 0).toDouble();
     EXPECT_GT(speed, 0);
-    EXPECT_LE(speed, 300 / 0.3);
+    EXPECT_LE(speed, 150 / 0.3);
     progress.endSheet();
     EXPECT_FALSE(sheet());
 }
