@@ -621,35 +621,7 @@
     </message>
 </context>
 <context>
-    <name>vornic::WindowFrontEnd</name>
-    <message>
-        <source>Save the recording as</source>
-        <translation>Aufnahme speichern als</translation>
-    </message>
-    <message>
-        <source>Movies (*.%1)</source>
-        <translation>Filme (*.%1)</translation>
-    </message>
-    <message>
-        <source>Untitled</source>
-        <translation>Unbenannt</translation>
-    </message>
-    <message>
-        <source>Save elsewhere</source>
-        <translation>Woanders speichern</translation>
-    </message>
-    <message>
-        <source>Give up</source>
-        <translation>Aufgeben</translation>
-    </message>
-    <message>
-        <source>No</source>
-        <translation>Nein</translation>
-    </message>
-    <message>
-        <source>Yes</source>
-        <translation>Ja</translation>
-    </message>
+    <name>vornic::WindowDesktop</name>
     <message>
         <source>The recording is finished</source>
         <translation>Die Aufnahme ist fertig</translation>
@@ -666,6 +638,9 @@
         <source>Recording the screen</source>
         <translation>Der Bildschirm wird aufgenommen</translation>
     </message>
+</context>
+<context>
+    <name>vornic::WindowLogoPanels</name>
     <message>
         <source>Choose the logo&apos;s picture</source>
         <translation>Bild für das Logo wählen</translation>
@@ -678,6 +653,21 @@
         <source>The logo&apos;s font</source>
         <translation>Schrift des Logos</translation>
     </message>
+</context>
+<context>
+    <name>vornic::WindowQuestions</name>
+    <message>
+        <source>Save the recording as</source>
+        <translation>Aufnahme speichern als</translation>
+    </message>
+    <message>
+        <source>Movies (*.%1)</source>
+        <translation>Filme (*.%1)</translation>
+    </message>
+    <message>
+        <source>Untitled</source>
+        <translation>Unbenannt</translation>
+    </message>
     <message>
         <source>Give the recording up?</source>
         <translation>Die Aufnahme aufgeben?</translation>
@@ -685,6 +675,22 @@
     <message>
         <source>It cannot be brought back.</source>
         <translation>Sie ist dann verloren.</translation>
+    </message>
+    <message>
+        <source>Save elsewhere</source>
+        <translation>Woanders speichern</translation>
+    </message>
+    <message>
+        <source>Give up</source>
+        <translation>Aufgeben</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Ja</translation>
     </message>
     <message>
         <source>OK</source>

@@ -21,7 +21,7 @@ public:
 
     void addAll();
     /// Adds the bands that hold any of \a count rows from \a first on; rows off the picture are left out.
-    void addRows(int first, int count);
+    void addRows(int first, int rows);
 
     [[nodiscard]] int count() const { return static_cast<int>(m_changed.size()); }
     [[nodiscard]] bool contains(int band) const { return m_changed[static_cast<std::size_t>(band)]; }

@@ -41,7 +41,7 @@ void WindowProgram::launch()
     m_delegate.setHelpDocument(helpDocument());
     m_delegate.applicationDidFinishLaunching();
     m_window = std::make_unique<MainWindow>(m_delegate);
-    m_frontEnd.setWindow(m_window.get(), &m_delegate);
+    m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_overlay.window()->setWindowAbove(m_window.get());
     connect(m_window.get(), &MainWindow::closed, &m_delegate, &VornicAppDelegate::terminate);
 }
@@ -73,7 +73,7 @@ void WindowProgram::perform(const QString &action)
         m_delegate.stopRecord();
         return;
     }
-    m_frontEnd.bringMainWindowToFront();
+    m_frontEnd.progress().bringMainWindowToFront();
     for (const char *recordAction : { recordFullAction, recordRectangleAction }) {
         if (action == QLatin1StringView(recordAction))
             m_window->record(recordAction == recordFullAction);

@@ -115,15 +115,15 @@ void addSheets(Sheet &sheet, MainWindow &window)
 void addQuestions(Sheet &sheet, WindowFrontEnd &frontEnd)
 {
     addQuestion(sheet, [&] {
-        static_cast<void>(frontEnd.confirmQuit(
-            VornicAppDelegate::tr("Are you sure to quit it?"),
-            VornicAppDelegate::tr(
+        static_cast<void>(frontEnd.questions().confirmQuit(
+            RecordingSession::tr("Are you sure to quit it?"),
+            RecordingSession::tr(
                 "The application is recording video, video recording will stop if it quit.")));
     });
     addQuestion(sheet, [&] {
-        frontEnd.alert(
-            VornicAppDelegate::tr("Disk free space is too low"),
-            VornicAppDelegate::tr("It will terminate recording because of disk space is insufficient"));
+        frontEnd.questions().alert(
+            RecordingSession::tr("Disk free space is too low"),
+            RecordingSession::tr("It will terminate recording because of disk space is insufficient"));
     });
     StopItem item("00:12:34", {});
     for (QWidget *bar : QApplication::topLevelWidgets()) {
@@ -144,7 +144,7 @@ int paint(const QString &path)
     delegate.applicationDidFinishLaunching();
     MainWindow window(delegate);
     WindowFrontEnd frontEnd;
-    frontEnd.setWindow(&window, &delegate);
+    frontEnd.setWindow(&window, [] {});
     window.show();
     Sheet sheet;
     sheet.add(window);
