@@ -11,7 +11,7 @@ QString helpCopy(const QString &document)
     const QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
                       + QStringLiteral("/com.kavlor.vornic"));
     folder.mkpath(QStringLiteral("."));
-    const QString copy = folder.filePath(QStringLiteral("Help.pdf"));
+    QString copy = folder.filePath(QStringLiteral("Help.pdf"));
     if (!QFile::exists(copy))
         QFile::copy(document, copy);
     return copy;

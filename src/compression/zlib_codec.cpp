@@ -38,8 +38,8 @@ public:
     }
 
     /// True when the next run() hands over all of the input that is left.
-    bool handsOverTheRest() const { return m_input.size() - m_consumed <= maxPieceSize; }
-    bool hasMore() const { return m_stream.avail_out == 0 || m_consumed < m_input.size(); }
+    [[nodiscard]] bool handsOverTheRest() const { return m_input.size() - m_consumed <= maxPieceSize; }
+    [[nodiscard]] bool hasMore() const { return m_stream.avail_out == 0 || m_consumed < m_input.size(); }
 
     /// One call of \a code, which is deflate or inflate.
     int run(int (*code)(z_stream *, int), int flush)

@@ -72,7 +72,7 @@ void DBusInhibition::giveBack()
     m_grant.reset();
 }
 
-void DBusInhibition::giveBack(const Grant &grant)
+void DBusInhibition::giveBack(const Grant &grant) const
 {
     if (m_request.releaseMethod.isEmpty())
         return;

@@ -50,7 +50,7 @@ private:
     void takeAnswer(int question, const QStringList &paths, const QDBusMessage &answer);
     void serviceMoved(const QString &newOwner);
     void giveBack();
-    void giveBack(const Grant &grant);
+    void giveBack(const Grant &grant) const;
 
     InhibitRequest m_request;
     QDBusServiceWatcher m_watcher;

@@ -70,7 +70,8 @@ QRegion handlesRegion(const QRectF &bounds)
 bool rowShows(int row, qint64 opacity)
 {
     constexpr std::array order { 0, 4, 2, 6, 1, 5, 3, 7 };
-    return (2 * order[static_cast<std::size_t>(row % 8)] + 1) * 255 < 16 * opacity;
+    const qint64 position = order[static_cast<std::size_t>(row % 8)];
+    return (2 * position + 1) * 255 < 16 * opacity;
 }
 
 /// Makes each pixel of \a row opaque or nothing, and adds the runs of opaque ones to \a runs.

@@ -57,7 +57,8 @@ std::vector<bool> JpegBandDecoder::decode(const QByteArray &jpeg, QImage &canvas
         if (!jpegDecompress(jpeg, pixels, size.width(), size.height(), bytesPerLine))
             return {};
         m_last = jpeg;
-        return std::vector<bool>(static_cast<std::size_t>(bandCount(size.height())), true);
+        std::vector<bool> all(static_cast<std::size_t>(bandCount(size.height())), true);
+        return all;
     }
 
     std::vector<bool> changed

@@ -16,7 +16,7 @@ X11Compositing::X11Compositing(X11Events &events)
 {
     if (const auto *fixes = m_connection.extension(xcb_xfixes_id)) {
         const auto cookie = xcb_xfixes_query_version(m_connection.get(), 5, 0);
-        XcbReply<xcb_xfixes_query_version_reply_t>(
+        const XcbReply<xcb_xfixes_query_version_reply_t> asked(
             xcb_xfixes_query_version_reply(m_connection.get(), cookie, nullptr));
         xcb_xfixes_select_selection_input(m_connection.get(),
                                           m_connection.root(),

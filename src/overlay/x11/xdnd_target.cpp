@@ -73,17 +73,17 @@ XdndTarget::XdndTarget(X11Events &events, std::uint32_t window, InputReceiver &r
     });
 }
 
-void XdndTarget::enter(const std::uint32_t (&data)[5])
+void XdndTarget::enter(MessageData data)
 {
     leave();
     m_drag = Drag();
     m_drag->source = data[0];
     const bool hasLongList = (data[1] & 1U) != 0;
     m_drag->namesFiles = hasLongList ? listContains(data[0], m_atoms.typeList, m_atoms.uriList)
-                                     : std::find(data + 2, data + 5, m_atoms.uriList) != data + 5;
+                                     : std::ranges::count(data.subspan<2>(), m_atoms.uriList) > 0;
 }
 
-void XdndTarget::move(const std::uint32_t (&data)[5])
+void XdndTarget::move(MessageData data)
 {
     m_drag->onDesktop
         = QPoint(static_cast<std::int16_t>(data[2] >> 16U), static_cast<std::int16_t>(data[2] & 0xffffU));
@@ -126,7 +126,7 @@ void XdndTarget::leave()
     m_drag.reset();
 }
 
-void XdndTarget::drop(const std::uint32_t (&data)[5])
+void XdndTarget::drop(MessageData data)
 {
     if (m_drag->namesFiles && !m_drag->isAsked)
         askForNames(data[2]);
@@ -164,10 +164,10 @@ void XdndTarget::send(std::uint32_t type, bool isTaken)
         m_drag->owesStatus = false;
 }
 
-QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t name, bool isRemoved) const
+QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t atom, bool isRemoved) const
 {
     const auto cookie = xcb_get_property(
-        m_connection.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, maxPropertyWords);
+        m_connection.get(), isRemoved ? 1 : 0, window, atom, XCB_GET_PROPERTY_TYPE_ANY, 0, maxPropertyWords);
     const XcbReply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(m_connection.get(), cookie, nullptr));
     if (!reply)

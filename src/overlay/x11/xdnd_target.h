@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 namespace vornic {
 
@@ -38,16 +39,19 @@ private:
         QPoint onDesktop;
     };
 
-    void enter(const std::uint32_t (&data)[5]);
-    void move(const std::uint32_t (&data)[5]);
+    /// The five words of a client message.
+    using MessageData = std::span<const std::uint32_t, 5>;
+
+    void enter(MessageData data);
+    void move(MessageData data);
     void leave();
-    void drop(const std::uint32_t (&data)[5]);
+    void drop(MessageData data);
     void namesCame(bool isThere);
     void finish();
     void askForNames(std::uint32_t time);
     /// A status or the end.
     void send(std::uint32_t type, bool isTaken);
-    [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t name, bool isRemoved) const;
+    [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t atom, bool isRemoved) const;
     [[nodiscard]] bool listContains(std::uint32_t window, std::uint32_t name, std::uint32_t atom) const;
 
     X11Connection &m_connection;
