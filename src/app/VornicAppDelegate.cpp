@@ -125,12 +125,12 @@ void VornicAppDelegate::setVideoQualiy(int index)
 
 bool VornicAppDelegate::allowedEditRecordRegion()
 {
-    return state() == 0 && options() && options()->recordsRectangle();
+    return !isRecording() && options() && options()->recordsRectangle();
 }
 
 bool VornicAppDelegate::allowedEditLogo()
 {
-    return state() == 0 && options() && options()->logoContext()->LogoValidate();
+    return !isRecording() && options() && options()->logoContext()->LogoValidate();
 }
 
 bool VornicAppDelegate::allowedEditFont()
@@ -140,7 +140,7 @@ bool VornicAppDelegate::allowedEditFont()
 
 bool VornicAppDelegate::allowedAudioRecord() const
 {
-    return state() == 0 && m_session && audio().hasDevices();
+    return !isRecording() && m_session && audio().hasDevices();
 }
 
 void VornicAppDelegate::alertError(const QString &text)

@@ -51,7 +51,7 @@ public:
     // shell
     /// Null once when the stored options cannot be read; the next call makes fresh ones.
     [[nodiscard]] VNOption *options();
-    [[nodiscard]] bool allowedEditOptions() const { return state() == 0; }
+    [[nodiscard]] bool allowedEditOptions() const { return !isRecording(); }
     [[nodiscard]] bool allowedEditRecordRegion();
     [[nodiscard]] bool allowedEditLogo();
     [[nodiscard]] bool allowedEditFont();
@@ -62,7 +62,7 @@ public:
     void windowWillClose();
     [[nodiscard]] bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override
     {
-        return state() == 1;
+        return isRecording();
     }
     /// The choice between display and rectangle has changed: the overlay is placed, or hidden.
     void recordRegionChanged();
@@ -86,7 +86,8 @@ public:
     [[nodiscard]] static bool osOverLion(const QString &version);
 
     // recording session
-    [[nodiscard]] int state() const { return m_session ? m_session->state() : 0; }
+    [[nodiscard]] bool isRecording() const { return m_session && m_session->isRecording(); }
+    [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
     void recorded() { m_session->recorded(); }
     void startRecordSelectOutFile() { m_session->startRecordSelectOutFile(); }
     void startRecorderWithHintWindow() { m_session->startRecorderWithHintWindow(); }

@@ -159,7 +159,7 @@ int runRecordCommand(const CommandLine &line)
     QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, terminate);
     QObject::connect(&session, &RecordingSession::recordingRefused, &session, terminate);
     QObject::connect(&session, &RecordingSession::stateChanged, &session, [&session] {
-        if (session.state() == 0)
+        if (!session.isRecording())
             session.terminate();
     });
     QObject::connect(&session,

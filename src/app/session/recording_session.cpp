@@ -70,9 +70,9 @@ SerialQueue &RecordingSession::imgCaptureQueue()
 
 void RecordingSession::setPhase(Phase phase)
 {
-    const int before = state();
+    const bool wasRecording = isRecording();
     m_phase = phase;
-    if (state() == before)
+    if (isRecording() == wasRecording)
         return;
     enableAudioDevices();
     emit stateChanged();
@@ -80,7 +80,7 @@ void RecordingSession::setPhase(Phase phase)
 
 void RecordingSession::enableAudioDevices()
 {
-    m_audio->devices().setEnabled(m_options.enableAudio() && state() == 0 && m_audio->hasDevices());
+    m_audio->devices().setEnabled(m_options.enableAudio() && !isRecording() && m_audio->hasDevices());
 }
 
 // ---- the questions
@@ -156,7 +156,7 @@ QRectF RecordingSession::regionToRecord() const
 
 void RecordingSession::startRecorderAnyway()
 {
-    if (state() != 0)
+    if (isRecording())
         return;
     if (m_terminating || !outputAndSpoolAreReady()) {
         refuse();
@@ -341,7 +341,7 @@ void RecordingSession::hideStopRecordingBtn()
 void RecordingSession::terminate()
 {
     m_terminating = true;
-    if (state() == 0)
+    if (!isRecording())
         emit readyToTerminate();
     else
         stopRecord();
@@ -349,13 +349,13 @@ void RecordingSession::terminate()
 
 bool RecordingSession::mayQuit()
 {
-    if (state() == 0)
+    if (!isRecording())
         return true;
     const bool quits = m_frontEnd.questions.confirmQuit(
         tr("Are you sure to quit it?"),
         tr("The application is recording video, video recording will stop if it quit."));
     // The recording may have ended while the question stood.
-    if (quits && state() == 1)
+    if (quits && isRecording())
         executeStopRecord();
     return quits;
 }

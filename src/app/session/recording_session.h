@@ -47,8 +47,13 @@ public:
     ~RecordingSession() override;
 
     [[nodiscard]] Phase phase() const { return m_phase; }
-    /// 1 from the start of the capture until the movie is complete, else 0.
-    [[nodiscard]] int state() const { return m_phase == Phase::Idle || m_phase == Phase::Asking ? 0 : 1; }
+    /// From the start of the capture until the movie is complete.
+    [[nodiscard]] bool isRecording() const
+    {
+        return m_phase == Phase::Capturing || m_phase == Phase::Writing;
+    }
+    /// 1 while isRecording(), else 0.
+    [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
     /// The clock of the recordings that begin from now on, for tests.
     void setClock(RecordingClock::Now now) { m_now = std::move(now); }
     /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.

@@ -177,12 +177,12 @@ void MainWindow::reloadData()
     m_ui->mLogoFontFillColorWell->setEnabled(font);
     m_ui->mLogoFontStrokeColorWell->setEnabled(font);
     m_ui->logoImageView->setEnabled(m_delegate.allowedEditLogo() && !font);
-    m_ui->recordButton->setEnabled(m_delegate.state() == 0);
+    m_ui->recordButton->setEnabled(!m_delegate.isRecording());
 }
 
 void MainWindow::record(bool fullDisplay)
 {
-    if (m_delegate.state() != 0 || QApplication::activeModalWidget())
+    if (m_delegate.isRecording() || QApplication::activeModalWidget())
         return;
     m_delegate.options()->setIsRecordFullScreen(fullDisplay);
     m_delegate.recorded();
