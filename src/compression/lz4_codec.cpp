@@ -30,8 +30,8 @@ public:
     {
     }
 
-    bool ok() const { return m_ok; }
-    qsizetype position() const { return m_position; }
+    [[nodiscard]] bool ok() const { return m_ok; }
+    [[nodiscard]] qsizetype position() const { return m_position; }
 
     quint8 byte()
     {

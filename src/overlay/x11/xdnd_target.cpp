@@ -15,7 +15,7 @@ namespace vornic {
 namespace {
 
 constexpr std::uint32_t protocolVersion = 5;
-constexpr std::uint32_t maxPropertyWords = 1U << 18;
+constexpr std::uint32_t maxWords = 1U << 18;
 
 void fill(QMimeData &files, const QByteArray &names)
 {
@@ -164,10 +164,10 @@ void XdndTarget::send(std::uint32_t type, bool isTaken)
         m_drag->owesStatus = false;
 }
 
-QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t atom, bool isRemoved) const
+QByteArray XdndTarget::property(std::uint32_t window, std::uint32_t name, bool isRemoved) const
 {
     const auto cookie = xcb_get_property(
-        m_connection.get(), isRemoved ? 1 : 0, window, atom, XCB_GET_PROPERTY_TYPE_ANY, 0, maxPropertyWords);
+        m_connection.get(), isRemoved ? 1 : 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, maxWords);
     const XcbReply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(m_connection.get(), cookie, nullptr));
     if (!reply)

@@ -51,7 +51,7 @@ private:
     void askForNames(std::uint32_t time);
     /// A status or the end.
     void send(std::uint32_t type, bool isTaken);
-    [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t atom, bool isRemoved) const;
+    [[nodiscard]] QByteArray property(std::uint32_t window, std::uint32_t name, bool isRemoved) const;
     [[nodiscard]] bool listContains(std::uint32_t window, std::uint32_t name, std::uint32_t atom) const;
 
     X11Connection &m_connection;
