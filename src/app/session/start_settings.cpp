@@ -1,0 +1,38 @@
+#include "app/session/start_settings.h"
+
+#include "base/user_defaults.h"
+
+#include <algorithm>
+
+namespace vornic::start_settings {
+
+namespace {
+
+const QString countdownKey = QStringLiteral("com.kavlor.countdown");
+const QString shortcutKey = QStringLiteral("com.kavlor.shortcut");
+
+} // namespace
+
+int countdownSeconds()
+{
+    const int stored = user_defaults::value(countdownKey).toInt();
+    return std::ranges::count(countdowns, stored) > 0 ? stored : 0;
+}
+
+void setCountdownSeconds(int seconds)
+{
+    user_defaults::setValue(countdownKey, seconds);
+}
+
+QString shortcut()
+{
+    const QVariant stored = user_defaults::value(shortcutKey);
+    return stored.isValid() ? stored.toString() : QStringLiteral("Ctrl+Alt+R");
+}
+
+void setShortcut(const QString &portableText)
+{
+    user_defaults::setValue(shortcutKey, portableText);
+}
+
+} // namespace vornic::start_settings
