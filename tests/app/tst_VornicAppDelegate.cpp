@@ -110,6 +110,7 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
     EXPECT_EQ(told,
               (QStringList { "savePanel Untitled.mp4",
                              "hint",
+                             "countDown",
                              "showStopItem",
                              "minimise",
                              "inhibit",
@@ -119,7 +120,8 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
                              "reveal " + moviePath(),
                              "announce " + moviePath(),
                              "release",
-                             "endProgress" }));
+                             "endProgress",
+                             "stepAside" }));
     EXPECT_EQ(frontEnd.titles.first(), "00:00:00");
 }
 
@@ -440,6 +442,7 @@ TEST_F(DelegateTest, WhenFinishedTheMovieIsRevealedAndOpenedAsChosen)
     ASSERT_TRUE(record(1));
     EXPECT_TRUE(frontEnd.told.filter("reveal").isEmpty());
     EXPECT_TRUE(frontEnd.told.filter("open").isEmpty());
+    EXPECT_FALSE(frontEnd.told.contains("stepAside")) << "nothing has been opened in front of which it stood";
 }
 
 TEST_F(DelegateTest, QuittingIsAskedOnlyWhileRecording)
@@ -486,7 +489,7 @@ TEST_F(DelegateTest, AStopThatComesAfterTheMovieIsCompleteLeavesItAlone)
     EXPECT_TRUE(runPosted());
     EXPECT_EQ(delegate->state(), 0);
     EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
-    EXPECT_EQ(frontEnd.told.last(), "endProgress");
+    EXPECT_EQ(frontEnd.told.last(), "stepAside");
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
     EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
 }

@@ -93,8 +93,11 @@ bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image)
 void CaptureLoop::tellOfAudioWait()
 {
     constexpr int passesInASecond = 40;
-    if (++m_passesWithoutOrigin == passesInASecond)
+    ++m_passesWithoutOrigin;
+    if (m_passesWithoutOrigin == passesInASecond)
         tellSoon([self = shared_from_this()] { self->m_listener.soundAwaited(); });
+    else if (m_passesWithoutOrigin == 3 * passesInASecond)
+        tellSoon([self = shared_from_this()] { self->m_listener.soundMissing(); });
 }
 
 void CaptureLoop::end()

@@ -33,6 +33,8 @@ public:
         virtual void frameKept(std::int64_t timestamp) = 0;
         /// No picture has been kept for a second, because no sound has come.
         virtual void soundAwaited() = 0;
+        /// Nor for three seconds: it may never come.
+        virtual void soundMissing() = 0;
         /// The spool takes no more; the capture ends when this returns.
         virtual void spoolFull() = 0;
         /// Told once, at the end. \a loop: which one has ended.

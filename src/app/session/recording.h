@@ -18,12 +18,14 @@ namespace vornic {
 /// never changed once they do; what has become of it belongs to the main thread but for the atomic ones.
 struct Recording {
     Recording() = default;
-    Recording(QString file, const VNOption &options, const QRectF &recorded, RecordingClock::Now now)
+    /// \a sound: there is an input to take it from.
+    Recording(
+        QString file, const VNOption &options, const QRectF &recorded, bool sound, RecordingClock::Now now)
         : path(std::move(file))
         , rectangle(recorded)
         , isPart(options.recordsRectangle())
         , quality(options.quality())
-        , hasSound(options.enableAudio())
+        , hasSound(options.enableAudio() && sound)
         , clock(hasSound ? RecordingClock::Origin::FirstSound : RecordingClock::Origin::FirstPass,
                 std::move(now))
     {
@@ -33,9 +35,10 @@ struct Recording {
     QRectF rectangle;    ///< screen coordinates (y up), device pixels
     bool isPart = false; ///< a rectangle, not the full display
     RecordQuality quality = RecordQuality::High;
-    bool hasSound = false; ///< was asked for
+    bool hasSound = false; ///< is asked for, from an input that was there
     RecordingClock clock { RecordingClock::Origin::FirstPass };
 
+    bool isCaptured = false; ///< passes run, or have run
     bool stopItemIsShown = false;
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete

@@ -22,6 +22,12 @@ RecordingClock::RecordingClock(Origin origin, Now now)
 {
 }
 
+void RecordingClock::goOnWithoutSound()
+{
+    m_firstPass = m_now();
+    m_origin = Origin::FirstPass;
+}
+
 std::optional<std::int64_t> RecordingClock::timestamp() const
 {
     const double origin = awaitsSound() ? m_firstSound : m_firstPass;

@@ -31,6 +31,8 @@ public:
     void soundBegins(double seconds) { setOnce(m_firstSound, seconds); }
     /// There will be no sound after all: timestamps count from the first pass.
     void dropSound() { m_origin = Origin::FirstPass; }
+    /// The user does not want to wait for the sound any longer: timestamps count from now.
+    void goOnWithoutSound();
     [[nodiscard]] bool awaitsSound() const { return m_origin == Origin::FirstSound; }
 
     /// Now in PKTimebase ticks from the origin, truncated toward zero; nothing while that is not known.

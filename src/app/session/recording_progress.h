@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 
 namespace vornic {
 
@@ -18,6 +19,13 @@ public:
     virtual void showStopItem(const QString & /*title*/, const QRectF & /*recorded*/) { }
     virtual void setStopItemTitle(const QString & /*title*/) { }
     virtual void hideStopItem() { }
+    /// No sound has come for some seconds, and without it no picture is kept; \a goOn records without. \a goOn is
+    /// called once at most, and only before hideStopItem().
+    virtual void soundIsMissing(const std::function<void()> & /*goOn*/) { }
+    /// Calls \a done once the screen shows nothing more of the windows that have just been hidden, at once or later.
+    virtual void whenScreenIsClear(std::function<void()> done) { done(); }
+    /// Puts the main window and the overlay behind what has just been opened.
+    virtual void stepAside() { }
     virtual void minimiseMainWindow() { }
     virtual void bringMainWindowToFront() { }
     /// The busy indicator in the main window.

@@ -25,8 +25,12 @@ public:
                               const QString &type,
                               std::function<void(std::optional<QString> path)> answer)
         = 0;
+    /// Sound is asked for, but there is no input to take it from: true records without.
+    virtual void askToRecordWithoutSound(std::function<void(bool goOn)> answer) { answer(true); }
     /// How a recording is stopped, told before it starts.
     virtual void showHint(std::function<void(int response)> answer) { answer(responseContinue); }
+    /// Counts down on the screen to the start; false when the user thinks better of it.
+    virtual void countDown(std::function<void(bool goOn)> answer) { answer(true); }
     /// The movie could not be written, but the recording is still there: another file for it, or nothing to
     /// give the recording up.
     virtual void askForOtherFile(const QString & /*type*/,

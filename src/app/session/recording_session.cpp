@@ -5,6 +5,7 @@
 #include "app/session/desktop_services.h"
 #include "app/session/error_text.h"
 #include "app/session/movie_job.h"
+#include "app/session/new_movie_file.h"
 #include "app/session/output_check.h"
 #include "app/session/recording.h"
 #include "app/session/recording_progress.h"
@@ -22,6 +23,8 @@
 #include "options/VNOption.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QPointer>
 
 #include <utility>
 
@@ -87,16 +90,49 @@ void RecordingSession::enableAudioDevices()
 
 void RecordingSession::recorded()
 {
+    beginAsking([this] { startRecordSelectOutFile(); });
+}
+
+void RecordingSession::recordNow(const QString &file)
+{
+    beginAsking([this, file] {
+        m_chosenFile = file.isEmpty() ? newMovieFile() : file;
+        if (!QFileInfo::exists(m_chosenFile)) {
+            countDown();
+            return;
+        }
+        m_frontEnd.questions.alertError(tr("The file %1 exists already.").arg(m_chosenFile));
+        refuse();
+    });
+}
+
+/// Asks what every recording needs to know first, and goes on with \a next.
+void RecordingSession::beginAsking(std::function<void()> next)
+{
     if (m_phase != Phase::Idle)
         return;
     setPhase(Phase::Asking);
-    if (m_spool->freespaceIsEough()) {
-        startRecordSelectOutFile();
+    const auto answered = [this, next = std::move(next)](bool goOn) {
+        if (goOn)
+            askAboutSound(next);
+        else
+            refuse();
+    };
+    if (m_spool->freespaceIsEough())
+        answered(true);
+    else
+        m_frontEnd.questions.askAboutFreeSpace(answered);
+}
+
+void RecordingSession::askAboutSound(const std::function<void()> &next)
+{
+    if (!m_options.enableAudio() || m_audio->hasDevices()) {
+        next();
         return;
     }
-    m_frontEnd.questions.askAboutFreeSpace([this](bool goOn) {
+    m_frontEnd.questions.askToRecordWithoutSound([this, next](bool goOn) {
         if (goOn)
-            startRecordSelectOutFile();
+            next();
         else
             refuse();
     });
@@ -119,7 +155,17 @@ void RecordingSession::startRecorderWithHintWindow()
 {
     m_frontEnd.questions.showHint([this](int response) {
         if (response == RecordingQuestions::responseContinue)
-            main_queue::async([this] { startRecorderAnyway(); });
+            main_queue::async([this] { countDown(); });
+        else
+            refuse();
+    });
+}
+
+void RecordingSession::countDown()
+{
+    m_frontEnd.questions.countDown([this](bool goOn) {
+        if (goOn)
+            startRecorderAnyway();
         else
             refuse();
     });
@@ -162,7 +208,8 @@ void RecordingSession::startRecorderAnyway()
         refuse();
         return;
     }
-    adopt(std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_now));
+    adopt(
+        std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
     showStopRecordingBtn();
     m_spool->readyToRecord();
     setPhase(Phase::Capturing);
@@ -172,6 +219,16 @@ void RecordingSession::startRecorderAnyway()
     m_spool->setIsRecordPart(m_recording->isPart);
     if (m_recording->isPart)
         m_frontEnd.progress.setBusy(true);
+    m_frontEnd.progress.whenScreenIsClear([session = QPointer(this), recording = m_recording] {
+        if (session && session->m_recording == recording)
+            session->beginCapture();
+    });
+}
+
+void RecordingSession::beginCapture()
+{
+    if (std::exchange(m_recording->isCaptured, true))
+        return;
     m_loop->start(m_settlingTime ? m_settlingTime() : std::chrono::nanoseconds(0),
                   m_recording->isPart ? m_recording->rectangle : QRectF(),
                   captureFrameRate(m_recording->quality));
@@ -214,6 +271,26 @@ void RecordingSession::soundAwaited()
         m_frontEnd.progress.setStopItemTitle(tr("waiting for audio"));
 }
 
+void RecordingSession::soundMissing()
+{
+    m_frontEnd.progress.soundIsMissing([session = QPointer(this), recording = m_recording] {
+        if (session && session->m_recording == recording && session->m_phase == Phase::Capturing)
+            session->goOnWithoutSound();
+    });
+}
+
+/// What the device may still deliver is not wanted any more: the movie has no sound.
+void RecordingSession::goOnWithoutSound()
+{
+    if (!m_recording->clock.awaitsSound() || m_recording->clock.timestamp())
+        return;
+    m_audio->stop();
+    const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
+    context->setAudioCodecID(PKMuxerContext::audioCodecNone);
+    m_spool->setMuxerContext(context);
+    m_recording->clock.goOnWithoutSound();
+}
+
 void RecordingSession::spoolFull()
 {
     m_frontEnd.questions.alert(tr("Disk free space is too low"),
@@ -239,6 +316,7 @@ void RecordingSession::executeStopRecord()
     // may be only once the movie is complete.
     if (m_phase != Phase::Capturing)
         return;
+    beginCapture(); // when it ends before the screen was clear
     setPhase(Phase::Writing);
     hideStopRecordingBtn();
     m_frontEnd.progress.setBusy(true);
@@ -266,6 +344,8 @@ void RecordingSession::muxerReported(const QString &action, const QVariant &valu
         recordcomplete();
         progress.setProgress(100.0);
         progress.endProgress();
+        if (m_options.showInFinderWhenFinished() || m_options.openRecordedWhenFinished())
+            progress.stepAside();
     } else if (action == PKMuxerTaskActionFailed) {
         progress.endProgress();
         m_recording->failure = errorText(value.value<Error>());

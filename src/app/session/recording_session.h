@@ -61,6 +61,9 @@ public:
 
     /// The record button: begins the questions when idle.
     void recorded();
+    /// Records without questions, when idle, but for those that a recording cannot do without: to \a file, which must
+    /// not be there yet, or, when that is empty, to a new file of today's date and time among the user's movies.
+    void recordNow(const QString &file = {});
     void startRecordSelectOutFile();
     void startRecorderWithHintWindow();
     void startRecorderAnyway();
@@ -103,14 +106,20 @@ signals:
 private:
     void frameKept(std::int64_t timestamp) override;
     void soundAwaited() override;
+    void soundMissing() override;
     void spoolFull() override;
     void captureEnded(const CaptureLoop &loop) override;
 
     void setPhase(Phase phase);
+    void beginAsking(std::function<void()> next);
+    void askAboutSound(const std::function<void()> &next);
+    void countDown();
     void refuse();
     [[nodiscard]] bool outputAndSpoolAreReady();
     [[nodiscard]] QRectF regionToRecord() const;
     void adopt(std::shared_ptr<Recording> recording);
+    void beginCapture();
+    void goOnWithoutSound();
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
     void muxerFailed();

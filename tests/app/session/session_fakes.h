@@ -34,6 +34,11 @@ public:
     std::optional<QString> path;
     int hintResponse = responseContinue;
     bool quits = true;
+    bool recordsWithoutSound = true;
+    bool countsToTheEnd = true;
+    bool holdsScreen = false;               ///< the screen is clear only when screenIsClear is called
+    std::function<void()> screenIsClear;    ///< set while it is held
+    std::function<void()> goOnWithoutSound; ///< set once sound was told to be missing
     std::optional<QString> otherPath;
     std::function<void()> onAlert;
     std::function<void()> onProgress;
@@ -57,6 +62,29 @@ public:
         told += "savePanel " + name + "." + type;
         answer(path);
     }
+    void askToRecordWithoutSound(std::function<void(bool)> answer) override
+    {
+        told += "withoutSound";
+        answer(recordsWithoutSound);
+    }
+    void countDown(std::function<void(bool)> answer) override
+    {
+        told += "countDown";
+        answer(countsToTheEnd);
+    }
+    void soundIsMissing(const std::function<void()> &goOn) override
+    {
+        told += "soundIsMissing";
+        goOnWithoutSound = goOn;
+    }
+    void whenScreenIsClear(std::function<void()> done) override
+    {
+        if (holdsScreen)
+            screenIsClear = std::move(done);
+        else
+            done();
+    }
+    void stepAside() override { told += "stepAside"; }
     void showHint(std::function<void(int)> answer) override
     {
         told += "hint";

@@ -1,4 +1,5 @@
 #include "app/session/audio_input.h"
+#include "app/session/new_movie_file.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "base/PKTimebase.h"
@@ -8,6 +9,9 @@
 #include "support/wait_until.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -154,6 +158,137 @@ TEST_F(RecordingSessionTest, TheRecordButtonIsIgnoredWhileAQuestionStands)
     EXPECT_EQ(session->phase(), Phase::Idle);
     session->recorded();
     EXPECT_EQ(patient.told.size(), 2);
+}
+
+TEST_F(RecordingSessionTest, ACountdownThatIsCancelledRecordsNothing)
+{
+    makeSession();
+    frontEnd.countsToTheEnd = false;
+    session->recorded();
+    EXPECT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(frontEnd.told, (QStringList { "savePanel Untitled.mp4", "hint", "countDown" }));
+    EXPECT_FALSE(QFile::exists(*frontEnd.path));
+}
+
+TEST_F(RecordingSessionTest, RecordingNowAsksNothing)
+{
+    makeSession();
+    session->recordNow(folder.filePath("now.mp4"));
+    EXPECT_EQ(session->phase(), Phase::Capturing);
+    EXPECT_EQ(frontEnd.told.mid(0, 2), (QStringList { "countDown", "showStopItem" }));
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    session->recordNow(folder.filePath("other.mp4"));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->outfileName(), folder.filePath("now.mp4"));
+    EXPECT_TRUE(QFile::exists(folder.filePath("now.mp4")));
+    EXPECT_FALSE(QFile::exists(folder.filePath("other.mp4"))) << "it is ignored while recording";
+}
+
+TEST_F(RecordingSessionTest, RecordingNowAsksWhereSpaceIsLow)
+{
+    makeSession();
+    session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 5'000'000'000 }; });
+    frontEnd.goesOn = false;
+    session->recordNow(folder.filePath("now.mp4"));
+    EXPECT_EQ(frontEnd.told, QStringList { "freeSpace" });
+    EXPECT_EQ(session->phase(), Phase::Idle);
+}
+
+TEST_F(RecordingSessionTest, RecordingNowReplacesNoFile)
+{
+    makeSession();
+    const QString path = folder.filePath("now.mp4");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("dear");
+    file.close();
+    session->recordNow(path);
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_EQ(frontEnd.alerts, QStringList { "Error|The file " + path + " exists already." });
+    EXPECT_EQ(QFileInfo(path).size(), 4);
+}
+
+TEST_F(RecordingSessionTest, WithoutAnInputItAsksWhetherToRecordWithoutSound)
+{
+    makeSession(); // which switches sound off, as there is no device
+    options.setEnableAudio(true);
+    frontEnd.recordsWithoutSound = false;
+    session->recorded();
+    EXPECT_EQ(frontEnd.told, QStringList { "withoutSound" });
+    EXPECT_EQ(session->phase(), Phase::Idle);
+
+    frontEnd.recordsWithoutSound = true;
+    ASSERT_TRUE(record(2));
+    EXPECT_TRUE(testing::streamOf(testing::probe(*frontEnd.path), "audio").isEmpty());
+    EXPECT_TRUE(options.enableAudio()) << "the next recording may have an input again";
+}
+
+TEST_F(RecordingSessionTest, WhereNoSoundComesTheUserMayGoOnWithout)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains("soundIsMissing"); }));
+    EXPECT_TRUE(timestamps.isEmpty());
+    time = 1010;
+    frontEnd.goOnWithoutSound();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    EXPECT_EQ(timestamps[0], 0) << "timestamps count from the click";
+    frontEnd.goOnWithoutSound();
+    const QByteArray samples(19'200, 'a');
+    audioControl.recorder->deliver(samples.constData(), 19'200);
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    const QJsonObject movie = testing::probe(*frontEnd.path);
+    EXPECT_EQ(testing::numbersOf(movie, "packets", "video", "pts"), timestamps);
+    EXPECT_TRUE(testing::streamOf(movie, "audio").isEmpty());
+    frontEnd.goOnWithoutSound(); // of a recording that is over
+    EXPECT_EQ(session->phase(), Phase::Idle);
+}
+
+TEST_F(RecordingSessionTest, NoPictureIsTakenBeforeTheScreenIsClear)
+{
+    makeSession();
+    frontEnd.holdsScreen = true;
+    session->recordNow(folder.filePath("now.mp4"));
+    ASSERT_TRUE(frontEnd.screenIsClear);
+    EXPECT_FALSE(waitUntil([&] { return !timestamps.isEmpty(); }, std::chrono::milliseconds(200)));
+    frontEnd.screenIsClear();
+    ASSERT_TRUE(waitUntil([&] { return !timestamps.isEmpty(); }));
+    EXPECT_EQ(timestamps[0], 0);
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+}
+
+TEST_F(RecordingSessionTest, ARecordingThatEndsBeforeTheScreenIsClearEndsAllTheSame)
+{
+    makeSession();
+    frontEnd.holdsScreen = true;
+    session->recordNow(folder.filePath("now.mp4"));
+    session->stopRecord();
+    session->executeStopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    frontEnd.screenIsClear(); // too late
+    EXPECT_EQ(session->phase(), Phase::Idle);
+}
+
+TEST(NewMovieFile, IsNamedAfterTheTimeInTheFolderOfMovies)
+{
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
+    const QDateTime time(QDate(2026, 3, 1), QTime(14, 5, 9));
+    const QString name = "Recording 2026-03-01 14-05-09";
+    EXPECT_EQ(newMovieFile(time), home.filePath(name + ".mp4")) << "there is no folder of movies";
+    ASSERT_TRUE(QDir(home.path()).mkdir("Videos"));
+    EXPECT_EQ(newMovieFile(time), home.filePath("Videos/" + name + ".mp4"));
+    for (const QString &number : { QString(), QString(" 2") }) {
+        QFile taken(home.filePath("Videos/" + name + number + ".mp4"));
+        ASSERT_TRUE(taken.open(QIODevice::WriteOnly));
+    }
+    EXPECT_EQ(newMovieFile(time), home.filePath("Videos/" + name + " 3.mp4"));
 }
 
 } // namespace
