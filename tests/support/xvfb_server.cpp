@@ -56,6 +56,32 @@ public:
         return isThere;
     }
 
+    /// Shows a window of one pixel until it has a frame around it; false when it gets none soon.
+    [[nodiscard]] bool windowsAreManaged() const
+    {
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        xcb_create_window(m_connection,
+                          XCB_COPY_FROM_PARENT,
+                          window,
+                          root(),
+                          0,
+                          0,
+                          1,
+                          1,
+                          0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          XCB_COPY_FROM_PARENT,
+                          0,
+                          nullptr);
+        xcb_map_window(m_connection, window);
+        xcb_flush(m_connection);
+        const bool hasFrame
+            = waitUntil([&] { return parentOf(window) != root(); }, std::chrono::milliseconds(300));
+        xcb_destroy_window(m_connection, window);
+        xcb_flush(m_connection);
+        return hasFrame;
+    }
+
     [[nodiscard]] int topLevelCount() const
     {
         auto *reply = xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, root()), nullptr);
@@ -65,6 +91,14 @@ public:
     }
 
 private:
+    [[nodiscard]] xcb_window_t parentOf(xcb_window_t window) const
+    {
+        auto *reply = xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
+        const xcb_window_t parent = reply ? reply->parent : root();
+        std::free(reply);
+        return parent;
+    }
+
     [[nodiscard]] xcb_window_t root() const
     {
         return xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
@@ -148,8 +182,11 @@ std::unique_ptr<ChildProcess> XvfbServer::startProgram(const QStringList &comman
 std::unique_ptr<ChildProcess> XvfbServer::startOpenbox() const
 {
     const Observer observer(m_displayName);
-    return onceUp(startProgram({ "openbox" }),
-                  [&] { return observer.hasRootProperty("_NET_SUPPORTING_WM_CHECK"); });
+    // It says that it is there some time before it looks after windows, and never looks after one that is shown
+    // between.
+    return onceUp(startProgram({ "openbox" }), [&] {
+        return observer.hasRootProperty("_NET_SUPPORTING_WM_CHECK") && observer.windowsAreManaged();
+    });
 }
 
 std::unique_ptr<ChildProcess> XvfbServer::startPicom(const QString &backend) const
