@@ -11,9 +11,11 @@
 #include "display/display_backend.h"
 
 #include <QApplication>
+#include <QFileInfo>
 
 #include <csignal>
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -44,7 +46,23 @@ QString actionFor(CommandLine::Task task)
     return {};
 }
 
-int runWindow(int &argc, char **argv, CommandLine::Task task)
+/// Leaves what \a line asks for to the window that runs already; the exit status, or nothing where none takes it.
+std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
+{
+    const QString file = line.file.isEmpty() ? QString() : QFileInfo(line.file).absoluteFilePath();
+    const auto answer
+        = instance.isOnly() ? SingleInstance::Answer::None : instance.handOver(actionFor(line.task), file);
+    if (answer == SingleInstance::Answer::Taken)
+        return 0;
+    if (answer == SingleInstance::Answer::None && line.task != CommandLine::Task::Stop)
+        return std::nullopt;
+    logMessage(line.task == CommandLine::Task::Stop
+                   ? QCoreApplication::translate("vornic", "Vornic is not recording.")
+                   : QCoreApplication::translate("vornic", "Vornic is recording already."));
+    return 1;
+}
+
+int runWindow(int &argc, char **argv, const CommandLine &line)
 {
     // Asked before the toolkit, which would end the program without a display.
     if (const QString reason = noDisplayReason(); !reason.isEmpty()) {
@@ -54,17 +72,13 @@ int runWindow(int &argc, char **argv, CommandLine::Task task)
     QApplication application(argc, argv);
     const Translations translations;
     SingleInstance instance;
-    if (!instance.isOnly() && instance.handOver(actionFor(task)))
-        return 0;
-    if (task == CommandLine::Task::Stop) {
-        logMessage(QCoreApplication::translate("vornic", "Vornic is not recording."));
-        return 1;
-    }
+    if (const std::optional<int> status = handOver(instance, line))
+        return *status;
     QApplication::setQuitOnLastWindowClosed(false);
     setAppearance();
     const UnixSignals signalled;
     WindowProgram program(application, signalled, instance);
-    return program.run(actionFor(task));
+    return program.run(actionFor(line.task), line.file);
 }
 
 int printAndEnd(const QString &text, std::FILE *stream, int status)
@@ -105,7 +119,7 @@ int run(int &argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("vornic"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VORNIC_VERSION));
     const CommandLine line = parseCommandLine(arguments);
-    return line.action == CommandLine::Action::Window ? runWindow(argc, argv, line.task)
+    return line.action == CommandLine::Action::Window ? runWindow(argc, argv, line)
                                                       : runCommand(argc, argv, arguments);
 }
 

@@ -1,5 +1,7 @@
 #include "desktop/application_adaptor.h"
 
+#include "desktop/dbus_call.h"
+
 #include <QMetaObject>
 
 namespace vornic {
@@ -36,12 +38,19 @@ void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap &platfo
 
 void ApplicationAdaptor::ActivateAction(const QString &action_name,
                                         const QVariantList &parameter,
-                                        const QVariantMap &platform_data)
+                                        const QVariantMap &platform_data,
+                                        const QDBusMessage &message)
 {
-    Q_UNUSED(parameter);
-    const auto ask = [instance = m_instance, action_name, token = activationToken(platform_data)] {
-        emit instance->actionAsked(action_name, token);
-    };
+    if (!m_instance->mayAct(action_name)) {
+        message.setDelayedReply(true);
+        sessionBus().send(message.createErrorReply(refusedError, QStringLiteral("Not now")));
+        return;
+    }
+    const auto ask
+        = [instance = m_instance,
+           action_name,
+           file = parameter.value(0).toString(),
+           token = activationToken(platform_data)] { emit instance->actionAsked(action_name, file, token); };
     QMetaObject::invokeMethod(m_instance, ask, Qt::QueuedConnection);
 }
 

@@ -28,6 +28,12 @@ QVariantMap ownPlatformData()
     return data;
 }
 
+/// What an action is done to, as the interface passes it: at most one value.
+QVariantList parameter(const QString &file)
+{
+    return file.isEmpty() ? QVariantList() : QVariantList { file };
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(QObject *parent)
@@ -58,7 +64,7 @@ void SingleInstance::claim()
         bus.unregisterObject(objectPath);
 }
 
-bool SingleInstance::handOver(const QString &action)
+SingleInstance::Answer SingleInstance::handOver(const QString &action, const QString &file)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(applicationId(),
                                                        objectPath,
@@ -68,12 +74,15 @@ bool SingleInstance::handOver(const QString &action)
     if (action.isEmpty())
         call.setArguments({ ownPlatformData() });
     else
-        call.setArguments({ action, QVariantList(), ownPlatformData() });
+        call.setArguments({ action, parameter(file), ownPlatformData() });
     call.setAutoStartService(false);
-    const bool isTaken = isReply(sessionBus().call(call, QDBus::Block, handOverTimeoutMs));
-    if (!isTaken)
-        claim();
-    return isTaken;
+    const QDBusMessage reply = sessionBus().call(call, QDBus::Block, handOverTimeoutMs);
+    if (isReply(reply))
+        return Answer::Taken;
+    if (reply.errorName() == ApplicationAdaptor::refusedError)
+        return Answer::Refused;
+    claim();
+    return Answer::None;
 }
 
 } // namespace vornic

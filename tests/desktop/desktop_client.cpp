@@ -3,7 +3,7 @@
 //
 //   inhibit             keeps awake
 //   instance            is the only instance, or says that it is not
-//   hand-over [action]  asks the only instance and ends
+//   hand-over [action [file]]  asks the only instance and ends
 //   reveal path         reveals the path, says which folder it opens instead, and ends
 //   file-manager file   is the file manager: writes what it is to show to the file, and ends
 
@@ -53,25 +53,30 @@ int inhibit()
 
 int beInstance()
 {
-    const SingleInstance instance;
+    SingleInstance instance;
+    instance.setActionCheck([](const QString &action) { return action != "refuse-me"; });
     QObject::connect(&instance, &SingleInstance::activated, [](const QString &token) {
         say(QStringLiteral("activated with '%1'").arg(token));
     });
-    QObject::connect(
-        &instance, &SingleInstance::actionAsked, [](const QString &action, const QString &token) {
-            say(QStringLiteral("asked for %1 with '%2'").arg(action, token));
-        });
+    QObject::connect(&instance,
+                     &SingleInstance::actionAsked,
+                     [](const QString &action, const QString &file, const QString &token) {
+                         say(QStringLiteral("asked for %1 with '%2'%3").arg(action, token, file));
+                     });
     say(instance.isOnly() ? QStringLiteral("only") : QStringLiteral("not only"));
     return runUntilInputEnds();
 }
 
-int handOver(const QString &action)
+int handOver(const QString &action, const QString &file)
 {
+    const QMap<SingleInstance::Answer, QString> answers { { SingleInstance::Answer::Taken, "taken" },
+                                                          { SingleInstance::Answer::Refused, "refused" },
+                                                          { SingleInstance::Answer::None, "not taken" } };
     SingleInstance instance;
     if (instance.isOnly())
         say(QStringLiteral("only"));
     else
-        say(instance.handOver(action) ? QStringLiteral("taken") : QStringLiteral("not taken"));
+        say(answers.value(instance.handOver(action, file)));
     return 0;
 }
 
@@ -132,7 +137,7 @@ int main(int argc, char **argv)
     if (task == "instance")
         return beInstance();
     if (task == "hand-over")
-        return handOver(arguments.value(2));
+        return handOver(arguments.value(2), arguments.value(3));
     if (task == "reveal")
         return reveal(arguments.value(2));
     if (task == "file-manager")

@@ -100,6 +100,26 @@ TEST(SingleInstance, ASecondStartHandsItsActionOver)
     EXPECT_EQ(first.nextLine(), "asked for record-region with ''");
 }
 
+TEST(SingleInstance, ASecondStartHandsTheFileOver)
+{
+    ClientProcess first({ "instance" });
+    ASSERT_EQ(first.nextLine(), "only");
+    ClientProcess second({ "hand-over", "record", "/some where/ä.mp4" }, noTokens);
+    EXPECT_EQ(second.nextLine(), "taken");
+    EXPECT_EQ(first.nextLine(), "asked for record with ''/some where/ä.mp4");
+}
+
+TEST(SingleInstance, AnActionThatCannotBeDoneNowIsRefused)
+{
+    ClientProcess first({ "instance" });
+    ASSERT_EQ(first.nextLine(), "only");
+    ClientProcess second({ "hand-over", "refuse-me" }, noTokens);
+    EXPECT_EQ(second.nextLine(), "refused");
+    ClientProcess third({ "hand-over", "record" }, noTokens);
+    EXPECT_EQ(third.nextLine(), "taken");
+    EXPECT_EQ(first.nextLine(), "asked for record with ''") << "the refused one is not done";
+}
+
 TEST(SingleInstance, ASecondStartHandsItsTokensOver)
 {
     ClientProcess first({ "instance" });
@@ -168,7 +188,7 @@ TEST(SingleInstance, TakesThePlaceOfAFirstThatEndsWhileItHandsOver)
     SingleInstance second;
     ASSERT_FALSE(second.isOnly());
     ASSERT_EQ(first->end(), 0);
-    EXPECT_FALSE(second.handOver());
+    EXPECT_EQ(second.handOver(), SingleInstance::Answer::None);
     EXPECT_TRUE(second.isOnly());
     bool isAsked = false;
     QObject::connect(&second, &SingleInstance::activated, [&] { isAsked = true; });
@@ -187,7 +207,7 @@ TEST(SingleInstance, HandingOverStartsNobody)
     ASSERT_FALSE(second.isOnly());
     first.reset();
     sessionBusDaemon().addActivatable(name, { "/usr/bin/touch", report });
-    EXPECT_FALSE(second.handOver());
+    EXPECT_EQ(second.handOver(), SingleInstance::Answer::None);
     sessionBusDaemon().removeActivatable(name);
     EXPECT_FALSE(QFile::exists(report));
     EXPECT_TRUE(second.isOnly());
@@ -202,14 +222,16 @@ TEST(SingleInstance, AnswersTheDesktop)
         &instance, &SingleInstance::activated, [&](const QString &token) { heard += "activated " + token; });
     QObject::connect(&instance,
                      &SingleInstance::actionAsked,
-                     [&](const QString &action, const QString &token) { heard += action + ' ' + token; });
+                     [&](const QString &action, const QString &file, const QString &token) {
+                         heard += action + ' ' + file + ' ' + token;
+                     });
     const QVariantMap data { { "activation-token", "t1" }, { "unknown", 5 } };
     EXPECT_TRUE(DesktopCall("Activate", { data }).succeeds());
     EXPECT_TRUE(DesktopCall("Open", { QStringList { "file:///tmp/x" }, QVariantMap() }).succeeds());
-    EXPECT_TRUE(DesktopCall("ActivateAction", { "record", QVariantList { 3 }, data }).succeeds());
+    EXPECT_TRUE(DesktopCall("ActivateAction", { "record", QVariantList { "/a.mp4" }, data }).succeeds());
     EXPECT_FALSE(DesktopCall("Shred", { data }).succeeds());
     EXPECT_TRUE(eventually([&] { return heard.size() == 3; }));
-    EXPECT_EQ(heard, (QStringList { "activated t1", "activated ", "record t1" }));
+    EXPECT_EQ(heard, (QStringList { "activated t1", "activated ", "record /a.mp4 t1" }));
 }
 
 TEST(SingleInstance, AnswersBeforeItActs)

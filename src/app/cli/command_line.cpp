@@ -28,8 +28,8 @@ CommandLine wrongValue(const QString &option, const QString &value, const QStrin
 const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4.
 
   vornic                            the window
-      --record=full|rectangle
-                         begin to record the full display, or the selected rectangle
+      --record=full|rectangle [FILE.mp4]
+                         record the full display, or the selected rectangle; with FILE.mp4 at once
       --stop             end the recording of the window that runs
   vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it
       --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
@@ -115,6 +115,14 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
     return {};
 }
 
+/// \a line, or what is wrong with the name of its file.
+CommandLine withMovieFile(const CommandLine &line)
+{
+    return line.file.endsWith(QStringLiteral(".mp4"), Qt::CaseInsensitive)
+        ? line
+        : wrongUsage(CommandLine::tr("The movie's file name \"%1\" must end in .mp4.").arg(line.file));
+}
+
 CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
 {
     if (parser.isSet(QStringLiteral("stop"))) {
@@ -128,7 +136,11 @@ CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
         line.task = CommandLine::Task::RecordRectangle;
     else
         return wrongValue(QStringLiteral("record"), value, CommandLine::tr("full or rectangle"));
-    return line;
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1)
+        return wrongUsage(CommandLine::tr("--record takes one FILE.mp4, not %1.").arg(files.size()));
+    line.file = files.value(0);
+    return files.isEmpty() ? line : withMovieFile(line);
 }
 
 CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
@@ -146,9 +158,8 @@ CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
                 ? CommandLine::tr("\"vornic record\" needs the movie's file name: FILE.mp4.")
                 : CommandLine::tr("\"vornic record\" takes one FILE.mp4, not %1.").arg(files.size()));
     line.file = files.first();
-    if (!line.file.endsWith(QStringLiteral(".mp4"), Qt::CaseInsensitive))
-        return wrongUsage(CommandLine::tr("The movie's file name \"%1\" must end in .mp4.").arg(line.file));
-    const QString problem = readRecordOptions(parser, line);
+    line = withMovieFile(line);
+    const QString problem = line.problem.isEmpty() ? readRecordOptions(parser, line) : line.problem;
     return problem.isEmpty() ? line : wrongUsage(problem);
 }
 
@@ -200,8 +211,9 @@ CommandLine parseCommandLine(const QStringList &arguments)
     }
     if (!words.isEmpty() && words.first() == QStringLiteral("record"))
         return readRecord(parser, line);
-    const bool isForWindow = parser.isSet(QStringLiteral("record")) || parser.isSet(QStringLiteral("stop"));
-    if (words.isEmpty() && isForWindow && parser.optionNames().size() == 1)
+    const bool records = parser.isSet(QStringLiteral("record"));
+    const bool isForWindow = records || (parser.isSet(QStringLiteral("stop")) && words.isEmpty());
+    if (isForWindow && parser.optionNames().size() == 1)
         return readWindow(parser, line);
     if (!parser.optionNames().isEmpty())
         return wrongUsage(

@@ -26,8 +26,9 @@ public:
     enum class Task { Show, RecordFullDisplay, RecordRectangle, Stop };
     Task task = Task::Show;
 
+    QString file; ///< the movie; of a window's recording empty where the save panel asks for it
+
     // Record
-    QString file;
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
     RecordQuality quality = RecordQuality::High;
     bool audio = false;

@@ -25,6 +25,16 @@ TEST(CommandLineTest, TheWindowMayBeginToRecord)
     EXPECT_EQ(parseCommandLine({ "vornic", "--record", "rectangle" }).task,
               CommandLine::Task::RecordRectangle);
     EXPECT_EQ(parseCommandLine({ "vornic" }).task, CommandLine::Task::Show);
+    EXPECT_TRUE(full.file.isEmpty());
+    const CommandLine toFile = parseCommandLine({ "vornic", "--record=rectangle", "a b.mp4" });
+    EXPECT_EQ(toFile.action, CommandLine::Action::Window);
+    EXPECT_EQ(toFile.task, CommandLine::Task::RecordRectangle);
+    EXPECT_EQ(toFile.file, "a b.mp4");
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record=full", "a.avi" }).problem,
+              "The movie's file name \"a.avi\" must end in .mp4.");
+    EXPECT_EQ(parseCommandLine({ "vornic", "--record=full", "a.mp4", "b.mp4" }).problem,
+              "--record takes one FILE.mp4, not 2.");
+    EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "a.mp4" }).action, CommandLine::Action::WrongUsage);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).task, CommandLine::Task::Stop);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).action, CommandLine::Action::Window);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
