@@ -14,6 +14,7 @@
 #include <QWindow>
 
 #include <cmath>
+#include <utility>
 
 namespace vornic {
 
@@ -78,9 +79,6 @@ void VNRecoderWindow::setContentView(VNRecoderView *view)
 void VNRecoderWindow::setWindowAbove(QWidget *window)
 {
     m_windowAbove = window;
-    if (window)
-        window->winId(); // it must be there to be found
-    updateAppearance();
     if (isVisible())
         orderFront();
 }
@@ -118,7 +116,9 @@ void VNRecoderWindow::leaveOutOwnWindows()
 {
     QList<QWindow *> others = QGuiApplication::topLevelWindows();
     others.removeAll(windowHandle());
-    m_ownWindows = m_server->pixelsOf(others);
+    // Recorded, the logo has a hole only where a window of the program is in the movie anyway.
+    m_ownWindows = m_server->pixelsOf(
+        others, m_isLeftToTheDesktop ? OverlayServer::Pixels::Seen : OverlayServer::Pixels::All);
 }
 
 void VNRecoderWindow::updateAppearance()
@@ -126,10 +126,11 @@ void VNRecoderWindow::updateAppearance()
     if (!m_view || !windowHandle() || !windowHandle()->handle())
         return;
     const bool takesMouse = !m_view->isRecording();
+    if (std::exchange(m_isLeftToTheDesktop, !takesMouse) == takesMouse)
+        leaveOutOwnWindows();
     OverlayAppearance appearance;
     appearance.takesMouse = takesMouse;
-    // Recorded, the logo is whole, and no window needs to be reached through it.
-    const QRegion leftOut = takesMouse ? m_ownWindows.translated(-m_toolkitPixels.topLeft()) : QRegion();
+    const QRegion leftOut = m_ownWindows.translated(-m_toolkitPixels.topLeft());
     // Never all of it: one of the window managers goes on showing the holes of a window that has no shape any
     // more. On the first pixel nothing is drawn.
     const QRegion whole = QRegion(QRect(QPoint(), m_toolkitPixels.size())) - QRect(0, 0, 1, 1);
@@ -138,7 +139,6 @@ void VNRecoderWindow::updateAppearance()
     const bool needsInputWindow = !isTranslucent() || devicePixelRatioF() != 1;
     if (needsInputWindow && takesMouse && isVisible())
         appearance.inputArea = QRegion(m_onDesktop) - m_ownWindows;
-    appearance.windowAbove = m_windowAbove ? m_windowAbove->windowHandle() : nullptr;
     m_server->setAppearance(*windowHandle(), appearance);
 }
 

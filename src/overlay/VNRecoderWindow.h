@@ -20,9 +20,9 @@ class VNRecoderWindowDelegate;
 ///
 /// Made by the controller's interface file; main thread only. No window manager touches it: so it stands on
 /// no task bar, keeps its place at once and may reach beyond the edges of the display. With a compositing
-/// manager it is translucent; without one it is cut to what its view shows. While idle it has a hole where
-/// another window of the program is: some window managers keep windows like this one above all that they
-/// manage.
+/// manager it is translucent; without one it is cut to what its view shows. The program's other windows are
+/// above it. It also has a hole where they are, while recording only where they are seen: some window managers
+/// keep windows like this one above all that they manage.
 class VNRecoderWindow : public QWidget, private InputReceiver
 {
     Q_OBJECT
@@ -49,8 +49,7 @@ public:
     void orderOut();
     /// Takes the keyboard focus.
     void becomeKey();
-    /// The window that alone stays above this one, while it is visible; it should ask its window manager to
-    /// stay above ordinary windows. It gets the keyboard focus when this one is hidden. Null: none.
+    /// The main window, which gets the keyboard focus when this one is hidden. Null: none.
     void setWindowAbove(QWidget *window);
     /// Fills the window with \a view and follows its looks.
     void setContentView(VNRecoderView *view);
@@ -92,9 +91,10 @@ private:
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
-    QRect m_onDesktop;     ///< the frame's pixels
-    QRect m_toolkitPixels; ///< the pixels of the toolkit's window, which hold them
-    QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
+    QRect m_onDesktop;                 ///< the frame's pixels
+    QRect m_toolkitPixels;             ///< the pixels of the toolkit's window, which hold them
+    QRegion m_ownWindows;              ///< the pixels of the desktop where other windows of the program are
+    bool m_isLeftToTheDesktop = false; ///< a recording runs: no press, and no window that nobody sees
     QPointer<QWidget> m_windowAbove;
     QPointer<VNRecoderView> m_view;
     std::unique_ptr<OverlayServer> m_server; ///< never null

@@ -15,15 +15,16 @@ void FakeOverlayServer::setComposited(bool isComposited)
         emit compositingChanged();
 }
 
-void FakeOverlayServer::setPixelsOfWindows(const QRegion &pixels)
+void FakeOverlayServer::setPixelsOfWindows(const QRegion &all, const QRegion &seen)
 {
-    m_pixelsOfWindows = pixels;
+    m_pixelsOfWindows = all;
+    m_seenPixelsOfWindows = seen;
     emit windowsMoved();
 }
 
-QRegion FakeOverlayServer::pixelsOf(const QList<QWindow *> & /*windows*/)
+QRegion FakeOverlayServer::pixelsOf(const QList<QWindow *> & /*windows*/, Pixels which)
 {
-    return m_pixelsOfWindows;
+    return which == Pixels::All ? m_pixelsOfWindows : m_seenPixelsOfWindows;
 }
 
 void FakeOverlayServer::setAppearance(QWindow & /*window*/, const OverlayAppearance &appearance)

@@ -22,7 +22,8 @@ public:
     /// A compositing manager comes or goes.
     void setComposited(bool isComposited);
     /// What pixelsOf() answers from now on; tells that windows have moved.
-    void setPixelsOfWindows(const QRegion &pixels);
+    void setPixelsOfWindows(const QRegion &all, const QRegion &seen);
+    void setPixelsOfWindows(const QRegion &pixels) { setPixelsOfWindows(pixels, pixels); }
 
     /// The last that was asked for.
     [[nodiscard]] const OverlayAppearance &appearance() const { return m_appearance; }
@@ -30,7 +31,7 @@ public:
     [[nodiscard]] int waitCount() const { return m_waits; }
 
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
-    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) override;
+    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
     void orderFront(QWindow &window) override;
     void orderOut() override;
@@ -40,6 +41,7 @@ private:
     InputReceiver &m_receiver;
     OverlayAppearance m_appearance;
     QRegion m_pixelsOfWindows;
+    QRegion m_seenPixelsOfWindows;
     bool m_isComposited = true;
     bool m_isInFront = false;
     int m_waits = 0;

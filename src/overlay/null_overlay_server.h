@@ -13,7 +13,10 @@ class NullOverlayServer final : public OverlayServer
 public:
     /// As the toolkit paints it where nothing says otherwise.
     [[nodiscard]] bool isComposited() const override { return true; }
-    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> & /*windows*/) override { return {}; }
+    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> & /*windows*/, Pixels /*which*/) override
+    {
+        return {};
+    }
     void setAppearance(QWindow & /*window*/, const OverlayAppearance & /*appearance*/) override { }
     void orderFront(QWindow & /*window*/) override { }
     void orderOut() override { }

@@ -3,8 +3,10 @@
 #include "base/log.h"
 #include "overlay/fake_overlay_server.h"
 #include "overlay/null_overlay_server.h"
+#include "overlay/window_on_top.h"
 #ifdef VORNIC_X11
 #    include "overlay/x11/x11_overlay_server.h"
+#    include "overlay/x11/x11_window_on_top.h"
 #endif
 
 #include <QByteArray>
@@ -28,12 +30,22 @@ std::unique_ptr<OverlayServer> createNull(InputReceiver & /*receiver*/)
     return std::make_unique<NullOverlayServer>();
 }
 
+/// For desktops that can do nothing for it.
+class NoWindowOnTop final : public WindowOnTop
+{
+};
+
+std::unique_ptr<WindowOnTop> keepNowhere(QWindow & /*window*/)
+{
+    return std::make_unique<NoWindowOnTop>();
+}
+
 constexpr std::array backendTable {
 #ifdef VORNIC_X11
-    OverlayBackendEntry { "x11", true, X11OverlayServer::create },
+    OverlayBackendEntry { "x11", true, X11OverlayServer::create, X11WindowOnTop::create },
 #endif
-    OverlayBackendEntry { "fake", false, createFake },
-    OverlayBackendEntry { "null", true, createNull },
+    OverlayBackendEntry { "fake", false, createFake, keepNowhere },
+    OverlayBackendEntry { "null", true, createNull, keepNowhere },
 };
 
 QString listOfIds()
@@ -76,6 +88,18 @@ std::unique_ptr<OverlayServer> createOverlayServer(InputReceiver &receiver)
             return server;
     }
     return createNull(receiver);
+}
+
+std::unique_ptr<WindowOnTop> WindowOnTop::create(QWindow &window)
+{
+    const QByteArray forced = qgetenv("VORNIC_OVERLAY");
+    for (const OverlayBackendEntry &entry : backendTable) {
+        if (forced.isEmpty() ? !entry.selectedByItself : entry.id != std::string_view(forced))
+            continue;
+        if (auto keeper = entry.keepOnTop(window))
+            return keeper;
+    }
+    return keepNowhere(window);
 }
 
 } // namespace vornic

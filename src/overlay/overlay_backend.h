@@ -4,10 +4,13 @@
 #include <span>
 #include <string_view>
 
+class QWindow;
+
 namespace vornic {
 
 class InputReceiver;
 class OverlayServer;
+class WindowOnTop;
 
 /// One row of the table of backends, one for each kind of desktop.
 struct OverlayBackendEntry {
@@ -15,6 +18,8 @@ struct OverlayBackendEntry {
     bool selectedByItself; ///< false: only when asked for by its id
     /// The backend, which borrows the receiver for life; null where the desktop is of another kind.
     std::unique_ptr<OverlayServer> (*create)(InputReceiver &receiver);
+    /// The object that keeps a window on top there, as WindowOnTop::create(); null as above.
+    std::unique_ptr<WindowOnTop> (*keepOnTop)(QWindow &window);
 };
 
 /// All backends, best first.

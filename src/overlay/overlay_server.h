@@ -8,12 +8,11 @@ class QWindow;
 
 namespace vornic {
 
-/// What of the overlay's window is seen, what takes the mouse, and what stands above it.
+/// What of the overlay's window is seen, and what takes the mouse.
 struct OverlayAppearance {
     QRegion shape; ///< the part of the window that shows; device pixels from its upper left
     bool takesMouse = true;
     QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
-    QWindow *windowAbove = nullptr; ///< directly above; null: none
 };
 
 /// What the overlay's window needs of the desktop and the toolkit cannot ask for.
@@ -28,13 +27,20 @@ public:
 
     /// Whether the desktop shows through what is painted translucent.
     [[nodiscard]] virtual bool isComposited() const = 0;
+    /// Which pixels of a window count.
+    enum class Pixels {
+        All,
+        Seen, ///< those that no other program's window covers
+    };
+
     /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. May
     /// block for some exchanges with the server. From then on windowsMoved() tells when that is another
     /// answer.
-    [[nodiscard]] virtual QRegion pixelsOf(const QList<QWindow *> &windows) = 0;
+    [[nodiscard]] virtual QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) = 0;
     /// Tells the server what has changed. Before the window is shown, and whenever something changes.
     virtual void setAppearance(QWindow &window, const OverlayAppearance &appearance) = 0;
-    /// Puts it above everything but the window above, and keeps it there.
+    /// Puts it above other programs' windows and beneath the program's own, and keeps it there; never above one
+    /// that locks the screen.
     virtual void orderFront(QWindow &window) = 0;
     virtual void orderOut() = 0;
     /// Returns once the server has done what the toolkit and we have asked for.

@@ -1,6 +1,7 @@
 // A window of another program, for tests: drag_source TITLE X Y W H COLOUR [FILE]
 //
-// The title "Panel" makes it the panel of a desktop, "Background" lays it beneath everything.
+// The title "Panel" makes it the panel of a desktop, "Background" lays it beneath everything,
+// "Film" makes it full-screen.
 // Tells "pressed X Y", "dragged", "wheel" on standard output. Dragging from it drags FILE's name: told are
 // "drags", "answer 1" or "answer 0" whenever the window below says whether it would take it, and at the end
 // "dropped copy" or "dropped nothing".
@@ -107,7 +108,10 @@ int main(int argc, char **argv)
     Answers answers;
     QCoreApplication::instance()->installNativeEventFilter(&answers);
     Window window(QApplication::arguments());
-    window.show();
+    if (window.windowTitle() == u"Film")
+        window.showFullScreen();
+    else
+        window.show();
     if (window.windowTitle() == u"Background")
         window.lower();
     tell(QStringLiteral("ready"));

@@ -8,6 +8,9 @@
 //   recording 0|1         what the delegate answers, and reloadData
 //   place                 places the overlay as the options say
 //   main X Y W H          shows the main window there (toolkit coordinates); "main" alone hides it
+//   dialog X Y W H        shows another window of the program; "dialog" alone hides it
+//   tip X Y W H           shows a tool tip; "tip" alone hides it
+//   bar X Y W H           shows a window that is kept on top; "bar" alone hides it
 // Told: "rect X Y W H", "logo X Y", "picture W H" at every change, "main pressed" for a click on the main
 // window.
 
@@ -16,6 +19,7 @@
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/VNRecorderWndCtrlDelegate.h"
+#include "overlay/window_on_top.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -48,6 +52,19 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent * /*event*/) override { tell(QStringLiteral("main pressed")); }
+};
+
+class PlainWindow : public QWidget
+{
+public:
+    PlainWindow(const QString &title, Qt::WindowFlags flags, const QString &colour)
+        : QWidget(nullptr, flags)
+    {
+        setWindowTitle(title);
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_StyledBackground);
+        setStyleSheet("background: " + colour);
+    }
 };
 
 class Stage : private VNRecorderWndCtrlDelegate
@@ -97,7 +114,13 @@ public:
         else if (verb == u"recording")
             m_isRecording = words.value(1) == u"1";
         else if (verb == u"main")
-            showMain(words);
+            showThere(m_main, words);
+        else if (verb == u"dialog")
+            showThere(m_dialog, words);
+        else if (verb == u"tip")
+            showThere(m_tip, words);
+        else if (verb == u"bar")
+            showBar(words);
         if (verb == u"place")
             m_overlay.placeWindow();
         m_overlay.reloadData();
@@ -116,15 +139,32 @@ private:
                  words.value(4).toDouble() };
     }
 
-    void showMain(const QStringList &words)
+    static void showThere(QWidget &window, const QStringList &words)
     {
         // Shown where it belongs: moved afterwards, it would race the window manager.
-        m_main.setGeometry(rectangle(words).toRect());
-        m_main.setVisible(words.size() > 1);
+        window.setGeometry(rectangle(words).toRect());
+        window.setVisible(words.size() > 1);
+    }
+
+    void showBar(const QStringList &words)
+    {
+        if (!m_onTop) {
+            m_bar.winId();
+            m_onTop = WindowOnTop::create(*m_bar.windowHandle());
+        }
+        showThere(m_bar, words);
+        if (words.size() == 1)
+            m_onTop.reset();
     }
 
     VNOption m_options;
     MainWindow m_main;
+    PlainWindow m_dialog { QStringLiteral("Dialog"), Qt::Window, QStringLiteral("#803080") };
+    PlainWindow m_tip { QStringLiteral("Tip"), Qt::ToolTip, QStringLiteral("#e0e080") };
+    PlainWindow m_bar { QStringLiteral("Bar"),
+                        Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint,
+                        QStringLiteral("#208080") };
+    std::unique_ptr<WindowOnTop> m_onTop;
     VNRecorderWndCtrl &m_overlay;
     bool m_isRecording = false;
 };

@@ -8,7 +8,6 @@
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QUrl>
-#include <QWindow>
 
 namespace vornic {
 namespace {
@@ -126,13 +125,19 @@ TEST_F(RecoderWindow, HasAHoleWhereOtherWindowsOfTheProgramAre)
     EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
 }
 
-TEST_F(RecoderWindow, IsRecordedWithoutTheHole)
+TEST_F(RecoderWindow, IsRecordedWithAHoleOnlyWhereOwnWindowsAreSeen)
 {
     window.orderFront();
-    server.setPixelsOfWindows(ownWindow);
+    server.setPixelsOfWindows(ownWindow, ownWindow.adjusted(0, 0, 0, -100));
+    EXPECT_EQ(appearance().shape, whole - QRect(0, 0, 408, 308));
     delegate.isRecording = true;
     view.redraw();
+    EXPECT_EQ(appearance().shape, whole - QRect(0, 0, 408, 208));
+    server.setPixelsOfWindows(ownWindow, {});
     EXPECT_EQ(appearance().shape, whole);
+    delegate.isRecording = false;
+    view.redraw();
+    EXPECT_EQ(appearance().shape, whole - QRect(0, 0, 408, 308));
 }
 
 TEST_F(RecoderWindow, TheHoleStaysWhereItIsWhileTheWindowMoves)
@@ -141,18 +146,6 @@ TEST_F(RecoderWindow, TheHoleStaysWhereItIsWhileTheWindowMoves)
     server.setPixelsOfWindows(ownWindow);
     window.setFrame({ 312 - 100, 142, 816, 616 });
     EXPECT_EQ(appearance().shape, whole - QRect(100, 0, 408, 308));
-}
-
-TEST_F(RecoderWindow, NamesTheWindowThatStaysAboveIt)
-{
-    QWidget main;
-    window.orderFront();
-    EXPECT_EQ(appearance().windowAbove, nullptr);
-    window.setWindowAbove(&main);
-    ASSERT_TRUE(main.windowHandle());
-    EXPECT_EQ(appearance().windowAbove, main.windowHandle());
-    window.setWindowAbove(nullptr);
-    EXPECT_EQ(appearance().windowAbove, nullptr);
 }
 
 TEST_F(RecoderWindow, DragsOverTheInputAreaMoveItToThePixel)

@@ -3,7 +3,10 @@
 #include "overlay/input_receiver.h"
 #include "overlay/null_overlay_server.h"
 #include "overlay/overlay_backend.h"
+#include "overlay/window_on_top.h"
 #include "overlay_main.h"
+
+#include <QWindow>
 
 #include <gmock/gmock.h>
 
@@ -82,6 +85,16 @@ TEST_F(OverlayBackend, TheEnvironmentForcesOneByItsId)
     qputenv("VORNIC_OVERLAY", "null");
     EXPECT_TRUE(creates<NullOverlayServer>());
     EXPECT_THAT(logged, IsEmpty());
+}
+
+TEST_F(OverlayBackend, WindowsAreKeptOnTopByAnObjectEverywhere)
+{
+    QWindow window;
+    EXPECT_TRUE(WindowOnTop::create(window));
+    for (const char *id : { "fake", "null", "other" }) {
+        qputenv("VORNIC_OVERLAY", id);
+        EXPECT_TRUE(WindowOnTop::create(window)) << id;
+    }
 }
 
 TEST_F(OverlayBackend, AnUnknownBackendIsNamedWithThoseThatThereAre)

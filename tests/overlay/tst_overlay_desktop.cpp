@@ -11,6 +11,9 @@ const QColor white(255, 255, 255);
 const QColor background(40, 60, 80);
 const QColor otherColour(200, 120, 40);
 const QColor mainColour(0x30, 0x60, 0x30);
+const QColor dialogColour(0x80, 0x30, 0x80);
+const QColor tipColour(0xe0, 0xe0, 0x80);
+const QColor barColour(0x20, 0x80, 0x80);
 
 /// The overlay among other windows of a desktop of 800 x 600. It frames (100, 100, 400, 300), which is at
 /// (100, 200) when y is down; its window begins 8 pixels beyond.
@@ -231,7 +234,9 @@ TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
     click(onBar);
     EXPECT_TRUE(stage->tells("main pressed", 10'000));
     stage->say("recording 1");
-    EXPECT_TRUE(holdsWhileRaised([&] { return isBar(pixel(onBar)); })) << "a movie shows all of the overlay";
+    EXPECT_TRUE(holdsWhileRaised([&] {
+        return pixel(onBar) == mainColour && isBar(pixel({ 400, 196 }));
+    })) << "a question asked meanwhile can be read";
     stage->say("recording 0");
     EXPECT_TRUE(eventually([&] { return pixel(onBar) == mainColour; }));
     stage->say("main 350 150 100 150");
@@ -240,6 +245,105 @@ TEST_P(OverlayDesktop, LetsTheMainWindowThroughWhereItCannotBeBelow)
     EXPECT_TRUE(stage->tells("rect 100 90 400 300", 10'000)) << "it takes the mouse there again";
     stage->say("main");
     EXPECT_TRUE(eventually([&] { return isBar(pixel({ 400, 206 })); }));
+}
+
+TEST_P(OverlayDesktop, IsBelowEveryWindowOfTheProgram)
+{
+    useLogo();
+    stage->say("place");
+    for (const char *recording : { "recording 0", "recording 1" }) {
+        SCOPED_TRACE(recording);
+        stage->say(recording);
+        ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel(onLogo) == QColor(Qt::red); }));
+        stage->say("dialog 150 150 200 250");
+        EXPECT_TRUE(
+            eventually([&] { return pixel(onBar) == dialogColour && pixel(onLogo) == dialogColour; }));
+        stage->say("tip 160 180 100 60");
+        EXPECT_TRUE(eventually([&] { return pixel(onBar) == tipColour; }));
+        EXPECT_EQ(pixel(onLogo), dialogColour);
+        // One that only a menu of another program lies above stays seen where it is.
+        QImage menu(30, 30, QImage::Format_RGB32);
+        menu.fill(Qt::cyan);
+        const auto shown = painter->showWindow(menu, { 300, 300 });
+        EXPECT_TRUE(eventually([&] { return pixel({ 310, 310 }) == QColor(Qt::cyan); }));
+        EXPECT_TRUE(eventually([&] { return pixel(onBar) == tipColour && pixel(onLogo) == dialogColour; }));
+        painter->hideWindow(shown);
+        stage->say("tip");
+        stage->say("dialog");
+    }
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel(onLogo) == QColor(Qt::red); }));
+}
+
+/// The logo has no hole for a window that is not to be seen in the movie.
+TEST_P(OverlayDesktop, RecordingShowsTheWholeLogoOverABuriedWindowOfTheProgram)
+{
+    useLogo();
+    stage->say("place");
+    stage->say("recording 1");
+    stage->say("dialog 150 250 200 200");
+    ASSERT_TRUE(eventually([&] { return pixel(onLogo) == dialogColour; }));
+    auto other = startOther({ 110, 210, 350, 280 }, otherColour);
+    EXPECT_TRUE(eventually([&] {
+        return pixel(onLogo) == QColor(Qt::red) && pixel({ 200, 300 }) == otherColour;
+    }));
+}
+
+TEST_P(OverlayDesktop, NeverGoesAboveAWindowThatLocksTheScreen)
+{
+    useLogo();
+    stage->say("place");
+    stage->say("bar 300 180 60 30");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 330, 196 }) == barColour; }));
+    QImage lock(800, 600, QImage::Format_RGB32);
+    lock.fill(Qt::black);
+    const auto locker = painter->showWindow(lock, { 0, 0 });
+    const auto showsTheLock = [&] { return isAll(painter->screen(), Qt::black); };
+    ASSERT_TRUE(eventually(showsTheLock));
+    // What would bring them to the top: another window, being shown anew, a recording that begins.
+    auto other = startOther({ 60, 160, 300, 300 }, otherColour, {}, "Other", false);
+    stage->say("place");
+    stage->say("recording 1");
+    stage->say("place");
+    EXPECT_TRUE(eventually(showsTheLock));
+    // A message of the locker's above it changes nothing.
+    QImage message(100, 50, QImage::Format_RGB32);
+    message.fill(Qt::cyan);
+    const auto shown = painter->showWindow(message, { 180, 180 });
+    ASSERT_TRUE(eventually([&] { return pixel({ 200, 196 }) == QColor(Qt::cyan); }));
+    stage->say("place");
+    EXPECT_EQ(pixel({ 200, 196 }), QColor(Qt::cyan));
+    painter->hideWindow(shown);
+    EXPECT_TRUE(eventually(showsTheLock));
+    painter->hideWindow(locker);
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 330, 196 }) == barColour; }));
+}
+
+TEST_P(OverlayDesktop, AWindowKeptOnTopIsAboveFullScreenWindowsAndTheOverlay)
+{
+    stage->say("place");
+    stage->say("bar 300 180 60 30");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 330, 196 }) == barColour; }));
+    auto film = startOther({ 0, 0, 800, 600 }, otherColour, {}, "Film");
+    const auto areAbove = [&] {
+        return pixel({ 20, 20 }) == otherColour && isBar(pixel(onBar)) && pixel({ 330, 196 }) == barColour;
+    };
+    EXPECT_TRUE(eventually(areAbove));
+    click({ 20, 20 });
+    EXPECT_TRUE(film->tells("pressed", 10'000));
+    EXPECT_TRUE(eventually(areAbove)) << "the window manager raised what was clicked";
+    // Neither gives way to the other for ever.
+    stage->say("place");
+    EXPECT_TRUE(eventually(areAbove));
+    QImage menu(200, 200, QImage::Format_RGB32);
+    menu.fill(Qt::cyan);
+    const auto shown = painter->showWindow(menu, { 150, 150 });
+    EXPECT_TRUE(eventually([&] {
+        return pixel({ 250, 170 }) == QColor(Qt::cyan) && isBar(pixel(onBar))
+            && pixel({ 330, 196 }) == barColour;
+    }));
+    painter->hideWindow(shown);
+    stage->say("bar");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel({ 330, 196 })); }));
 }
 
 /// Window managers resize in two steps, first the decoration, then the window in it.

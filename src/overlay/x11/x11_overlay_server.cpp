@@ -1,30 +1,30 @@
 #include "overlay/x11/x11_overlay_server.h"
 
+#include "overlay/x11/x11_window_stack.h"
 #include "overlay/x11/x11_windows.h"
 #include "x11/x11_shape.h"
 #include "x11/xcb_reply.h"
 
-#include <QGuiApplication>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace vornic {
 
 namespace {
 
-/// The toolkit's own connection: what is sent through it keeps its order with what the toolkit sends.
-xcb_connection_t *toolkitConnection()
+/// The pixels that other programs' windows take above \a window.
+QRegion coverOf(const std::vector<StackedWindow> &stack, std::uint32_t window)
 {
-    const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return native ? native->connection() : nullptr;
-}
-
-/// None for a window that the toolkit has not made yet.
-xcb_window_t idOf(const QWindow *window)
-{
-    return window && window->handle() ? static_cast<xcb_window_t>(window->winId())
-                                      : xcb_window_t { XCB_NONE };
+    QRegion cover;
+    auto above = std::ranges::find(stack, window, &StackedWindow::id);
+    for (; above != stack.end(); ++above) {
+        if (above->isSeen && !above->isOwn)
+            cover += above->pixels;
+    }
+    return cover;
 }
 
 } // namespace
@@ -40,22 +40,27 @@ X11OverlayServer::X11OverlayServer(std::unique_ptr<X11Connection> connection, In
     : m_connection(std::move(connection))
     , m_events(*m_connection)
     , m_compositing(m_events)
-    , m_stacking(m_events)
+    , m_stacking(m_events, X11Stacking::OwnWindows::Above)
     , m_inputWindow(m_events, receiver)
 {
     connect(&m_compositing, &X11Compositing::changed, this, &OverlayServer::compositingChanged);
     connect(&m_stacking, &X11Stacking::desktopChanged, this, &OverlayServer::windowsMoved);
 }
 
-QRegion X11OverlayServer::pixelsOf(const QList<QWindow *> &windows)
+QRegion X11OverlayServer::pixelsOf(const QList<QWindow *> &windows, Pixels which)
 {
+    const auto stack = which == Pixels::Seen ? windowStack(*m_connection) : std::vector<StackedWindow>();
     QRegion pixels;
     for (const QWindow *window : windows) {
         const xcb_window_t id = idOf(window);
         if (id == XCB_NONE)
             continue;
         m_stacking.watch(id); // first, so that no change between is missed
-        pixels += framePixels(*m_connection, id);
+        const QRect all = framePixels(*m_connection, id);
+        if (all.isEmpty())
+            continue;
+        pixels += which == Pixels::All ? QRegion(all)
+                                       : QRegion(all) - coverOf(stack, topLevelOf(*m_connection, id));
     }
     m_events.flush(); // the replies may have brought events, for which nothing else would wake the loop
     return pixels;
@@ -76,14 +81,13 @@ void X11OverlayServer::setAppearance(QWindow &window, const OverlayAppearance &a
         m_takesMouse = appearance.takesMouse;
     }
     xcb_flush(connection);
-    m_windowAbove = idOf(appearance.windowAbove);
     m_inputWindow.place(appearance.inputArea);
 }
 
 void X11OverlayServer::orderFront(QWindow &window)
 {
     wait(); // until the window is there
-    m_stacking.keepOnTop(idOf(&window), m_windowAbove, m_inputWindow.id());
+    m_stacking.keepOnTop(idOf(&window), m_inputWindow.id());
 }
 
 void X11OverlayServer::orderOut()

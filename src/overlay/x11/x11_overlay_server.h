@@ -25,7 +25,7 @@ public:
     [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver);
 
     [[nodiscard]] bool isComposited() const override { return m_compositing.isActive(); }
-    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows) override;
+    [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
     void orderFront(QWindow &window) override;
     void orderOut() override;
@@ -43,7 +43,6 @@ private:
     std::uint32_t m_window = 0; ///< 0: nothing yet
     std::optional<QRegion> m_shape;
     bool m_takesMouse = true;
-    std::uint32_t m_windowAbove = 0; ///< 0: none
 };
 
 } // namespace vornic

@@ -1,9 +1,7 @@
 #include "overlay/x11/x11_stacking.h"
 
-#include "overlay/x11/x11_windows.h"
 #include "x11/x11_connection.h"
 #include "x11/x11_events.h"
-#include "x11/xcb_reply.h"
 
 #include <algorithm>
 #include <array>
@@ -37,9 +35,10 @@ xcb_window_t movedWindow(const xcb_generic_event_t &event)
 
 } // namespace
 
-X11Stacking::X11Stacking(X11Events &events)
+X11Stacking::X11Stacking(X11Events &events, OwnWindows ownWindows)
     : m_connection(events.connection())
     , m_events(events)
+    , m_ownWindows(ownWindows)
 {
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection.get(), m_connection.root(), XCB_CW_EVENT_MASK, &mask);
@@ -55,15 +54,14 @@ X11Stacking::X11Stacking(X11Events &events)
     });
 }
 
-void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t windowAbove, std::uint32_t inputWindow)
+void X11Stacking::keepOnTop(std::uint32_t window, std::uint32_t inputWindow)
 {
     m_window = window;
-    m_windowAbove = windowAbove;
     m_inputWindow = inputWindow;
     m_restacksInARow = 0;
-    if (windowAbove != XCB_NONE)
-        watch(windowAbove);
-    restack(frameAbove());
+    const Stack stack = windowStack(m_connection);
+    const auto ceiling = ceilingOf(stack);
+    restack(ceiling == stack.end() ? XCB_NONE : ceiling->id);
 }
 
 void X11Stacking::watch(std::uint32_t window)
@@ -91,18 +89,12 @@ void X11Stacking::check()
 {
     if (m_window == XCB_NONE)
         return;
-    if (const xcb_window_t above = frameAbove(); !isInPlace(above) && mayRestack())
-        restack(above);
+    const Stack stack = windowStack(m_connection);
+    const auto ceiling = ceilingOf(stack);
+    if (!isInPlace(stack, ceiling) && mayRestack())
+        restack(ceiling == stack.end() ? XCB_NONE : ceiling->id);
     m_events.flush();
     emit desktopChanged();
-}
-
-/// The desktop's own child window that holds the window above: its decoration, or itself. None while it is
-/// not shown.
-std::uint32_t X11Stacking::frameAbove() const
-{
-    return m_windowAbove != XCB_NONE && isShown(m_connection, m_windowAbove) ? topLevelOf(m_windowAbove)
-                                                                             : xcb_window_t { XCB_NONE };
 }
 
 bool X11Stacking::mayRestack()
@@ -112,26 +104,54 @@ bool X11Stacking::mayRestack()
     return m_restacksInARow < maxRestacksInARow;
 }
 
-bool X11Stacking::isInPlace(std::uint32_t frameAbove) const
+bool X11Stacking::isKept(const StackedWindow &window) const
 {
-    const std::vector<xcb_window_t> windows = windowsFromBelow();
-    const auto ours = std::ranges::find(windows, m_window);
-    if (ours == windows.end())
-        return true; // not on this desktop
-    const auto above = frameAbove == XCB_NONE ? windows.end() : std::find(ours, windows.end(), frameAbove);
-    if (frameAbove != XCB_NONE && above == windows.end())
-        return false; // it is below
-    return std::none_of(
-        ours + 1, above, [this](xcb_window_t other) { return other != m_inputWindow && isViewable(other); });
+    return window.id == m_window || window.id == m_inputWindow;
 }
 
-void X11Stacking::restack(std::uint32_t frameAbove)
+/// The lowest of the windows that ours has to stay beneath: lockers, and windows of the program that no other
+/// program's window lies above.
+X11Stacking::Stack::const_iterator X11Stacking::ceilingOf(const Stack &stack) const
+{
+    auto ceiling = stack.end();
+    bool isBeneathOther = false;
+    for (auto window = stack.end(); window != stack.begin();) {
+        --window;
+        if (!window->isSeen || isKept(*window))
+            continue;
+        if (window->locksScreen)
+            isBeneathOther = false;
+        else if (!window->isOwn)
+            isBeneathOther = true;
+        if (window->locksScreen || (window->isOwn && m_ownWindows == OwnWindows::Above && !isBeneathOther))
+            ceiling = window;
+    }
+    return ceiling;
+}
+
+bool X11Stacking::isInPlace(const Stack &stack, Stack::const_iterator ceiling) const
+{
+    const auto ours = std::ranges::find(stack, m_window, &StackedWindow::id);
+    if (ours == stack.end())
+        return true; // not on this desktop
+    const auto input = std::ranges::find(stack, m_inputWindow, &StackedWindow::id);
+    if (ours > ceiling || (input != stack.end() && (input < ours || input > ceiling)))
+        return false;
+    return std::none_of(ours, ceiling, [this](const StackedWindow &window) {
+        const bool isNeutral = window.isOwn && m_ownWindows == OwnWindows::Anywhere;
+        return window.isSeen && !isKept(window) && !isNeutral;
+    });
+}
+
+void X11Stacking::restack(std::uint32_t ceiling)
 {
     m_sinceRestack.start();
-    const std::array<std::uint32_t, 2> below { frameAbove, XCB_STACK_MODE_BELOW };
+    const std::array<std::uint32_t, 2> below { ceiling, XCB_STACK_MODE_BELOW };
     const std::uint32_t top = XCB_STACK_MODE_ABOVE;
     for (const xcb_window_t window : { m_window, m_inputWindow }) {
-        if (frameAbove != XCB_NONE)
+        if (window == XCB_NONE)
+            continue;
+        if (ceiling != XCB_NONE)
             xcb_configure_window(m_connection.get(),
                                  window,
                                  XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
@@ -140,37 +160,6 @@ void X11Stacking::restack(std::uint32_t frameAbove)
             xcb_configure_window(m_connection.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &top);
     }
     m_events.flush();
-}
-
-std::vector<std::uint32_t> X11Stacking::windowsFromBelow() const
-{
-    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(
-        m_connection.get(), xcb_query_tree(m_connection.get(), m_connection.root()), nullptr));
-    if (!tree)
-        return {};
-    const xcb_window_t *first = xcb_query_tree_children(tree.get());
-    return { first, first + tree->children_len };
-}
-
-std::uint32_t X11Stacking::topLevelOf(std::uint32_t window) const
-{
-    while (true) {
-        const XcbReply<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(m_connection.get(), xcb_query_tree(m_connection.get(), window), nullptr));
-        if (!tree)
-            return XCB_NONE;
-        if (tree->parent == m_connection.root() || tree->parent == XCB_NONE)
-            return window;
-        window = tree->parent;
-    }
-}
-
-bool X11Stacking::isViewable(std::uint32_t window) const
-{
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-        m_connection.get(), xcb_get_window_attributes(m_connection.get(), window), nullptr));
-    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE
-        && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }
 
 } // namespace vornic

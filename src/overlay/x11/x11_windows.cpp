@@ -3,7 +3,9 @@
 #include "x11/x11_connection.h"
 #include "x11/xcb_reply.h"
 
+#include <QGuiApplication>
 #include <QMargins>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -27,6 +29,25 @@ QMargins decorationOf(const X11Connection &connection, xcb_window_t window)
 }
 
 } // namespace
+
+xcb_connection_t *toolkitConnection()
+{
+    const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return native ? native->connection() : nullptr;
+}
+
+std::uint32_t idOf(const QWindow *window)
+{
+    return window && window->handle() ? static_cast<xcb_window_t>(window->winId())
+                                      : xcb_window_t { XCB_NONE };
+}
+
+bool isUnmanaged(const X11Connection &connection, std::uint32_t window)
+{
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        connection.get(), xcb_get_window_attributes(connection.get(), window), nullptr));
+    return attributes && attributes->override_redirect != 0;
+}
 
 bool isShown(const X11Connection &connection, std::uint32_t window)
 {
