@@ -2,46 +2,30 @@
 
 #include "x11/x11_connection.h"
 #include "x11/x11_events.h"
-#include "x11/xcb_reply.h"
-
-#include <xcb/xfixes.h>
 
 #include <utility>
 
 namespace vornic {
 
-X11Compositing::X11Compositing(X11Events &events)
-    : m_connection(events.connection())
-    , m_selection(m_connection.atom("_NET_WM_CM_S" + QByteArray::number(m_connection.screenNumber())))
+namespace {
+
+std::uint32_t managersSelection(const X11Connection &connection)
 {
-    if (const auto *fixes = m_connection.extension(xcb_xfixes_id)) {
-        const auto cookie = xcb_xfixes_query_version(m_connection.get(), 5, 0);
-        const XcbReply<xcb_xfixes_query_version_reply_t> asked(
-            xcb_xfixes_query_version_reply(m_connection.get(), cookie, nullptr));
-        xcb_xfixes_select_selection_input(m_connection.get(),
-                                          m_connection.root(),
-                                          m_selection,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER
-                                              | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY
-                                              | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-        const int notice = fixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-        connect(&events, &X11Events::eventRead, this, [this, notice](const xcb_generic_event_t &event) {
-            if (kindOf(event) != notice)
-                return;
-            const bool isActive = owner() != XCB_NONE;
-            if (std::exchange(m_isActive, isActive) != isActive)
-                emit changed();
-        });
-    }
-    m_isActive = owner() != XCB_NONE;
-    events.flush();
+    return connection.atom("_NET_WM_CM_S" + QByteArray::number(connection.screenNumber()));
 }
 
-std::uint32_t X11Compositing::owner() const
+} // namespace
+
+X11Compositing::X11Compositing(X11Events &events)
+    : m_manager(events, managersSelection(events.connection()))
 {
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        m_connection.get(), xcb_get_selection_owner(m_connection.get(), m_selection), nullptr));
-    return reply ? reply->owner : xcb_window_t { XCB_NONE };
+    connect(&m_manager, &X11SelectionWatch::ownerSet, this, [this] {
+        const bool isActive = m_manager.owner() != XCB_NONE;
+        if (std::exchange(m_isActive, isActive) != isActive)
+            emit changed();
+    });
+    m_isActive = m_manager.owner() != XCB_NONE;
+    events.flush();
 }
 
 } // namespace vornic

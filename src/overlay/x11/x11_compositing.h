@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QObject>
+#include "overlay/x11/x11_selection_watch.h"
 
-#include <cstdint>
+#include <QObject>
 
 namespace vornic {
 
-class X11Connection;
 class X11Events;
 
 /// Knows whether a compositing manager runs; they come and go.
@@ -25,10 +24,7 @@ signals:
     void changed();
 
 private:
-    [[nodiscard]] std::uint32_t owner() const;
-
-    X11Connection &m_connection;
-    std::uint32_t m_selection; ///< owned by the compositing manager
+    X11SelectionWatch m_manager;
     bool m_isActive = false;
 };
 
