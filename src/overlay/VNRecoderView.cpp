@@ -98,6 +98,13 @@ QRegion VNRecoderView::shape()
     return overlayShape(m_shownLook, m_stencil);
 }
 
+QRegion VNRecoderView::mouseArea()
+{
+    if (isRecording())
+        return {};
+    return isRecordFullScreen() ? logoHitPixels(bounds(), mLogoContext) : QRegion(bounds().toAlignedRect());
+}
+
 std::optional<QPainterPath> VNRecoderView::getHotRegion(int region) const
 {
     return hotRegion(bounds(), region);
@@ -279,6 +286,8 @@ DraggingInfo VNRecoderView::draggingInfo(const QDropEvent &event) const
 void VNRecoderView::dragEnterEvent(QDragEnterEvent *event)
 {
     m_dragAnswer = draggingEntered(draggingInfo(*event));
+    if (m_dragAnswer == Qt::IgnoreAction)
+        emit draggingRefused();
     dragMoveEvent(event);
 }
 

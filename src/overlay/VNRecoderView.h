@@ -51,6 +51,11 @@ public:
     [[nodiscard]] QRectF bounds() const;
     /// Repaints what looks otherwise than at the last call, and where the logo was and is.
     void redraw();
+    /// Whether a picture that is dropped becomes the logo.
+    [[nodiscard]] bool takesPictures() const;
+    /// What a press may take hold of: all of it, or the logo while the full display is recorded, or nothing
+    /// while a recording runs. Device pixels, y down from the view's upper left.
+    [[nodiscard]] QRegion mouseArea();
     /// What shows where nothing is translucent: device pixels, y down from the view's upper left.
     [[nodiscard]] QRegion shape();
 
@@ -90,6 +95,8 @@ signals:
     void notified(const QString &name);
     /// redraw() was called: the shape and what takes the mouse may be others now.
     void redrawn();
+    /// Another program drags something over the view that it does not take.
+    void draggingRefused();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -105,7 +112,6 @@ private:
     [[nodiscard]] VNRecoderWindow *recorderWindow() const;
     [[nodiscard]] OverlayLook look();
     [[nodiscard]] QPointF viewPoint(QPointF mouseLocation) const;
-    [[nodiscard]] bool takesPictures() const;
     [[nodiscard]] DraggingInfo draggingInfo(const QDropEvent &event) const;
     void repaintPixels(const QRegion &pixels);
     void moveLogo(DragDistance distance);

@@ -8,8 +8,8 @@
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_server.h"
 
+#include <QApplication>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
 
@@ -53,6 +53,10 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
         if (m_view)
             m_view->redraw();
     });
+    connect(m_server.get(), &OverlayServer::draggingChanged, this, [this] {
+        m_isDragRefused = false;
+        updateAppearance();
+    });
     connect(m_server.get(), &OverlayServer::windowsMoved, this, [this] {
         leaveOutOwnWindows();
         updateAppearance();
@@ -74,13 +78,21 @@ void VNRecoderWindow::setContentView(VNRecoderView *view)
         view->setParent(this);
     view->setGeometry(rect());
     connect(view, &VNRecoderView::redrawn, this, &VNRecoderWindow::updateAppearance);
+    connect(view, &VNRecoderView::draggingRefused, this, [this] {
+        m_isDragRefused = true;
+        updateAppearance();
+    });
 }
 
 void VNRecoderWindow::setWindowAbove(QWidget *window)
 {
+    if (m_windowAbove)
+        m_windowAbove->removeEventFilter(this);
     m_windowAbove = window;
-    if (isVisible())
-        orderFront();
+    if (window)
+        window->installEventFilter(this);
+    keepWindowAboveOnTop();
+    followWindowAboveSoon();
 }
 
 void VNRecoderWindow::setFrame(const QRectF &frame)
@@ -129,7 +141,6 @@ void VNRecoderWindow::updateAppearance()
     if (std::exchange(m_isLeftToTheDesktop, !takesMouse) == takesMouse)
         leaveOutOwnWindows();
     OverlayAppearance appearance;
-    appearance.takesMouse = takesMouse;
     const QRegion leftOut = m_ownWindows.translated(-m_toolkitPixels.topLeft());
     // Never all of it: one of the window managers goes on showing the holes of a window that has no shape any
     // more. On the first pixel nothing is drawn.
@@ -137,12 +148,46 @@ void VNRecoderWindow::updateAppearance()
     appearance.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
     const bool needsInputWindow = !isTranslucent() || devicePixelRatioF() != 1;
-    if (needsInputWindow && takesMouse && isVisible())
-        appearance.inputArea = QRegion(m_onDesktop) - m_ownWindows;
+    const QRegion taken = takenPixels();
+    if (taken != QRegion(QRect(QPoint(), m_onDesktop.size())))
+        appearance.mouseShape = taken.translated(pixelInset());
+    if (needsInputWindow && isVisible())
+        appearance.inputArea = taken.translated(m_onDesktop.topLeft()) - m_ownWindows;
     m_server->setAppearance(*windowHandle(), appearance);
 }
 
+/// What of the frame takes the mouse: while the full display is recorded the logo, but all while a picture is
+/// dragged that may be dropped anywhere. Pixels of the view, y down.
+QRegion VNRecoderWindow::takenPixels() const
+{
+    const bool mayBeDroppedOn
+        = m_server->isDragging() && !m_isDragRefused && m_view->takesPictures() && !m_view->isRecording();
+    return mayBeDroppedOn ? QRegion(QRect(QPoint(), m_onDesktop.size())) : m_view->mouseArea();
+}
+
 void VNRecoderWindow::orderFront()
+{
+    m_isOrderedIn = true;
+    if (mayBeShown())
+        bringToDesktop();
+    else
+        takeFromDesktop();
+}
+
+void VNRecoderWindow::orderOut()
+{
+    m_isOrderedIn = false;
+    takeFromDesktop();
+}
+
+bool VNRecoderWindow::mayBeShown() const
+{
+    if (m_view && m_view->isRecording())
+        return true;
+    return !m_isAside && (!m_windowAbove || (m_windowAbove->isVisible() && !m_windowAbove->isMinimized()));
+}
+
+void VNRecoderWindow::bringToDesktop()
 {
     place();
     winId();
@@ -153,15 +198,98 @@ void VNRecoderWindow::orderFront()
     m_server->orderFront(*windowHandle());
     show();
     updateAppearance();
+    keepWindowAboveOnTop();
 }
 
-void VNRecoderWindow::orderOut()
+void VNRecoderWindow::takeFromDesktop()
 {
     const bool hadFocus = isActiveWindow();
     m_server->orderOut();
     hide();
-    if (hadFocus && m_windowAbove && m_windowAbove->isVisible())
+    keepWindowAboveOnTop();
+    if (hadFocus && m_windowAbove && m_windowAbove->isVisible() && !m_windowAbove->isMinimized())
         m_windowAbove->activateWindow();
+}
+
+void VNRecoderWindow::followWindowAbove()
+{
+    if (const bool isWanted = m_isOrderedIn && mayBeShown(); isWanted && !isVisible())
+        bringToDesktop();
+    else if (!isWanted && isVisible())
+        takeFromDesktop();
+    keepWindowAboveOnTop();
+}
+
+/// Not at once: the window above is minimised just before a recording begins, through which this one stays.
+void VNRecoderWindow::followWindowAboveSoon()
+{
+    QMetaObject::invokeMethod(this, &VNRecoderWindow::followWindowAbove, Qt::QueuedConnection);
+}
+
+void VNRecoderWindow::recordingChanged()
+{
+    if (m_view && m_view->isRecording()) {
+        returnToDesktop();
+        followWindowAbove();
+    } else {
+        keepWindowAboveOnTop();
+        followWindowAboveSoon(); // the window above may be about to come back
+    }
+}
+
+void VNRecoderWindow::stepAside()
+{
+    if (!m_windowAbove)
+        return;
+    m_isAside = true;
+    m_wasLeft = false;
+    qApp->installEventFilter(this);
+    followWindowAbove();
+}
+
+void VNRecoderWindow::returnToDesktop()
+{
+    m_isAside = false;
+    qApp->removeEventFilter(this);
+    followWindowAboveSoon();
+}
+
+/// Through the platform's window: the toolkit's widget would be hidden for it.
+void VNRecoderWindow::keepWindowAboveOnTop()
+{
+    if (!m_windowAbove)
+        return;
+    const bool isOnTop = isVisible() && !(m_view && m_view->isRecording());
+    Qt::WindowFlags flags = m_windowAbove->windowFlags();
+    if (flags.testFlag(Qt::WindowStaysOnTopHint) == isOnTop)
+        return;
+    QWindow *const window = m_windowAbove->windowHandle();
+    if (window && m_windowAbove->isVisible() && !window->isExposed()) {
+        window->installEventFilter(this); // window managers listen only once it is on the screen
+        return;
+    }
+    m_windowAbove->overrideWindowFlags(flags.setFlag(Qt::WindowStaysOnTopHint, isOnTop));
+    if (window)
+        window->setFlag(Qt::WindowStaysOnTopHint, isOnTop);
+}
+
+bool VNRecoderWindow::eventFilter(QObject *object, QEvent *event)
+{
+    const QEvent::Type type = event->type();
+    if (object == m_windowAbove) {
+        if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowStateChange)
+            followWindowAboveSoon();
+        else if (type == QEvent::WindowDeactivate)
+            m_wasLeft = true;
+        else if (type == QEvent::WindowActivate && m_isAside && m_wasLeft)
+            returnToDesktop(); // otherwise it may have been activated before and told late
+    }
+    if (type == QEvent::Expose)
+        keepWindowAboveOnTop();
+    if (m_isAside && (type == QEvent::MouseButtonPress || type == QEvent::KeyPress) && object->isWidgetType()
+        && static_cast<QWidget *>(object)->window() == m_windowAbove)
+        returnToDesktop();
+    return QWidget::eventFilter(object, event);
 }
 
 void VNRecoderWindow::becomeKey()
@@ -231,7 +359,11 @@ void VNRecoderWindow::inputDragged(QPoint onDesktop)
 bool VNRecoderWindow::filesEntered(const QMimeData &files, bool mayCopy)
 {
     const Qt::DropActions actions = mayCopy ? Qt::CopyAction : Qt::IgnoreAction;
-    return m_view && m_view->draggingEntered({ &files, actions, nullptr, {} }) == Qt::CopyAction;
+    const bool isTaken
+        = m_view && m_view->draggingEntered({ &files, actions, nullptr, {} }) == Qt::CopyAction;
+    m_isDragRefused = !isTaken;
+    updateAppearance();
+    return isTaken;
 }
 
 void VNRecoderWindow::filesLeft()

@@ -44,12 +44,22 @@ public:
     [[nodiscard]] QRectF frame() const { return m_frame; }
     /// Moves, resizes and shows the new contents at once.
     void setFrame(const QRectF &frame);
-    /// Shows it above everything, without taking the keyboard focus.
+    /// Shows it above other programs' windows, without taking the keyboard focus; while idle only as long as
+    /// the window above is on the screen, too.
     void orderFront();
     void orderOut();
+    /// Whether it was ordered to the front last, shown or not.
+    [[nodiscard]] bool isOrderedIn() const { return m_isOrderedIn; }
+    /// A recording has begun, then it is shown whatever the window above does, or has ended.
+    void recordingChanged();
+    /// Leaves the desktop to other programs: hides it, and lets the window above be one like others, until the
+    /// user turns to that window again, or records.
+    void stepAside();
     /// Takes the keyboard focus.
     void becomeKey();
-    /// The main window, which gets the keyboard focus when this one is hidden. Null: none.
+    /// The main window: this one is hidden while it is hidden or minimised, it gets the keyboard focus when
+    /// this one is hidden, and it stays above other programs' windows while this one is shown and idle.
+    /// Null: none.
     void setWindowAbove(QWidget *window);
     /// Fills the window with \a view and follows its looks.
     void setContentView(VNRecoderView *view);
@@ -77,6 +87,7 @@ signals:
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -86,14 +97,26 @@ private:
     void filesLeft() override;
     [[nodiscard]] bool filesDropped(const QMimeData &files, QPoint onDesktop) override;
     void place();
+    [[nodiscard]] bool mayBeShown() const;
+    void followWindowAbove();
+    void followWindowAboveSoon();
+    void bringToDesktop();
+    void takeFromDesktop();
+    void keepWindowAboveOnTop();
+    void returnToDesktop();
+    [[nodiscard]] QRegion takenPixels() const;
     void leaveOutOwnWindows();
     void updateAppearance();
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
-    QRect m_onDesktop;                 ///< the frame's pixels
-    QRect m_toolkitPixels;             ///< the pixels of the toolkit's window, which hold them
-    QRegion m_ownWindows;              ///< the pixels of the desktop where other windows of the program are
+    QRect m_onDesktop;     ///< the frame's pixels
+    QRect m_toolkitPixels; ///< the pixels of the toolkit's window, which hold them
+    QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
+    bool m_isOrderedIn = false;
+    bool m_isAside = false;
+    bool m_wasLeft = false;            ///< the window above has lost the keyboard focus since
+    bool m_isDragRefused = false;      ///< of the drag that goes on
     bool m_isLeftToTheDesktop = false; ///< a recording runs: no press, and no window that nobody sees
     QPointer<QWidget> m_windowAbove;
     QPointer<VNRecoderView> m_view;

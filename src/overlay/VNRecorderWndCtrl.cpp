@@ -49,7 +49,7 @@ void VNRecorderWndCtrl::windowDidLoad()
 void VNRecorderWndCtrl::watchScreen(const QScreen *screen)
 {
     const auto placeAgain = [this] {
-        if (m_window && m_window->isVisible())
+        if (m_window && m_window->isOrderedIn())
             placeWindow();
     };
     if (screen)
@@ -70,7 +70,7 @@ void VNRecorderWndCtrl::setOptions(VNOption *options)
 
 void VNRecorderWndCtrl::followSelectedRect()
 {
-    if (m_window && m_window->isVisible() && _options->recordsRectangle())
+    if (m_window && m_window->isOrderedIn() && _options->recordsRectangle())
         m_window->setFrame(enlargeRectBounds(_options->selectedRect()));
 }
 
@@ -80,8 +80,16 @@ void VNRecorderWndCtrl::reloadData()
         return;
     _recorderView->redraw();
     const bool isRecording = VNRecorderViewWindowIsRecording(*_recorderView);
-    if (std::exchange(m_shownRecording, isRecording) != isRecording && m_window)
-        m_window->waitUntilDrawn();
+    if (std::exchange(m_shownRecording, isRecording) == isRecording || !m_window)
+        return;
+    m_window->recordingChanged();
+    m_window->waitUntilDrawn();
+}
+
+void VNRecorderWndCtrl::stepAside()
+{
+    if (m_window)
+        m_window->stepAside();
 }
 
 void VNRecorderWndCtrl::placeWindow()

@@ -49,6 +49,10 @@ public:
     /// logo.
     void placeWindow();
 
+    /// Leaves the desktop to other programs: the overlay is hidden, and the main window no longer stays on top,
+    /// until the user turns to the main window again. After a recording that has opened a folder or a player.
+    void stepAside();
+
     /// A recorded rectangle's window frame, and the other way round.
     [[nodiscard]] static QRectF enlargeRectBounds(const QRectF &rectangle);
     [[nodiscard]] static QRectF excludeRectBounds(const QRectF &rectangle);

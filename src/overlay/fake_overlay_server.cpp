@@ -15,6 +15,12 @@ void FakeOverlayServer::setComposited(bool isComposited)
         emit compositingChanged();
 }
 
+void FakeOverlayServer::setDragging(bool isDragging)
+{
+    if (std::exchange(m_isDragging, isDragging) != isDragging)
+        emit draggingChanged();
+}
+
 void FakeOverlayServer::setPixelsOfWindows(const QRegion &all, const QRegion &seen)
 {
     m_pixelsOfWindows = all;

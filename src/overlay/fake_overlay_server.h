@@ -21,6 +21,8 @@ public:
     [[nodiscard]] InputReceiver &receiver() const { return m_receiver; }
     /// A compositing manager comes or goes.
     void setComposited(bool isComposited);
+    /// Another program begins to drag something, or ends.
+    void setDragging(bool isDragging);
     /// What pixelsOf() answers from now on; tells that windows have moved.
     void setPixelsOfWindows(const QRegion &all, const QRegion &seen);
     void setPixelsOfWindows(const QRegion &pixels) { setPixelsOfWindows(pixels, pixels); }
@@ -31,6 +33,7 @@ public:
     [[nodiscard]] int waitCount() const { return m_waits; }
 
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
+    [[nodiscard]] bool isDragging() const override { return m_isDragging; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
     void orderFront(QWindow &window) override;
@@ -43,6 +46,7 @@ private:
     QRegion m_pixelsOfWindows;
     QRegion m_seenPixelsOfWindows;
     bool m_isComposited = true;
+    bool m_isDragging = false;
     bool m_isInFront = false;
     int m_waits = 0;
 };

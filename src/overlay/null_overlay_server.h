@@ -13,6 +13,7 @@ class NullOverlayServer final : public OverlayServer
 public:
     /// As the toolkit paints it where nothing says otherwise.
     [[nodiscard]] bool isComposited() const override { return true; }
+    [[nodiscard]] bool isDragging() const override { return false; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> & /*windows*/, Pixels /*which*/) override
     {
         return {};

@@ -1,11 +1,15 @@
 #include "overlay/overlay_geometry.h"
 
+#include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
 
 #include <QTransform>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace vornic {
 
@@ -53,6 +57,46 @@ QPainterPath handle(const QRectF &bounds, DragRegion region)
 bool isOnLogo(QPointF point, const VNLogoContext *logo)
 {
     return logoOutline(logo).contains(point + logoTestShift);
+}
+
+/// The span of a row that is \a y high that \a shape, which is convex, takes; nothing where it is not. Ends
+/// that are no numbers take nothing.
+std::optional<std::pair<double, double>> spanAt(const QPolygonF &shape, double y)
+{
+    std::optional<std::pair<double, double>> span;
+    for (qsizetype index = 0; index < shape.size(); ++index) {
+        const QPointF from = shape.at(index);
+        const QPointF to = shape.at((index + 1) % shape.size());
+        if ((from.y() <= y) == (to.y() <= y))
+            continue;
+        const double x = from.x() + (to.x() - from.x()) * (y - from.y()) / (to.y() - from.y());
+        span = span ? std::pair(std::min(span->first, x), std::max(span->second, x)) : std::pair(x, x);
+    }
+    return span;
+}
+
+/// The pixels inside \a around whose middle row \a shape, y down and convex, touches.
+QRegion pixelsOfShape(const QPolygonF &shape, const QRect &around)
+{
+    std::vector<QRect> rows;
+    for (int y = around.top(); y <= around.bottom(); ++y) {
+        const auto span = spanAt(shape, y + 0.5);
+        if (!span)
+            continue;
+        const QRect row = QRectF(QPointF(std::max(span->first, double(around.left())), y),
+                                 QPointF(std::min(span->second, double(around.right() + 1)), y + 1))
+                              .toAlignedRect();
+        if (!(span->second > around.left() && span->first < around.right() + 1) || row.isEmpty())
+            continue;
+        if (!rows.empty() && rows.back().left() == row.left() && rows.back().right() == row.right()
+            && rows.back().bottom() + 1 == y)
+            rows.back().setBottom(y);
+        else
+            rows.push_back(row);
+    }
+    QRegion pixels;
+    pixels.setRects(rows.data(), static_cast<int>(rows.size()));
+    return pixels;
 }
 
 } // namespace
@@ -132,6 +176,16 @@ DragRegion regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *lo
 DragRegion regionAtFullScreen(QPointF point, const VNLogoContext *logo)
 {
     return isOnLogo(point, logo) ? DragRegion::Logo : DragRegion::Elsewhere;
+}
+
+QRegion logoHitPixels(const QRectF &bounds, const VNLogoContext *logo)
+{
+    QPolygonF outline = logoOutline(logo).toFillPolygon();
+    outline.translate(-logoTestShift);
+    for (QPointF &corner : outline)
+        corner = flipped(corner, bounds.height());
+    const QRectF around = outline.boundingRect().intersected(bounds);
+    return around.isEmpty() ? QRegion() : pixelsOfShape(outline, around.toAlignedRect());
 }
 
 QRectF adjustedLeftEdge(const QRectF &frame, qint64 distance)

@@ -3,6 +3,7 @@
 #include <QPainterPath>
 #include <QPointF>
 #include <QRectF>
+#include <QRegion>
 
 #include <optional>
 
@@ -56,6 +57,9 @@ struct DragDistance {
 [[nodiscard]] DragRegion regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *logo);
 /// The same while the full display is recorded, when only the logo moves.
 [[nodiscard]] DragRegion regionAtFullScreen(QPointF point, const VNLogoContext *logo);
+
+/// The pixels of a view with \a bounds where a press may take hold of the logo; y down from its upper left.
+[[nodiscard]] QRegion logoHitPixels(const QRectF &bounds, const VNLogoContext *logo);
 
 /// \a frame with an edge moved by \a distance; \a bound is the screen. The left and the bottom edge stop 8
 /// points below 0 whatever the screen, the other two 8 points beyond it; no side gets shorter than 76 points,

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QRegion>
 
+#include <optional>
+
 class QWindow;
 
 namespace vornic {
@@ -11,7 +13,7 @@ namespace vornic {
 /// What of the overlay's window is seen, and what takes the mouse.
 struct OverlayAppearance {
     QRegion shape; ///< the part of the window that shows; device pixels from its upper left
-    bool takesMouse = true;
+    std::optional<QRegion> mouseShape; ///< what of that takes the mouse, as shape; nothing said: all
     QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
 };
 
@@ -33,6 +35,8 @@ public:
         Seen, ///< those that no other program's window covers
     };
 
+    /// Whether some program drags something that may be dropped.
+    [[nodiscard]] virtual bool isDragging() const = 0;
     /// The pixels of the desktop that those of \a windows take that are shown, with their decoration. May
     /// block for some exchanges with the server. From then on windowsMoved() tells when that is another
     /// answer.
@@ -49,6 +53,8 @@ public:
 signals:
     /// isComposited() is another answer now.
     void compositingChanged();
+    /// isDragging() is another answer now.
+    void draggingChanged();
     /// Some window was shown, hidden, moved or stacked anew, while the overlay is kept in front.
     void windowsMoved();
 };

@@ -2,6 +2,7 @@
 //
 // The title "Panel" makes it the panel of a desktop, "Background" lays it beneath everything,
 // "Film" makes it full-screen.
+// "Target" takes whatever is dropped on it, and tells "entered" and "taken".
 // Tells "pressed X Y", "dragged", "wheel" on standard output. Dragging from it drags FILE's name: told are
 // "drags", "answer 1" or "answer 0" whenever the window below says whether it would take it, and at the end
 // "dropped copy" or "dropped nothing".
@@ -35,6 +36,7 @@ public:
         : m_file(arguments.value(7))
     {
         setWindowTitle(arguments.value(1));
+        setAcceptDrops(arguments.value(1) == u"Target");
         setAttribute(Qt::WA_X11NetWmWindowTypeDock, arguments.value(1) == u"Panel");
         setWindowFlag(Qt::BypassWindowManagerHint, arguments.value(1) == u"Background");
         setGeometry(arguments.value(2).toInt(),
@@ -65,6 +67,18 @@ protected:
         tell(QStringLiteral("drags"));
         const Qt::DropAction action = drag->exec(Qt::CopyAction);
         tell(action == Qt::CopyAction ? QStringLiteral("dropped copy") : QStringLiteral("dropped nothing"));
+    }
+
+    void dragEnterEvent(QDragEnterEvent *event) override
+    {
+        tell(QStringLiteral("entered"));
+        event->acceptProposedAction();
+    }
+
+    void dropEvent(QDropEvent *event) override
+    {
+        tell(QStringLiteral("taken"));
+        event->acceptProposedAction();
     }
 
     void wheelEvent(QWheelEvent * /*event*/) override { tell(QStringLiteral("wheel")); }

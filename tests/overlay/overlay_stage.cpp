@@ -7,7 +7,11 @@
 //   picture FILE          the logo's picture
 //   recording 0|1         what the delegate answers, and reloadData
 //   place                 places the overlay as the options say
-//   main X Y W H          shows the main window there (toolkit coordinates); "main" alone hides it
+//   main X Y W H          shows the main window there (toolkit coordinates); "main" alone takes it away
+//   minimise              minimises the main window
+//   restore               brings it back
+//   start                 as a recording starts: minimises the main window, then records
+//   aside                 leaves the desktop to other programs
 //   dialog X Y W H        shows another window of the program; "dialog" alone hides it
 //   tip X Y W H           shows a tool tip; "tip" alone hides it
 //   bar X Y W H           shows a window that is kept on top; "bar" alone hides it
@@ -44,7 +48,7 @@ class MainWindow : public QWidget
 {
 public:
     MainWindow()
-        : QWidget(nullptr, Qt::Window | Qt::WindowStaysOnTopHint)
+        : QWidget(nullptr, Qt::Window)
     {
         setWindowTitle(QStringLiteral("Stage"));
         setStyleSheet(QStringLiteral("background: #306030"));
@@ -75,7 +79,6 @@ public:
     {
         m_overlay.setOptions(&m_options);
         m_overlay.setDelegate(this);
-        m_overlay.window()->setWindowAbove(&m_main);
         QObject::connect(&m_options, &VNOption::selectedRectChanged, [this] {
             const QRectF rect = m_options.selectedRect();
             tell(QStringLiteral("rect %1 %2 %3 %4")
@@ -114,13 +117,21 @@ public:
         else if (verb == u"recording")
             m_isRecording = words.value(1) == u"1";
         else if (verb == u"main")
-            showThere(m_main, words);
+            showMain(words);
+        else if (verb == u"minimise" || verb == u"start")
+            m_main.showMinimized();
+        else if (verb == u"restore")
+            m_main.showNormal();
+        else if (verb == u"aside")
+            m_overlay.stepAside();
         else if (verb == u"dialog")
             showThere(m_dialog, words);
         else if (verb == u"tip")
             showThere(m_tip, words);
         else if (verb == u"bar")
             showBar(words);
+        if (verb == u"start")
+            m_isRecording = true;
         if (verb == u"place")
             m_overlay.placeWindow();
         m_overlay.reloadData();
@@ -144,6 +155,12 @@ private:
         // Shown where it belongs: moved afterwards, it would race the window manager.
         window.setGeometry(rectangle(words).toRect());
         window.setVisible(words.size() > 1);
+    }
+
+    void showMain(const QStringList &words)
+    {
+        showThere(m_main, words);
+        m_overlay.window()->setWindowAbove(words.size() > 1 ? &m_main : nullptr);
     }
 
     void showBar(const QStringList &words)

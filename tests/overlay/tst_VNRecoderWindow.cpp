@@ -6,6 +6,7 @@
 #include "overlay_main.h"
 
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -17,9 +18,10 @@ class Delegate : public VNRecoderViewDelegate
 public:
     void VNRecorderViewWindowFrameDidChanged(VNRecoderView & /*view*/) override { }
     bool VNRecorderViewWindowIsRecording(VNRecoderView & /*view*/) override { return isRecording; }
-    bool VNRecorderViewWindowIsRecordFullScreen(VNRecoderView & /*view*/) override { return false; }
+    bool VNRecorderViewWindowIsRecordFullScreen(VNRecoderView & /*view*/) override { return isFullScreen; }
 
     bool isRecording = false;
+    bool isFullScreen = false;
 };
 
 /// The overlay on a desktop that is not there, around the rectangle (320, 150, 800, 600) of a display of
@@ -41,6 +43,15 @@ protected:
         auto made = std::make_unique<VNRecoderWindow>();
         qunsetenv("VORNIC_OVERLAY");
         return made;
+    }
+    void useLogo()
+    {
+        QImage picture(60, 40, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        logo.setLogoValidate(true);
+        logo.setLogoType(1);
+        logo.setNSImage(picture);
+        logo.setLogoPosition({ 100, 100 });
     }
     [[nodiscard]] const OverlayAppearance &appearance() const { return server.appearance(); }
 
@@ -73,7 +84,7 @@ TEST_F(RecoderWindow, TranslucentItIsWholeAndTakesTheMouseItself)
 {
     window.orderFront();
     EXPECT_EQ(appearance().shape, whole);
-    EXPECT_TRUE(appearance().takesMouse);
+    EXPECT_FALSE(appearance().mouseShape) << "all of it";
     EXPECT_EQ(appearance().inputArea, QRegion());
 }
 
@@ -104,11 +115,11 @@ TEST_F(RecoderWindow, RecordingLeavesTheMouseToTheDesktop)
     server.setComposited(false);
     delegate.isRecording = true;
     view.redraw();
-    EXPECT_FALSE(appearance().takesMouse);
+    EXPECT_EQ(appearance().mouseShape, QRegion());
     EXPECT_EQ(appearance().inputArea, QRegion());
     delegate.isRecording = false;
     view.redraw();
-    EXPECT_TRUE(appearance().takesMouse);
+    EXPECT_FALSE(appearance().mouseShape);
     EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
 }
 
@@ -176,6 +187,159 @@ TEST_F(RecoderWindow, TakesPicturesThatAreDroppedOnTheInputArea)
     EXPECT_TRUE(server.receiver().filesDropped(files, { 312 + 100, 142 + 616 - 80 }));
     EXPECT_EQ(logo.getNSImage().size(), QSize(60, 40));
     EXPECT_EQ(logo.LogoPosition(), QPointF(100 - 30, 80 - 20));
+}
+
+TEST_F(RecoderWindow, RecordingTheFullDisplayItTakesPressesOnTheLogoAlone)
+{
+    delegate.isFullScreen = true;
+    window.setFrame({ -8, -8, 1456, 916 });
+    window.orderFront();
+    EXPECT_EQ(appearance().mouseShape, QRegion()) << "the logo is off";
+    useLogo();
+    // A press takes hold of the logo 4 points to the right of it and above.
+    const QRect logoPixels(104, 916 - 104 - 40, 60, 40);
+    EXPECT_EQ(appearance().mouseShape, QRegion(logoPixels));
+    logo.setLogoPositionX(200);
+    EXPECT_EQ(appearance().mouseShape, QRegion(logoPixels.translated(100, 0)));
+    server.setComposited(false);
+    EXPECT_EQ(appearance().inputArea, QRegion(logoPixels.translated(100 - 8, -8)));
+    server.setDragging(true);
+    EXPECT_EQ(appearance().inputArea, QRegion(-8, -8, 1456, 916)) << "a picture may be dropped anywhere";
+    server.setComposited(true);
+    EXPECT_FALSE(appearance().mouseShape);
+    server.setDragging(false);
+    EXPECT_EQ(appearance().mouseShape, QRegion(logoPixels.translated(100, 0)));
+}
+
+TEST_F(RecoderWindow, RecordingTheFullDisplayItIsNoTargetOfDragsThatItDoesNotTake)
+{
+    delegate.isFullScreen = true;
+    window.setFrame({ -8, -8, 1456, 916 });
+    useLogo();
+    window.orderFront();
+    server.setComposited(false);
+    const QRegion logoAlone = appearance().inputArea;
+    server.setDragging(true);
+    QMimeData nothing;
+    EXPECT_FALSE(server.receiver().filesEntered(nothing, true));
+    EXPECT_EQ(appearance().inputArea, logoAlone);
+    server.setDragging(false);
+    server.setDragging(true);
+    EXPECT_NE(appearance().inputArea, logoAlone) << "the next drag is another";
+    logo.setLogoType(0);
+    EXPECT_NE(appearance().inputArea, QRegion(-8, -8, 1456, 916)) << "a text is no target";
+    delegate.isRecording = true;
+    logo.setLogoType(1);
+    EXPECT_TRUE(appearance().inputArea.isEmpty());
+}
+
+TEST_F(RecoderWindow, IsHiddenWhileTheWindowAboveIs)
+{
+    QWidget main;
+    main.show();
+    window.setWindowAbove(&main);
+    window.orderFront();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    main.showMinimized();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_FALSE(server.isInFront());
+    main.showNormal();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(server.isInFront());
+    main.hide();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+    window.orderFront();
+    EXPECT_FALSE(window.isVisible()) << "nor is it shown meanwhile";
+    main.show();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    window.orderOut();
+    main.hide();
+    main.show();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window.isVisible()) << "it is not asked for";
+    window.setWindowAbove(nullptr);
+}
+
+/// Counts how often a window is hidden.
+class Hidden : public QObject
+{
+public:
+    explicit Hidden(QWidget &widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject * /*object*/, QEvent *event) override
+    {
+        count += event->type() == QEvent::Hide ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
+TEST_F(RecoderWindow, StaysWhileARecordingBeginsByMinimisingTheWindowAbove)
+{
+    QWidget main;
+    main.show();
+    window.setWindowAbove(&main);
+    window.orderFront();
+    QCoreApplication::processEvents();
+    const Hidden hidden(window);
+    main.showMinimized();
+    delegate.isRecording = true;
+    window.recordingChanged();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(hidden.count, 0) << "not for a moment";
+    delegate.isRecording = false;
+    window.recordingChanged();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+    window.setWindowAbove(nullptr);
+}
+
+TEST_F(RecoderWindow, IsAsideUntilTheWindowAboveIsTurnedTo)
+{
+    QWidget main;
+    QWidget field(&main);
+    main.show();
+    window.setWindowAbove(&main);
+    window.orderFront();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(main.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    const auto aside = [&] {
+        window.stepAside();
+        QCoreApplication::processEvents();
+        return !window.isVisible() && !main.windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    };
+    const auto tell = [&](QWidget &widget, QEvent::Type type) {
+        QEvent event(type);
+        QCoreApplication::sendEvent(&widget, &event);
+        QCoreApplication::processEvents();
+        return window.isVisible() && main.windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    };
+    EXPECT_TRUE(aside());
+    EXPECT_FALSE(tell(main, QEvent::WindowActivate)) << "asked for before, told late";
+    EXPECT_FALSE(tell(main, QEvent::WindowDeactivate));
+    EXPECT_TRUE(tell(main, QEvent::WindowActivate));
+    EXPECT_TRUE(aside());
+    QMouseEvent press(QEvent::MouseButtonPress, {}, {}, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&field, &press);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible()) << "a press on a control of it";
+    EXPECT_TRUE(aside());
+    delegate.isRecording = true;
+    window.recordingChanged();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_FALSE(main.windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        << "while recording it is one of many";
+    delegate.isRecording = false;
+    window.recordingChanged();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    window.setWindowAbove(nullptr);
 }
 
 TEST_F(RecoderWindow, WaitsForTheServerOnlyWhileItIsShown)

@@ -77,6 +77,30 @@ protected:
     /// In the middle of that logo.
     static constexpr QPoint onLogo { 230, 380 };
 
+    /// In the middle of the logo of 60 x 40 while the full display is recorded, as was told last.
+    [[nodiscard]] QPoint onFullDisplay() const
+    {
+        const QStringList lines = stage->told.filter(QRegularExpression("^logo "));
+        const QStringList words = lines.isEmpty() ? QStringList() : lines.last().split(u' ');
+        return { words.value(1).toInt() - 8 + 30, 600 - (words.value(2).toInt() - 8) - 20 };
+    }
+    /// Of a window that may be decorated.
+    [[nodiscard]] test::ScreenPainter::Window windowWithProperty(const QString &name) const
+    {
+        test::ScreenPainter::Window found = 0;
+        EXPECT_TRUE(eventually([&] { return (found = nestedWindow(name)) != 0; }));
+        return found;
+    }
+    [[nodiscard]] static test::ScreenPainter::Window nestedWindow(const QString &name)
+    {
+        QProcess list;
+        list.start("xwininfo", { "-name", name });
+        list.waitForFinished();
+        const auto id = QRegularExpression("Window id: (0x[0-9a-f]+)")
+                            .match(QString::fromUtf8(list.readAllStandardOutput()));
+        return id.captured(1).toUInt(nullptr, 0);
+    }
+
     const QRect recorded { 100, 200, 400, 300 };
     QTemporaryDir folder;
 };
@@ -385,6 +409,111 @@ TEST_P(OverlayDesktop, IsWholeOverAMinimisedMainWindowThatIsStillMapped)
     EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
 }
 
+TEST_P(OverlayDesktop, FullDisplayLeavesEveryClickButThoseOnTheLogoToTheDesktop)
+{
+    useLogo();
+    stage->say("set recordRegion 0");
+    auto other = startOther({ 300, 50, 300, 200 }, otherColour);
+    stage->say("place");
+    // In the window, which begins 8 pixels beyond the lower left of the display.
+    const QPoint logo(100 + 30, 600 - 100 - 20);
+    ASSERT_TRUE(eventually([&] { return pixel(logo) == QColor(Qt::red); }));
+    click({ 400, 100 });
+    EXPECT_TRUE(other->tells("pressed", 10'000));
+    click({ 20, 300 });
+    EXPECT_TRUE(backgroundWindow->tells("pressed", 10'000));
+    for (const QPoint by : { QPoint(200, -330), QPoint(-200, 330) }) {
+        const QPoint before = onFullDisplay();
+        drag(before, before + by);
+        EXPECT_TRUE(stage->tells("logo", 10'000));
+        EXPECT_TRUE(eventually([&] {
+            stage->say("nothing"); // reads what was told until now
+            return pixel(onFullDisplay()) == QColor(Qt::red) && onFullDisplay() == before + by;
+        }));
+    }
+    EXPECT_FALSE(other->tells("pressed", 0));
+    click({ 350, 150 }); // where the logo has been
+    EXPECT_TRUE(other->tells("pressed", 10'000));
+}
+
+TEST_P(OverlayDesktop, GoesAndComesWithTheMainWindow)
+{
+    stage->say("main 550 20 200 100");
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 650, 70 }) == mainColour; }));
+    stage->say("minimise");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == background; }));
+    click(onBar);
+    EXPECT_TRUE(backgroundWindow->tells("pressed", 10'000));
+    stage->say("rect 100 120 400 300");
+    stage->say("restore");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar - QPoint(0, 20))); })) << "where it is by now";
+    stage->say("rect 100 100 400 300");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    // A recording's own minimising leaves it there.
+    stage->say("start");
+    ASSERT_TRUE(eventually([&] { return pixel({ 650, 70 }) == background; }));
+    EXPECT_TRUE(isBar(pixel(onBar)));
+    stage->say("recording 0");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == background; }));
+    // One that begins while the window is minimised shows frame and logo.
+    stage->say("recording 1");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    stage->say("recording 0");
+    stage->say("restore");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 650, 70 }) == mainColour; }));
+}
+
+TEST_P(OverlayDesktop, KeepsTheMainWindowOnTopOnlyWhileItIsUpAndIdle)
+{
+    stage->say("main 550 20 200 100");
+    const auto main = QString::number(windowWithProperty("Stage"));
+    const auto staysOnTop = [&] {
+        QProcess states;
+        states.start("xprop", { "-id", main, "_NET_WM_STATE" });
+        states.waitForFinished();
+        return states.readAllStandardOutput().contains("_NET_WM_STATE_ABOVE");
+    };
+    ASSERT_TRUE(eventually([&] { return pixel({ 650, 70 }) == mainColour; }));
+    EXPECT_FALSE(staysOnTop()) << "without the overlay";
+    stage->say("place");
+    EXPECT_TRUE(eventually(staysOnTop));
+    stage->say("start");
+    EXPECT_TRUE(eventually([&] { return !staysOnTop(); }));
+    stage->say("restore");
+    ASSERT_TRUE(eventually([&] { return pixel({ 650, 70 }) == mainColour; }));
+    EXPECT_TRUE(eventually([&] { return !staysOnTop(); })) << "nor shown while recording";
+    stage->say("recording 0");
+    EXPECT_TRUE(eventually(staysOnTop));
+    stage->say("set recordRegion 0");
+    stage->say("place");
+    EXPECT_TRUE(eventually([&] { return !staysOnTop(); }));
+}
+
+TEST_P(OverlayDesktop, StepsAsideUntilTheMainWindowIsTurnedTo)
+{
+    stage->say("main 550 20 200 100");
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 650, 70 }) == mainColour; }));
+    stage->say("aside");
+    EXPECT_TRUE(eventually([&] { return pixel(onBar) == background; }));
+    auto opened = startOther({ 600, 60, 190, 300 }, otherColour);
+    EXPECT_TRUE(eventually([&] { return pixel({ 650, 70 }) == otherColour; })) << "above the main window";
+    stage->say("place");
+    stage->say("nothing");
+    EXPECT_EQ(pixel(onBar), background);
+    click({ 570, 70 });
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)) && pixel({ 650, 70 }) == mainColour; }));
+    // A recording forgets it.
+    stage->say("aside");
+    ASSERT_TRUE(eventually([&] { return pixel(onBar) == background; }));
+    stage->say("recording 1");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    stage->say("recording 0");
+    stage->say("nothing");
+    EXPECT_TRUE(isBar(pixel(onBar)));
+}
+
 TEST_P(OverlayDesktop, FrameIsBrighterWithTheKeyboardFocus)
 {
     auto other = startOther({ 600, 20, 150, 100 }, otherColour);
@@ -565,6 +694,56 @@ TEST_P(OverlayDrop, DragThatOnlyPassesIsForgotten)
     EXPECT_EQ(dropFile(), "dropped nothing");
     EXPECT_EQ(pixel(onLogo), QColor(Qt::red));
     EXPECT_EQ(dragFile({ 350, 300 }), "dropped copy");
+}
+
+TEST_P(OverlayDrop, FullDisplayTakesAPictureAnywhere)
+{
+    stage->say("set recordRegion 0");
+    source = startOther({ 600, 20, 150, 100 }, otherColour, folder.filePath("a picture.png"));
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return pixel({ 130, 480 }) == QColor(Qt::red); }));
+    for (const QPoint to : { QPoint(350, 300), QPoint(300, 150) }) {
+        takeFile();
+        EXPECT_TRUE(eventually([&] {
+            moveTo(to + QPoint(9, 9));
+            moveTo(to + QPoint(8, 8));
+            return source->tells("answer 1", 200);
+        }));
+        // The source tells no movement while it waits for an answer.
+        while (source->tells("answer", 300))
+            continue;
+        carryFile(to);
+        EXPECT_EQ(dropFile(), "dropped copy");
+        const QString told = QStringLiteral("logo %1 %2 120 80").arg(to.x() + 8 - 60).arg(608 - to.y() - 40);
+        EXPECT_TRUE(stage->waitForLine(told)) << qPrintable(stage->told.join(u'\n'));
+        EXPECT_TRUE(eventually([&] {
+            click({ 20, 300 });
+            return backgroundWindow->tells("pressed", 500);
+        })) << "then the desktop has the mouse again";
+    }
+}
+
+/// What is no picture may be dragged on to the windows beneath.
+TEST_P(OverlayDrop, FullDisplayLeavesOtherDragsToTheDesktop)
+{
+    stage->say("set recordRegion 0");
+    QFile text(folder.filePath("text.txt"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("no picture");
+    text.close();
+    source = startOther({ 600, 20, 150, 100 }, otherColour, folder.filePath("text.txt"));
+    auto target = startOther({ 250, 250, 200, 200 }, QColor(Qt::green), {}, "Target");
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return pixel({ 130, 480 }) == QColor(Qt::red); }));
+    takeFile();
+    moveTo({ 350, 300 });
+    EXPECT_TRUE(eventually([&] {
+        moveTo({ 352, 300 });
+        moveTo({ 350, 300 });
+        return target->tells("entered", 500);
+    }));
+    release();
+    EXPECT_TRUE(target->tells("taken", 10'000));
 }
 
 TEST_P(OverlayDrop, IsCentredAtAScaleFactorToo)

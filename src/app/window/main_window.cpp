@@ -33,8 +33,6 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     , m_ui(std::make_unique<Ui::MainWindow>())
 {
     m_ui->setupUi(this);
-    // Above the overlay, which is above everything else.
-    setWindowFlag(Qt::WindowStaysOnTopHint);
     nameItems();
     emboldenHeadings(*this);
     m_ui->scaleSlider->setValueRange(0.1, 4, 0.05);

@@ -40,10 +40,12 @@ X11OverlayServer::X11OverlayServer(std::unique_ptr<X11Connection> connection, In
     : m_connection(std::move(connection))
     , m_events(*m_connection)
     , m_compositing(m_events)
+    , m_drags(m_events)
     , m_stacking(m_events, X11Stacking::OwnWindows::Above)
     , m_inputWindow(m_events, receiver)
 {
     connect(&m_compositing, &X11Compositing::changed, this, &OverlayServer::compositingChanged);
+    connect(&m_drags, &X11DragWatch::changed, this, &OverlayServer::draggingChanged);
     connect(&m_stacking, &X11Stacking::desktopChanged, this, &OverlayServer::windowsMoved);
 }
 
@@ -75,10 +77,9 @@ void X11OverlayServer::setAppearance(QWindow &window, const OverlayAppearance &a
         setShape(connection, id, XCB_SHAPE_SK_BOUNDING, appearance.shape);
         m_shape = appearance.shape;
     }
-    if (isNew || appearance.takesMouse != m_takesMouse) {
-        const auto input = appearance.takesMouse ? std::nullopt : std::optional(QRegion());
-        setShape(connection, id, XCB_SHAPE_SK_INPUT, input);
-        m_takesMouse = appearance.takesMouse;
+    if (isNew || appearance.mouseShape != m_mouseShape) {
+        setShape(connection, id, XCB_SHAPE_SK_INPUT, appearance.mouseShape);
+        m_mouseShape = appearance.mouseShape;
     }
     xcb_flush(connection);
     m_inputWindow.place(appearance.inputArea);

@@ -2,6 +2,7 @@
 
 #include "overlay/overlay_server.h"
 #include "overlay/x11/x11_compositing.h"
+#include "overlay/x11/x11_drag_watch.h"
 #include "overlay/x11/x11_input_window.h"
 #include "overlay/x11/x11_stacking.h"
 #include "x11/x11_connection.h"
@@ -25,6 +26,7 @@ public:
     [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver);
 
     [[nodiscard]] bool isComposited() const override { return m_compositing.isActive(); }
+    [[nodiscard]] bool isDragging() const override { return m_drags.isActive(); }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
     void orderFront(QWindow &window) override;
@@ -37,12 +39,13 @@ private:
     std::unique_ptr<X11Connection> m_connection;
     X11Events m_events;
     X11Compositing m_compositing;
+    X11DragWatch m_drags;
     X11Stacking m_stacking;
     X11InputWindow m_inputWindow;
     // What was sent last.
     std::uint32_t m_window = 0; ///< 0: nothing yet
     std::optional<QRegion> m_shape;
-    bool m_takesMouse = true;
+    std::optional<QRegion> m_mouseShape;
 };
 
 } // namespace vornic

@@ -33,6 +33,12 @@ std::uint32_t makerOf(std::uint32_t window, xcb_connection_t *connection)
     return window & ~xcb_get_setup(connection)->resource_id_mask;
 }
 
+/// Window managers have windows of a pixel, or beside the desktop, only to hold properties.
+bool isMoreThanAHelper(const QRect &pixels)
+{
+    return pixels.right() >= 0 && pixels.bottom() >= 0 && (pixels.width() > 1 || pixels.height() > 1);
+}
+
 /// Asks for all windows before it waits for the first answer.
 Stack queriedStack(const X11Connection &connection)
 {
@@ -58,7 +64,7 @@ Stack queriedStack(const X11Connection &connection)
                 = QRect(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
             window.isSeen = attributes->map_state == XCB_MAP_STATE_VIEWABLE
                 && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT
-                && makerOf(window.id, connection.get()) != server;
+                && makerOf(window.id, connection.get()) != server && isMoreThanAHelper(window.pixels);
             window.isManaged = attributes->override_redirect == 0;
         }
         stack.push_back(window);
@@ -108,10 +114,8 @@ void markLockers(const X11Connection &connection, Stack &stack)
     const QRect display(main.origin, main.size);
     if (display.isEmpty())
         return;
-    const auto showsOnDisplay = [&](const StackedWindow &window) {
-        constexpr int helper = 1; // windows that only carry properties
-        return window.isSeen && window.pixels.intersected(display).width() > helper;
-    };
+    const auto showsOnDisplay
+        = [&](const StackedWindow &window) { return window.isSeen && window.pixels.intersects(display); };
     const auto mayLock = [&](const StackedWindow &window) {
         return window.isSeen && !window.isOwn && !window.isManaged && window.pixels.contains(display);
     };
