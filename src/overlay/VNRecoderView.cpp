@@ -66,14 +66,17 @@ QRectF VNRecoderView::bounds() const
 OverlayLook VNRecoderView::look()
 {
     const VNRecoderWindow *window = recorderWindow();
-    return { bounds(), isRecording(), isActiveWindow(), !window || window->isTranslucent() };
+    OverlayLook look { bounds(), isRecording(), isActiveWindow(), !window || window->isTranslucent(), {} };
+    if (window && window->heldPixels() != look.bounds.toAlignedRect())
+        look.held = window->heldPixels();
+    return look;
 }
 
 void VNRecoderView::redraw()
 {
     const OverlayLook now = look();
     const QRect logo = logoPixels(mLogoContext, now.bounds);
-    m_stencil = now.isTranslucent ? LogoStencil() : stencilOf(mLogoContext, now.bounds);
+    m_stencil = now.isTranslucent ? LogoStencil() : stencilOf(mLogoContext, now.bounds, now.held);
     repaintPixels(changedRegion(m_shownLook, now) + m_shownLogo + logo);
     m_shownLook = now;
     m_shownLogo = logo;

@@ -35,6 +35,18 @@ QRect pixelsOfFrame(const QRectF &frame)
     return desktopPixels(recorded, static_cast<int>(overlayMargin), mainDisplayPlacement());
 }
 
+/// The desktop, and so much around it that ordinary frames which reach beyond it are whole.
+QRect pixelsOfDesktop()
+{
+    constexpr int around = 64;
+    const DisplayPlacement main = mainDisplayPlacement();
+    QRect desktop(main.origin, main.size);
+    const auto screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        desktop |= ToolkitScale(*screen).pixelsOf(screen->geometry());
+    return desktop.adjusted(-around, -around, around, around);
+}
+
 } // namespace
 
 VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
@@ -116,10 +128,13 @@ void VNRecoderWindow::place()
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
     m_onDesktop = pixelsOfFrame(m_frame);
+    const QRect desktop = pixelsOfDesktop();
+    m_held = m_onDesktop & desktop;
     if (!screen)
         return;
     const ToolkitScale scale(*screen);
-    const QRect logical = scale.logicalAround(m_onDesktop);
+    const QRect logical
+        = scale.logicalAround(m_held.isEmpty() ? QRect(desktop.topLeft(), QSize(1, 1)) : m_held);
     m_toolkitPixels = scale.pixelsOf(logical);
     setGeometry(logical);
 }
@@ -150,9 +165,9 @@ void VNRecoderWindow::updateAppearance()
     const bool needsInputWindow = !isTranslucent() || devicePixelRatioF() != 1;
     const QRegion taken = takenPixels();
     if (taken != QRegion(QRect(QPoint(), m_onDesktop.size())))
-        appearance.mouseShape = taken.translated(pixelInset());
+        appearance.mouseShape = taken.translated(pixelInset()) & QRect(QPoint(), m_toolkitPixels.size());
     if (needsInputWindow && isVisible())
-        appearance.inputArea = taken.translated(m_onDesktop.topLeft()) - m_ownWindows;
+        appearance.inputArea = (taken.translated(m_onDesktop.topLeft()) & m_held) - m_ownWindows;
     m_server->setAppearance(*windowHandle(), appearance);
 }
 

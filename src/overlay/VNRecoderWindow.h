@@ -73,6 +73,9 @@ public:
     /// where it cannot stand on every pixel.
     [[nodiscard]] QSize pixelSize() const { return m_onDesktop.size(); }
     [[nodiscard]] QPoint pixelInset() const { return m_onDesktop.topLeft() - m_toolkitPixels.topLeft(); }
+    /// What the toolkit's window holds of the frame's pixels, from the frame's upper left: nothing that is far
+    /// off the desktop, however large a rectangle is asked for.
+    [[nodiscard]] QRect heldPixels() const { return m_held.translated(-m_onDesktop.topLeft()); }
     /// The lower left of those pixels, in screen coordinates.
     [[nodiscard]] QPointF pixelOrigin() const;
     /// The middle of the pixel where the mouse is, in screen coordinates; \a global is where the toolkit says
@@ -111,7 +114,8 @@ private:
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
     QRect m_onDesktop;     ///< the frame's pixels
-    QRect m_toolkitPixels; ///< the pixels of the toolkit's window, which hold them
+    QRect m_held;          ///< those of them that the toolkit's window holds
+    QRect m_toolkitPixels; ///< the pixels of the toolkit's window
     QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
     bool m_isOrderedIn = false;
     bool m_isAside = false;

@@ -123,17 +123,32 @@ QPainterPath hotScaleRegion(const QRectF &bounds)
     return handles;
 }
 
-QPainterPath hotBounds(const QRectF &bounds)
+std::array<QRectF, 4> hotBars(const QRectF &bounds)
 {
     constexpr double inset = 2;
     constexpr double thickness = 4;
     const QRectF outer = bounds.adjusted(inset, inset, -inset, -inset);
+    return { QRectF(outer.x(), outer.y(), thickness, outer.height()),
+             QRectF(outer.x() + outer.width() - thickness, outer.y(), thickness, outer.height()),
+             QRectF(outer.x(), outer.y(), outer.width(), thickness),
+             QRectF(outer.x(), outer.y() + outer.height() - thickness, outer.width(), thickness) };
+}
+
+std::array<QRectF, 4> frameBars(const QRectF &outer, double thickness)
+{
+    const double between = outer.height() - 2 * thickness;
+    return { QRectF(outer.x(), outer.y() + thickness, thickness, between),
+             QRectF(outer.x() + outer.width() - thickness, outer.y() + thickness, thickness, between),
+             QRectF(outer.x(), outer.y(), outer.width(), thickness),
+             QRectF(outer.x(), outer.y() + outer.height() - thickness, outer.width(), thickness) };
+}
+
+QPainterPath hotBounds(const QRectF &bounds)
+{
     QPainterPath bars;
     bars.setFillRule(Qt::WindingFill);
-    bars.addRect(outer.x(), outer.y(), thickness, outer.height());
-    bars.addRect(outer.x() + outer.width() - thickness, outer.y(), thickness, outer.height());
-    bars.addRect(outer.x(), outer.y(), outer.width(), thickness);
-    bars.addRect(outer.x(), outer.y() + outer.height() - thickness, outer.width(), thickness);
+    for (const QRectF &bar : hotBars(bounds))
+        bars.addRect(bar);
     return bars;
 }
 

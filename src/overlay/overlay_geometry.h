@@ -5,6 +5,7 @@
 #include <QRectF>
 #include <QRegion>
 
+#include <array>
 #include <optional>
 
 namespace vornic {
@@ -48,6 +49,10 @@ struct DragDistance {
 [[nodiscard]] QPainterPath hotScaleRegion(const QRectF &bounds);
 /// The bars of the frame: 4 points thick, 2 points in from the edges.
 [[nodiscard]] QPainterPath hotBounds(const QRectF &bounds);
+/// The same bars one by one: left, right, bottom, top.
+[[nodiscard]] std::array<QRectF, 4> hotBars(const QRectF &bounds);
+/// Four bars inside the edges of \a outer that do not lie over each other.
+[[nodiscard]] std::array<QRectF, 4> frameBars(const QRectF &outer, double thickness);
 /// What is tinted.
 [[nodiscard]] QRectF subjectRadiusBound(const QRectF &bounds);
 /// The outline of the turned logo; empty without a logo, and when it is switched off.

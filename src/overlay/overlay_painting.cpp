@@ -30,6 +30,36 @@ QColor frameColor(const OverlayLook &look)
     return look.isKey ? QColor::fromRgbF(1, 1, 1) : QColor::fromRgbF(0.8F, 0.8F, 0.8F);
 }
 
+/// Outside the frame, so that it is seen on white.
+QColor hairlineColor()
+{
+    return QColor::fromRgbF(0, 0, 0, 0.5F);
+}
+
+QColor opaqueHairlineColor()
+{
+    return QColor::fromRgbF(0.25F, 0.25F, 0.25F);
+}
+
+QRectF hairlineBounds(const QRectF &bounds)
+{
+    return bounds.adjusted(1, 1, -1, -1);
+}
+
+/// What the window holds of the view; y up.
+QRectF heldPart(const OverlayLook &look)
+{
+    return look.held ? flipped(QRectF(*look.held), look.bounds.height()) : look.bounds;
+}
+
+void fillHandles(QPainter &painter, const OverlayLook &look, const QRectF &held)
+{
+    for (int region = 0; region < static_cast<int>(DragRegion::Centre); ++region) {
+        if (const auto handle = hotRegion(look.bounds, region); handle->boundingRect().intersects(held))
+            painter.fillPath(*handle, handleColor());
+    }
+}
+
 bool isShown(const VNLogoContext *logo)
 {
     return logo && logo->LogoValidate();
@@ -56,6 +86,12 @@ QRegion frameRegion(const QRectF &bounds)
 {
     const QRect outer = bounds.toRect().adjusted(2, 2, -2, -2);
     return QRegion(outer) - QRegion(outer.adjusted(4, 4, -4, -4));
+}
+
+QRegion hairlineRegion(const QRectF &bounds)
+{
+    const QRect outer = hairlineBounds(bounds).toRect();
+    return QRegion(outer) - QRegion(outer.adjusted(1, 1, -1, -1));
 }
 
 QRegion handlesRegion(const QRectF &bounds)
@@ -128,15 +164,20 @@ QImage solidLogo(const VNLogoContext &logo, const QRect &pixels, double height)
 void paintOverlay(QPainter &painter, const OverlayLook &look, const VNLogoContext *logo)
 {
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::Antialiasing, false); // all that is straight lies on whole pixels
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(look.bounds, Qt::transparent);
+    const QRectF held = heldPart(look);
+    painter.fillRect(held, Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     if (!look.isRecording)
-        painter.fillRect(subjectRadiusBound(look.bounds), tintColor());
-    painter.fillPath(hotBounds(look.bounds), frameColor(look));
+        painter.fillRect(subjectRadiusBound(look.bounds) & held, tintColor());
+    for (const QRectF &line : frameBars(hairlineBounds(look.bounds), 1))
+        painter.fillRect(line & held, hairlineColor());
+    for (const QRectF &bar : hotBars(look.bounds))
+        painter.fillRect(bar & held, frameColor(look));
+    painter.setRenderHint(QPainter::Antialiasing);
     if (!look.isRecording)
-        painter.fillPath(hotScaleRegion(look.bounds), handleColor());
+        fillHandles(painter, look, held);
     if (isShown(logo))
         logo->decorateImage(painter, look.bounds, 1.0);
     painter.restore();
@@ -150,10 +191,12 @@ QRect logoPixels(const VNLogoContext *logo, const QRectF &bounds)
     return drawn.adjusted(-1, -1, 1, 1).intersected(bounds).toAlignedRect();
 }
 
-LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds)
+LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds, const std::optional<QRect> &held)
 {
     LogoStencil stencil;
-    const QRect pixels = logoPixels(logo, bounds);
+    QRect pixels = logoPixels(logo, bounds);
+    if (held)
+        pixels &= *held;
     if (pixels.isEmpty())
         return stencil;
     stencil.picture = solidLogo(*logo, pixels, bounds.height());
@@ -164,18 +207,21 @@ LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds)
 
 QRegion overlayShape(const OverlayLook &look, const LogoStencil &logo)
 {
-    QRegion shape = frameRegion(look.bounds) + logo.shape;
+    QRegion shape = hairlineRegion(look.bounds) + frameRegion(look.bounds) + logo.shape;
     if (!look.isRecording)
         shape += handlesRegion(look.bounds);
-    return shape;
+    return look.held ? shape & *look.held : shape;
 }
 
 void paintShapedOverlay(QPainter &painter, const OverlayLook &look, const LogoStencil &logo)
 {
-    for (const QRect &bar : frameRegion(look.bounds))
+    const QRegion held(look.held.value_or(look.bounds.toAlignedRect()));
+    for (const QRect &line : hairlineRegion(look.bounds) & held)
+        painter.fillRect(line, opaqueHairlineColor());
+    for (const QRect &bar : frameRegion(look.bounds) & held)
         painter.fillRect(bar, frameColor(look));
     if (!look.isRecording) {
-        for (const QRect &part : handlesRegion(look.bounds))
+        for (const QRect &part : handlesRegion(look.bounds) & held)
             painter.fillRect(part, handleColor());
     }
     painter.drawImage(logo.topLeft, logo.picture);

@@ -4,6 +4,8 @@
 #include <QRectF>
 #include <QRegion>
 
+#include <optional>
+
 class QPainter;
 
 namespace vornic {
@@ -18,6 +20,8 @@ struct OverlayLook {
     bool isRecording = false;
     bool isKey = false;        ///< the window has the keyboard focus
     bool isTranslucent = true; ///< a compositing manager lets the desktop show through
+    /// The pixels of the view that the window holds, y down from the view's upper left; nothing said: all.
+    std::optional<QRect> held = std::nullopt;
 
     friend bool operator==(const OverlayLook &, const OverlayLook &) = default;
 };
@@ -33,9 +37,10 @@ struct LogoStencil {
     QPoint topLeft;
 };
 
-/// Empty without a logo, and when it is switched off or lies outside \a bounds.
-[[nodiscard]] LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds);
-/// All that an overlay without translucency shows: the frame, the handles while idle, the logo.
+/// Empty without a logo, and when it is switched off or lies outside \a bounds, or outside \a held.
+[[nodiscard]] LogoStencil
+stencilOf(const VNLogoContext *logo, const QRectF &bounds, const std::optional<QRect> &held = std::nullopt);
+/// All that an overlay without translucency shows: the frame with its dark outline, the handles while idle, the logo.
 [[nodiscard]] QRegion overlayShape(const OverlayLook &look, const LogoStencil &logo);
 /// Paints that, with a painter that has y down from the view's upper left.
 void paintShapedOverlay(QPainter &painter, const OverlayLook &look, const LogoStencil &logo);

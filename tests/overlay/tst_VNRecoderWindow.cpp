@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+#include <limits>
+
 namespace vornic {
 namespace {
 
@@ -263,6 +265,50 @@ TEST_F(RecoderWindow, IsHiddenWhileTheWindowAboveIs)
     QCoreApplication::processEvents();
     EXPECT_FALSE(window.isVisible()) << "it is not asked for";
     window.setWindowAbove(nullptr);
+}
+
+TEST_F(RecoderWindow, BacksOnlyWhatCanBeSeenOfAHugeRectangle)
+{
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    window.orderFront();
+    useLogo();
+    for (const QRectF &frame : { QRectF(-8, -8, 1e9, 1e9),
+                                 QRectF(-1e9, -1e9, 2e9, 2e9),
+                                 QRectF(1e9, 1e9, 1e9, 1e9),
+                                 QRectF(0, 0, 40'000, 40'000),
+                                 QRectF(-39'000, 0, 40'000, 300),
+                                 QRectF(0, 0, infinite, infinite),
+                                 QRectF(-infinite, -infinite, infinite, infinite),
+                                 QRectF(none, none, none, none),
+                                 QRectF(0, 0, -1e9, -1e9) }) {
+        SCOPED_TRACE(testing::Message() << frame.x() << ' ' << frame.y() << ' ' << frame.width());
+        for (const bool isComposited : { true, false }) {
+            server.setComposited(isComposited);
+            window.setFrame(frame);
+            // The display of 1440 x 900, and 64 around it.
+            EXPECT_LE(window.width(), 1440 + 128);
+            EXPECT_LE(window.height(), 900 + 128);
+            EXPECT_TRUE(QRegion(window.rect()).contains(appearance().shape.boundingRect())
+                        || appearance().shape.isEmpty());
+            EXPECT_LE(appearance().inputArea.boundingRect().width(), 1440 + 128);
+            view.grab();
+        }
+    }
+    window.setFrame({ 312, 142, 816, 616 });
+    EXPECT_EQ(window.size(), QSize(816, 616));
+}
+
+TEST_F(RecoderWindow, FrameStaysWhatWasAskedForHoweverMuchIsSeen)
+{
+    const QRectF huge(-8, -8, 40'016, 1e8);
+    window.setFrame(huge);
+    EXPECT_EQ(window.frame(), huge);
+    EXPECT_EQ(view.bounds(), QRectF(0, 0, 40'016, 1e8));
+    window.orderFront();
+    view.mouseDown({ 200, 200 });
+    view.mouseDragged({ 190, 200 });
+    EXPECT_EQ(window.frame(), QRectF(1448 - 40'016.0, 908 - 1e8, 40'016, 1e8)) << "moved within its limits";
 }
 
 /// Counts how often a window is hidden.

@@ -101,6 +101,13 @@ protected:
         return id.captured(1).toUInt(nullptr, 0);
     }
 
+    [[nodiscard]] static QRect geometryOf(const QString &name)
+    {
+        const auto size = QRegularExpression("(\\d+)x(\\d+)\\+")
+                              .match(windowsFromAbove().filter('"' + name + '"').value(0));
+        return { 0, 0, size.captured(1).toInt(), size.captured(2).toInt() };
+    }
+
     const QRect recorded { 100, 200, 400, 300 };
     QTemporaryDir folder;
 };
@@ -512,6 +519,33 @@ TEST_P(OverlayDesktop, StepsAsideUntilTheMainWindowIsTurnedTo)
     stage->say("recording 0");
     stage->say("nothing");
     EXPECT_TRUE(isBar(pixel(onBar)));
+}
+
+TEST_P(OverlayDesktop, HugeRectanglesAreShownAsFarAsTheDesktopReaches)
+{
+    useLogo();
+    stage->say("place");
+    for (const char *rect : { "rect 0 0 1000000000 1000000000",
+                              "rect 0 0 40000 40000",
+                              "rect -1000000000 -1000000000 2000000000 2000000000",
+                              "rect 0 0 inf inf",
+                              "rect nan nan nan nan",
+                              "rect -inf -inf inf inf" }) {
+        SCOPED_TRACE(rect);
+        stage->say(rect);
+        stage->say("place");
+        stage->say("recording 1");
+        stage->say("recording 0");
+        const QRect overlay = geometryOf("Recorded rectangle");
+        EXPECT_LE(overlay.width(), 800 + 128);
+        EXPECT_LE(overlay.height(), 600 + 128);
+    }
+    // Its lower left corner is seen, nothing has wrapped.
+    stage->say("rect 100 100 40000 40000");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel({ 96, 200 })) && isBar(pixel({ 600, 503 })); }));
+    EXPECT_FALSE(isBar(pixel({ 600, 200 })));
+    stage->say("rect 100 100 400 300");
+    EXPECT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
 }
 
 TEST_P(OverlayDesktop, FrameIsBrighterWithTheKeyboardFocus)

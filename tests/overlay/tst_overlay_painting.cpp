@@ -14,6 +14,7 @@ const QColor nothing(0, 0, 0, 0);
 const QColor white(255, 255, 255);
 const QColor lightGrey(204, 204, 204);
 const QColor cyan(0, 204, 255);
+const QColor hairline(0, 0, 0, 128);
 
 class OverlayPainting : public testing::TestWithParam<int>
 {
@@ -50,7 +51,7 @@ TEST_P(OverlayPainting, IdleHasTintFrameAndHandles)
     const QImage image = painted({ bounds });
     EXPECT_EQ(image.pixelColor(0, 0), nothing) << "the window has a hole there";
     EXPECT_EQ(at(image, 10, 0), nothing);
-    EXPECT_EQ(at(image, 10, 1), nothing);
+    EXPECT_EQ(at(image, 10, 1), hairline) << "so that the frame is seen on white";
     EXPECT_EQ(at(image, 50, 2), lightGrey);
     EXPECT_EQ(at(image, 50, 5), lightGrey);
     EXPECT_TRUE(isTint(at(image, 50, 6)));
@@ -58,7 +59,8 @@ TEST_P(OverlayPainting, IdleHasTintFrameAndHandles)
     EXPECT_EQ(at(image, 210, 50), lightGrey);
     EXPECT_EQ(at(image, 213, 50), lightGrey);
     EXPECT_TRUE(isTint(at(image, 209, 50)));
-    EXPECT_EQ(at(image, 214, 50), nothing);
+    EXPECT_EQ(at(image, 214, 50), hairline);
+    EXPECT_EQ(at(image, 215, 50), nothing);
     for (int region = 0; region < 8; ++region) {
         const QPoint middle = hotRegion(bounds, region)->boundingRect().center().toPoint();
         EXPECT_EQ(at(image, middle.x(), middle.y()), cyan) << region;
@@ -78,7 +80,9 @@ TEST_P(OverlayPainting, RecordingLeavesOnlyTheFrame)
     const QImage image = painted({ .bounds = bounds, .isRecording = true, .isKey = true });
     EXPECT_EQ(at(image, 50, 3), white);
     EXPECT_EQ(at(image, 3, 3), white) << "no handle over the corner, no hole where two bars meet";
-    EXPECT_EQ(at(image, 1, 112), nothing) << "no handle outside the frame";
+    EXPECT_EQ(at(image, 1, 112), hairline) << "no handle outside the frame";
+    EXPECT_EQ(at(image, 0, 112), nothing);
+    EXPECT_EQ(at(image, 1, 1), hairline) << "once at the corners";
     EXPECT_EQ(at(image, 7, 58), nothing) << "no handle inside it";
     EXPECT_EQ(at(image, 50, 6), nothing);
     EXPECT_EQ(at(image, 108, 58), nothing);
@@ -173,8 +177,10 @@ TEST_F(ShapedOverlay, RecordingShowsNothingInsideTheRectangle)
     paint({ .bounds = bounds, .isRecording = true, .isKey = true, .isTranslucent = false });
     EXPECT_TRUE(isShapeAllThatIsPainted());
     EXPECT_FALSE(shape.intersects(recorded));
-    EXPECT_EQ(shape, QRegion(2, 2, 212, 112) - QRegion(6, 6, 204, 104));
+    EXPECT_EQ(shape, QRegion(1, 1, 214, 114) - QRegion(6, 6, 204, 104));
     EXPECT_EQ(image.pixelColor(4, 4), white);
+    EXPECT_EQ(image.pixelColor(1, 50), QColor(64, 64, 64)) << "so that it is seen on white";
+    EXPECT_EQ(image.pixelColor(50, 114), QColor(64, 64, 64));
 }
 
 TEST_F(ShapedOverlay, LogoIsCutOutPixelByPixel)
@@ -234,6 +240,37 @@ TEST_F(ShapedOverlay, LogoOutsideTheViewIsNone)
     const LogoStencil cut = stencilOf(&logo, bounds);
     EXPECT_EQ(cut.shape.boundingRect(), QRect(200, 0, 16, 16)) << "as far as the view reaches";
     EXPECT_TRUE(stencilOf(nullptr, bounds).picture.isNull());
+}
+
+TEST_F(ShapedOverlay, ShowsNoMoreThanItsWindowHolds)
+{
+    VNLogoContext logo;
+    useSquare(logo);
+    const QRectF huge(0, 0, 1e9, 1e9);
+    const OverlayLook look { .bounds = huge, .isTranslucent = false, .held = QRect(0, 0, 100, 80) };
+    const LogoStencil stencil = stencilOf(&logo, huge, look.held);
+    EXPECT_EQ(overlayShape(look, stencil).boundingRect(), QRect(0, 0, 100, 80));
+    logo.setLogoScale(4);
+    logo.setLogoPosition({ -100, 1e9 - 60 });
+    EXPECT_EQ(stencilOf(&logo, huge, look.held).picture.size(), QSize(61, 61))
+        << "as far as it is held, with a soft edge, to the right of -100 + 160";
+}
+
+TEST(OverlayOfHugeBounds, IsPaintedWhereTheWindowHoldsIt)
+{
+    const OverlayLook look { .bounds = QRectF(0, 0, 40'000, 1e9), .held = QRect(39'900, 0, 100, 80) };
+    QImage image(100, 80, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    painter.translate(-39'900, 0);
+    flipPainter(painter, look.bounds.height());
+    paintOverlay(painter, look, nullptr);
+    painter.end();
+    // The upper right corner.
+    EXPECT_EQ(image.pixelColor(10, 0), nothing);
+    EXPECT_EQ(image.pixelColor(10, 3), lightGrey);
+    EXPECT_EQ(image.pixelColor(95, 50), lightGrey);
+    EXPECT_EQ(image.pixelColor(96, 4), cyan);
+    EXPECT_TRUE(isTint(image.pixelColor(50, 50)));
 }
 
 TEST(ChangedRegion, IsNoMoreThanWhatLooksOtherwise)
