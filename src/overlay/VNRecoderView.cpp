@@ -17,6 +17,7 @@ VNRecoderView::VNRecoderView(QWidget *parent)
     : QWidget(parent)
 {
     setObjectName(QStringLiteral("recorderView"));
+    setMouseTracking(true);
     setAccessibleName(tr("Recorded rectangle"));
 }
 
@@ -158,9 +159,25 @@ void VNRecoderView::mouseDown(QPointF mouseLocation)
     if (!fullScreen)
         dragStartFrame = recorderWindow() ? recorderWindow()->frame() : QRectF();
     mLogoPosition = mLogoContext ? mLogoContext->LogoPosition() : QPointF();
+    dragRegion = heldAt(mouseLocation);
+}
+
+DragRegion VNRecoderView::heldAt(QPointF mouseLocation)
+{
     const QPointF point = viewPoint(mouseLocation);
-    dragRegion
-        = fullScreen ? regionAtFullScreen(point, mLogoContext) : regionAt(point, bounds(), mLogoContext);
+    if (isRecordFullScreen())
+        return regionAtFullScreen(point, mLogoContext);
+    // The handles are of device pixels, fingers are not.
+    constexpr double slackOfScaled = 4;
+    const double scale = devicePixelRatioF();
+    return regionAt(point, bounds(), mLogoContext, scale >= 2 ? slackOfScaled * scale : 0);
+}
+
+Qt::CursorShape VNRecoderView::cursorAt(QPointF mouseLocation)
+{
+    const DragRegion held = heldAt(mouseLocation);
+    const bool isNothing = isRecording() || (isRecordFullScreen() && held != DragRegion::Logo);
+    return isNothing ? Qt::ArrowCursor : cursorOver(held);
 }
 
 void VNRecoderView::mouseDragged(QPointF mouseLocation)
@@ -175,8 +192,10 @@ void VNRecoderView::mouseDragged(QPointF mouseLocation)
     if (isRecordFullScreen())
         return;
     const QRectF frame = draggedFrame(dragStartFrame, dragRegion, distance, mainDisplayFrame());
-    if (VNRecoderWindow *window = recorderWindow())
+    if (VNRecoderWindow *window = recorderWindow()) {
         window->setFrame(frame);
+        window->showSize();
+    }
     if (_delegate)
         _delegate->VNRecorderViewWindowFrameDidChanged(*this);
 }
@@ -224,10 +243,13 @@ void VNRecoderView::mousePressEvent(QMouseEvent *event)
 
 void VNRecoderView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!event->buttons().testFlag(Qt::LeftButton))
+    VNRecoderWindow *window = recorderWindow();
+    if (!window)
         return;
-    if (const VNRecoderWindow *window = recorderWindow())
+    if (event->buttons().testFlag(Qt::LeftButton))
         mouseDragged(window->mouseLocation(event->globalPosition()));
+    else if (event->buttons() == Qt::NoButton)
+        window->showCursor(window->mouseLocation(event->globalPosition()));
 }
 
 bool VNRecoderView::takesPictures() const

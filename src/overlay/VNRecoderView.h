@@ -30,8 +30,8 @@ struct DraggingInfo {
 /// change them.
 ///
 /// Made with the window by the controller's interface file; main thread only. Its coordinates are device
-/// pixels with the origin at the lower left and y up, whatever the toolkit's scale factor. It changes no
-/// cursor.
+/// pixels with the origin at the lower left and y up, whatever the toolkit's scale factor. Pressing and
+/// dragging change no cursor; the window shows what a press would take hold of.
 class VNRecoderView : public QWidget
 {
     Q_OBJECT
@@ -56,6 +56,8 @@ public:
     /// What a press may take hold of: all of it, or the logo while the full display is recorded, or nothing
     /// while a recording runs. Device pixels, y down from the view's upper left.
     [[nodiscard]] QRegion mouseArea();
+    /// The pointer's shape there while no button is held.
+    [[nodiscard]] Qt::CursorShape cursorAt(QPointF mouseLocation);
     /// What shows where nothing is translucent: device pixels, y down from the view's upper left.
     [[nodiscard]] QRegion shape();
 
@@ -114,6 +116,7 @@ private:
     [[nodiscard]] QPointF viewPoint(QPointF mouseLocation) const;
     [[nodiscard]] DraggingInfo draggingInfo(const QDropEvent &event) const;
     void repaintPixels(const QRegion &pixels);
+    [[nodiscard]] DragRegion heldAt(QPointF mouseLocation);
     void moveLogo(DragDistance distance);
 
     QPointF dragStartPoint; ///< of the last press, in screen coordinates

@@ -7,6 +7,7 @@
 #include "overlay/overlay_backend.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/overlay_server.h"
+#include "overlay/size_label.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -142,7 +143,9 @@ void VNRecoderWindow::place()
 void VNRecoderWindow::leaveOutOwnWindows()
 {
     QList<QWindow *> others = QGuiApplication::topLevelWindows();
-    others.removeAll(windowHandle());
+    others.removeIf([this](const QWindow *window) {
+        return window == windowHandle() || window->flags().testFlag(Qt::WindowTransparentForInput);
+    });
     // Recorded, the logo has a hole only where a window of the program is in the movie anyway.
     m_ownWindows = m_server->pixelsOf(
         others, m_isLeftToTheDesktop ? OverlayServer::Pixels::Seen : OverlayServer::Pixels::All);
@@ -219,6 +222,7 @@ void VNRecoderWindow::bringToDesktop()
 void VNRecoderWindow::takeFromDesktop()
 {
     const bool hadFocus = isActiveWindow();
+    hideSize();
     m_server->orderOut();
     hide();
     keepWindowAboveOnTop();
@@ -244,6 +248,7 @@ void VNRecoderWindow::followWindowAboveSoon()
 void VNRecoderWindow::recordingChanged()
 {
     if (m_view && m_view->isRecording()) {
+        hideSize();
         returnToDesktop();
         followWindowAbove();
     } else {
@@ -363,6 +368,47 @@ void VNRecoderWindow::inputPressed(QPoint onDesktop)
     becomeKey();
     if (m_view)
         m_view->mouseDown(middleOfPixel(onDesktop));
+}
+
+void VNRecoderWindow::showSize()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (!screen || !isVisible())
+        return;
+    if (!m_size)
+        m_size = std::make_unique<SizeLabel>();
+    constexpr int margins = static_cast<int>(2 * overlayMargin);
+    m_size->tell(m_onDesktop.size() - QSize(margins, margins),
+                 ToolkitScale(*screen).logicalAround(m_onDesktop),
+                 screen->availableGeometry());
+}
+
+void VNRecoderWindow::hideSize()
+{
+    if (m_size)
+        m_size->endTelling();
+}
+
+void VNRecoderWindow::showCursor(QPointF mouseLocation)
+{
+    if (m_view)
+        setCursor(m_view->cursorAt(mouseLocation));
+}
+
+void VNRecoderWindow::mouseReleaseEvent(QMouseEvent * /*event*/)
+{
+    hideSize();
+}
+
+void VNRecoderWindow::inputReleased()
+{
+    hideSize();
+}
+
+void VNRecoderWindow::inputMoved(QPoint onDesktop)
+{
+    if (m_view)
+        m_server->setCursor(m_view->cursorAt(middleOfPixel(onDesktop)));
 }
 
 void VNRecoderWindow::inputDragged(QPoint onDesktop)

@@ -14,6 +14,7 @@
 namespace vornic {
 
 class OverlayServer;
+class SizeLabel;
 class VNRecoderWindowDelegate;
 
 /// The borderless window around the recorded rectangle, above ordinary windows, panels and menus.
@@ -61,6 +62,10 @@ public:
     /// this one is hidden, and it stays above other programs' windows while this one is shown and idle.
     /// Null: none.
     void setWindowAbove(QWidget *window);
+    /// Tells the size of the recorded rectangle beside the frame until the mouse's button is up.
+    void showSize();
+    /// Gives the pointer the shape for what a press there would take hold of.
+    void showCursor(QPointF mouseLocation);
     /// Fills the window with \a view and follows its looks.
     void setContentView(VNRecoderView *view);
     /// Returns once the server has drawn what the window shows now; a compositing manager may still be a
@@ -92,10 +97,13 @@ protected:
     void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *object, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
     void inputPressed(QPoint onDesktop) override;
     void inputDragged(QPoint onDesktop) override;
+    void inputReleased() override;
+    void inputMoved(QPoint onDesktop) override;
     [[nodiscard]] bool filesEntered(const QMimeData &files, bool mayCopy) override;
     void filesLeft() override;
     [[nodiscard]] bool filesDropped(const QMimeData &files, QPoint onDesktop) override;
@@ -107,6 +115,7 @@ private:
     void takeFromDesktop();
     void keepWindowAboveOnTop();
     void returnToDesktop();
+    void hideSize();
     [[nodiscard]] QRegion takenPixels() const;
     void leaveOutOwnWindows();
     void updateAppearance();
@@ -124,6 +133,7 @@ private:
     bool m_isLeftToTheDesktop = false; ///< a recording runs: no press, and no window that nobody sees
     QPointer<QWidget> m_windowAbove;
     QPointer<VNRecoderView> m_view;
+    std::unique_ptr<SizeLabel> m_size;       ///< null until somebody drags
     std::unique_ptr<OverlayServer> m_server; ///< never null
 };
 

@@ -30,12 +30,14 @@ public:
     /// The last that was asked for.
     [[nodiscard]] const OverlayAppearance &appearance() const { return m_appearance; }
     [[nodiscard]] bool isInFront() const { return m_isInFront; }
+    [[nodiscard]] Qt::CursorShape cursor() const { return m_cursor; }
     [[nodiscard]] int waitCount() const { return m_waits; }
 
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
     [[nodiscard]] bool isDragging() const override { return m_isDragging; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
+    void setCursor(Qt::CursorShape shape) override { m_cursor = shape; }
     void orderFront(QWindow &window) override;
     void orderOut() override;
     void wait() override;
@@ -45,6 +47,7 @@ private:
     OverlayAppearance m_appearance;
     QRegion m_pixelsOfWindows;
     QRegion m_seenPixelsOfWindows;
+    Qt::CursorShape m_cursor = Qt::ArrowCursor;
     bool m_isComposited = true;
     bool m_isDragging = false;
     bool m_isInFront = false;

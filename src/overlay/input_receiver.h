@@ -17,6 +17,9 @@ public:
     /// The first mouse button.
     virtual void inputPressed(QPoint onDesktop) = 0;
     virtual void inputDragged(QPoint onDesktop) = 0;
+    virtual void inputReleased() = 0;
+    /// Without a button.
+    virtual void inputMoved(QPoint onDesktop) = 0;
     /// Another program drags \a files in; whether they would be taken. \a mayCopy: that program
     /// lets them be copied.
     [[nodiscard]] virtual bool filesEntered(const QMimeData &files, bool mayCopy) = 0;

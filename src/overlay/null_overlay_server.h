@@ -19,6 +19,7 @@ public:
         return {};
     }
     void setAppearance(QWindow & /*window*/, const OverlayAppearance & /*appearance*/) override { }
+    void setCursor(Qt::CursorShape /*shape*/) override { }
     void orderFront(QWindow & /*window*/) override { }
     void orderOut() override { }
     void wait() override { }

@@ -176,21 +176,51 @@ QPainterPath logoOutline(const VNLogoContext *logo)
     return turn.map(outline);
 }
 
-DragRegion regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *logo)
+DragRegion regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *logo, double slack)
 {
     using enum DragRegion;
-    for (const DragRegion region : { TopLeft, Top, TopRight, Right, BottomRight, BottomLeft, Bottom, Left }) {
+    constexpr std::array edges { TopLeft, Top, TopRight, Right, BottomRight, BottomLeft, Bottom, Left };
+    for (const DragRegion region : edges) {
         if (handle(bounds, region).contains(point))
             return region;
     }
     if (isOnLogo(point, logo))
         return Logo;
+    for (const DragRegion region : edges) {
+        const QPointF fromMiddle = point - handle(bounds, region).boundingRect().center();
+        if (slack > 0 && std::hypot(fromMiddle.x(), fromMiddle.y()) <= handleSize / 2 + slack)
+            return region;
+    }
     return handle(bounds, Centre).contains(point) ? Centre : Elsewhere;
 }
 
 DragRegion regionAtFullScreen(QPointF point, const VNLogoContext *logo)
 {
     return isOnLogo(point, logo) ? DragRegion::Logo : DragRegion::Elsewhere;
+}
+
+Qt::CursorShape cursorOver(DragRegion region)
+{
+    switch (region) {
+    case DragRegion::TopLeft:
+    case DragRegion::BottomRight:
+        return Qt::SizeFDiagCursor;
+    case DragRegion::TopRight:
+    case DragRegion::BottomLeft:
+        return Qt::SizeBDiagCursor;
+    case DragRegion::Top:
+    case DragRegion::Bottom:
+        return Qt::SizeVerCursor;
+    case DragRegion::Left:
+    case DragRegion::Right:
+        return Qt::SizeHorCursor;
+    case DragRegion::Logo:
+        return Qt::OpenHandCursor;
+    case DragRegion::Centre:
+    case DragRegion::Elsewhere:
+        break;
+    }
+    return Qt::SizeAllCursor;
 }
 
 QRegion logoHitPixels(const QRectF &bounds, const VNLogoContext *logo)

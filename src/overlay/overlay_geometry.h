@@ -58,11 +58,15 @@ struct DragDistance {
 /// The outline of the turned logo; empty without a logo, and when it is switched off.
 [[nodiscard]] QPainterPath logoOutline(const VNLogoContext *logo);
 
-/// What a press at \a point of the view takes hold of while a rectangle is edited.
-[[nodiscard]] DragRegion regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *logo);
+/// What a press at \a point of the view takes hold of while a rectangle is edited. A handle is also held by what
+/// is up to \a slack beside it, unless the logo is there.
+[[nodiscard]] DragRegion
+regionAt(QPointF point, const QRectF &bounds, const VNLogoContext *logo, double slack = 0);
 /// The same while the full display is recorded, when only the logo moves.
 [[nodiscard]] DragRegion regionAtFullScreen(QPointF point, const VNLogoContext *logo);
 
+/// The pointer's shape over what a press would take hold of.
+[[nodiscard]] Qt::CursorShape cursorOver(DragRegion region);
 /// The pixels of a view with \a bounds where a press may take hold of the logo; y down from its upper left.
 [[nodiscard]] QRegion logoHitPixels(const QRectF &bounds, const VNLogoContext *logo);
 

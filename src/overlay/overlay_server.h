@@ -43,6 +43,8 @@ public:
     [[nodiscard]] virtual QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) = 0;
     /// Tells the server what has changed. Before the window is shown, and whenever something changes.
     virtual void setAppearance(QWindow &window, const OverlayAppearance &appearance) = 0;
+    /// The pointer's shape over the input area.
+    virtual void setCursor(Qt::CursorShape shape) = 0;
     /// Puts it above other programs' windows and beneath the program's own, and keeps it there; never above one
     /// that locks the screen.
     virtual void orderFront(QWindow &window) = 0;

@@ -3,13 +3,17 @@
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/fake_overlay_server.h"
 #include "overlay/input_receiver.h"
+#include "overlay/size_label.h"
 #include "overlay_main.h"
 
+#include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QUrl>
 
+#include <algorithm>
 #include <limits>
 
 namespace vornic {
@@ -169,6 +173,71 @@ TEST_F(RecoderWindow, DragsOverTheInputAreaMoveItToThePixel)
     server.receiver().inputDragged({ 512 - 30, 442 + 40 });
     EXPECT_EQ(window.frame(), QRectF(282, 102, 816, 616));
     EXPECT_EQ(appearance().inputArea, QRegion(onDesktop.translated(-30, 40)));
+}
+
+TEST_F(RecoderWindow, PointerShowsWhatAPressWouldTake)
+{
+    window.orderFront();
+    useLogo();
+    server.setComposited(false);
+    const auto shapeAt = [&](QPoint inWindow) {
+        server.receiver().inputMoved(QPoint(312, 142) + inWindow);
+        return server.cursor();
+    };
+    EXPECT_EQ(shapeAt({ 4, 4 }), Qt::SizeFDiagCursor);
+    EXPECT_EQ(shapeAt({ 811, 611 }), Qt::SizeFDiagCursor);
+    EXPECT_EQ(shapeAt({ 811, 4 }), Qt::SizeBDiagCursor);
+    EXPECT_EQ(shapeAt({ 4, 611 }), Qt::SizeBDiagCursor);
+    EXPECT_EQ(shapeAt({ 408, 4 }), Qt::SizeVerCursor);
+    EXPECT_EQ(shapeAt({ 811, 308 }), Qt::SizeHorCursor);
+    EXPECT_EQ(shapeAt({ 300, 300 }), Qt::SizeAllCursor);
+    EXPECT_EQ(shapeAt({ 130, 616 - 120 }), Qt::OpenHandCursor);
+    delegate.isFullScreen = true;
+    EXPECT_EQ(shapeAt({ 130, 616 - 120 }), Qt::OpenHandCursor);
+    EXPECT_EQ(shapeAt({ 300, 300 }), Qt::ArrowCursor);
+    delegate.isFullScreen = false;
+    QMouseEvent move(
+        QEvent::MouseMove, { 4, 4 }, { 312 + 4, 142 + 4 }, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &move);
+    EXPECT_EQ(window.cursor().shape(), Qt::SizeFDiagCursor) << "over the toolkit's window as well";
+    delegate.isRecording = true;
+    EXPECT_EQ(shapeAt({ 300, 300 }), Qt::ArrowCursor);
+}
+
+TEST_F(RecoderWindow, TellsTheSizeFromTheFirstMovementToTheRelease)
+{
+    const auto label = []() -> QWidget * {
+        const auto all = QApplication::topLevelWidgets();
+        const auto found = std::ranges::find(all, QStringLiteral("sizeLabel"), &QObject::objectName);
+        return found == all.end() ? nullptr : *found;
+    };
+    window.orderFront();
+    server.setComposited(false);
+    server.receiver().inputPressed({ 512, 442 });
+    EXPECT_FALSE(label() && label()->isVisible());
+    server.receiver().inputDragged({ 520, 442 });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return label() && label()->isVisible(); }));
+    EXPECT_EQ(dynamic_cast<QLabel &>(*label()).text(), QStringLiteral("800 × 600"));
+    server.receiver().inputReleased();
+    EXPECT_FALSE(label()->isVisible());
+    server.receiver().inputPressed({ 512, 442 });
+    server.receiver().inputDragged({ 520, 442 });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return label()->isVisible(); }));
+    delegate.isRecording = true;
+    window.recordingChanged();
+    EXPECT_FALSE(label()->isVisible()) << "never in a movie";
+}
+
+TEST(SizeLabelPosition, IsOutsideTheFrameWhereThereIsRoom)
+{
+    const QRect screen(0, 0, 800, 600);
+    const QSize label(80, 20);
+    EXPECT_EQ(sizeLabelPosition(label, { 100, 100, 400, 300 }, screen), QPoint(100 + 199 - 40, 406));
+    EXPECT_EQ(sizeLabelPosition(label, { 100, 290, 400, 300 }, screen), QPoint(100 + 199 - 40, 264));
+    EXPECT_EQ(sizeLabelPosition(label, { 100, -8, 400, 616 }, screen).x(), 506) << "right of it";
+    EXPECT_EQ(sizeLabelPosition(label, { 300, -8, 508, 616 }, screen).x(), 300 - 6 - 80) << "left of it";
+    EXPECT_TRUE(screen.contains(QRect(sizeLabelPosition(label, { -8, -8, 816, 616 }, screen), label)));
+    EXPECT_EQ(sizeLabelPosition(label, { -60, 100, 70, 300 }, screen).x(), 0) << "not beyond the screen";
 }
 
 TEST_F(RecoderWindow, TakesPicturesThatAreDroppedOnTheInputArea)

@@ -27,6 +27,8 @@ class Receiver : public InputReceiver
 public:
     void inputPressed(QPoint /*onDesktop*/) override { }
     void inputDragged(QPoint /*onDesktop*/) override { }
+    void inputReleased() override { }
+    void inputMoved(QPoint /*onDesktop*/) override { }
     bool filesEntered(const QMimeData & /*files*/, bool /*mayCopy*/) override { return false; }
     void filesLeft() override { }
     bool filesDropped(const QMimeData & /*files*/, QPoint /*onDesktop*/) override { return false; }

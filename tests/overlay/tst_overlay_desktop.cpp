@@ -598,6 +598,45 @@ TEST_P(OverlayDesktop, CompositingManagersComeAndGo)
     }
 }
 
+TEST_P(OverlayDesktop, DragsGoOnWhenACompositingManagerStarts)
+{
+    if (isComposited())
+        GTEST_SKIP() << "it runs already";
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    press(inside);
+    moveTo(inside + QPoint(10, 0));
+    EXPECT_TRUE(stage->waitForLine("rect 110 100 400 300"));
+    picom = server->startPicom();
+    ASSERT_TRUE(picom);
+    ASSERT_TRUE(eventually([&] { return pixel(inside + QPoint(30, 20)).blue() > 95; })) << "tinted";
+    moveTo(inside + QPoint(20, 0));
+    EXPECT_TRUE(stage->waitForLine("rect 120 100 400 300"));
+    moveTo(inside + QPoint(20, -10));
+    EXPECT_TRUE(stage->waitForLine("rect 120 110 400 300"));
+    release();
+    drag(inside, inside + QPoint(5, 0));
+    EXPECT_TRUE(stage->waitForLine("rect 125 110 400 300")) << "the next one is another";
+}
+
+TEST_P(OverlayDesktop, TellsTheSizeBesideTheFrameWhileItIsDragged)
+{
+    stage->say("place");
+    ASSERT_TRUE(eventually([&] { return isBar(pixel(onBar)); }));
+    const QPoint corner(504, 504); // the handle at the lower right
+    press(corner);
+    moveTo(corner + QPoint(20, 10));
+    const auto label = [] { return windowsFromAbove().filter("\"Size of the rectangle\"").value(0); };
+    // The frame's window ends at 508 + 10; the label is below it.
+    EXPECT_TRUE(eventually([&] {
+        const QPoint there(310, 518 + 6 + 2);
+        return pixel(there) == QColor(0x20, 0x20, 0x20);
+    })) << qPrintable(label());
+    EXPECT_TRUE(isAll(recordedPixels().copy(20, 20, 300, 200), pixel(inside))) << "nothing in the rectangle";
+    release();
+    EXPECT_TRUE(eventually([&] { return pixel({ 310, 526 }) == background; }));
+}
+
 TEST_P(OverlayDesktop, FullDisplayShowsNoFrame)
 {
     useLogo();

@@ -248,6 +248,24 @@ TEST(TopEdge, StopsAboveTheScreenBeforeAnythingElse)
     EXPECT_EQ(adjustedTopEdge({ 0, 100, 300, 200 }, 50, { 0, 30, 1440, 200 }), QRectF(0, 100, 300, 138));
 }
 
+TEST(Slack, MakesHandlesLargerForAPressButNotOverTheLogo)
+{
+    const QRectF view(0, 0, 816, 616);
+    const QPointF beside(16, 612 - 4); // of the handle at the upper left, which ends at 8
+    EXPECT_EQ(regionAt(beside, view, nullptr), DragRegion::Elsewhere);
+    EXPECT_EQ(regionAt(beside, view, nullptr, 8), DragRegion::Elsewhere) << "just out of reach";
+    EXPECT_EQ(regionAt({ 14, 610 }, view, nullptr, 8), DragRegion::TopLeft);
+    EXPECT_EQ(regionAt({ 14, 610 }, view, nullptr), DragRegion::Elsewhere);
+    EXPECT_EQ(regionAt({ 408, 8 }, view, nullptr, 8), DragRegion::Bottom);
+    VNLogoContext logo;
+    QImage picture(100, 100, QImage::Format_RGB32);
+    logo.setLogoValidate(true);
+    logo.setLogoType(1);
+    logo.setNSImage(picture);
+    logo.setLogoPosition({ 5, 520 });
+    EXPECT_EQ(regionAt({ 14, 610 }, view, &logo, 8), DragRegion::Logo);
+}
+
 TEST(RightEdge, StopsBeyondTheScreenBeforeAnythingElse)
 {
     EXPECT_EQ(adjustedRightEdge({ 1000, 0, 300, 200 }, 500, screen), QRectF(1000, 0, 448, 200));

@@ -23,10 +23,11 @@ X11InputWindow::X11InputWindow(X11Events &events, InputReceiver &receiver)
     : m_connection(events.connection())
     , m_events(events)
     , m_receiver(receiver)
+    , m_cursors(m_connection)
     , m_window(xcb_generate_id(m_connection.get()))
 {
     const std::array<std::uint32_t, 2> values {
-        1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION
+        1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION
     };
     xcb_create_window(m_connection.get(),
                       0,
@@ -43,23 +44,49 @@ X11InputWindow::X11InputWindow(X11Events &events, InputReceiver &receiver)
                       values.data());
     m_drops = std::make_unique<XdndTarget>(events, m_window, receiver);
     connect(&events, &X11Events::eventRead, this, [this](const xcb_generic_event_t &event) {
-        if (kindOf(event) == XCB_BUTTON_PRESS) {
-            const auto &press = as<xcb_button_press_event_t>(event);
-            if (press.event == m_window && press.detail == XCB_BUTTON_INDEX_1) {
-                tellDrag();
-                m_receiver.inputPressed({ press.root_x, press.root_y });
-            }
-        } else if (kindOf(event) == XCB_MOTION_NOTIFY) {
-            const auto &motion = as<xcb_motion_notify_event_t>(event);
-            if (motion.event == m_window) {
-                m_draggedTo = QPoint(motion.root_x, motion.root_y);
-                m_tellDrag.start();
-            }
-        }
+        if (kindOf(event) == XCB_BUTTON_PRESS)
+            readPress(as<xcb_button_press_event_t>(event));
+        else if (kindOf(event) == XCB_BUTTON_RELEASE)
+            readRelease(as<xcb_button_release_event_t>(event));
+        else if (kindOf(event) == XCB_MOTION_NOTIFY)
+            readMotion(as<xcb_motion_notify_event_t>(event));
     });
     m_tellDrag.setSingleShot(true);
     m_tellDrag.setInterval(0);
     connect(&m_tellDrag, &QTimer::timeout, this, &X11InputWindow::tellDrag);
+}
+
+void X11InputWindow::readPress(const xcb_button_press_event_t &press)
+{
+    if (press.event != m_window || press.detail != XCB_BUTTON_INDEX_1)
+        return;
+    tellDrag();
+    m_isPressed = true;
+    m_receiver.inputPressed({ press.root_x, press.root_y });
+}
+
+void X11InputWindow::readRelease(const xcb_button_release_event_t &release)
+{
+    if (release.event != m_window || release.detail != XCB_BUTTON_INDEX_1)
+        return;
+    tellDrag();
+    m_isPressed = false;
+    m_receiver.inputReleased();
+    cover(m_wanted);
+}
+
+void X11InputWindow::readMotion(const xcb_motion_notify_event_t &motion)
+{
+    if (motion.event != m_window)
+        return;
+    const QPoint onDesktop(motion.root_x, motion.root_y);
+    constexpr unsigned buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    if ((motion.state & XCB_BUTTON_MASK_1) != 0) {
+        m_draggedTo = onDesktop;
+        m_tellDrag.start();
+    } else if ((motion.state & buttons) == 0) {
+        m_receiver.inputMoved(onDesktop);
+    }
 }
 
 void X11InputWindow::tellDrag()
@@ -75,7 +102,23 @@ X11InputWindow::~X11InputWindow()
     m_events.flush();
 }
 
+void X11InputWindow::setCursor(Qt::CursorShape shape)
+{
+    if (std::exchange(m_cursor, shape) == shape)
+        return;
+    const xcb_cursor_t cursor = m_cursors.cursor(shape);
+    xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_CURSOR, &cursor);
+    m_events.flush();
+}
+
 void X11InputWindow::place(const QRegion &onDesktop)
+{
+    m_wanted = onDesktop;
+    if (!m_isPressed || !onDesktop.isEmpty())
+        cover(onDesktop);
+}
+
+void X11InputWindow::cover(const QRegion &onDesktop)
 {
     if (onDesktop == m_area)
         return;

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "overlay/input_receiver.h"
+#include "overlay/x11/x11_cursors.h"
 
 #include <QObject>
 #include <QPoint>
 #include <QRegion>
 #include <QTimer>
+
+#include <xcb/xcb.h>
 
 #include <cstdint>
 #include <memory>
@@ -30,17 +33,26 @@ public:
     ~X11InputWindow() override;
 
     [[nodiscard]] std::uint32_t id() const { return m_window; }
-    /// Covers \a onDesktop, pixels of the desktop; an empty region hides it.
+    void setCursor(Qt::CursorShape shape);
+    /// Covers \a onDesktop, pixels of the desktop; an empty region hides it, during a drag after its end.
     void place(const QRegion &onDesktop);
 
 private:
+    void readPress(const xcb_button_press_event_t &press);
+    void readRelease(const xcb_button_release_event_t &release);
+    void readMotion(const xcb_motion_notify_event_t &motion);
+    void cover(const QRegion &onDesktop);
     void tellDrag();
 
     X11Connection &m_connection;
     X11Events &m_events;
     InputReceiver &m_receiver;
+    X11Cursors m_cursors;
+    Qt::CursorShape m_cursor = Qt::ArrowCursor;
     std::uint32_t m_window;
     QRegion m_area;
+    QRegion m_wanted;                  ///< what was asked for last
+    bool m_isPressed = false;          ///< then it stays where it is: the drag would end with it
     std::optional<QPoint> m_draggedTo; ///< not told yet; only the last of many movements is
     QTimer m_tellDrag;
     std::unique_ptr<XdndTarget> m_drops;

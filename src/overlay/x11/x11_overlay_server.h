@@ -29,6 +29,7 @@ public:
     [[nodiscard]] bool isDragging() const override { return m_drags.isActive(); }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
+    void setCursor(Qt::CursorShape shape) override { m_inputWindow.setCursor(shape); }
     void orderFront(QWindow &window) override;
     void orderOut() override;
     void wait() override;
