@@ -366,6 +366,8 @@ void VNRecoderWindow::resizeEvent(QResizeEvent *event)
 void VNRecoderWindow::inputPressed(QPoint onDesktop)
 {
     becomeKey();
+    if (windowHandle() && windowHandle()->handle() && isVisible())
+        m_server->takeFocus(*windowHandle());
     if (m_view)
         m_view->mouseDown(middleOfPixel(onDesktop));
 }

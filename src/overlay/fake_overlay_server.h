@@ -38,6 +38,7 @@ public:
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
     void setCursor(Qt::CursorShape shape) override { m_cursor = shape; }
+    void takeFocus(QWindow & /*window*/) override { }
     void orderFront(QWindow &window) override;
     void orderOut() override;
     void wait() override;

@@ -20,6 +20,7 @@ public:
     }
     void setAppearance(QWindow & /*window*/, const OverlayAppearance & /*appearance*/) override { }
     void setCursor(Qt::CursorShape /*shape*/) override { }
+    void takeFocus(QWindow & /*window*/) override { }
     void orderFront(QWindow & /*window*/) override { }
     void orderOut() override { }
     void wait() override { }

@@ -45,6 +45,8 @@ public:
     virtual void setAppearance(QWindow &window, const OverlayAppearance &appearance) = 0;
     /// The pointer's shape over the input area.
     virtual void setCursor(Qt::CursorShape shape) = 0;
+    /// Gives the keyboard focus to \a window after a press on the input area, of which the toolkit does not know.
+    virtual void takeFocus(QWindow &window) = 0;
     /// Puts it above other programs' windows and beneath the program's own, and keeps it there; never above one
     /// that locks the screen.
     virtual void orderFront(QWindow &window) = 0;

@@ -62,6 +62,7 @@ void X11InputWindow::readPress(const xcb_button_press_event_t &press)
         return;
     tellDrag();
     m_isPressed = true;
+    m_pressTime = press.time;
     m_receiver.inputPressed({ press.root_x, press.root_y });
 }
 

@@ -33,6 +33,8 @@ public:
     ~X11InputWindow() override;
 
     [[nodiscard]] std::uint32_t id() const { return m_window; }
+    /// Of the server, at the last press.
+    [[nodiscard]] std::uint32_t pressTime() const { return m_pressTime; }
     void setCursor(Qt::CursorShape shape);
     /// Covers \a onDesktop, pixels of the desktop; an empty region hides it, during a drag after its end.
     void place(const QRegion &onDesktop);
@@ -51,7 +53,8 @@ private:
     Qt::CursorShape m_cursor = Qt::ArrowCursor;
     std::uint32_t m_window;
     QRegion m_area;
-    QRegion m_wanted;                  ///< what was asked for last
+    QRegion m_wanted; ///< what was asked for last
+    std::uint32_t m_pressTime = XCB_CURRENT_TIME;
     bool m_isPressed = false;          ///< then it stays where it is: the drag would end with it
     std::optional<QPoint> m_draggedTo; ///< not told yet; only the last of many movements is
     QTimer m_tellDrag;

@@ -85,6 +85,15 @@ void X11OverlayServer::setAppearance(QWindow &window, const OverlayAppearance &a
     m_inputWindow.place(appearance.inputArea);
 }
 
+/// The toolkit would ask with the time of the last event of its own, which the server takes for outdated when
+/// another window got the focus since.
+void X11OverlayServer::takeFocus(QWindow &window)
+{
+    xcb_connection_t *const connection = toolkitConnection();
+    xcb_set_input_focus(connection, XCB_INPUT_FOCUS_PARENT, idOf(&window), m_inputWindow.pressTime());
+    xcb_flush(connection);
+}
+
 void X11OverlayServer::orderFront(QWindow &window)
 {
     wait(); // until the window is there
