@@ -21,6 +21,9 @@ namespace vornic {
 
 namespace {
 
+/// For how long another window has the keyboard focus before its return to the window above is the user's doing.
+constexpr qint64 leftMs = 300;
+
 /// The middle of the pixel of the desktop at \a onDesktop, in screen coordinates.
 QPointF middleOfPixel(QPointF onDesktop)
 {
@@ -262,7 +265,7 @@ void VNRecoderWindow::stepAside()
     if (!m_windowAbove)
         return;
     m_isAside = true;
-    m_wasLeft = false;
+    m_sinceLeft.invalidate();
     qApp->installEventFilter(this);
     followWindowAbove();
 }
@@ -300,9 +303,10 @@ bool VNRecoderWindow::eventFilter(QObject *object, QEvent *event)
         if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowStateChange)
             followWindowAboveSoon();
         else if (type == QEvent::WindowDeactivate)
-            m_wasLeft = true;
-        else if (type == QEvent::WindowActivate && m_isAside && m_wasLeft)
-            returnToDesktop(); // otherwise it may have been activated before and told late
+            m_sinceLeft.start();
+        else if (type == QEvent::WindowActivate && m_isAside && m_sinceLeft.isValid()
+                 && m_sinceLeft.hasExpired(leftMs))
+            returnToDesktop(); // otherwise the sheet that has just closed gave the focus back
     }
     if (type == QEvent::Expose)
         keepWindowAboveOnTop();

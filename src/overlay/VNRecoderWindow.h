@@ -3,6 +3,7 @@
 #include "overlay/VNRecoderView.h"
 #include "overlay/input_receiver.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QRect>
 #include <QRectF>
@@ -128,7 +129,7 @@ private:
     QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
     bool m_isOrderedIn = false;
     bool m_isAside = false;
-    bool m_wasLeft = false;            ///< the window above has lost the keyboard focus since
+    QElapsedTimer m_sinceLeft;         ///< the window above has lost the keyboard focus; invalid: not since
     bool m_isDragRefused = false;      ///< of the drag that goes on
     bool m_isLeftToTheDesktop = false; ///< a recording runs: no press, and no window that nobody sees
     QPointer<QWidget> m_windowAbove;
