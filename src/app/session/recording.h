@@ -39,6 +39,7 @@ struct Recording {
     RecordingClock clock { RecordingClock::Origin::FirstPass };
 
     bool isCaptured = false; ///< passes run, or have run
+    bool endsWithFirstFrame = false; ///< stopped before it was captured
     bool stopItemIsShown = false;
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete

@@ -263,12 +263,16 @@ void RecordingSession::frameKept(std::int64_t timestamp)
     if (m_recording->stopItemIsShown)
         m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
     emit clockTicked(timestamp);
+    if (m_recording->endsWithFirstFrame)
+        m_spool->setExit(true);
 }
 
 void RecordingSession::soundAwaited()
 {
     if (m_recording->stopItemIsShown)
         m_frontEnd.progress.setStopItemTitle(tr("waiting for audio"));
+    if (m_recording->endsWithFirstFrame)
+        m_spool->setExit(true);
 }
 
 void RecordingSession::soundMissing()
@@ -305,6 +309,12 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
 
 void RecordingSession::stopRecord()
 {
+    if (m_phase == Phase::Capturing && !m_recording->isCaptured) {
+        // While the screen is not clear yet: what there is to see becomes a movie of one frame.
+        m_recording->endsWithFirstFrame = true;
+        beginCapture();
+        return;
+    }
     m_spool->setExit(true);
 }
 

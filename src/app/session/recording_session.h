@@ -69,7 +69,7 @@ public:
     void startRecorderAnyway();
     /// \a arguments: the output path, the quality step, 1 for audio or 0.
     void startRecorder(const QVariantList &arguments);
-    /// Raises the exit flag; the next capture pass ends the recording. From any thread.
+    /// Raises the exit flag; the next capture pass ends the recording.
     void stopRecord();
     /// Writes the movie of the recording that is captured; no more than once.
     void executeStopRecord();

@@ -268,10 +268,13 @@ TEST_F(RecordingSessionTest, ARecordingThatEndsBeforeTheScreenIsClearEndsAllTheS
     frontEnd.holdsScreen = true;
     session->recordNow(folder.filePath("now.mp4"));
     session->stopRecord();
-    session->executeStopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     frontEnd.screenIsClear(); // too late
     EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    EXPECT_EQ(testing::numbersOf(testing::probe(folder.filePath("now.mp4")), "packets", "video", "pts"),
+              QList<qint64> { 0 })
+        << "one frame is a movie, none is a failure";
 }
 
 TEST(NewMovieFile, IsNamedAfterTheTimeInTheFolderOfMovies)
