@@ -1,21 +1,15 @@
 #include "app/window/stop_item.h"
 
-#include "controls/VNPromptView.h"
-#include "controls/push_button.h"
-#include "controls/skin_pictures.h"
+#include "app/window/stop_bar.h"
+#include "desktop/full_screen_watch.h"
 
-#include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QMenu>
-#include <QScreen>
 
-#include <array>
+#include <utility>
 
 namespace vornic {
 
 namespace {
-
-constexpr int barMargin = 16;
 
 QIcon stopIcon()
 {
@@ -24,28 +18,15 @@ QIcon stopIcon()
 
 } // namespace
 
-QPoint stopBarPosition(QSize bar, const QRect &available, const QRect &avoid)
-{
-    const QRect inner = available.adjusted(barMargin, barMargin, -barMargin, -barMargin);
-    const int right = inner.x() + inner.width() - bar.width();
-    const int bottom = inner.y() + inner.height() - bar.height();
-    const std::array corners {
-        QPoint(right, inner.y()), inner.topLeft(), QPoint(right, bottom), QPoint(inner.x(), bottom)
-    };
-    for (const QPoint corner : corners) {
-        if (!QRect(corner, bar).intersects(avoid))
-            return corner;
-    }
-    return corners.front();
-}
-
-StopItem::StopItem(const QString &title, const QRect &avoid)
-    : m_avoid(avoid)
+StopItem::StopItem(const QString &title, const QRect &recorded)
+    : m_bar(std::make_unique<StopBar>(recorded))
+    , m_fullScreen(FullScreenWatch::create())
 {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         makeTrayIcon();
-    else
-        makeBar();
+    connect(m_bar.get(), &StopBar::stopAsked, this, &StopItem::stopAsked);
+    connect(m_bar.get(), &StopBar::goOnWithoutSoundAsked, this, &StopItem::goOnWithoutSound);
+    connect(m_fullScreen.get(), &FullScreenWatch::changed, this, &StopItem::showBarWhereNeeded);
     setTitle(title);
 }
 
@@ -57,6 +38,9 @@ void StopItem::makeTrayIcon()
     m_clock = m_menu->addAction(QString());
     m_clock->setEnabled(false);
     m_menu->addSeparator();
+    m_goOnAction = m_menu->addAction(tr("Go on without sound"));
+    m_goOnAction->setVisible(false);
+    connect(m_goOnAction, &QAction::triggered, this, &StopItem::goOnWithoutSound);
     connect(m_menu->addAction(stopIcon(), tr("Stop the recording")),
             &QAction::triggered,
             this,
@@ -73,24 +57,35 @@ void StopItem::makeTrayIcon()
     m_trayIcon->show();
 }
 
-void StopItem::makeBar()
+void StopItem::showBarWhereNeeded()
 {
-    m_bar = std::make_unique<VNPromptView>();
-    // A window of its own among those that the keyboard reaches.
-    m_bar->setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    m_bar->setAttribute(Qt::WA_ShowWithoutActivating);
-    m_bar->setAttribute(Qt::WA_QuitOnClose, false);
-    m_bar->setObjectName(QStringLiteral("stopBar"));
-    m_bar->setWindowTitle(tr("Stop recording"));
-    m_button = new PushButton(m_bar.get());
-    m_button->setIcon(stopIcon());
-    m_button->setIconSize({ 18, 18 });
-    m_button->setToolTip(tr("Stop the recording"));
-    m_button->setAccessibleName(tr("Stop the recording"));
-    connect(m_button, &QAbstractButton::clicked, this, &StopItem::stopAsked);
-    auto *layout = new QHBoxLayout(m_bar.get());
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->addWidget(m_button);
+    m_bar->setAboveFullScreen(m_fullScreen->isFullScreen());
+    m_bar->setWanted(m_isBarAllowed && (!m_trayIcon || m_goOn || m_fullScreen->isFullScreen()));
+}
+
+void StopItem::allowBar()
+{
+    m_isBarAllowed = true;
+    showBarWhereNeeded();
+}
+
+void StopItem::offerToGoOnWithoutSound(std::function<void()> goOn)
+{
+    m_goOn = std::move(goOn);
+    if (m_goOnAction)
+        m_goOnAction->setVisible(true);
+    m_bar->offerToGoOnWithoutSound();
+    showBarWhereNeeded();
+}
+
+void StopItem::goOnWithoutSound()
+{
+    const std::function<void()> goOn = std::exchange(m_goOn, nullptr);
+    if (m_goOnAction)
+        m_goOnAction->setVisible(false);
+    showBarWhereNeeded();
+    if (goOn)
+        goOn();
 }
 
 void StopItem::setTitle(const QString &title)
@@ -98,16 +93,11 @@ void StopItem::setTitle(const QString &title)
     if (title == m_title)
         return;
     m_title = title;
-    if (m_trayIcon) {
-        m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(title));
-        m_clock->setText(tr("Recording: %1").arg(title));
+    m_bar->setTitle(title);
+    if (!m_trayIcon)
         return;
-    }
-    m_button->setText(title);
-    m_bar->adjustSize();
-    m_bar->move(
-        stopBarPosition(m_bar->size(), QGuiApplication::primaryScreen()->availableGeometry(), m_avoid));
-    m_bar->show();
+    m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(title));
+    m_clock->setText(tr("Recording: %1").arg(title));
 }
 
 } // namespace vornic

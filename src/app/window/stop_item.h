@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QObject>
 #include <QRect>
+#include <QString>
 #include <QSystemTrayIcon>
-#include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QAction;
@@ -11,40 +13,45 @@ class QMenu;
 
 namespace vornic {
 
-class PushButton;
+class FullScreenWatch;
+class StopBar;
 
-/// Where in \a available a bar of the size \a bar stands: in the first corner in which it is clear of \a
-/// avoid, from the upper right on; in the upper right one where none is.
-[[nodiscard]] QPoint stopBarPosition(QSize bar, const QRect &available, const QRect &avoid);
-
-/// The one visible way to stop: a tray icon where the desktop has a tray, with the clock in its tool tip and
-/// its menu, and else a small bar that stays on top, with the clock on its button.
+/// The visible way to stop: a tray icon where the desktop has a tray, with the clock in its tool tip and its menu.
+/// Where it has none, and while a full-screen window hides it, a small bar with the clock on its button.
 ///
 /// Made and used by the window's front end while a recording runs, on the main thread.
 class StopItem : public QObject
 {
     Q_OBJECT
 public:
-    /// \a avoid: where the bar should not stand, in the toolkit's coordinates.
-    StopItem(const QString &title, const QRect &avoid);
+    /// \a recorded: what the movie shows, in the toolkit's coordinates. The bar is not shown yet.
+    StopItem(const QString &title, const QRect &recorded);
     ~StopItem() override;
 
     void setTitle(const QString &title);
+    /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
+    /// the window manager would give it to the bar.
+    void allowBar();
+    /// Offers, until it is taken, to record without the sound that does not come.
+    void offerToGoOnWithoutSound(std::function<void()> goOn);
 
 signals:
     void stopAsked();
 
 private:
     void makeTrayIcon();
-    void makeBar();
+    void showBarWhereNeeded();
+    void goOnWithoutSound();
 
-    QRect m_avoid;
     QString m_title;
+    bool m_isBarAllowed = false;
+    std::function<void()> m_goOn; ///< empty but while sound is missing
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon; ///< null where the desktop has no tray
     QAction *m_clock = nullptr;                  ///< in m_menu
-    std::unique_ptr<QWidget> m_bar;              ///< null where there is a tray
-    PushButton *m_button = nullptr;              ///< in m_bar
+    QAction *m_goOnAction = nullptr;             ///< in m_menu
+    std::unique_ptr<StopBar> m_bar;
+    std::unique_ptr<FullScreenWatch> m_fullScreen;
 };
 
 } // namespace vornic

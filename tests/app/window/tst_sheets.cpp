@@ -2,6 +2,7 @@
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
+#include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
 #include "base/user_defaults.h"
 #include "support/wait_until.h"
@@ -179,6 +180,7 @@ TEST(StopBarTest, ItStandsOutsideOfWhatIsRecordedWhereThereIsRoom)
 TEST(StopItemTest, WithoutATrayTheBarShowsTheClockAndStops)
 {
     StopItem item("00:00:00", {});
+    item.allowBar();
     QWidget *bar = nullptr;
     for (QWidget *window : QApplication::topLevelWidgets()) {
         if (window->objectName() == "stopBar")

@@ -126,6 +126,7 @@ void addQuestions(Sheet &sheet, WindowFrontEnd &frontEnd)
             RecordingSession::tr("It will terminate recording because of disk space is insufficient"));
     });
     StopItem item("00:12:34", {});
+    item.allowBar();
     for (QWidget *bar : QApplication::topLevelWidgets()) {
         if (bar->objectName() == "stopBar")
             sheet.add(*bar);

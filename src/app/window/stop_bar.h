@@ -1,0 +1,85 @@
+#pragma once
+
+#include "controls/VNPromptView.h"
+
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace vornic {
+
+class PushButton;
+class WindowOnTop;
+
+/// Where in \a available a bar of the size \a bar stands: in the first corner in which it is clear of \a
+/// avoid, from the upper right on; in the upper right one where none is.
+[[nodiscard]] QPoint stopBarPosition(QSize bar, const QRect &available, const QRect &avoid);
+
+/// The small bar that stops a recording, with the running clock on its button.
+///
+/// Made by StopItem while a recording runs; main thread only. It can be dragged by any part of it and closed by
+/// nobody. It never asks for the keyboard focus, and a key that reaches it counts only after a second without keys:
+/// who types while the focus falls to it stops nothing.
+class StopBar : public VNPromptView
+{
+    Q_OBJECT
+public:
+    /// \a recorded: what the movie shows, in the toolkit's coordinates. Where the bar cannot stand elsewhere it hides
+    /// itself, and comes back when the pointer rests at its edge of the screen.
+    explicit StopBar(const QRect &recorded);
+    ~StopBar() override;
+
+    void setTitle(const QString &title);
+    /// Shows it, or takes it off the screen.
+    void setWanted(bool isWanted);
+    /// Above full-screen windows, where no window manager helps; otherwise an ordinary window, so that the keyboard
+    /// reaches it.
+    void setAboveFullScreen(bool isAbove);
+    /// Adds a button: no sound comes.
+    void offerToGoOnWithoutSound();
+
+signals:
+    void stopAsked();
+    void goOnWithoutSoundAsked();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    [[nodiscard]] PushButton *addButton(const QString &name);
+    [[nodiscard]] bool swallowsKey();
+    [[nodiscard]] bool dragsButton(QEvent &event);
+    [[nodiscard]] bool endsDrag();
+    void dragTo(QPoint pointer);
+    void fit();
+    void showOrHide();
+    void watchPointer();
+    [[nodiscard]] bool pointerCallsIt() const;
+
+    QRect m_recorded;
+    bool m_isWanted = false;
+    bool m_isAbove = false;
+    bool m_isHidingItself = false; ///< wanted, but not to be in the movie for longer
+    PushButton *m_button = nullptr;
+    PushButton *m_goOnButton = nullptr;   ///< null until sound is missing
+    std::unique_ptr<WindowOnTop> m_onTop; ///< while it is above full-screen windows
+    std::optional<QPoint> m_pressedAt;    ///< the pointer at the press, on the screen
+    QPoint m_startOfDrag;                 ///< where the bar was at the press
+    std::optional<QPoint> m_draggedTo;    ///< where the user has put it
+    bool m_isDragging = false;
+    QElapsedTimer m_sinceKey;    ///< or since it got the focus
+    QElapsedTimer m_sinceNeeded; ///< shown, or the pointer was on it
+    QElapsedTimer m_sinceAtEdge; ///< the pointer rests there; invalid: it does not
+    QTimer m_pointerTimer;
+};
+
+} // namespace vornic
