@@ -88,7 +88,13 @@ public:
     // recording session
     [[nodiscard]] bool isRecording() const { return m_session && m_session->isRecording(); }
     [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
+    /// Passes run: what is to be stopped.
+    [[nodiscard]] bool isCapturing() const
+    {
+        return m_session && m_session->phase() == RecordingSession::Phase::Capturing;
+    }
     void recorded() { m_session->recorded(); }
+    void recordNow(const QString &file = {}) { m_session->recordNow(file); }
     void startRecordSelectOutFile() { m_session->startRecordSelectOutFile(); }
     void startRecorderWithHintWindow() { m_session->startRecorderWithHintWindow(); }
     void startRecorderAnyway() { m_session->startRecorderAnyway(); }

@@ -46,10 +46,16 @@ QString actionFor(CommandLine::Task task)
     return {};
 }
 
+/// Where the movie is to be put, whatever folder the window that runs was started in; empty: it asks.
+QString movieFile(const CommandLine &line)
+{
+    return line.file.isEmpty() ? QString() : QFileInfo(line.file).absoluteFilePath();
+}
+
 /// Leaves what \a line asks for to the window that runs already; the exit status, or nothing where none takes it.
 std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
 {
-    const QString file = line.file.isEmpty() ? QString() : QFileInfo(line.file).absoluteFilePath();
+    const QString file = movieFile(line);
     const auto answer
         = instance.isOnly() ? SingleInstance::Answer::None : instance.handOver(actionFor(line.task), file);
     if (answer == SingleInstance::Answer::Taken)
@@ -78,7 +84,7 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
     setAppearance();
     const UnixSignals signalled;
     WindowProgram program(application, signalled, instance);
-    return program.run(actionFor(line.task), line.file);
+    return program.run(actionFor(line.task), movieFile(line));
 }
 
 int printAndEnd(const QString &text, std::FILE *stream, int status)

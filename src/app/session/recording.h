@@ -38,7 +38,7 @@ struct Recording {
     bool hasSound = false; ///< is asked for, from an input that was there
     RecordingClock clock { RecordingClock::Origin::FirstPass };
 
-    bool isCaptured = false; ///< passes run, or have run
+    bool isCaptured = false;         ///< passes run, or have run
     bool endsWithFirstFrame = false; ///< stopped before it was captured
     bool stopItemIsShown = false;
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool

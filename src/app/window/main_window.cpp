@@ -178,12 +178,15 @@ void MainWindow::reloadData()
     m_ui->recordButton->setEnabled(!m_delegate.isRecording());
 }
 
-void MainWindow::record(bool fullDisplay)
+void MainWindow::record(bool fullDisplay, const QString &file)
 {
     if (m_delegate.isRecording() || QApplication::activeModalWidget())
         return;
     m_delegate.options()->setIsRecordFullScreen(fullDisplay);
-    m_delegate.recorded();
+    if (file.isEmpty())
+        m_delegate.recorded();
+    else
+        m_delegate.recordNow(file);
 }
 
 void MainWindow::showAbout()

@@ -31,8 +31,9 @@ public:
     void setBusy(bool busy);
     /// Enables the controls that may be used now.
     void reloadData();
-    /// Chooses the full display or the selected rectangle, and presses the record button.
-    void record(bool fullDisplay);
+    /// Chooses the full display or the selected rectangle, and presses the record button; with a \a file it records
+    /// at once, to there.
+    void record(bool fullDisplay, const QString &file = {});
 
 signals:
     void closed();

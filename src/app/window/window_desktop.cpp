@@ -3,9 +3,9 @@
 #include "app/session/time_text.h"
 #include "desktop/idle_inhibitor.h"
 #include "desktop/notifier.h"
+#include "desktop/open_document.h"
 #include "desktop/reveal.h"
 
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QLocale>
 #include <QUrl>
@@ -13,7 +13,9 @@
 namespace vornic {
 
 WindowDesktop::WindowDesktop()
-    : m_notifier(std::make_unique<Notifier>())
+    : m_failed([](const QString &) {})
+    , m_saved([](const QString &, double) {})
+    , m_notifier(std::make_unique<Notifier>())
 {
 }
 
@@ -21,12 +23,24 @@ WindowDesktop::~WindowDesktop() = default;
 
 void WindowDesktop::reveal(const QString &path)
 {
-    revealInFileManager(path);
+    revealWith(path, {});
+}
+
+void WindowDesktop::revealWith(const QString &path, const QString &activationToken)
+{
+    revealInFileManager(path, activationToken, [this](const QUrl &folder) {
+        const QString name = folder.toLocalFile();
+        openDocument(name, [this, name] {
+            m_failed(tr("The folder %1 could not be shown: there is no file browser.").arg(name));
+        });
+    });
 }
 
 void WindowDesktop::open(const QString &path)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    openDocument(path, [this, path] {
+        m_failed(tr("%1 could not be opened: there is no program for it.").arg(path));
+    });
 }
 
 void WindowDesktop::announceMovie(const QString &path, double seconds)
@@ -38,7 +52,8 @@ void WindowDesktop::announceMovie(const QString &path, double seconds)
           = tr("%1: %2 long, %3")
                 .arg(movie.fileName(), minutesAndSeconds(seconds), QLocale().formattedDataSize(movie.size())),
           .actionLabel = tr("Show in folder"),
-          .action = [path](const QString &token) { revealInFileManager(path, token); } });
+          .action = [this, path](const QString &token) { revealWith(path, token); } });
+    m_saved(path, seconds);
 }
 
 void WindowDesktop::inhibitIdle(bool inhibits)

@@ -4,7 +4,9 @@
 
 #include <QCoreApplication>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace vornic {
 
@@ -23,12 +25,27 @@ public:
     WindowDesktop(const WindowDesktop &) = delete;
     WindowDesktop &operator=(const WindowDesktop &) = delete;
 
+    /// Called with a sentence when something was not opened.
+    void setOpeningFailed(std::function<void(const QString &sentence)> failed)
+    {
+        m_failed = std::move(failed);
+    }
+    /// Called with each movie that is complete.
+    void setMovieSaved(std::function<void(const QString &path, double seconds)> saved)
+    {
+        m_saved = std::move(saved);
+    }
+
     void reveal(const QString &path) override;
     void open(const QString &path) override;
     void announceMovie(const QString &path, double seconds) override;
     void inhibitIdle(bool inhibits) override;
 
 private:
+    void revealWith(const QString &path, const QString &activationToken);
+
+    std::function<void(const QString &)> m_failed; ///< never empty, as the one below
+    std::function<void(const QString &, double)> m_saved;
     std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
     std::unique_ptr<Notifier> m_notifier;
 };

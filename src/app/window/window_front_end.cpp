@@ -17,6 +17,7 @@ void WindowFrontEnd::setWindow(MainWindow *window, std::function<void()> stop)
 {
     m_main.window = window;
     m_progress.setStop(std::move(stop));
+    m_desktop.setOpeningFailed([this](const QString &sentence) { m_questions.alertError(sentence); });
 }
 
 } // namespace vornic

@@ -19,7 +19,9 @@ public:
 
     [[nodiscard]] FrontEnd frontEnd() { return { m_questions, m_progress, m_desktop, m_logoPanels }; }
     [[nodiscard]] WindowQuestions &questions() { return m_questions; }
+    [[nodiscard]] const WindowQuestions &questions() const { return m_questions; }
     [[nodiscard]] WindowProgress &progress() { return m_progress; }
+    [[nodiscard]] WindowDesktop &desktop() { return m_desktop; }
     /// Borrows \a window; \a stop is called when the user asks for the end of a recording. Before the first
     /// recording.
     void setWindow(MainWindow *window, std::function<void()> stop);

@@ -1,28 +1,47 @@
 #include "app/window/window_program.h"
 
+#include "app/session/start_settings.h"
 #include "app/session/unix_signals.h"
 #include "app/window/help_document.h"
 #include "audio/audio_backend.h"
 #include "base/log.h"
-#include "base/main_queue.h"
+#include "desktop/global_key.h"
 #include "desktop/single_instance.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
+#include <QTimer>
+#include <QWindow>
+
+#include <chrono>
 
 namespace vornic {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto lookForWindow = 20ms;
+constexpr auto maxWaitForWindow = 2s;
+
+} // namespace
 
 WindowProgram::WindowProgram(QApplication &application,
                              const UnixSignals &signalled,
                              SingleInstance &instance)
     : m_delegate(m_frontEnd.frontEnd())
     , m_overlay(VNRecorderWndCtrl::shareRecorderWndCtrl())
+    , m_key(GlobalKey::create())
 {
     launch();
     connect(&signalled, &UnixSignals::terminationAsked, &m_delegate, &VornicAppDelegate::terminate);
-    connect(&instance, &SingleInstance::activated, this, [this] { perform({}); });
+    connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
     connect(&instance, &SingleInstance::actionAsked, this, &WindowProgram::perform);
+    instance.setActionCheck([this](const QString &action) { return canPerform(action); });
+    connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::startOrStop);
+    listenForKey();
     followSession(application);
 }
 
@@ -57,27 +76,65 @@ void WindowProgram::followSession(QApplication &application)
     connect(&application, &QGuiApplication::commitDataRequest, &m_delegate, &VornicAppDelegate::saveOptions);
 }
 
-int WindowProgram::run(const QString &action)
+int WindowProgram::run(const QString &action, const QString &file)
 {
     m_window->show();
     if (!action.isEmpty())
-        main_queue::async([this, action] { perform(action); });
+        performOnceShown(action, file);
     const int status = QApplication::exec();
     m_delegate.applicationWillTerminate();
     return status;
 }
 
-void WindowProgram::perform(const QString &action)
+/// A window manager that does not know the window yet would not minimise it for the recording.
+void WindowProgram::performOnceShown(const QString &action, const QString &file)
+{
+    auto *look = new QTimer(this);
+    const QDeadlineTimer deadline(maxWaitForWindow);
+    connect(look, &QTimer::timeout, this, [this, look, deadline, action, file] {
+        if (!m_window->windowHandle()->isExposed() && !deadline.hasExpired())
+            return;
+        look->deleteLater();
+        perform(action, file);
+    });
+    look->start(lookForWindow);
+}
+
+bool WindowProgram::canPerform(const QString &action) const
+{
+    const bool isStop = action == QLatin1StringView(stopAction);
+    return isStop == (m_delegate.isCapturing() || m_frontEnd.questions().isCountingDown());
+}
+
+void WindowProgram::perform(const QString &action, const QString &file)
 {
     if (action == QLatin1StringView(stopAction)) {
+        m_frontEnd.questions().cancelCountdown();
         m_delegate.stopRecord();
         return;
     }
     m_frontEnd.progress().bringMainWindowToFront();
     for (const char *recordAction : { recordFullAction, recordRectangleAction }) {
         if (action == QLatin1StringView(recordAction))
-            m_window->record(recordAction == recordFullAction);
+            m_window->record(recordAction == recordFullAction, file);
     }
+}
+
+void WindowProgram::startOrStop()
+{
+    if (m_delegate.isCapturing())
+        m_delegate.stopRecord();
+    else if (m_frontEnd.questions().isCountingDown())
+        m_frontEnd.questions().cancelCountdown();
+    else if (!QApplication::activeModalWidget())
+        m_delegate.recordNow();
+}
+
+void WindowProgram::listenForKey()
+{
+    const QString key = start_settings::shortcut();
+    if (m_key->listenFor(key) != GlobalKey::Answer::Heard)
+        logMessage(QStringLiteral("The key %1 cannot be heard.").arg(key));
 }
 
 } // namespace vornic

@@ -10,6 +10,7 @@ class QApplication;
 
 namespace vornic {
 
+class GlobalKey;
 class SingleInstance;
 class UnixSignals;
 
@@ -28,19 +29,24 @@ public:
     WindowProgram(QApplication &application, const UnixSignals &signalled, SingleInstance &instance);
     ~WindowProgram() override;
 
-    /// Shows the window, carries out \a action unless that is empty, and returns with the exit status when the
-    /// program ends.
-    [[nodiscard]] int run(const QString &action);
+    /// Shows the window, carries out \a action, to \a file, unless they are empty, and returns with the exit status
+    /// when the program ends.
+    [[nodiscard]] int run(const QString &action, const QString &file);
 
 private:
     void launch();
     void followSession(QApplication &application);
-    void perform(const QString &action);
+    void performOnceShown(const QString &action, const QString &file);
+    void perform(const QString &action, const QString &file);
+    [[nodiscard]] bool canPerform(const QString &action) const;
+    void listenForKey();
+    void startOrStop();
 
     WindowFrontEnd m_frontEnd;
     VornicAppDelegate m_delegate;
     VNRecorderWndCtrl &m_overlay;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<GlobalKey> m_key; ///< that starts and stops from any program
 };
 
 } // namespace vornic

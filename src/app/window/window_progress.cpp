@@ -1,20 +1,28 @@
 #include "app/window/window_progress.h"
 
 #include "app/window/VNEncoderProgress.h"
+#include "app/window/application_icon.h"
 #include "app/window/main_window.h"
 #include "app/window/main_window_link.h"
+#include "app/window/screen_settling.h"
 #include "app/window/stop_item.h"
+#include "desktop/notifier.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
 #include "geometry/toolkit_scale.h"
+#include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/overlay_geometry.h"
 
 #include <QGuiApplication>
+#include <QSystemTrayIcon>
+
+#include <utility>
 
 namespace vornic {
 
 WindowProgress::WindowProgress(const MainWindowLink &main)
     : m_main(main)
+    , m_notifier(std::make_unique<Notifier>())
 {
 }
 
@@ -41,10 +49,48 @@ void WindowProgress::hideStopItem()
         m_stopItem.release()->deleteLater();
 }
 
+void WindowProgress::soundIsMissing(const std::function<void()> &goOn)
+{
+    if (!m_stopItem)
+        return;
+    m_stopItem->setTitle(tr("no sound"));
+    m_stopItem->offerToGoOnWithoutSound(goOn);
+    m_notifier->show({ .title = tr("No sound has come yet"),
+                       .body = tr("The recording waits for it and keeps no picture meanwhile."),
+                       .actionLabel = tr("Go on without sound"),
+                       .action = [goOn](const QString & /*token*/) { goOn(); } });
+}
+
 void WindowProgress::minimiseMainWindow()
 {
-    if (m_main.window)
-        m_main.window->showMinimized();
+    if (!m_main.window)
+        return;
+    m_minimisedFrame = m_main.window->isVisible() && !m_main.window->isMinimized()
+        ? m_main.window->frameGeometry()
+        : QRect();
+    m_main.window->showMinimized();
+}
+
+void WindowProgress::whenScreenIsClear(std::function<void()> done)
+{
+    const auto settled = [this, done = std::move(done)] {
+        if (m_settling)
+            m_settling.release()->deleteLater();
+        if (m_stopItem)
+            m_stopItem->allowBar();
+        done();
+    };
+    if (m_main.window && !m_minimisedFrame.isNull())
+        m_settling = std::make_unique<ScreenSettling>(*m_main.window, m_minimisedFrame, settled);
+    else
+        settled();
+}
+
+void WindowProgress::stepAside()
+{
+    VNRecorderWndCtrl::shareRecorderWndCtrl().stepAside();
+    if (m_main.visible())
+        m_main.window->lower();
 }
 
 void WindowProgress::bringMainWindowToFront()
@@ -71,16 +117,23 @@ void WindowProgress::reloadData()
 void WindowProgress::beginProgress(std::uint64_t frames)
 {
     VNEncoderProgress::shareEncoderProgress().beginSheet(m_main.visible(), frames);
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_writingIcon = std::make_unique<QSystemTrayIcon>(applicationIcon());
+    m_writingIcon->show();
 }
 
 void WindowProgress::setProgress(double percent)
 {
     VNEncoderProgress::shareEncoderProgress().setPercent(percent);
+    if (m_writingIcon)
+        m_writingIcon->setToolTip(tr("Vornic is writing the movie: %1 %").arg(static_cast<int>(percent)));
 }
 
 void WindowProgress::endProgress()
 {
     VNEncoderProgress::shareEncoderProgress().endSheet();
+    m_writingIcon.reset();
 }
 
 } // namespace vornic

@@ -2,12 +2,19 @@
 
 #include "app/session/recording_progress.h"
 
+#include <QCoreApplication>
+#include <QRect>
+
 #include <functional>
 #include <memory>
 #include <utility>
 
+class QSystemTrayIcon;
+
 namespace vornic {
 
+class Notifier;
+class ScreenSettling;
 class StopItem;
 struct MainWindowLink;
 
@@ -16,6 +23,7 @@ struct MainWindowLink;
 /// Owned by WindowFrontEnd, whose link to the main window it borrows; main thread only.
 class WindowProgress final : public RecordingProgress
 {
+    Q_DECLARE_TR_FUNCTIONS(vornic::WindowProgress)
 public:
     explicit WindowProgress(const MainWindowLink &main);
     ~WindowProgress();
@@ -28,6 +36,9 @@ public:
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;
+    void soundIsMissing(const std::function<void()> &goOn) override;
+    void whenScreenIsClear(std::function<void()> done) override;
+    void stepAside() override;
     void minimiseMainWindow() override;
     void bringMainWindowToFront() override;
     void setBusy(bool busy) override;
@@ -40,6 +51,10 @@ private:
     const MainWindowLink &m_main;
     std::function<void()> m_stop;
     std::unique_ptr<StopItem> m_stopItem;
+    QRect m_minimisedFrame; ///< where the main window was, in the toolkit's coordinates
+    std::unique_ptr<ScreenSettling> m_settling;
+    std::unique_ptr<QSystemTrayIcon> m_writingIcon; ///< while the movie is written; null without a tray
+    std::unique_ptr<Notifier> m_notifier;
 };
 
 } // namespace vornic

@@ -1,7 +1,9 @@
 #include "app/window/window_questions.h"
 
+#include "app/session/start_settings.h"
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNHintWndCtroller.h"
+#include "app/window/countdown.h"
 #include "app/window/file_panel.h"
 #include "app/window/main_window_link.h"
 
@@ -39,6 +41,8 @@ WindowQuestions::WindowQuestions(const MainWindowLink &main)
         m_movieFolder = QDir::homePath();
 }
 
+WindowQuestions::~WindowQuestions() = default;
+
 void WindowQuestions::askAboutFreeSpace(std::function<void(bool)> answer)
 {
     VNAlertFreeSpace::shareAlertFreeSpace().beginSheetForWindow(m_main.visible(), std::move(answer));
@@ -68,6 +72,35 @@ void WindowQuestions::showHint(std::function<void(int)> answer)
         hint.beginSheetModalForWindow(m_main.visible(), std::move(answer));
     else
         answer(responseContinue);
+}
+
+void WindowQuestions::askToRecordWithoutSound(std::function<void(bool)> answer)
+{
+    QMessageBox box(m_main.visible());
+    fill(box, tr("Record without sound?"), tr("Sound is on, but there is no audio input."));
+    const QPushButton *records = box.addButton(tr("Record without sound"), QMessageBox::AcceptRole);
+    box.setDefaultButton(box.addButton(tr("Cancel"), QMessageBox::RejectRole));
+    box.exec();
+    answer(box.clickedButton() == records);
+}
+
+void WindowQuestions::countDown(std::function<void(bool)> answer)
+{
+    const int seconds = start_settings::countdownSeconds();
+    if (seconds == 0) {
+        answer(true);
+        return;
+    }
+    m_countdown = std::make_unique<Countdown>(seconds, [this, answer = std::move(answer)](bool goOn) {
+        m_countdown.release()->deleteLater();
+        answer(goOn);
+    });
+}
+
+void WindowQuestions::cancelCountdown()
+{
+    if (m_countdown)
+        m_countdown->cancel();
 }
 
 void WindowQuestions::askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer)

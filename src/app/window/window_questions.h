@@ -4,8 +4,11 @@
 
 #include <QCoreApplication>
 
+#include <memory>
+
 namespace vornic {
 
+class Countdown;
 struct MainWindowLink;
 
 /// Panels, sheets and message boxes on the main window.
@@ -16,12 +19,20 @@ class WindowQuestions final : public RecordingQuestions
     Q_DECLARE_TR_FUNCTIONS(vornic::WindowQuestions)
 public:
     explicit WindowQuestions(const MainWindowLink &main);
+    ~WindowQuestions();
+    WindowQuestions(const WindowQuestions &) = delete;
+    WindowQuestions &operator=(const WindowQuestions &) = delete;
 
     void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
     void runSavePanel(const QString &name,
                       const QString &type,
                       std::function<void(std::optional<QString> path)> answer) override;
+    void askToRecordWithoutSound(std::function<void(bool goOn)> answer) override;
     void showHint(std::function<void(int response)> answer) override;
+    void countDown(std::function<void(bool goOn)> answer) override;
+    /// Whether it is counted down now.
+    [[nodiscard]] bool isCountingDown() const { return m_countdown != nullptr; }
+    void cancelCountdown();
     void askForOtherFile(const QString &type,
                          std::function<void(std::optional<QString> path)> answer) override;
     [[nodiscard]] bool confirmQuit(const QString &message, const QString &informativeText) override;
@@ -30,6 +41,7 @@ public:
 
 private:
     const MainWindowLink &m_main;
+    std::unique_ptr<Countdown> m_countdown; ///< null but while it is counted down
     QString m_movieFolder; ///< where the last movie was put; first the user's folder for movies
 };
 
