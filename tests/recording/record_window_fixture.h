@@ -29,17 +29,52 @@ protected:
         return QFileInfo(launcher).path();
     }
 
-    void startProgram()
+    void startProgram(const QStringList &arguments = {})
     {
         program = start(QStringLiteral("env"),
-                        { "QT_QPA_PLATFORM=xcb",
-                          "PULSE_SERVER=unix:/nonexistent",
-                          "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
-                          "LC_ALL=C.UTF-8",
-                          "HOME=" + folder.path(),
-                          "PATH=" + silentLauncher() + ":" + qEnvironmentVariable("PATH"),
-                          QStringLiteral(VORNIC_PROGRAM) });
-        ASSERT_FALSE(waitForWindow("^Vornic$").isEmpty());
+                        QStringList { "QT_QPA_PLATFORM=xcb",
+                                      "PULSE_SERVER=unix:/nonexistent",
+                                      "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
+                                      "LC_ALL=C.UTF-8",
+                                      "HOME=" + folder.path(),
+                                      "PATH=" + silentLauncher() + ":" + qEnvironmentVariable("PATH"),
+                                      QStringLiteral(VORNIC_PROGRAM) }
+                            + arguments);
+        ASSERT_TRUE(!arguments.isEmpty() || !waitForWindow("^Vornic$").isEmpty());
+    }
+    void endProgram()
+    {
+        program->terminate();
+        EXPECT_EQ(finish(*program).status, 0);
+    }
+    /// What the program finds stored at its next start.
+    void store(const QByteArray &key, const QByteArray &value) const
+    {
+        QDir(folder.path()).mkpath("config/kavlor");
+        QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
+        ASSERT_TRUE(settings.open(QIODevice::Append));
+        if (settings.size() == 0)
+            settings.write("[General]\n");
+        settings.write(key + '=' + value + '\n');
+    }
+    /// The movie in the home folder that is complete, once there is one.
+    [[nodiscard]] QString waitForMovie() const
+    {
+        QStringList movies;
+        test::waitUntil([&] { return !(movies = QDir(folder.path()).entryList({ "*.mp4" })).isEmpty(); },
+                        std::chrono::seconds(30));
+        return movies.isEmpty() ? QString() : movie(movies.first());
+    }
+    /// The bar, called by the pointer at the upper edge of the screen where it has hidden itself.
+    static QString callStopBar()
+    {
+        xdotool({ "mousemove", "640", "0" });
+        return waitForWindow("^Stop recording$");
+    }
+    /// A click on it, as with a mouse.
+    static void clickStopBar()
+    {
+        xdotool({ "mousemove", "--window", callStopBar(), "20", "20", "click", "1" });
     }
 
     void TearDown() override

@@ -9,12 +9,10 @@ using testing::streamOf;
 TEST_F(RecordWindowTest, RecordStopAndMovie)
 {
     painter->drawOnRoot(test::knownPicture({ 1280, 720 }), { 0, 0 });
-    const QString stopBar = startRecording();
-    ASSERT_FALSE(stopBar.isEmpty());
+    ASSERT_FALSE(startRecording().isEmpty());
     letPass(std::chrono::milliseconds(1200));
     EXPECT_FALSE(QFile::exists(movie("window.mp4")));
-    // A click on the stop bar, as with a mouse.
-    xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
+    clickStopBar();
     ASSERT_TRUE(waitForFile(movie("window.mp4")));
     EXPECT_FALSE(waitForWindow("^Vornic$").isEmpty());
     const QJsonObject video = streamOf(probe(movie("window.mp4")), "video");
@@ -73,10 +71,9 @@ TEST_F(RecordWindowTest, QuitWhileRecordingAsksAndLeavesACompleteMovie)
 TEST_F(RecordWindowTest, SigtermWhileTheMovieIsWrittenLeavesItComplete)
 {
     const std::unique_ptr<QProcess> scene = startScene();
-    const QString stopBar = startRecording();
-    ASSERT_FALSE(stopBar.isEmpty());
+    ASSERT_FALSE(startRecording().isEmpty());
     letPass(std::chrono::milliseconds(2500));
-    xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
+    clickStopBar();
     ASSERT_TRUE(isBeingWritten(folder.path()));
     program->terminate();
     EXPECT_FALSE(QFile::exists(movie("window.mp4")));
@@ -89,10 +86,9 @@ TEST_F(RecordWindowTest, TheWindowDoesNotCloseWhileTheMovieIsWritten)
 {
     const QString window = waitForWindow("^Vornic$");
     const std::unique_ptr<QProcess> scene = startScene();
-    const QString stopBar = startRecording();
-    ASSERT_FALSE(stopBar.isEmpty());
+    ASSERT_FALSE(startRecording().isEmpty());
     letPass(std::chrono::milliseconds(2500));
-    xdotool({ "mousemove", "--window", stopBar, "20", "20", "click", "1" });
+    clickStopBar();
     ASSERT_TRUE(isBeingWritten(folder.path()));
     xdotool({ "key", "--clearmodifiers", "alt+F4" });
     ASSERT_TRUE(waitForFile(movie("window.mp4")));
