@@ -82,12 +82,9 @@ QSize toggleSize(const QAbstractButton &button, const ToggleSkin &skin)
 void paintToggle(QPainter &painter, const ToggleLook &look)
 {
     drawSkinPicture(painter, look.picture, look.imagePosition);
-    SkinText title = look.title;
-    if (look.hasFocus) {
+    if (look.hasFocus)
         drawFocusOutline(painter, look.imagePosition, look.focusRadius);
-        title.color = skin::value();
-    }
-    drawSkinText(painter, look.textPosition, title);
+    drawSkinText(painter, look.textPosition, look.title);
 }
 
 } // namespace vornic

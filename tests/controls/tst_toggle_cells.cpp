@@ -164,7 +164,7 @@ TEST_P(ToggleCells, ATitleThatIsTooLongEndsWithinTheCell)
 
 INSTANTIATE_TEST_SUITE_P(Ratios, ToggleCells, testing::Values(1, 2));
 
-TEST(ToggleFocus, ShowsInTitleAndOutlineAndMovesNothing)
+TEST(ToggleFocus, ShowsInTheOutlineAndMovesNothing)
 {
     const auto look = [](bool focus) {
         QFont font(QStringLiteral("DejaVu Sans"));
@@ -182,13 +182,14 @@ TEST(ToggleFocus, ShowsInTitleAndOutlineAndMovesNothing)
     };
     const QImage without = look(false);
     const QImage with = look(true);
-    bool titleDiffers = false;
     for (int y = 0; y < 20; ++y)
         for (int x = 0; x < 120; ++x) {
             EXPECT_EQ(at(without, x, y) == garish, at(with, x, y) == garish) << x << ", " << y;
-            titleDiffers = titleDiffers || (x > 18 && at(without, x, y) != at(with, x, y));
+            if (x >= 18) {
+                EXPECT_EQ(at(without, x, y), at(with, x, y))
+                    << "the title keeps its grey, at " << x << ", " << y;
+            }
         }
-    EXPECT_TRUE(titleDiffers);
     EXPECT_EQ(at(with, 7, 3), skin::focus());
     EXPECT_EQ(at(with, 0, 10), skin::focus());
     EXPECT_EQ(at(with, 13, 10), skin::focus());
