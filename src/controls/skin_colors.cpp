@@ -13,7 +13,7 @@ QPalette skinPalette()
                              QPalette::BrightText,
                              QPalette::ToolTipText })
         palette.setColor(role, skin::value());
-    palette.setColor(QPalette::WindowText, skin::title());
+    palette.setColor(QPalette::WindowText, skin::label());
     palette.setColor(QPalette::PlaceholderText, skin::title());
     palette.setColor(QPalette::Highlight, skin::selection());
     palette.setColor(QPalette::Link, skin::focus());

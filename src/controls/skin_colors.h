@@ -17,9 +17,20 @@ namespace vornic {
 
 namespace skin {
 
+/// Of check boxes and radio buttons, of hints in fields and wells.
 [[nodiscard]] inline QColor title()
 {
     return calibratedWhite(0.62);
+}
+/// Of labels that name a control or explain something: brighter than the value of a control that cannot be used.
+[[nodiscard]] inline QColor label()
+{
+    return calibratedWhite(0.76);
+}
+/// Of labels above a group of controls, and at the top of a sheet.
+[[nodiscard]] inline QColor heading()
+{
+    return calibratedWhite(0.95);
 }
 /// Of labels and buttons; the titles of check boxes and radio buttons keep their grey.
 [[nodiscard]] inline QColor disabledTitle()
@@ -46,6 +57,12 @@ namespace skin {
 {
     return calibratedWhite(0.1804);
 }
+/// Over the background of windows: without it, title() at the top of a window has a contrast of 4.2, which is hard to
+/// read.
+[[nodiscard]] inline QColor windowShade()
+{
+    return QColor::fromRgbF(0, 0, 0, 0.14F);
+}
 /// Around what has the keyboard focus; of links, too.
 [[nodiscard]] inline QColor focus()
 {
@@ -54,7 +71,7 @@ namespace skin {
 /// Behind what is selected.
 [[nodiscard]] inline QColor selection()
 {
-    return { 0x1d, 0x82, 0xb8 };
+    return { 0x1a, 0x77, 0xa9 };
 }
 /// Of lists, menus and empty wells, like the inside of text fields.
 [[nodiscard]] inline QColor recess()
@@ -63,11 +80,11 @@ namespace skin {
 }
 [[nodiscard]] inline QColor recessEdge()
 {
-    return { 0x58, 0x58, 0x5d };
+    return { 0x8c, 0x8c, 0x91 };
 }
 [[nodiscard]] inline QColor disabledEdge()
 {
-    return { 0x3f, 0x3f, 0x42 };
+    return { 0x5a, 0x5a, 0x5e };
 }
 /// Around an image well that takes what is dragged over it.
 [[nodiscard]] inline QColor dropTarget()
@@ -94,11 +111,11 @@ namespace skin {
 }
 [[nodiscard]] inline ButtonFace defaultFace()
 {
-    return { { 0x1e, 0x80, 0xb5 }, { 0x17, 0x6a, 0x97 }, { 0x2a, 0x92, 0xc8 } };
+    return { { 0x1a, 0x76, 0xa7 }, { 0x15, 0x63, 0x8d }, { 0x2a, 0x92, 0xc8 } };
 }
 [[nodiscard]] inline ButtonFace defaultFaceOver()
 {
-    return { { 0x23, 0x8a, 0xc2 }, { 0x1b, 0x76, 0xa6 }, { 0x3a, 0xa6, 0xdd } };
+    return { { 0x1b, 0x7c, 0xb0 }, { 0x1a, 0x76, 0xa6 }, { 0x5a, 0xbb, 0xec } };
 }
 [[nodiscard]] inline ButtonFace defaultFaceDown()
 {
@@ -107,11 +124,11 @@ namespace skin {
 /// Of the button that starts a recording: the red of the stop item.
 [[nodiscard]] inline ButtonFace recordFace()
 {
-    return { { 0xd8, 0x38, 0x30 }, { 0xc1, 0x2a, 0x23 }, { 0xe2, 0x5a, 0x52 } };
+    return { { 0xcb, 0x32, 0x2a }, { 0xb5, 0x26, 0x1f }, { 0xe2, 0x5a, 0x52 } };
 }
 [[nodiscard]] inline ButtonFace recordFaceOver()
 {
-    return { { 0xe0, 0x43, 0x3a }, { 0xcc, 0x31, 0x29 }, { 0xec, 0x72, 0x6a } };
+    return { { 0xd9, 0x3a, 0x31 }, { 0xcc, 0x31, 0x29 }, { 0xf0, 0x86, 0x7f } };
 }
 [[nodiscard]] inline ButtonFace recordFaceDown()
 {

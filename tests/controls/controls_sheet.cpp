@@ -6,7 +6,6 @@
 #include "controls/VNComboBoxCell.h"
 #include "controls/VNComboboxView.h"
 #include "controls/VNDragDropImageView.h"
-#include "controls/VNPromptView.h"
 #include "controls/VNRadioCell.h"
 #include "controls/VNSliderCell.h"
 #include "controls/VNStepperCell.h"
@@ -15,6 +14,7 @@
 #include "controls/push_button.h"
 #include "controls/record_button.h"
 #include "controls/skin_colors.h"
+#include "controls/window_background.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -198,7 +198,7 @@ std::vector<Row> rows()
 }
 
 /// All controls, a row each, in as many columns as there are states.
-class Sheet : public VNPromptView
+class Sheet : public WindowBackground
 {
 public:
     Sheet()

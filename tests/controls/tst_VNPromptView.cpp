@@ -1,10 +1,9 @@
+#include "contrast.h"
 #include "control_pictures.h"
 #include "controls/VNPromptView.h"
 #include "controls/skin_colors.h"
 
 #include <QLabel>
-
-#include <cmath>
 
 namespace vornic {
 namespace {
@@ -42,31 +41,18 @@ TEST(PromptBackground, FillsTheRectangleAndNoMore)
         EXPECT_EQ(at(image, outside.x(), outside.y()), garish);
 }
 
-/// How much lighter the one is than the other, as readers perceive it: 1 to 21.
-double contrast(const QColor &light, const QColor &dark)
-{
-    const auto luminance = [](const QColor &color) {
-        const auto linear = [](double level) {
-            return level <= 0.03928 ? level / 12.92 : std::pow((level + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
-            + 0.0722 * linear(color.blueF());
-    };
-    return (luminance(light) + 0.05) / (luminance(dark) + 0.05);
-}
-
 TEST(SkinPalette, LabelsOnThePromptViewCanBeRead)
 {
     VNPromptView view;
     QLabel label(&view);
-    EXPECT_EQ(label.palette().color(QPalette::WindowText), skin::title());
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), skin::label());
     const QPalette palette = skinPalette();
-    EXPECT_GT(contrast(palette.color(QPalette::WindowText), skin::promptTop()), 4);
+    EXPECT_GT(contrast(palette.color(QPalette::WindowText), skin::promptTop()), 4.5);
     EXPECT_GT(contrast(palette.color(QPalette::Link), skin::promptTop()), 4.5);
     EXPECT_GT(contrast(palette.color(QPalette::Text), palette.color(QPalette::Base)), 7);
     EXPECT_GT(contrast(palette.color(QPalette::ButtonText), palette.color(QPalette::Button)), 7);
     EXPECT_GT(contrast(palette.color(QPalette::PlaceholderText), palette.color(QPalette::Base)), 4.5);
-    EXPECT_GT(contrast(palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight)), 4);
+    EXPECT_GT(contrast(palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight)), 4.5);
     EXPECT_LT(contrast(palette.color(QPalette::Disabled, QPalette::WindowText), skin::promptTop()), 3)
         << "what cannot be used looks so";
 }
@@ -77,11 +63,13 @@ TEST(SkinPalette, TextOnButtonsCanBeRead)
                                     skin::faceOver(),
                                     skin::faceDown(),
                                     skin::defaultFace(),
+                                    skin::defaultFaceOver(),
                                     skin::defaultFaceDown(),
                                     skin::recordFace(),
+                                    skin::recordFaceOver(),
                                     skin::recordFaceDown() })
         for (const QColor &color : { face.top, face.bottom })
-            EXPECT_GT(contrast(skin::value(), color), 4) << color.name().toStdString();
+            EXPECT_GT(contrast(skin::value(), color), 4.5) << color.name().toStdString();
     EXPECT_GT(contrast(skin::focus(), skin::promptTop()), 3) << "the outline of the focus";
 }
 

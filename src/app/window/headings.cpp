@@ -1,5 +1,7 @@
 #include "app/window/headings.h"
 
+#include "controls/skin_colors.h"
+
 #include <QVariant>
 #include <QWidget>
 
@@ -14,6 +16,11 @@ void emboldenHeadings(const QWidget &window)
         QFont bold = control->font();
         bold.setBold(true);
         control->setFont(bold);
+        // Brighter than the labels beneath; the skin's check boxes paint their titles in a grey of their own.
+        QPalette bright = control->palette();
+        bright.setColor(QPalette::Active, QPalette::WindowText, skin::heading());
+        bright.setColor(QPalette::Inactive, QPalette::WindowText, skin::heading());
+        control->setPalette(bright);
     }
 }
 

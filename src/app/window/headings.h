@@ -4,7 +4,7 @@ class QWidget;
 
 namespace vornic {
 
-/// Makes the controls in \a window bold whose interface file calls them a "heading".
+/// Makes the controls in \a window bold and bright whose interface file calls them a "heading".
 void emboldenHeadings(const QWidget &window);
 
 } // namespace vornic
