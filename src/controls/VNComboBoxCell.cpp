@@ -5,9 +5,13 @@
 #include "controls/skin_pictures.h"
 #include "controls/skin_style.h"
 
+#include <QAbstractItemView>
 #include <QChildEvent>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 
 namespace vornic {
 
@@ -18,6 +22,28 @@ constexpr double textMargin = 8;
 constexpr double textGap = 4; ///< before the button
 constexpr double focusRadius = 4;
 constexpr int minTextWidth = 24;
+
+/// An item of the open list, which has a mark where it is the chosen one.
+class MarkedItem : public QStyledItemDelegate
+{
+public:
+    explicit MarkedItem(QComboBox *box)
+        : QStyledItemDelegate(box)
+        , m_box(box)
+    {
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->features |= QStyleOptionViewItem::HasCheckIndicator;
+        option->checkState = index.row() == m_box->currentIndex() ? Qt::Checked : Qt::Unchecked;
+    }
+
+private:
+    const QComboBox *m_box;
+};
 
 } // namespace
 
@@ -33,6 +59,22 @@ QRectF popupTextRect(const QRectF &frame)
     return frame.adjusted(textMargin, 0, -buttonSide - textGap, 0);
 }
 
+SkinText popupText(const QString &title, const QFont &font, bool isEnabled)
+{
+    return { .text = title,
+             .font = font,
+             .color = isEnabled ? skin::value() : skin::disabledValue(),
+             .hasShadow = false,
+             .elision = Qt::ElideMiddle };
+}
+
+QString popupToolTip(const SkinText &title, int width, const QString &toolTip)
+{
+    if (!isSkinTextElided(title, popupTextRect(QRectF(0, 0, width, buttonSide)).width()))
+        return toolTip;
+    return toolTip.isEmpty() ? title.text : title.text + QLatin1Char('\n') + toolTip;
+}
+
 VNComboBoxCell::VNComboBoxCell(QWidget *parent)
     : QComboBox(parent)
 {
@@ -40,6 +82,8 @@ VNComboBoxCell::VNComboBoxCell(QWidget *parent)
     setPalette(skinPalette());
     setFixedHeight(skinFieldHeight);
     setLayoutDirection(Qt::LeftToRight);
+    view()->setStyle(SkinStyle::shared());
+    setItemDelegate(new MarkedItem(this));
 }
 
 void VNComboBoxCell::drawWithFrame(const QRectF &frame, QPainter &view)
@@ -47,14 +91,23 @@ void VNComboBoxCell::drawWithFrame(const QRectF &frame, QPainter &view)
     drawFieldLeft(view, frame, true, buttonSide);
     drawSkinPicture(view, QStringLiteral("popupBtn.png"), popupButtonRect(frame));
     if (!isEditable())
-        drawSkinText(view,
-                     popupTextRect(frame),
-                     { .text = currentText(),
-                       .font = font(),
-                       .color = isEnabled() ? skin::value() : skin::disabledValue(),
-                       .hasShadow = false });
+        drawSkinText(view, popupTextRect(frame), shownText());
     if (hasFocus() || (isEditable() && lineEdit()->hasFocus()))
         drawFocusOutline(view, frame, focusRadius);
+}
+
+SkinText VNComboBoxCell::shownText() const
+{
+    return popupText(currentText(), font(), isEnabled());
+}
+
+bool VNComboBoxCell::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || isEditable())
+        return QComboBox::event(event);
+    QToolTip::showText(
+        static_cast<QHelpEvent *>(event)->globalPos(), popupToolTip(shownText(), width(), toolTip()), this);
+    return true;
 }
 
 void VNComboBoxCell::paintEvent(QPaintEvent * /*event*/)

@@ -59,12 +59,7 @@ void paintCombobox(QPainter &painter, const QRectF &bounds, const ComboboxLook &
     const QRectF button = VNComboboxView::getSettingPos(bounds);
     drawFieldLeft(painter, bounds, look.isEnabled, button.width());
     drawSkinPicture(painter, comboboxButtonPicture(look), button);
-    drawSkinText(painter,
-                 popupTextRect(bounds),
-                 { .text = look.title,
-                   .font = look.font,
-                   .color = look.isEnabled ? skin::value() : skin::disabledValue(),
-                   .hasShadow = false });
+    drawSkinText(painter, popupTextRect(bounds), popupText(look.title, look.font, look.isEnabled));
     if (look.hasFocus)
         drawFocusOutline(painter, bounds, focusRadius);
 }
@@ -120,6 +115,7 @@ void VNComboboxView::addMenuItem(const QString &title)
     const QString before = stringValue();
     QAction *item = mPopupMenu->addAction(withoutMnemonics(title));
     item->setData(title);
+    item->setCheckable(true); // the selected one has a mark
     connect(item, &QAction::triggered, this, [this, item] { onMenuItemChanged(item); });
     updateGeometry();
     shownTitleChanged(before);
@@ -176,6 +172,8 @@ void VNComboboxView::popUp()
     const QList<QAction *> items = mPopupMenu->actions();
     if (!isEnabled() || items.isEmpty())
         return;
+    for (qint64 index = 0; index < items.size(); ++index)
+        items.at(index)->setChecked(index == m_indexOfSelected);
     mPopupMenu->setMinimumWidth(width());
     mPopupMenu->setAttribute(Qt::WA_NoMouseReplay, false);
     mPopupMenu->popup(mapToGlobal(QPoint(0, height())), items.first());

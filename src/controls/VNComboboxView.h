@@ -68,7 +68,7 @@ public:
     void setSelector(const QByteArray &selector) { m_action.setSelector(selector); }
 
     void drawRect(QPainter &view);
-    /// Wide enough for the longest title, within reason; a longer one ends in an ellipsis.
+    /// Wide enough for the longest title, within reason; of a longer one the middle is left out.
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -83,6 +83,7 @@ signals:
     void stringValueChanged();
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;

@@ -1,9 +1,12 @@
+#include "controls/VNComboBoxCell.h"
 #include "controls/VNComboboxView.h"
 #include "controls/combobox_typing.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -15,6 +18,16 @@ namespace {
 constexpr int wheelStep = 120;
 
 } // namespace
+
+bool VNComboboxView::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
+                       popupToolTip(popupText(stringValue(), font(), isEnabled()), width(), toolTip()),
+                       this);
+    return true;
+}
 
 void VNComboboxView::mousePressEvent(QMouseEvent *event)
 {

@@ -30,6 +30,11 @@ double skinTextWidth(const SkinText &text)
     return std::ceil(QFontMetricsF(text.font).size(text.flags | Qt::TextSingleLine, text.text).width());
 }
 
+bool isSkinTextElided(const SkinText &text, double width)
+{
+    return skinTextWidth(text) > std::ceil(width);
+}
+
 void drawSkinText(QPainter &painter, const QRectF &rectangle, const SkinText &text)
 {
     const QFontMetricsF metrics(text.font);
@@ -37,8 +42,8 @@ void drawSkinText(QPainter &painter, const QRectF &rectangle, const SkinText &te
     const double y = onPixelRow(painter, rectangle.y() + (rectangle.height() - height) / 2);
     const QRectF line(rectangle.x(), y, rectangle.width(), height);
     QString shown = text.text;
-    if (skinTextWidth(text) > std::ceil(line.width()))
-        shown = metrics.elidedText(text.text, Qt::ElideRight, line.width(), text.flags);
+    if (isSkinTextElided(text, line.width()))
+        shown = metrics.elidedText(text.text, text.elision, line.width(), text.flags);
     const int flags = text.flags | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip;
     painter.save();
     painter.setFont(text.font);

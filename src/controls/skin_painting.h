@@ -19,13 +19,17 @@ struct SkinText {
     QColor color;
     bool hasShadow = true;     ///< black, one point below
     int flags = Qt::AlignLeft; ///< horizontal alignment, and Qt::TextShowMnemonic or Qt::TextHideMnemonic
+    Qt::TextElideMode elision = Qt::ElideRight; ///< where an ellipsis stands for what is too long
 };
 
-/// Vertically centred in \a rectangle; what is too long ends in an ellipsis.
+/// Vertically centred in \a rectangle; what is too long gets an ellipsis.
 void drawSkinText(QPainter &painter, const QRectF &rectangle, const SkinText &text);
 
 /// How wide drawSkinText() draws it, where there is room.
 [[nodiscard]] double skinTextWidth(const SkinText &text);
+
+/// Whether drawSkinText() has to leave some of it out in \a width.
+[[nodiscard]] bool isSkinTextElided(const SkinText &text, double width);
 
 /// Whether the text of \a control shows its mnemonic, as one of SkinText's flags.
 [[nodiscard]] int mnemonicFlag(const QWidget &control);

@@ -7,6 +7,8 @@
 #include "controls/number_field.h"
 
 #include <QApplication>
+#include <QMenu>
+#include <QPainter>
 #include <QPointer>
 #include <QStyleOption>
 
@@ -44,6 +46,20 @@ QRect numberPart(const QRect &frame, QStyle::SubControl part)
     if (part == QStyle::SC_SpinBoxFrame)
         return frame;
     return stepperPart(numberStepperRect(frame).toRect(), part);
+}
+
+/// The mark of the chosen item of a menu or list, in the colour of its title; nothing beside the others.
+void drawChosenMark(QPainter &painter, const QStyleOption &box)
+{
+    if (!box.state.testFlag(QStyle::State_On))
+        return;
+    const QPointF middle = QRectF(box.rect).center();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(box.palette.color(QPalette::Text), 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(
+        QPolygonF { middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -4) });
+    painter.restore();
 }
 
 QRect comboPart(const QStyleOptionComplex &combo, QStyle::SubControl part)
@@ -121,6 +137,11 @@ void SkinStyle::drawPrimitive(PrimitiveElement element,
                               QPainter *painter,
                               const QWidget *widget) const
 {
+    if ((element == PE_IndicatorCheckBox && qobject_cast<const QMenu *>(widget))
+        || element == PE_IndicatorItemViewItemCheck) {
+        drawChosenMark(*painter, *option);
+        return;
+    }
     // The field is painted already.
     const bool isOurs = qobject_cast<const VNTextFieldCell *>(widget)
         || (widget && qobject_cast<const VNComboBoxCell *>(widget->parentWidget()));

@@ -8,7 +8,7 @@ namespace vornic {
 /// geometry that they are painted with.
 ///
 /// One for all controls, made at the first call as a child of the application; main thread only. What it
-/// does not know is the application style's. It paints nothing.
+/// does not know is the application style's. All that it paints is the mark of the chosen item of a menu or list.
 class SkinStyle : public QProxyStyle
 {
     Q_OBJECT

@@ -4,9 +4,11 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 namespace vornic {
 namespace {
@@ -111,6 +113,42 @@ TEST_F(ComboBoxCell, HasRoomForItsWidestItem)
     EXPECT_EQ(cell.sizeHint().height(), 28);
     EXPECT_EQ(cell.height(), 28);
     EXPECT_LT(cell.minimumSizeHint().width(), before);
+}
+
+TEST_F(ComboBoxCell, TheOpenListMarksTheChosenItem)
+{
+    cell.addItem(QStringLiteral("Tiny"));
+    const auto leftOfText = [this](int row) {
+        const QAbstractItemView &list = *cell.view();
+        const QRect item = list.visualRect(list.model()->index(row, 0));
+        return cell.view()->viewport()->grab(QRect(item.topLeft(), QSize(16, item.height()))).toImage();
+    };
+    cell.setCurrentIndex(1);
+    cell.show();
+    cell.showPopup();
+    cell.view()->setCurrentIndex(cell.view()->model()->index(0, 0)); // that one is highlighted
+    EXPECT_TRUE(leftOfText(2) == leftOfText(3));
+    EXPECT_FALSE(leftOfText(1) == leftOfText(2));
+    cell.hidePopup();
+    EXPECT_EQ(cell.currentIndex(), 1);
+}
+
+TEST_F(ComboBoxCell, OfALongTextTheMiddleIsLeftOutAndTheToolTipTellsIt)
+{
+    const QString name(QStringLiteral("A text that is much too long for this box, first"));
+    cell.addItems({ name, name.chopped(5) + QStringLiteral("second") });
+    cell.resize(160, 28);
+    const auto toolTip = [this] {
+        QHelpEvent event(QEvent::ToolTip, { 5, 5 }, cell.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&cell, &event);
+        return QToolTip::text();
+    };
+    cell.show();
+    cell.setCurrentText(name);
+    const QImage first = painted(cell, 1);
+    EXPECT_EQ(toolTip(), name);
+    cell.setCurrentIndex(cell.currentIndex() + 1);
+    EXPECT_NE(painted(cell, 1), first) << "the ends of the texts are shown";
 }
 
 TEST_F(ComboBoxCell, RoleNameAndValueAreTheToolkits)

@@ -4,10 +4,12 @@
 
 #include <QAccessible>
 #include <QCursor>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <limits>
@@ -278,6 +280,61 @@ TEST_F(ComboboxView, ThePressOpensTheMenuBelowTheView)
     EXPECT_EQ(view.indexOfSelected(), 2);
     EXPECT_EQ(receiver.calls, 1);
     EXPECT_FALSE(view.menu().isVisible());
+}
+
+TEST_F(ComboboxView, TheOpenMenuMarksTheSelectedItem)
+{
+    show();
+    const auto marked = [this] {
+        QList<qint64> indexes;
+        for (qint64 index = 0; index < view.numberOfMenuItems(); ++index) {
+            if (view.menu().actions().at(index)->isChecked())
+                indexes += index;
+        }
+        return indexes;
+    };
+    /// The colours left of the title of the item at \a index.
+    const auto leftOfTitle = [this](qint64 index) {
+        view.menu().setActiveAction(view.menu().actions().at(0)); // that one is highlighted
+        const QRect item = view.menu().actionGeometry(view.menu().actions().at(index));
+        return view.menu().grab(QRect(item.topLeft(), QSize(16, item.height() - 2))).toImage();
+    };
+    view.setIndexOfSelected(1);
+    view.popUp();
+    EXPECT_EQ(marked(), QList<qint64> { 1 });
+    EXPECT_TRUE(leftOfTitle(3) == leftOfTitle(2));
+    EXPECT_FALSE(leftOfTitle(1) == leftOfTitle(2));
+    view.menu().actions().at(1)->trigger();
+    view.popUp();
+    EXPECT_EQ(marked(), QList<qint64> { 1 }) << "choosing what is chosen takes no mark away";
+    view.menu().close();
+    view.setIndexOfSelected(2);
+    view.popUp();
+    EXPECT_EQ(marked(), QList<qint64> { 2 });
+    view.menu().close();
+}
+
+TEST_F(ComboboxView, OfALongTitleTheMiddleIsLeftOutAndTheToolTipTellsIt)
+{
+    const QString device = QStringLiteral("Monitor of a sound card with a very long name, front");
+    const auto toolTip = [this] {
+        QHelpEvent event(QEvent::ToolTip, { 5, 5 }, view.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&view, &event);
+        return QToolTip::text();
+    };
+    show();
+    view.addMenuItem(device);
+    view.addMenuItem(device.chopped(5) + QStringLiteral("back"));
+    view.setIndexOfSelected(4);
+    EXPECT_EQ(toolTip(), device);
+    const QImage front = painted(view, 1);
+    view.setIndexOfSelected(5);
+    EXPECT_NE(painted(view, 1), front) << "the ends of the titles are shown";
+    view.setToolTip(QStringLiteral("What is recorded"));
+    view.setIndexOfSelected(4);
+    EXPECT_EQ(toolTip(), device + QStringLiteral("\nWhat is recorded"));
+    view.setIndexOfSelected(0);
+    EXPECT_EQ(toolTip(), QStringLiteral("What is recorded"));
 }
 
 TEST_F(ComboboxView, TitlesKeepTheirAmpersands)
