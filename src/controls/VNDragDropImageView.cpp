@@ -1,5 +1,6 @@
 #include "controls/VNDragDropImageView.h"
 
+#include "controls/image_panel.h"
 #include "controls/painted_control_access.h"
 #include "controls/picture_data.h"
 #include "controls/picture_file.h"
@@ -8,8 +9,6 @@
 #include "controls/skin_painting.h"
 
 #include <QDropEvent>
-#include <QFileDialog>
-#include <QImageReader>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -32,14 +31,6 @@ QImage pictureFrom(const QMimeData *pasteboard)
     if (pasteboard->hasImage())
         return pasteboard->imageData().value<QImage>();
     return readPictureFile(pasteboard->urls().value(0).toLocalFile());
-}
-
-QString fileNameFilter()
-{
-    QStringList patterns;
-    for (const QByteArray &format : QImageReader::supportedImageFormats())
-        patterns += QStringLiteral("*.") + QString::fromLatin1(format);
-    return VNDragDropImageView::tr("Pictures (%1)").arg(patterns.join(QLatin1Char(' ')));
 }
 
 } // namespace
@@ -200,10 +191,8 @@ void VNDragDropImageView::popUp()
 {
     if (!isEnabled())
         return;
-    auto *panel = new QFileDialog(window(), tr("Choose a picture"), QString(), fileNameFilter());
+    auto *panel = new ImagePanel(window(), tr("Choose a picture"));
     panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setFileMode(QFileDialog::ExistingFile);
-    panel->setAcceptMode(QFileDialog::AcceptOpen);
     connect(panel, &QFileDialog::fileSelected, this, &VNDragDropImageView::loadFile);
     panel->open();
 }

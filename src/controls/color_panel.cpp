@@ -1,5 +1,8 @@
 #include "controls/color_panel.h"
 
+#include "controls/beside_window.h"
+#include "controls/dialog_skin.h"
+
 #include <QApplication>
 
 namespace vornic {
@@ -21,6 +24,8 @@ ColorPanel::ColorPanel()
 {
     setOptions(QColorDialog::NoButtons | QColorDialog::DontUseNativeDialog);
     setWindowTitle(tr("Colour"));
+    addCloseButton(*this);
+    dressButtons(*this);
     connect(this, &QColorDialog::currentColorChanged, this, [this] {
         if (m_target)
             m_target->changeColor(*this);
@@ -42,6 +47,8 @@ void ColorPanel::orderFront()
     const Qt::WindowFlags above = window->windowFlags() & Qt::WindowStaysOnTopHint;
     if (parentWidget() != window || (windowFlags() & Qt::WindowStaysOnTopHint) != above)
         setParent(window, Qt::Dialog | above);
+    if (!isVisible())
+        placeBeside(*this, *window);
     show();
     raise();
     activateWindow();

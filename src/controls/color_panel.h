@@ -20,7 +20,7 @@ public:
     [[nodiscard]] VNColorWell *target() const { return m_target; }
     /// Shows the colour of \a target and changes it from now on; the one before keeps what it has.
     void setTarget(VNColorWell &target);
-    /// Above the target's window and no other.
+    /// Above the target's window and no other, and beside it where there is room.
     void orderFront();
 
 private:

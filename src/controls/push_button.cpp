@@ -23,7 +23,29 @@ ButtonFaces faces(bool isDefault)
     return { skin::face(), skin::faceOver(), skin::faceDown() };
 }
 
+/// In points; 0 without an icon.
+int iconSide(const QPushButton &button)
+{
+    return button.icon().isNull() ? 0 : button.iconSize().height();
+}
+
 } // namespace
+
+void paintPushButton(QPainter &painter, const QPushButton &button)
+{
+    paintButtonFace(painter, button, faces(button.isDefault()), metrics.radius);
+    const SkinText text = buttonLabel(button, button.font());
+    const int side = iconSide(button);
+    const ButtonContents contents = buttonContents(button.rect(), metrics, side, skinTextWidth(text));
+    drawSkinText(painter, contents.text, text);
+    painter.setOpacity(button.isEnabled() ? 1 : disabledOpacity);
+    button.icon().paint(&painter, contents.picture.toRect());
+}
+
+QSize pushButtonSize(const QPushButton &button)
+{
+    return buttonSize(metrics, iconSide(button), buttonLabel(button, button.font()));
+}
 
 PushButton::PushButton(QWidget *parent)
     : PushButton(QString(), parent)
@@ -36,25 +58,15 @@ PushButton::PushButton(const QString &text, QWidget *parent)
     setAttribute(Qt::WA_Hover);
 }
 
-int PushButton::iconSide() const
-{
-    return icon().isNull() ? 0 : iconSize().height();
-}
-
 void PushButton::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    paintButtonFace(painter, *this, faces(isDefault()), metrics.radius);
-    const SkinText text = buttonLabel(*this, font());
-    const ButtonContents contents = buttonContents(rect(), metrics, iconSide(), skinTextWidth(text));
-    drawSkinText(painter, contents.text, text);
-    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
-    icon().paint(&painter, contents.picture.toRect());
+    paintPushButton(painter, *this);
 }
 
 QSize PushButton::sizeHint() const
 {
-    return buttonSize(metrics, iconSide(), buttonLabel(*this, font()));
+    return pushButtonSize(*this);
 }
 
 QSize PushButton::minimumSizeHint() const

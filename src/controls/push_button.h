@@ -4,6 +4,10 @@
 
 namespace vornic {
 
+/// Any push button as PushButton looks, and how large it is then.
+void paintPushButton(QPainter &painter, const QPushButton &button);
+[[nodiscard]] QSize pushButtonSize(const QPushButton &button);
+
 /// A push button in the greys of the list buttons, blue when it is the window's default.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. Its behaviour is the toolkit's;
@@ -20,10 +24,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-
-private:
-    /// In points; 0 without an icon.
-    [[nodiscard]] int iconSide() const;
 };
 
 } // namespace vornic

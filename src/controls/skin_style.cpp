@@ -5,6 +5,7 @@
 #include "controls/VNStepperCell.h"
 #include "controls/VNTextFieldCell.h"
 #include "controls/number_field.h"
+#include "controls/push_button.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -130,6 +131,27 @@ int SkinStyle::styleHint(StyleHint hint,
     if (hint == SH_BlinkCursorWhenTextSelected)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, returnData);
+}
+
+QSize SkinStyle::sizeFromContents(ContentsType type,
+                                  const QStyleOption *option,
+                                  const QSize &size,
+                                  const QWidget *widget) const
+{
+    if (const auto *button = qobject_cast<const QPushButton *>(widget); button && type == CT_PushButton)
+        return pushButtonSize(*button);
+    return QProxyStyle::sizeFromContents(type, option, size, widget);
+}
+
+void SkinStyle::drawControl(ControlElement element,
+                            const QStyleOption *option,
+                            QPainter *painter,
+                            const QWidget *widget) const
+{
+    if (const auto *button = qobject_cast<const QPushButton *>(widget); button && element == CE_PushButton)
+        paintPushButton(*painter, *button);
+    else
+        QProxyStyle::drawControl(element, option, painter, widget);
 }
 
 void SkinStyle::drawPrimitive(PrimitiveElement element,

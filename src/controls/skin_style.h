@@ -8,7 +8,8 @@ namespace vornic {
 /// geometry that they are painted with.
 ///
 /// One for all controls, made at the first call as a child of the application; main thread only. What it
-/// does not know is the application style's. All that it paints is the mark of the chosen item of a menu or list.
+/// does not know is the application style's. It paints the mark of the chosen item of a menu
+/// or list, and the toolkit's push buttons.
 class SkinStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -27,6 +28,14 @@ public:
                                 const QStyleOption *option,
                                 const QWidget *widget,
                                 QStyleHintReturn *returnData) const override;
+    [[nodiscard]] QSize sizeFromContents(ContentsType type,
+                                         const QStyleOption *option,
+                                         const QSize &size,
+                                         const QWidget *widget) const override;
+    void drawControl(ControlElement element,
+                     const QStyleOption *option,
+                     QPainter *painter,
+                     const QWidget *widget) const override;
     void drawPrimitive(PrimitiveElement element,
                        const QStyleOption *option,
                        QPainter *painter,

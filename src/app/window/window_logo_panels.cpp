@@ -2,10 +2,11 @@
 
 #include "app/window/file_panel.h"
 #include "app/window/main_window_link.h"
+#include "controls/beside_window.h"
+#include "controls/dialog_skin.h"
+#include "controls/image_panel.h"
 
-#include <QFileDialog>
 #include <QFontDialog>
-#include <QImageReader>
 
 #include <utility>
 
@@ -18,14 +19,7 @@ WindowLogoPanels::WindowLogoPanels(const MainWindowLink &main)
 
 void WindowLogoPanels::chooseLogoImage(std::function<void(std::optional<QString>)> answer)
 {
-    auto *panel = new QFileDialog(m_main.visible(), tr("Choose the logo's picture"));
-    panel->setFileMode(QFileDialog::ExistingFile);
-    QStringList types;
-    const QList<QByteArray> formats = QImageReader::supportedImageFormats();
-    for (const QByteArray &type : formats)
-        types += QStringLiteral("*.%1").arg(QString::fromLatin1(type));
-    panel->setNameFilter(tr("Pictures (%1)").arg(types.join(u' ')));
-    runFilePanel(*panel, std::move(answer));
+    runFilePanel(*new ImagePanel(m_main.visible(), tr("Choose the logo's picture")), std::move(answer));
 }
 
 void WindowLogoPanels::orderFrontFontPanel(const QFont &selected, std::function<void(const QFont &)> changed)
@@ -36,6 +30,10 @@ void WindowLogoPanels::orderFrontFontPanel(const QFont &selected, std::function<
         m_fontPanel->setOptions(QFontDialog::DontUseNativeDialog | QFontDialog::NoButtons);
         m_fontPanel->setWindowTitle(tr("The logo's font"));
         m_fontPanel->setCurrentFont(selected);
+        addCloseButton(*m_fontPanel);
+        dressButtons(*m_fontPanel);
+        if (const QWidget *window = m_main.visible())
+            placeBeside(*m_fontPanel, *window);
         QObject::connect(m_fontPanel, &QFontDialog::currentFontChanged, m_fontPanel, std::move(changed));
     }
     m_fontPanel->show();

@@ -1,0 +1,17 @@
+#pragma once
+
+class QDialog;
+
+namespace vornic {
+
+/// The skin for dialogs that the toolkit makes: their colours come with the application's palette, and this is for
+/// the rest. Main thread only.
+
+/// All push buttons of \a dialog look like PushButton, without the icons of the toolkit. Once its buttons have been
+/// made.
+void dressButtons(QDialog &dialog);
+
+/// A button at the end of \a panel, which has no buttons of its own, that closes it.
+void addCloseButton(QDialog &panel);
+
+} // namespace vornic
