@@ -86,6 +86,11 @@ namespace skin {
 {
     return { 0x5a, 0x5a, 0x5e };
 }
+/// Beside what has failed.
+[[nodiscard]] inline QColor warning()
+{
+    return { 0xf0, 0xb4, 0x29 };
+}
 /// Around an image well that takes what is dragged over it.
 [[nodiscard]] inline QColor dropTarget()
 {

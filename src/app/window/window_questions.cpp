@@ -3,42 +3,23 @@
 #include "app/session/start_settings.h"
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNHintWndCtroller.h"
+#include "app/window/alert_box.h"
 #include "app/window/countdown.h"
 #include "app/window/file_panel.h"
 #include "app/window/main_window_link.h"
+#include "app/window/movie_folder.h"
+#include "controls/dialog_skin.h"
 
-#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QStandardPaths>
 
 #include <utility>
 
 namespace vornic {
 
-namespace {
-
-/// A question, or something to know: in bold what it is about, and more beneath.
-void fill(QMessageBox &box, const QString &message, const QString &informativeText)
-{
-    box.setWindowTitle(QStringLiteral("Vornic"));
-    box.setTextFormat(Qt::RichText);
-    box.setText(QStringLiteral("<b>%1</b>").arg(message.toHtmlEscaped()));
-    box.setInformativeText(informativeText.toHtmlEscaped());
-    // The toolkit makes such a box as narrow as its title.
-    box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: 24em; }"));
-}
-
-} // namespace
-
 WindowQuestions::WindowQuestions(const MainWindowLink &main)
     : m_main(main)
-    , m_movieFolder(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation))
 {
-    if (!QFileInfo(m_movieFolder).isDir())
-        m_movieFolder = QDir::homePath();
 }
 
 WindowQuestions::~WindowQuestions() = default;
@@ -53,14 +34,18 @@ void WindowQuestions::runSavePanel(const QString &name,
                                    std::function<void(std::optional<QString>)> answer)
 {
     auto *panel = new QFileDialog(m_main.visible(), tr("Save the recording as"));
+    // The desktop's own panel is not kept above the overlay.
+    panel->setOption(QFileDialog::DontUseNativeDialog);
     panel->setAcceptMode(QFileDialog::AcceptSave);
     panel->setNameFilter(tr("Movies (*.%1)").arg(type));
     panel->setDefaultSuffix(type);
-    panel->setDirectory(m_movieFolder);
-    panel->selectFile(name);
-    runFilePanel(*panel, [this, answer = std::move(answer)](const std::optional<QString> &path) {
+    const QString folder = movie_folder::current();
+    panel->setDirectory(folder);
+    panel->selectFile(movie_folder::unusedName(folder, name.isEmpty() ? tr("Untitled") : name, type));
+    dressButtons(*panel);
+    runFilePanel(*panel, [answer = std::move(answer)](const std::optional<QString> &path) {
         if (path)
-            m_movieFolder = QFileInfo(*path).path();
+            movie_folder::setCurrent(QFileInfo(*path).absolutePath());
         answer(path);
     });
 }
@@ -76,12 +61,13 @@ void WindowQuestions::showHint(std::function<void(int)> answer)
 
 void WindowQuestions::askToRecordWithoutSound(std::function<void(bool)> answer)
 {
-    QMessageBox box(m_main.visible());
-    fill(box, tr("Record without sound?"), tr("Sound is on, but there is no audio input."));
-    const QPushButton *records = box.addButton(tr("Record without sound"), QMessageBox::AcceptRole);
-    box.setDefaultButton(box.addButton(tr("Cancel"), QMessageBox::RejectRole));
-    box.exec();
-    answer(box.clickedButton() == records);
+    AlertBox box(m_main.visible(),
+                 AlertBox::Kind::Question,
+                 tr("Record without sound?"),
+                 tr("Sound is on, but there is no audio input."));
+    box.addButton(tr("Cancel"), QDialog::Rejected);
+    box.addButton(tr("Record without sound"), QDialog::Accepted);
+    answer(box.exec() == QDialog::Accepted);
 }
 
 void WindowQuestions::countDown(std::function<void(bool)> answer)
@@ -110,12 +96,14 @@ void WindowQuestions::askForOtherFile(const QString &type, std::function<void(st
             answer(path);
             return;
         }
-        QMessageBox box(m_main.visible());
-        fill(box, tr("Give the recording up?"), tr("It cannot be brought back."));
-        box.setDefaultButton(box.addButton(tr("Save elsewhere"), QMessageBox::RejectRole));
-        const QPushButton *givesUp = box.addButton(tr("Give up"), QMessageBox::DestructiveRole);
-        box.exec();
-        if (box.clickedButton() == givesUp)
+        enum Answer { SaveElsewhere, GiveUp };
+        AlertBox box(m_main.visible(),
+                     AlertBox::Kind::Question,
+                     tr("Give the recording up?"),
+                     tr("It cannot be brought back."));
+        box.addButton(tr("Save elsewhere"), SaveElsewhere);
+        box.addButton(tr("Give up"), GiveUp);
+        if (box.exec() == GiveUp)
             answer(std::nullopt);
         else
             askForOtherFile(type, answer);
@@ -124,25 +112,24 @@ void WindowQuestions::askForOtherFile(const QString &type, std::function<void(st
 
 bool WindowQuestions::confirmQuit(const QString &message, const QString &informativeText)
 {
-    QMessageBox box(m_main.visible());
-    fill(box, message, informativeText);
-    box.setDefaultButton(box.addButton(tr("No"), QMessageBox::RejectRole));
-    const QPushButton *yes = box.addButton(tr("Yes"), QMessageBox::AcceptRole);
-    box.exec();
-    return box.clickedButton() == yes;
+    AlertBox box(m_main.visible(), AlertBox::Kind::Question, message, informativeText);
+    box.addButton(tr("No"), QDialog::Rejected);
+    box.addButton(tr("Yes"), QDialog::Accepted);
+    return box.exec() == QDialog::Accepted;
 }
 
 void WindowQuestions::alert(const QString &message, const QString &informativeText)
 {
-    QMessageBox box(m_main.visible());
-    fill(box, message, informativeText);
-    box.setDefaultButton(box.addButton(tr("OK"), QMessageBox::AcceptRole));
+    AlertBox box(m_main.visible(), AlertBox::Kind::Question, message, informativeText);
+    box.addButton(tr("OK"), QDialog::Accepted);
     box.exec();
 }
 
 void WindowQuestions::alertError(const QString &sentence)
 {
-    alert(tr("Error"), sentence);
+    AlertBox box(m_main.visible(), AlertBox::Kind::Failure, tr("Error"), sentence);
+    box.addButton(tr("OK"), QDialog::Accepted);
+    box.exec();
 }
 
 } // namespace vornic

@@ -42,7 +42,6 @@ public:
 private:
     const MainWindowLink &m_main;
     std::unique_ptr<Countdown> m_countdown; ///< null but while it is counted down
-    QString m_movieFolder; ///< where the last movie was put; first the user's folder for movies
 };
 
 } // namespace vornic

@@ -2,6 +2,7 @@
 // picture to look at. QT_SCALE_FACTOR=2 and LC_ALL=de_DE.UTF-8 show how they are there.
 
 #include "app/VornicAppDelegate.h"
+#include "app/session/error_text.h"
 #include "app/session/session_fakes.h"
 #include "app/session/translations.h"
 #include "app/window/VNAlertFreeSpace.h"
@@ -10,12 +11,14 @@
 #include "app/window/main_window.h"
 #include "app/window/stop_item.h"
 #include "app/window/window_front_end.h"
+#include "base/error.h"
+#include "controls/VNColorWell.h"
 #include "controls/skin_colors.h"
 #include "window_main.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
-#include <QMessageBox>
+#include <QFileDialog>
 #include <QPainter>
 #include <QTimer>
 
@@ -125,12 +128,53 @@ void addQuestions(Sheet &sheet, WindowFrontEnd &frontEnd)
             RecordingSession::tr("Disk free space is too low"),
             RecordingSession::tr("It will terminate recording because of disk space is insufficient"));
     });
+    addQuestion(sheet, [&] {
+        frontEnd.questions().alertError(errorText({ .kind = ErrorKind::DiskFull,
+                                                    .name = QStringLiteral("/home/user/Videos/Untitled.mp4"),
+                                                    .reason = {} }));
+    });
     StopItem item("00:12:34", {});
     item.allowBar();
     for (QWidget *bar : QApplication::topLevelWidgets()) {
         if (bar->objectName() == "stopBar")
             sheet.add(*bar);
     }
+    sheet.endRow();
+}
+
+/// The panels of files, fonts and colours.
+void addPanels(Sheet &sheet, WindowFrontEnd &frontEnd, MainWindow &window)
+{
+    const auto add = [&sheet] {
+        settle(200);
+        for (QWidget *panel : QApplication::topLevelWidgets()) {
+            if (panel->isVisible() && !qobject_cast<QMainWindow *>(panel) && qobject_cast<QDialog *>(panel)) {
+                sheet.add(*panel);
+                panel->close();
+            }
+        }
+        settle();
+    };
+    frontEnd.questions().runSavePanel(QStringLiteral("Untitled"), QStringLiteral("mp4"), [](const auto &) {});
+    add();
+    FrontEnd faces = frontEnd.frontEnd();
+    faces.logoPanels.chooseLogoImage([](const auto &) {});
+    for (QFileDialog *panel : window.findChildren<QFileDialog *>()) {
+        QImage picture(640, 360, QImage::Format_RGB32);
+        picture.fill(Qt::darkGreen);
+        const QString path = panel->directory().filePath(QStringLiteral("vornic-preview.png"));
+        picture.save(path);
+        emit panel->currentChanged(path);
+        QFile::remove(path);
+    }
+    add();
+    sheet.endRow();
+    faces.logoPanels.orderFrontFontPanel(QFont(), [](const QFont &) {});
+    add();
+    auto *well = window.findChild<VNColorWell *>();
+    well->setEnabled(true);
+    well->popUp();
+    add();
     sheet.endRow();
 }
 
@@ -168,6 +212,7 @@ int paint(const QString &path)
     sheet.endRow();
     addSheets(sheet, window);
     addQuestions(sheet, frontEnd);
+    addPanels(sheet, frontEnd, window);
     return sheet.save(path) ? 0 : 1;
 }
 

@@ -1,0 +1,187 @@
+#include "app/window/alert_box.h"
+#include "app/window/main_window_link.h"
+#include "app/window/movie_folder.h"
+#include "app/window/window_questions.h"
+#include "base/user_defaults.h"
+#include "controls/push_button.h"
+#include "window_main.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStandardPaths>
+#include <QTimer>
+#include <QtTest>
+
+namespace vornic {
+namespace {
+
+class QuestionsTest : public testing::Test
+{
+protected:
+    ~QuestionsTest() override { user_defaults::remove("com.kavlor.movieFolder"); }
+
+    static QFileDialog *panel()
+    {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (auto *found = qobject_cast<QFileDialog *>(window); found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+    static void makeFile(const QString &path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QFile::WriteOnly));
+    }
+    /// What the save panel proposes in the field for the name; the panel is closed.
+    QString proposed(const QString &name)
+    {
+        questions.runSavePanel(name, "mp4", [](const auto &) {});
+        const QString text = panel()->findChild<QLineEdit *>()->text();
+        panel()->reject();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return text;
+    }
+
+    QTemporaryDir folder;
+    MainWindowLink main;
+    WindowQuestions questions { main };
+};
+
+TEST_F(QuestionsTest, TheFolderOfTheLastMovieIsRememberedAcrossStarts)
+{
+    const QString chosen = folder.filePath("movie.mp4");
+    std::optional<QString> answer;
+    questions.runSavePanel("Untitled", "mp4", [&](const auto &path) { answer = path; });
+    ASSERT_TRUE(panel());
+    panel()->selectFile(chosen);
+    QTest::keyClick(panel(), Qt::Key_Return);
+    EXPECT_EQ(answer, chosen);
+    EXPECT_EQ(user_defaults::value("com.kavlor.movieFolder").toString(), folder.path());
+    WindowQuestions(main).runSavePanel("Untitled", "mp4", [](const auto &) {});
+    EXPECT_EQ(panel()->directory().absolutePath(), folder.path());
+    panel()->reject();
+}
+
+TEST_F(QuestionsTest, AFolderThatIsGoneIsReplacedByTheUsual)
+{
+    const QString usual = movie_folder::current();
+    EXPECT_TRUE(usual == QStandardPaths::writableLocation(QStandardPaths::MoviesLocation)
+                || usual == QDir::homePath());
+    movie_folder::setCurrent(folder.path());
+    EXPECT_EQ(movie_folder::current(), folder.path());
+    folder.remove();
+    EXPECT_EQ(movie_folder::current(), usual);
+}
+
+TEST_F(QuestionsTest, TheProposedNameIsOneThatIsNotUsed)
+{
+    movie_folder::setCurrent(folder.path());
+    EXPECT_EQ(proposed("Untitled"), "Untitled");
+    makeFile(folder.filePath("Untitled.mp4"));
+    EXPECT_EQ(proposed("Untitled"), "Untitled 2");
+    makeFile(folder.filePath("Untitled 2.mp4"));
+    EXPECT_EQ(proposed("Untitled"), "Untitled 3");
+    QFile::link(folder.filePath("gone.mp4"), folder.filePath("Untitled 3.mp4"));
+    EXPECT_EQ(proposed({}), "Untitled 4");
+    EXPECT_EQ(proposed("Other"), "Other");
+}
+
+/// Runs \a ask, which shows a box, and \a look on the box.
+template<typename Ask, typename Look>
+void withBox(const Ask &ask, const Look &look)
+{
+    bool shown = false;
+    QTimer::singleShot(0, qApp, [&] {
+        auto *box = qobject_cast<AlertBox *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box);
+        shown = true;
+        look(*box);
+        if (box->isVisible())
+            box->close();
+    });
+    ask();
+    EXPECT_TRUE(shown);
+}
+
+TEST_F(QuestionsTest, AnErrorIsHeadedByWhatFailed)
+{
+    withBox([&] { questions.alertError("The movie cannot be written to /a/b.mp4: the disk is full."); },
+            [](AlertBox &box) {
+                EXPECT_EQ(box.windowTitle(), "The movie cannot be written to /a/b.mp4");
+                QStringList headings;
+                QStringList texts;
+                for (QLabel *label : box.findChildren<QLabel *>())
+                    (label->font().bold() ? headings : texts) += label->text().remove(QChar(0x2060));
+                EXPECT_EQ(headings,
+                          QStringList { "The movie cannot be written to /a/b.mp4: the disk is full." });
+                EXPECT_TRUE(texts.contains("Error")) << "the message is there, too";
+            });
+    EXPECT_EQ(whatFailed("The recording holds no frames."), "The recording holds no frames");
+}
+
+TEST_F(QuestionsTest, AnAlertHasOneButtonWhichEveryKeyPresses)
+{
+    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Escape, Qt::Key_Space }) {
+        withBox([&] { questions.alert("Disk free space is too low", "It stops."); },
+                [key](AlertBox &box) {
+                    EXPECT_EQ(box.findChildren<PushButton *>().size(), 1);
+                    EXPECT_EQ(box.findChildren<QPushButton *>().size(), 1);
+                    QTest::keyClick(box.focusWidget() ? box.focusWidget() : &box, key);
+                    EXPECT_FALSE(box.isVisible()) << key;
+                });
+    }
+}
+
+TEST_F(QuestionsTest, TheQuitQuestionIsAnsweredNoUnlessYesIsPressed)
+{
+    bool quits = true;
+    const auto ask = [&] { quits = questions.confirmQuit("Are you sure to quit it?", "It records."); };
+    withBox(ask, [](AlertBox &box) { QTest::keyClick(&box, Qt::Key_Return); });
+    EXPECT_FALSE(quits);
+    quits = true;
+    withBox(ask, [](AlertBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_FALSE(quits);
+    quits = true;
+    withBox(ask, [](AlertBox &box) { box.close(); });
+    EXPECT_FALSE(quits);
+    withBox(ask, [](AlertBox &box) {
+        for (PushButton *button : box.findChildren<PushButton *>()) {
+            EXPECT_EQ(button->isDefault(), button->text() == "No");
+            if (button->text() == "Yes")
+                button->click();
+        }
+    });
+    EXPECT_TRUE(quits);
+}
+
+TEST_F(QuestionsTest, GivingARecordingUpTakesAClick)
+{
+    int answers = 0;
+    questions.askForOtherFile("mp4", [&](const auto &path) {
+        ++answers;
+        EXPECT_FALSE(path);
+    });
+    withBox([] { panel()->reject(); }, [](AlertBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_EQ(answers, 0);
+    ASSERT_TRUE(panel()) << "asked again";
+    withBox([] { panel()->reject(); },
+            [](AlertBox &box) {
+                for (PushButton *button : box.findChildren<PushButton *>()) {
+                    if (button->text() == "Give up")
+                        button->click();
+                }
+            });
+    EXPECT_EQ(answers, 1);
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    return vornic::runWindowTests(argc, argv);
+}
