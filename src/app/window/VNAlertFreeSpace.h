@@ -3,12 +3,23 @@
 #include <QObject>
 #include <QPointer>
 
+#include <cstdint>
 #include <functional>
 
 class QDialog;
 class QWidget;
 
 namespace vornic {
+
+/// How much is free for a recording, and where.
+struct RecordingSpace {
+    std::uint64_t freeBytes = 0;
+    QString folder;
+    double pixels = 0; ///< of the display
+};
+
+/// The same for the user, with how long it will do.
+[[nodiscard]] QString spaceText(const RecordingSpace &space);
 
 /// The sheet that asks, with too little free disk space, whether to record all the same.
 ///

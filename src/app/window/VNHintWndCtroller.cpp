@@ -1,11 +1,14 @@
 #include "app/window/VNHintWndCtroller.h"
 
 #include "app/session/recording_questions.h"
+#include "app/session/start_settings.h"
 #include "app/window/sheet.h"
 #include "base/user_defaults.h"
 #include "observing/key_path_binding.h"
 
 #include <QDialog>
+#include <QKeySequence>
+#include <QSystemTrayIcon>
 
 #include <ui_VNHintWndCtroller.h>
 
@@ -18,6 +21,23 @@ namespace {
 const QString showAgainKey = QStringLiteral("VNShowHintWndAgain");
 
 } // namespace
+
+QString howToStop(bool hasTray, const QString &shortcut)
+{
+    const QString key = QKeySequence(shortcut, QKeySequence::PortableText).toString(QKeySequence::NativeText);
+    if (key.isEmpty())
+        return hasTray
+            ? VNHintWndCtroller::tr("The window is minimised while the recording runs. To stop it, "
+                                    "click the red icon in the panel of the desktop.")
+            : VNHintWndCtroller::tr("The window is minimised while the recording runs. To stop it, "
+                                    "click the bar with the clock at the edge of the screen.");
+    return (hasTray ? VNHintWndCtroller::tr("The window is minimised while the recording runs. To stop it, "
+                                            "click the red icon in the panel of the desktop, or press %1.")
+                    : VNHintWndCtroller::tr(
+                        "The window is minimised while the recording runs. To stop it, "
+                        "click the bar with the clock at the edge of the screen, or press %1."))
+        .arg(key);
+}
 
 VNHintWndCtroller &VNHintWndCtroller::shareHintWndCtroller()
 {
@@ -41,6 +61,8 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
 {
     m_parent = parent;
     m_window = makeSheet<Ui::VNHintWndCtroller>(parent, [this](Ui::VNHintWndCtroller &ui) {
+        ui.explanation->setText(
+            howToStop(QSystemTrayIcon::isSystemTrayAvailable(), start_settings::shortcut()));
         connect(ui.startButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::startRecordAction);
         connect(ui.cancelButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::cancelAction);
         new KeyPathBinding(ui.chkShowAgain, "checked", this, "showAgain");

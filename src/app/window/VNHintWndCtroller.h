@@ -10,6 +10,10 @@ class QDialog;
 
 namespace vornic {
 
+/// How a recording is stopped on this desktop: with the icon in the tray where there is one, else with the bar, and
+/// with the key \a shortcut, written portably, unless that is empty.
+[[nodiscard]] QString howToStop(bool hasTray, const QString &shortcut);
+
 /// The sheet that tells, before a recording starts, how it is stopped.
 ///
 /// One for the life of the program, made at the first call of shareHintWndCtroller(); main thread only.

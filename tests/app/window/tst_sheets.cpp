@@ -1,18 +1,22 @@
 #include "app/session/front_end.h"
+#include "app/session/start_settings.h"
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
 #include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
 #include "base/user_defaults.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "support/wait_until.h"
 #include "window_main.h"
 
 #include <QAbstractButton>
 #include <QDialog>
+#include <QKeySequence>
 #include <QLabel>
 #include <QProgressBar>
 #include <QSignalSpy>
+#include <QSystemTrayIcon>
 #include <QtTest>
 
 namespace vornic {
@@ -96,7 +100,75 @@ TEST_F(HintTest, TheCheckBoxIsTheStoredAnswer)
     endDeleted();
 }
 
+TEST_F(HintTest, TellsWhatThisDesktopWillShow)
+{
+    VNHintWndCtroller &hint = VNHintWndCtroller::shareHintWndCtroller();
+    const auto shown = [&] {
+        hint.beginSheetModalForWindow(&window, {});
+        const QString text = control<QLabel>("explanation")->text();
+        hint.cancelAction();
+        endDeleted();
+        return text;
+    };
+    const QString key = QKeySequence("Ctrl+Alt+R").toString(QKeySequence::NativeText);
+    EXPECT_FALSE(QSystemTrayIcon::isSystemTrayAvailable());
+    EXPECT_TRUE(shown().contains("bar"));
+    EXPECT_FALSE(shown().contains("icon"));
+    EXPECT_TRUE(shown().contains(key));
+    start_settings::setShortcut({});
+    EXPECT_TRUE(shown().contains("bar"));
+    EXPECT_FALSE(shown().contains("press"));
+    start_settings::setShortcut("Meta+F9");
+    EXPECT_TRUE(shown().contains(QKeySequence("Meta+F9").toString(QKeySequence::NativeText)));
+    user_defaults::remove("com.kavlor.shortcut");
+
+    EXPECT_TRUE(howToStop(true, "Ctrl+Alt+R").contains("icon"));
+    EXPECT_FALSE(howToStop(true, "Ctrl+Alt+R").contains("bar"));
+    EXPECT_TRUE(howToStop(true, "Ctrl+Alt+R").contains(key));
+    EXPECT_FALSE(howToStop(true, {}).contains("press"));
+}
+
+/// The brightest colour of \a label.
+int brightest(QLabel &label)
+{
+    const QImage image = label.grab().toImage();
+    int most = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            most = std::max(most, qGray(image.pixel(x, y)));
+    return most;
+}
+
+TEST_F(HintTest, TheHeadingIsBrighterThanTheRest)
+{
+    VNHintWndCtroller::shareHintWndCtroller().beginSheetModalForWindow(&window, {});
+    EXPECT_GT(brightest(*control<QLabel>("title")), brightest(*control<QLabel>("explanation")) + 20);
+    VNHintWndCtroller::shareHintWndCtroller().cancelAction();
+    endDeleted();
+}
+
 using FreeSpaceTest = SheetTest;
+
+TEST_F(FreeSpaceTest, TellsWhatIsFreeWhereAndHowLongThatLasts)
+{
+    // 25 MB a second on a display of 1920 x 1080; the last GiB is kept free.
+    constexpr std::uint64_t kept = 1'073'741'824;
+    const QString text = spaceText({ .freeBytes = kept + 3'000'000'000,
+                                     .folder = "/home/somebody/.cache/kavlor",
+                                     .pixels = 1920 * 1080 });
+    EXPECT_TRUE(text.contains(QLocale().formattedDataSize(qint64(kept + 3'000'000'000))))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains("/home/somebody/.cache/kavlor"));
+    EXPECT_TRUE(text.contains("2:00 min")) << text.toStdString();
+    EXPECT_TRUE(spaceText({ .freeBytes = kept + 3'000'000'000, .folder = "/", .pixels = 3840 * 2160 })
+                    .contains("0:30 min"));
+    EXPECT_TRUE(spaceText({ .freeBytes = kept, .folder = "/", .pixels = 1 }).contains("at once"));
+
+    VNAlertFreeSpace::shareAlertFreeSpace().beginSheetForWindow(&window, {});
+    EXPECT_TRUE(control<QLabel>("space")->text().contains(VNBufferMgr::cachePath()));
+    VNAlertFreeSpace::shareAlertFreeSpace().cancelAction();
+    endDeleted();
+}
 
 TEST_F(FreeSpaceTest, ItsButtonsAnswerOnce)
 {
