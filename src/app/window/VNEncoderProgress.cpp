@@ -4,6 +4,7 @@
 #include "app/window/sheet.h"
 
 #include <QDialog>
+#include <QKeyEvent>
 #include <QLocale>
 
 #include <ui_VNEncoderProgress.h>
@@ -26,10 +27,42 @@ protected:
             event->ignore();
             return true;
         }
-        if (event->type() == QEvent::KeyPress)
+        if (event->type() == QEvent::KeyPress
+            && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Cancel))
             return true;
         return QObject::eventFilter(watched, event);
     }
+};
+
+/// Minimises a sheet and the window that it stands on together, whichever of them is, and brings them back together.
+class MinimisedTogether : public QObject
+{
+public:
+    /// Ends with \a sheet.
+    MinimisedTogether(QWidget *sheet, QWidget *window)
+        : QObject(sheet)
+        , m_sheet(sheet)
+        , m_window(window)
+    {
+        m_sheet->installEventFilter(this);
+        m_window->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::WindowStateChange) {
+            const QWidget *changed = watched == m_sheet ? m_sheet : m_window;
+            QWidget *other = watched == m_sheet ? m_window : m_sheet;
+            if (other->isMinimized() != changed->isMinimized())
+                other->setWindowState(other->windowState() ^ Qt::WindowMinimized);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QWidget *m_sheet;
+    QWidget *m_window;
 };
 
 } // namespace
@@ -50,24 +83,48 @@ void VNEncoderProgress::beginSheet(QWidget *window, std::uint64_t frames)
         m_percentLabel = ui.percentLabel;
         m_speedLabel = ui.speedLabel;
         m_timeLeftLabel = ui.timeLeftLabel;
+        connect(
+            ui.minimiseButton, &QAbstractButton::clicked, this, [this] { mainWindow()->showMinimized(); });
     });
-    m_window->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    m_window->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                             | Qt::WindowMinimizeButtonHint);
     m_window->installEventFilter(new CloseBlocker(m_window));
+    m_parent = window;
+    if (window)
+        new MinimisedTogether(m_window, window);
+    m_title = mainWindow()->windowTitle();
+    // Not to its button: what is typed when a recording ends was meant for another window.
+    m_window->setFocusPolicy(Qt::StrongFocus);
+    m_window->setFocus();
     setPercent(0);
     m_window->show();
 }
 
 void VNEncoderProgress::endSheet()
 {
+    if (m_window)
+        mainWindow()->setWindowTitle(m_title);
     delete m_window.data();
+}
+
+QWidget *VNEncoderProgress::mainWindow() const
+{
+    return m_parent ? m_parent->window() : m_window;
 }
 
 void VNEncoderProgress::setPercent(double percent)
 {
     m_percent = percent;
-    if (m_window)
+    if (m_window) {
         showFigures();
+        showInTitle();
+    }
     emit percentChanged();
+}
+
+void VNEncoderProgress::showInTitle()
+{
+    mainWindow()->setWindowTitle(tr("%1 % – %2").arg(static_cast<int>(m_percent)).arg(m_title));
 }
 
 void VNEncoderProgress::showFigures()

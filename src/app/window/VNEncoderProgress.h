@@ -13,7 +13,8 @@ class QWidget;
 
 namespace vornic {
 
-/// The sheet that shows how much of the movie is written, how fast, and how long it will take.
+/// The sheet that shows how much of the movie is written, how fast, and how long it will take. It is minimised
+/// together with its window, whose title begins with the percent meanwhile.
 ///
 /// One for the life of the program, made at the first call of shareEncoderProgress(); main thread only.
 class VNEncoderProgress : public QObject
@@ -37,11 +38,16 @@ signals:
 private:
     VNEncoderProgress() = default;
     void showFigures();
+    void showInTitle();
+    /// The window that stands in the task list.
+    [[nodiscard]] QWidget *mainWindow() const;
 
     double m_percent = 0;
     std::uint64_t m_frames = 0;
     QElapsedTimer m_sinceBegin;
     QPointer<QDialog> m_window; ///< null while none is shown
+    QPointer<QWidget> m_parent; ///< what the sheet stands on
+    QString m_title;            ///< of mainWindow(), without the percent
     QProgressBar *m_bar = nullptr;
     QLabel *m_percentLabel = nullptr;
     QLabel *m_speedLabel = nullptr;

@@ -234,6 +234,47 @@ TEST_F(ProgressTest, NeitherEscapeNorClosingEndsIt)
     EXPECT_FALSE(sheet());
 }
 
+TEST_F(ProgressTest, ItIsMinimisedAndBroughtBackTogetherWithItsWindow)
+{
+    VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
+    progress.beginSheet(&window, 600);
+    EXPECT_TRUE(sheet()->windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+    EXPECT_NE(sheet()->focusWidget(), control<QAbstractButton>("minimiseButton"))
+        << "keys are meant for something else";
+    control<QAbstractButton>("minimiseButton")->click();
+    EXPECT_TRUE(window.isMinimized());
+    EXPECT_TRUE(sheet()->isMinimized());
+    window.showNormal();
+    EXPECT_FALSE(sheet()->isMinimized());
+    EXPECT_TRUE(sheet()->isVisible());
+    sheet()->setWindowState(Qt::WindowMinimized);
+    EXPECT_TRUE(window.isMinimized());
+    sheet()->setWindowState(Qt::WindowNoState);
+    EXPECT_FALSE(window.isMinimized());
+    progress.endSheet();
+    window.showMinimized();
+    EXPECT_TRUE(window.isMinimized());
+    window.showNormal();
+}
+
+TEST_F(ProgressTest, TheTitleOfTheWindowTellsThePercent)
+{
+    VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
+    window.setWindowTitle("Vornic");
+    progress.setPercent(17);
+    EXPECT_EQ(window.windowTitle(), "Vornic");
+    progress.beginSheet(&window, 600);
+    EXPECT_EQ(window.windowTitle(), "0 % – Vornic");
+    progress.setPercent(42.9);
+    EXPECT_EQ(window.windowTitle(), "42 % – Vornic");
+    progress.beginSheet(&window, 600);
+    EXPECT_EQ(window.windowTitle(), "0 % – Vornic");
+    progress.endSheet();
+    EXPECT_EQ(window.windowTitle(), "Vornic");
+    progress.setPercent(43);
+    EXPECT_EQ(window.windowTitle(), "Vornic");
+}
+
 TEST(StopBarTest, ItStandsOutsideOfWhatIsRecordedWhereThereIsRoom)
 {
     constexpr QSize bar(120, 40);
