@@ -18,6 +18,7 @@ namespace {
 constexpr double capWidth = 4;
 constexpr double textMargin = 8;
 constexpr double focusRadius = 4;
+constexpr double insertionPoint = 2; ///< how wide it is, at most
 constexpr int minWidth = 44;
 
 /// The line in the middle of \a rectangle, on whole points as the toolkit's editor has it, so that the text
@@ -39,7 +40,11 @@ VNTextFieldCell::VNTextFieldCell(QWidget *parent)
     : QLineEdit(parent)
 {
     setStyle(SkinStyle::shared());
-    setPalette(skinPalette());
+    // The toolkit would draw the hint with its first letter beneath the insertion point.
+    QPalette palette = skinPalette();
+    palette.setColor(QPalette::PlaceholderText, Qt::transparent);
+    palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, Qt::transparent);
+    setPalette(palette);
     setFixedHeight(skinFieldHeight);
 }
 
@@ -50,6 +55,8 @@ void VNTextFieldCell::drawWithFrame(const QRectF &frame, QPainter &view)
     drawSkinPicture(view,
                     enabled ? QStringLiteral("editright.png") : QStringLiteral("editrightdisable.png"),
                     { frame.right() - capWidth, frame.y(), capWidth, double(skinFieldHeight) });
+    if (displayText().isEmpty())
+        drawHint(frame, view);
     if (isEdited()) {
         drawFocusOutline(view, frame, focusRadius);
         return;
@@ -64,14 +71,27 @@ void VNTextFieldCell::drawWithFrame(const QRectF &frame, QPainter &view)
                    .flags = static_cast<int>(horizontal) });
 }
 
+void VNTextFieldCell::drawHint(const QRectF &frame, QPainter &view)
+{
+    const Qt::Alignment horizontal
+        = QStyle::visualAlignment(layoutDirection(), alignment()) & Qt::AlignHorizontal_Mask;
+    drawSkinText(view,
+                 textLine(textFieldTextRect(frame).adjusted(insertionPoint, 0, 0, 0), font()),
+                 { .text = placeholderText(),
+                   .font = font(),
+                   .color = isEnabled() ? skin::title() : skin::disabledTitle(),
+                   .hasShadow = false,
+                   .flags = static_cast<int>(horizontal) });
+}
+
 void VNTextFieldCell::paintEvent(QPaintEvent *event)
 {
     {
         QPainter painter(this);
         drawWithFrame(rect(), painter);
     }
-    // The toolkit's editor paints the text while it is edited, and the hint while there is no text.
-    if (isEdited() || displayText().isEmpty())
+    // The toolkit's editor paints the text while it is edited.
+    if (isEdited())
         QLineEdit::paintEvent(event);
 }
 

@@ -32,6 +32,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void drawHint(const QRectF &frame, QPainter &view);
     [[nodiscard]] bool isEdited() const { return hasFocus() && isEnabled(); }
 };
 

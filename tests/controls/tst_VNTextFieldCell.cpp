@@ -135,6 +135,24 @@ TEST_F(TextFieldCell, AnEmptyFieldShowsItsHint)
     EXPECT_NE(painted(field, 1), empty);
 }
 
+TEST_P(TextFieldCell, TheInsertionPointCoversNoLetterOfTheHint)
+{
+    field.setPlaceholderText(QStringLiteral("HHH"));
+    const QImage before = painted(field, GetParam());
+    edit();
+    const QImage edited = painted(field, GetParam());
+    int lit = 0;
+    for (int y = 5; y < 23; ++y) {
+        EXPECT_LT(at(before, 8, y).red(), 60) << "room for the insertion point, at " << y;
+        EXPECT_LT(at(before, 9, y).red(), 60) << "room for the insertion point, at " << y;
+        for (int x = 10; x < 60; ++x) {
+            EXPECT_EQ(at(edited, x, y), at(before, x, y)) << x << ", " << y;
+            lit += at(before, x, y).red() > 100 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(lit, 10) << "the hint is there";
+}
+
 TEST_F(TextFieldCell, ALongTextEndsBeforeTheEdge)
 {
     const QImage empty = painted(field, 1);
