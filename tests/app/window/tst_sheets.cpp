@@ -3,6 +3,7 @@
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
+#include "app/window/alert_box.h"
 #include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
 #include "base/user_defaults.h"
@@ -273,6 +274,60 @@ TEST_F(ProgressTest, TheTitleOfTheWindowTellsThePercent)
     EXPECT_EQ(window.windowTitle(), "Vornic");
     progress.setPercent(43);
     EXPECT_EQ(window.windowTitle(), "Vornic");
+}
+
+/// Whether everything in \a dialog has the room that it wants, and nothing overlaps.
+void expectNothingCutOff(const QWidget &dialog)
+{
+    QList<QWidget *> controls;
+    for (QWidget *child : dialog.findChildren<QWidget *>()) {
+        if (child->isVisible() && (qobject_cast<QLabel *>(child) || qobject_cast<QAbstractButton *>(child)))
+            controls += child;
+    }
+    EXPECT_GT(controls.size(), 2);
+    for (const QWidget *control : controls) {
+        const auto name = control->objectName().toStdString();
+        EXPECT_GE(control->width(), control->minimumSizeHint().width()) << name;
+        const int height = control->hasHeightForWidth() ? control->heightForWidth(control->width())
+                                                        : control->minimumSizeHint().height();
+        EXPECT_GE(control->height(), height) << name;
+        const QRect place(control->mapTo(&dialog, QPoint()), control->size());
+        EXPECT_TRUE(dialog.rect().contains(place)) << name;
+        for (const QWidget *other : controls) {
+            if (other != control) {
+                EXPECT_FALSE(place.intersects(QRect(other->mapTo(&dialog, QPoint()), other->size()))) << name;
+            }
+        }
+    }
+}
+
+TEST_F(SheetTest, NothingIsCutOffOrOverlaps)
+{
+    VNHintWndCtroller::shareHintWndCtroller().beginSheetModalForWindow(&window, {});
+    expectNothingCutOff(*sheet());
+    VNHintWndCtroller::shareHintWndCtroller().cancelAction();
+    endDeleted();
+    VNAlertFreeSpace::shareAlertFreeSpace().beginSheetForWindow(&window, {});
+    expectNothingCutOff(*sheet());
+    VNAlertFreeSpace::shareAlertFreeSpace().cancelAction();
+    endDeleted();
+    VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
+    progress.beginSheet(&window, 60000);
+    ASSERT_TRUE(test::waitUntil([&] {
+        progress.setPercent(99.9);
+        return !control<QLabel>("speedLabel")->text().isEmpty();
+    }));
+    QCoreApplication::processEvents();
+    expectNothingCutOff(*sheet());
+    progress.endSheet();
+    for (const auto kind : { AlertBox::Kind::Question, AlertBox::Kind::Failure }) {
+        AlertBox box(
+            &window, kind, "Error", QString("The movie could not be written to /a/b.mp4. ").repeated(5));
+        box.addButton("Save elsewhere, in another folder", 0);
+        box.addButton("Give up", 1);
+        box.show();
+        expectNothingCutOff(box);
+    }
 }
 
 TEST(StopBarTest, ItStandsOutsideOfWhatIsRecordedWhereThereIsRoom)
