@@ -25,7 +25,7 @@ ColorPanel::ColorPanel()
     setOptions(QColorDialog::NoButtons | QColorDialog::DontUseNativeDialog);
     setWindowTitle(tr("Colour"));
     addCloseButton(*this);
-    dressButtons(*this);
+    dressDialog(*this);
     connect(this, &QColorDialog::currentColorChanged, this, [this] {
         if (m_target)
             m_target->changeColor(*this);

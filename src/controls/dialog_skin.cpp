@@ -3,18 +3,28 @@
 #include "controls/push_button.h"
 #include "controls/skin_style.h"
 
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDialog>
 #include <QGridLayout>
+#include <QLineEdit>
 
 namespace vornic {
 
-void dressButtons(QDialog &dialog)
+void dressDialog(QDialog &dialog)
 {
-    const QList<QPushButton *> buttons = dialog.findChildren<QPushButton *>();
-    for (QPushButton *button : buttons) {
-        button->setStyle(SkinStyle::shared());
-        button->setIcon({});
+    const QList<QWidget *> controls = dialog.findChildren<QWidget *>();
+    for (QWidget *control : controls) {
+        auto *button = qobject_cast<QPushButton *>(control);
+        if (button)
+            button->setIcon({});
+        if (button || qobject_cast<QCheckBox *>(control) || qobject_cast<QLineEdit *>(control)
+            || qobject_cast<QComboBox *>(control) || qobject_cast<QAbstractSpinBox *>(control)
+            || qobject_cast<QAbstractItemView *>(control))
+            control->setStyle(SkinStyle::shared());
     }
 }
 

@@ -45,7 +45,7 @@ ImagePanel::ImagePanel(QWidget *parent, const QString &title)
     // The desktop's own panel has no place for a preview and does not stand above the overlay.
     setOptions(DontUseNativeDialog | HideNameFilterDetails);
     addPreview();
-    dressButtons(*this);
+    dressDialog(*this);
     connect(this, &QFileDialog::currentChanged, this, &ImagePanel::showPreview);
     connect(
         this, &QFileDialog::fileSelected, [](const QString &path) { lastFolder = QFileInfo(path).path(); });

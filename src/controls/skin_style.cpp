@@ -1,12 +1,18 @@
 #include "controls/skin_style.h"
 
+#include "controls/VNCheckCell.h"
 #include "controls/VNComboBoxCell.h"
 #include "controls/VNSliderCell.h"
 #include "controls/VNStepperCell.h"
 #include "controls/VNTextFieldCell.h"
 #include "controls/number_field.h"
 #include "controls/push_button.h"
+#include "controls/skin_colors.h"
+#include "controls/skin_painting.h"
+#include "controls/skin_pictures.h"
+#include "controls/toggle_painting.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QMenu>
 #include <QPainter>
@@ -61,6 +67,32 @@ void drawChosenMark(QPainter &painter, const QStyleOption &box)
     painter.drawPolyline(
         QPolygonF { middle + QPointF(-4, 0), middle + QPointF(-1, 3), middle + QPointF(4.5, -4) });
     painter.restore();
+}
+
+/// Around a field or list of the toolkit, whose own edge is darker than the background.
+void drawFieldEdge(QPainter &painter, const QStyleOption &field)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(field.state.testFlag(QStyle::State_Enabled) ? skin::recessEdge() : skin::disabledEdge());
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(field.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.restore();
+    if (field.state.testFlag(QStyle::State_HasFocus))
+        drawFocusOutline(painter, field.rect, 2);
+}
+
+/// As VNCheckCell has it, in the middle of \a box.
+void drawCheckBox(QPainter &painter, const QStyleOption &box)
+{
+    QRectF picture(0, 0, VNCheckCell::pictureSide, VNCheckCell::pictureSide);
+    picture.moveCenter(QRectF(box.rect).center());
+    drawSkinPicture(painter,
+                    togglePicture(QStringLiteral("check"),
+                                  box.state.testFlag(QStyle::State_On),
+                                  box.state.testFlag(QStyle::State_Enabled),
+                                  box.state.testFlag(QStyle::State_Sunken)),
+                    picture);
 }
 
 QRect comboPart(const QStyleOptionComplex &combo, QStyle::SubControl part)
@@ -154,6 +186,16 @@ void SkinStyle::drawControl(ControlElement element,
         QProxyStyle::drawControl(element, option, painter, widget);
 }
 
+void SkinStyle::drawComplexControl(ComplexControl control,
+                                   const QStyleOptionComplex *option,
+                                   QPainter *painter,
+                                   const QWidget *widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_ComboBox || control == CC_SpinBox)
+        drawFieldEdge(*painter, *option);
+}
+
 void SkinStyle::drawPrimitive(PrimitiveElement element,
                               const QStyleOption *option,
                               QPainter *painter,
@@ -164,11 +206,18 @@ void SkinStyle::drawPrimitive(PrimitiveElement element,
         drawChosenMark(*painter, *option);
         return;
     }
+    if (element == PE_IndicatorCheckBox && qobject_cast<const QCheckBox *>(widget)) {
+        drawCheckBox(*painter, *option);
+        return;
+    }
     // The field is painted already.
     const bool isOurs = qobject_cast<const VNTextFieldCell *>(widget)
         || (widget && qobject_cast<const VNComboBoxCell *>(widget->parentWidget()));
     if (element != PE_PanelLineEdit || !isOurs)
         QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_FrameLineEdit
+        || (element == PE_Frame && qobject_cast<const QAbstractItemView *>(widget)))
+        drawFieldEdge(*painter, *option);
 }
 
 } // namespace vornic

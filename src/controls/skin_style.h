@@ -9,7 +9,7 @@ namespace vornic {
 ///
 /// One for all controls, made at the first call as a child of the application; main thread only. What it
 /// does not know is the application style's. It paints the mark of the chosen item of a menu
-/// or list, and the toolkit's push buttons.
+/// or list, and in the toolkit's dialogs push buttons, check boxes, and the edges of fields and lists.
 class SkinStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -36,6 +36,10 @@ public:
                      const QStyleOption *option,
                      QPainter *painter,
                      const QWidget *widget) const override;
+    void drawComplexControl(ComplexControl control,
+                            const QStyleOptionComplex *option,
+                            QPainter *painter,
+                            const QWidget *widget) const override;
     void drawPrimitive(PrimitiveElement element,
                        const QStyleOption *option,
                        QPainter *painter,

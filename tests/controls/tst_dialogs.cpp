@@ -1,3 +1,4 @@
+#include "contrast.h"
 #include "control_pictures.h"
 #include "controls/VNColorWell.h"
 #include "controls/beside_window.h"
@@ -5,16 +6,23 @@
 #include "controls/dialog_skin.h"
 #include "controls/image_panel.h"
 #include "controls/push_button.h"
+#include "controls/skin_colors.h"
 #include "support/named_pipe.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFontDialog>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QScreen>
+#include <QSpinBox>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <cstdio>
 
 namespace vornic {
 namespace {
@@ -49,12 +57,44 @@ TEST(DressedDialog, HasButtonsLikeOurs)
     PushButton ours(QStringLiteral("Choose"));
     ours.setAutoDefault(false);
     EXPECT_FALSE(pictureOf(*button, ours.sizeHint()) == pictureOf(ours, ours.sizeHint()));
-    dressButtons(dialog);
+    dressDialog(dialog);
     EXPECT_TRUE(pictureOf(*button, ours.sizeHint()) == pictureOf(ours, ours.sizeHint()));
     EXPECT_EQ(button->sizeHint(), ours.sizeHint());
     for (QPushButton *both : { button, static_cast<QPushButton *>(&ours) })
         both->setDefault(true);
     EXPECT_TRUE(pictureOf(*button, ours.sizeHint()) == pictureOf(ours, ours.sizeHint()));
+}
+
+TEST(DressedDialog, HasEdgesThatAreSeen)
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(skinPalette());
+    QDialog dialog;
+    dialog.resize(300, 300);
+    const QList<QWidget *> fields { new QLineEdit(&dialog),
+                                    new QComboBox(&dialog),
+                                    new QSpinBox(&dialog),
+                                    new QListWidget(&dialog),
+                                    new QCheckBox(&dialog) };
+    const auto edge = [&](const QRect &frame) {
+        const QImage image = dialog.grab().toImage();
+        double most = 1;
+        for (int x = frame.left(); x < frame.left() + 6; ++x)
+            most = std::max(
+                most,
+                contrast(image.pixelColor(x, frame.center().y()), dialog.palette().color(QPalette::Window)));
+        return most;
+    };
+    for (QWidget *field : fields) {
+        field->setGeometry(20, 20 + 50 * int(fields.indexOf(field)), 100, 30);
+        EXPECT_LT(edge(field->geometry()), 3) << field->metaObject()->className();
+    }
+    dressDialog(dialog);
+    for (const QWidget *field : fields) {
+        const double figure = edge(field->geometry());
+        std::printf("  %-12s %5.2f : 1\n", field->metaObject()->className(), figure);
+        EXPECT_GE(figure, 3) << field->metaObject()->className();
+    }
 }
 
 TEST(PanelWithoutButtons, GetsOneThatClosesIt)

@@ -31,7 +31,7 @@ void WindowLogoPanels::orderFrontFontPanel(const QFont &selected, std::function<
         m_fontPanel->setWindowTitle(tr("The logo's font"));
         m_fontPanel->setCurrentFont(selected);
         addCloseButton(*m_fontPanel);
-        dressButtons(*m_fontPanel);
+        dressDialog(*m_fontPanel);
         if (const QWidget *window = m_main.visible())
             placeBeside(*m_fontPanel, *window);
         QObject::connect(m_fontPanel, &QFontDialog::currentFontChanged, m_fontPanel, std::move(changed));

@@ -42,7 +42,7 @@ void WindowQuestions::runSavePanel(const QString &name,
     const QString folder = movie_folder::current();
     panel->setDirectory(folder);
     panel->selectFile(movie_folder::unusedName(folder, name.isEmpty() ? tr("Untitled") : name, type));
-    dressButtons(*panel);
+    dressDialog(*panel);
     runFilePanel(*panel, [answer = std::move(answer)](const std::optional<QString> &path) {
         if (path)
             movie_folder::setCurrent(QFileInfo(*path).absolutePath());
