@@ -103,6 +103,8 @@ void VNLogoContext::declareDependencies()
 {
     for (const char *key : { "LogoPosition", "logoPositionX", "logoPositionY" })
         declareDependency(key, keyPathsForValuesAffectingValueForKey(key));
+    declareDependency("logoOffsetX", { "LogoPosition" });
+    declareDependency("logoOffsetY", { "LogoPosition" });
 }
 
 QByteArrayList VNLogoContext::keyPathsForValuesAffectingValueForKey(const QByteArray &key)

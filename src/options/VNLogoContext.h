@@ -44,6 +44,8 @@ class VNLogoContext : public ObservableObject
     Q_PROPERTY(QPointF LogoPosition READ LogoPosition WRITE setLogoPosition NOTIFY LogoPositionChanged)
     Q_PROPERTY(double logoPositionX READ logoPositionX WRITE setLogoPositionX NOTIFY logoPositionXChanged)
     Q_PROPERTY(double logoPositionY READ logoPositionY WRITE setLogoPositionY NOTIFY logoPositionYChanged)
+    Q_PROPERTY(double logoOffsetX READ logoOffsetX WRITE setLogoOffsetX NOTIFY logoOffsetXChanged)
+    Q_PROPERTY(double logoOffsetY READ logoOffsetY WRITE setLogoOffsetY NOTIFY logoOffsetYChanged)
     Q_PROPERTY(qint64 LogoTransparency READ LogoTransparency WRITE setLogoTransparency NOTIFY
                    LogoTransparencyChanged)
     Q_PROPERTY(double LogoScale READ LogoScale WRITE setLogoScale NOTIFY LogoScaleChanged)
@@ -81,6 +83,13 @@ public:
     void setLogoPositionX(double x);
     [[nodiscard]] double logoPositionY() const { return LogoPosition().y(); }
     void setLogoPositionY(double y);
+    /// How far the overlay's view, in which LogoPosition counts, reaches past the recorded rectangle on each side.
+    static constexpr double margin = 8;
+    /// LogoPosition as the movie shows it: from the lower left of the recorded rectangle.
+    [[nodiscard]] double logoOffsetX() const { return logoPositionX() - margin; }
+    void setLogoOffsetX(double x) { setLogoPositionX(x + margin); }
+    [[nodiscard]] double logoOffsetY() const { return logoPositionY() - margin; }
+    void setLogoOffsetY(double y) { setLogoPositionY(y + margin); }
     /// 0 is invisible, 255 opaque; numbers beyond are kept, and drawn as the nearer of the two.
     [[nodiscard]] qint64 LogoTransparency() const { return mLogoTransparency; }
     void setLogoTransparency(qint64 transparency);
@@ -132,6 +141,8 @@ signals:
     void LogoPositionChanged();
     void logoPositionXChanged();
     void logoPositionYChanged();
+    void logoOffsetXChanged();
+    void logoOffsetYChanged();
     void LogoTransparencyChanged();
     void LogoScaleChanged();
     void LogoRotationChanged();

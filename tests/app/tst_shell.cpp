@@ -1,5 +1,6 @@
 #include "app/session/session_fixture.h"
 #include "app/window/hyperlink.h"
+#include "overlay/overlay_geometry.h"
 #include "support/named_pipe.h"
 
 #include <QDir>
@@ -12,6 +13,8 @@
 
 namespace vornic {
 namespace {
+
+static_assert(VNLogoContext::margin == overlayMargin, "the logo's position counts in the overlay's view");
 
 void write(const QString &path, const QByteArray &bytes)
 {

@@ -95,13 +95,32 @@ TEST(VNLogoContext, PositionAndCoordinatesTellEachOtherOnce)
 {
     VNLogoContext logo;
     Told told(&logo);
-    const Names all { "LogoPosition", "logoPositionX", "logoPositionY" };
+    const Names all { "LogoPosition", "logoOffsetX", "logoOffsetY", "logoPositionX", "logoPositionY" };
     logo.setLogoPosition({ 1, 2 });
     EXPECT_EQ(told.take(), all);
     logo.setLogoPositionX(3);
     EXPECT_EQ(told.take(), all);
     logo.setLogoPositionY(4);
     EXPECT_EQ(told.take(), all);
+    logo.setLogoOffsetX(5);
+    EXPECT_EQ(told.take(), all);
+    logo.setLogoOffsetY(6);
+    EXPECT_EQ(told.take(), all);
+}
+
+TEST(VNLogoContext, OffsetsCountFromTheRecordedRectangle)
+{
+    VNLogoContext logo;
+    EXPECT_EQ(logo.logoOffsetX(), 142);
+    EXPECT_EQ(logo.logoOffsetY(), 92);
+    logo.setLogoOffsetX(0);
+    EXPECT_EQ(logo.LogoPosition(), QPointF(8, 100));
+    logo.setLogoOffsetY(-3.5);
+    EXPECT_EQ(logo.LogoPosition(), QPointF(8, 4.5));
+    logo.setLogoPosition({ 0, 20 });
+    EXPECT_EQ(logo.property("logoOffsetX").toDouble(), -8);
+    EXPECT_TRUE(logo.setProperty("logoOffsetY", 30));
+    EXPECT_EQ(logo.LogoPosition(), QPointF(0, 38));
 }
 
 TEST(VNLogoContext, TheOtherKeysTellThemselves)
