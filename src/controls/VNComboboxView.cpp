@@ -140,6 +140,18 @@ QString VNComboboxView::titleOfItem(qint64 index) const
     return item ? item->data().toString() : QString();
 }
 
+void VNComboboxView::setPlaceholderText(const QString &text)
+{
+    m_placeholderText = text;
+    updateGeometry();
+    update();
+}
+
+QString VNComboboxView::shownTitle() const
+{
+    return numberOfMenuItems() > 0 ? stringValue() : m_placeholderText;
+}
+
 void VNComboboxView::setIndexOfSelected(qint64 index)
 {
     if (index == m_indexOfSelected)
@@ -192,7 +204,7 @@ void VNComboboxView::drawRect(QPainter &view)
     const QPoint mouse = mapFromGlobal(QCursor::pos());
     paintCombobox(view,
                   rect(),
-                  { .title = stringValue(),
+                  { .title = shownTitle(),
                     .font = font(),
                     .isEnabled = isEnabled(),
                     .mouseIsOverButton = getSettingPos(rect()).toRect().contains(mouse),
@@ -208,7 +220,8 @@ void VNComboboxView::paintEvent(QPaintEvent * /*event*/)
 
 QSize VNComboboxView::sizeHint() const
 {
-    double widest = minTextWidth;
+    double widest = std::max<double>(minTextWidth,
+                                     skinTextWidth({ .text = shownTitle(), .font = font(), .color = {} }));
     for (const QAction *item : mPopupMenu->actions())
         widest = std::max(widest,
                           skinTextWidth({ .text = item->data().toString(), .font = font(), .color = {} }));

@@ -16,7 +16,7 @@ namespace vornic {
 
 /// What a list view shows; enough to paint it without a widget.
 struct ComboboxLook {
-    QString title; ///< of the selected item; empty when there is none
+    QString title; ///< of the selected item, or the hint where there is none
     QFont font;
     bool isEnabled = true;
     bool mouseIsOverButton = false;
@@ -61,6 +61,10 @@ public:
     void setIndexOfSelected(qint64 index);
     /// The selected title; null when there is none.
     [[nodiscard]] QString stringValue() const { return titleOfItem(m_indexOfSelected); }
+
+    /// Shown in place of a title while there is no item; nobody can choose it, and it is no stringValue().
+    void setPlaceholderText(const QString &text);
+    [[nodiscard]] QString shownTitle() const;
 
     /// Borrowed; called when the user chooses.
     void setTarget(QObject *target) { m_action.setTarget(target); }
@@ -107,6 +111,7 @@ private:
     void chooseByTyping(const QString &text);
 
     QMenu *mPopupMenu;
+    QString m_placeholderText;
     qint64 m_indexOfSelected = -1;
     TargetAction m_action;
 

@@ -68,6 +68,23 @@ protected:
     Receiver receiver;
 };
 
+TEST_F(ComboboxView, AHintStandsWhereThereIsNoItemAndIsNone)
+{
+    view.setIndexOfSelected(1);
+    view.setPlaceholderText("Nothing to choose");
+    EXPECT_EQ(view.shownTitle(), "Medium");
+    view.removeAllItems();
+    EXPECT_EQ(view.shownTitle(), "Nothing to choose");
+    EXPECT_EQ(view.stringValue(), QString());
+    EXPECT_EQ(view.numberOfMenuItems(), 0);
+    const QImage hinted = view.grab().toImage();
+    view.setPlaceholderText({});
+    EXPECT_NE(view.grab().toImage(), hinted);
+    const int withoutHint = view.sizeHint().width();
+    view.setPlaceholderText("A hint that is much longer than this");
+    EXPECT_GT(view.sizeHint().width(), withoutHint);
+}
+
 TEST_F(ComboboxView, IsAlways28HighWithItsButtonAtTheRight)
 {
     view.setFrame({ 10, 10, 200, 40 });
