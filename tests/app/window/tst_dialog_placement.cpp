@@ -17,7 +17,7 @@ protected:
         parent.show();
     }
 
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry(); // 800 x 800
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry(); // 1440 x 900
     QWidget parent;
     QList<QRect> areas;
     DialogPlacement placement { [this] { return areas; }, nullptr };
@@ -29,7 +29,7 @@ TEST_F(DialogPlacementTest, ADialogThatCoversNothingStaysWhereTheToolkitPutsIt)
     box.show();
     const QPoint natural = box.pos();
     box.hide();
-    areas += QRect(600, 600, 200, 200);
+    areas += QRect(1200, 600, 200, 200);
     QMessageBox again(QMessageBox::Warning, "Title", "A question?", QMessageBox::Ok, &parent);
     again.show();
     EXPECT_EQ(again.pos(), natural);
@@ -38,7 +38,7 @@ TEST_F(DialogPlacementTest, ADialogThatCoversNothingStaysWhereTheToolkitPutsIt)
 
 TEST_F(DialogPlacementTest, EveryDialogIsMovedOffWhatIsRecorded)
 {
-    areas += QRect(0, 0, 800, 450);
+    areas += QRect(0, 0, 1440, 450);
     QMessageBox box(QMessageBox::Warning, "Title", "A question?", QMessageBox::Ok, &parent);
     box.show();
     EXPECT_GE(box.frameGeometry().top(), 450);
@@ -50,7 +50,7 @@ TEST_F(DialogPlacementTest, EveryDialogIsMovedOffWhatIsRecorded)
     EXPECT_GE(sheet.frameGeometry().top(), 450);
     QDialog alone;
     alone.resize(300, 300);
-    areas = { QRect(340, 340, 460, 460) };
+    areas = { QRect(340, 340, 1100, 560) };
     alone.show();
     EXPECT_FALSE(alone.frameGeometry().intersects(areas.first()));
 }
@@ -58,7 +58,7 @@ TEST_F(DialogPlacementTest, EveryDialogIsMovedOffWhatIsRecorded)
 TEST_F(DialogPlacementTest, AMessageOfManyLinesIsMeasuredAsItIsShown)
 {
     parent.move(60, 360);
-    areas += QRect(0, 500, 800, 300);
+    areas += QRect(0, 500, 1440, 400);
     QMessageBox box(QMessageBox::Warning, "Title", "A question?", QMessageBox::Ok, &parent);
     box.setInformativeText(QStringLiteral("Many words that fill several lines. ").repeated(20));
     box.show();
@@ -81,7 +81,7 @@ TEST_F(DialogPlacementTest, WithoutRoomItStaysWhereTheToolkitPutsIt)
 
 TEST_F(DialogPlacementTest, OtherWindowsAreLeftAlone)
 {
-    areas += QRect(0, 0, 800, 450);
+    areas += QRect(0, 0, 1440, 450);
     QWidget window;
     window.setGeometry(50, 70, 200, 200);
     window.show();
