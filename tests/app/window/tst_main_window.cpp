@@ -1,6 +1,3 @@
-#include "app/VornicAppDelegate.h"
-#include "app/session/session_fakes.h"
-#include "app/window/main_window.h"
 #include "controls/VNCheckCell.h"
 #include "controls/VNColorWell.h"
 #include "controls/VNComboboxView.h"
@@ -9,7 +6,7 @@
 #include "controls/VNSliderCell.h"
 #include "controls/VNTextFieldCell.h"
 #include "controls/number_field.h"
-#include "window_main.h"
+#include "main_window_test.h"
 
 #include <QAction>
 #include <QColorDialog>
@@ -23,36 +20,6 @@
 
 namespace vornic {
 namespace {
-
-class MainWindowTest : public testing::Test
-{
-protected:
-    MainWindowTest()
-        : delegate(frontEnd.frontEnd(), std::make_unique<VNOption>())
-    {
-        audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
-        delegate.setAudioControl(&audioControl);
-        delegate.applicationDidFinishLaunching();
-        window = std::make_unique<MainWindow>(delegate);
-        window->show();
-    }
-
-    VNOption &options() { return *delegate.options(); }
-    VNLogoContext &logo() { return *options().logoContext(); }
-    template<typename Control>
-    Control &control(const char *name)
-    {
-        auto *found = window->findChild<Control *>(QLatin1StringView(name));
-        EXPECT_TRUE(found) << name;
-        return *found;
-    }
-    QWidget &widget(const char *name) { return control<QWidget>(name); }
-
-    FakeFrontEnd frontEnd;
-    FakeAudioControl audioControl;
-    VornicAppDelegate delegate;
-    std::unique_ptr<MainWindow> window;
-};
 
 TEST_F(MainWindowTest, TheRegionFollowsTheOptionsBothWays)
 {
@@ -280,8 +247,7 @@ TEST_F(MainWindowTest, NothingIsCutOffInALongLanguage)
     const int widthInEnglish = window->width();
     LongTranslator translator;
     QCoreApplication::installTranslator(&translator);
-    window = std::make_unique<MainWindow>(delegate);
-    window->show();
+    makeWindow();
     EXPECT_TRUE(control<QAbstractButton>("recordButton").text().endsWith(u'ö'));
     EXPECT_GT(window->width(), widthInEnglish);
     expectNothingCutOffOrOverlapping(*window);
@@ -318,8 +284,7 @@ TEST_F(MainWindowTest, MnemonicsAreUniqueInAllLanguages)
         QTranslator translator;
         if (translator.load(QStringLiteral(":/i18n/vornic_%1").arg(language)))
             QCoreApplication::installTranslator(&translator);
-        window = std::make_unique<MainWindow>(delegate);
-        window->show();
+        makeWindow();
         EXPECT_EQ(control<QAbstractButton>("recordButton").text() == "&Record", translator.isEmpty());
         for (const int type : { 0, 1 }) {
             logo().setLogoType(type);
