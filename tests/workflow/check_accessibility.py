@@ -5,42 +5,51 @@ import sys
 
 from desktop_session import Program, run_inside, walk
 
-# name, role, states that it has, states that it has not
+# name, role, states that it has, states that it has not; without a logo, and without an audio input
 EXPECTED = [
     ("Full display", "radio button", {"checked", "enabled"}, set()),
     ("Selected rectangle", "radio button", {"enabled"}, {"checked"}),
     ("Left edge of the rectangle, in pixels", "spin button", set(), {"enabled"}),
+    ("Top edge of the rectangle, in pixels from the top of the display", "spin button", set(), {"enabled"}),
     ("Bottom edge of the rectangle, in pixels from the bottom of the display", "spin button", set(), {"enabled"}),
     ("Width of the rectangle, in pixels", "spin button", set(), {"enabled"}),
     ("Height of the rectangle, in pixels", "spin button", set(), {"enabled"}),
+    ("Size of the rectangle", "combo box", set(), {"enabled"}),
+    ("Select on screen…", "push button", {"enabled"}, set()),
     ("Quality", "combo box", {"enabled"}, set()),
-    ("Sound", "check box", {"enabled"}, {"checked"}),
+    ("Sound", "check box", set(), {"checked", "enabled"}),
     ("Audio input device", "combo box", set(), {"enabled"}),
+    ("Countdown before a recording", "combo box", {"enabled"}, set()),
+    ("Key that starts and stops a recording", "text", {"enabled"}, set()),
     ("Show the movie in its folder", "check box", {"enabled", "checked"}, set()),
     ("Open the movie", "check box", {"enabled"}, {"checked"}),
     ("Logo", "check box", {"enabled"}, {"checked"}),
-    ("Text", "radio button", {"checked"}, {"enabled"}),
-    ("Picture", "radio button", set(), {"checked", "enabled"}),
-    ("The logo's text", "text", set(), {"enabled"}),
-    ("Font…", "push button", set(), {"enabled"}),
-    ("Fill colour", "push button", set(), {"enabled"}),
-    ("Outline colour", "push button", set(), {"enabled"}),
-    ("Left edge of the logo, in pixels", "spin button", set(), {"enabled"}),
-    ("Bottom edge of the logo, in pixels", "spin button", set(), {"enabled"}),
-    ("Scale of the logo", "slider", set(), {"enabled"}),
-    ("Scale of the logo", "spin button", set(), {"enabled"}),
-    ("Opacity of the logo, 0 to 255", "slider", set(), {"enabled"}),
-    ("Rotation of the logo, in degrees", "slider", set(), {"enabled"}),
     ("Record", "push button", {"enabled", "focusable"}, set()),
+]
+# With a logo.
+EXPECTED_OF_LOGO = [
+    ("Text", "radio button", {"checked", "enabled"}, set()),
+    ("Picture", "radio button", {"enabled"}, {"checked"}),
+    ("The logo's text", "text", {"enabled"}, set()),
+    ("Font…", "push button", {"enabled"}, set()),
+    ("Fill colour", "push button", {"enabled"}, set()),
+    ("Outline colour", "push button", {"enabled"}, set()),
+    ("Left edge of the logo, in pixels", "spin button", {"enabled"}, set()),
+    ("Bottom edge of the logo, in pixels", "spin button", {"enabled"}, set()),
+    ("Scale of the logo", "slider", {"enabled"}, set()),
+    ("Scale of the logo", "spin button", {"enabled"}, set()),
+    ("Opacity of the logo, in percent", "slider", {"enabled"}, set()),
+    ("Opacity of the logo, in percent", "spin button", {"enabled"}, set()),
+    ("Rotation of the logo, in degrees", "slider", {"enabled"}, set()),
 ]
 CONTROLS = {"radio button", "check box", "push button", "spin button", "combo box", "slider", "text"}
 
 
-def problems(program):
+def problems(program, expected):
     nodes = [(node.get_name().replace("&", ""), node.get_role_name(), program.states(node))
              for node in walk(program.window)]
     shown = [node for node in nodes if "showing" in node[2]]
-    for name, role, has, has_not in EXPECTED:
+    for name, role, has, has_not in expected:
         found = [node for node in shown if node[:2] == (name, role)]
         if not found:
             yield f"no {role} \"{name}\"; of that name: {[node[1] for node in shown if node[0] == name]}"
@@ -55,7 +64,13 @@ def main():
     run_inside()
     program = Program(sys.argv[1])
     try:
-        found = list(problems(program))
+        found = list(problems(program, EXPECTED))
+        for name, role, _, _ in EXPECTED_OF_LOGO:
+            if program.find(name, role):
+                found.append(f"{role} \"{name}\" is shown without a logo")
+        program.find("Logo", "check box").get_action_iface().do_action(0)
+        program.wait_for("Text", "radio button")
+        found += problems(program, EXPECTED_OF_LOGO)
         print("\n".join(found) or "every control has its name, role and state")
         return 1 if found else 0
     finally:

@@ -16,7 +16,8 @@ MOVIE = FOLDER + "/Untitled.mp4"
 
 def choose_with_mouse(program):
     program.click("Selected rectangle", "radio button")
-    xdotool("windowmove", "--sync", xdotool("search", "--onlyvisible", "--name", "^Vornic$").split()[-1], 590, 240)
+    # Beside the upper left of the rectangle, wherever the window has gone to make room for it.
+    xdotool("windowmove", "--sync", xdotool("search", "--onlyvisible", "--name", "^Vornic$").split()[-1], 420, 40)
     wait(lambda: program.place(program.find("Record", "push button"))[0] > 590)
     # The rectangle of a first start is 800 x 600 in the middle; its upper left handle is 4 pixels outside.
     xdotool("mousemove", 236, 96, "mousedown", 1)

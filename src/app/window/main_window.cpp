@@ -2,7 +2,9 @@
 
 #include "app/VornicAppDelegate.h"
 #include "app/session/audio_device_list.h"
+#include "app/session/start_settings.h"
 #include "app/window/headings.h"
+#include "app/window/options_view_model.h"
 #include "observing/key_path_binding.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
@@ -13,11 +15,20 @@
 
 #include <ui_MainWindow.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace vornic {
 
 namespace {
 
 constexpr QByteArrayView bindPrefix("bind_");
+constexpr QByteArrayView viewPrefix("view.");
+/// Of the controls that are folded away while there is no logo.
+constexpr const char *partOfLogo = "partOfLogo";
+/// Of the grid, for the logo's numbers.
+constexpr int sliderColumn = 6;
+constexpr int fieldColumn = 7;
 
 /// As the list of devices or of qualities holds it.
 void showItems(VNComboboxView &view, const QStringList &titles)
@@ -30,22 +41,27 @@ void showItems(VNComboboxView &view, const QStringList &titles)
 
 MainWindow::MainWindow(VornicAppDelegate &delegate)
     : m_delegate(delegate)
+    , m_viewModel(std::make_unique<OptionsViewModel>(*delegate.options()))
     , m_ui(std::make_unique<Ui::MainWindow>())
 {
     m_ui->setupUi(this);
     nameItems();
     emboldenHeadings(*this);
     m_ui->scaleSlider->setValueRange(0.1, 4, 0.05);
-    m_ui->opacitySlider->setValueRange(0, 255, 1);
+    m_ui->opacitySlider->setValueRange(0, 100, 1);
     m_ui->rotationSlider->setValueRange(-180, 180, 1);
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->setAutoDefault(true); // Enter presses the one with the focus
     QSizePolicy keepsItsPlace = m_ui->savePI->sizePolicy();
     keepsItsPlace.setRetainSizeWhenHidden(true);
     m_ui->savePI->setSizePolicy(keepsItsPlace);
     m_ui->savePI->hide();
+    fillLists();
     bindControls();
     connectActions();
     reloadData();
     showLogo();
+    foldLogo();
     layout()->setSizeConstraint(QLayout::SetFixedSize);
     m_ui->recordButton->setFocus();
 }
@@ -62,32 +78,71 @@ void MainWindow::nameItems()
     m_ui->helpMenu->setText(tr("%1 Help").arg(product));
 }
 
+void MainWindow::fillLists()
+{
+    showItems(*m_ui->sizeView, OptionsViewModel::sizePresetTitles());
+    showItems(*m_ui->mVideoQualityView, { tr("High"), tr("Medium") });
+    m_ui->mVideoQualityView->setIndexOfSelected(m_delegate.options()->recordQuality());
+    m_ui->mVideoQualityView->setTarget(this);
+    m_ui->mVideoQualityView->setSelector("setVideoQualiy");
+    QStringList countdowns;
+    for (const int seconds : start_settings::countdowns)
+        countdowns += seconds > 0 ? tr("%1 s").arg(seconds) : tr("None");
+    showItems(*m_ui->countdownView, countdowns);
+    m_ui->countdownView->setIndexOfSelected(
+        std::ranges::find(start_settings::countdowns, start_settings::countdownSeconds())
+        - start_settings::countdowns.begin());
+    m_ui->countdownView->setTarget(this);
+    m_ui->countdownView->setSelector("setCountdown");
+    m_ui->mAudioDevicesView->setPlaceholderText(tr("No audio input found"));
+    m_ui->mAudioDevicesView->setTarget(this);
+    m_ui->mAudioDevicesView->setSelector("selAudioDevice");
+    connect(&m_delegate.audioDevicesView(), &AudioDeviceList::changed, this, &MainWindow::showAudioDevices);
+    showAudioDevices();
+}
+
 void MainWindow::bindControls()
 {
     const QList<QWidget *> controls = findChildren<QWidget *>();
     for (QWidget *control : controls) {
         const QByteArrayList names = control->dynamicPropertyNames();
         for (const QByteArray &name : names) {
-            if (name.startsWith(bindPrefix)) // the control owns it as its child
-                new KeyPathBinding(control,
-                                   name.mid(bindPrefix.size()).constData(),
-                                   &m_delegate,
-                                   control->property(name.constData()).toByteArray());
+            if (!name.startsWith(bindPrefix))
+                continue;
+            QByteArray path = control->property(name.constData()).toByteArray();
+            QObject *root = &m_delegate;
+            if (path.startsWith(viewPrefix)) {
+                path = path.mid(viewPrefix.size());
+                root = m_viewModel.get();
+            }
+            // The control owns it as its child.
+            new KeyPathBinding(control, name.mid(bindPrefix.size()).constData(), root, path);
         }
     }
 }
 
 void MainWindow::connectActions()
 {
-    showItems(*m_ui->mVideoQualityView, { tr("High"), tr("Medium") });
-    m_ui->mVideoQualityView->setIndexOfSelected(m_delegate.options()->recordQuality());
-    m_ui->mVideoQualityView->setTarget(this);
-    m_ui->mVideoQualityView->setSelector("setVideoQualiy");
-    m_ui->mAudioDevicesView->setTarget(this);
-    m_ui->mAudioDevicesView->setSelector("selAudioDevice");
-    connect(&m_delegate.audioDevicesView(), &AudioDeviceList::changed, this, &MainWindow::showAudioDevices);
-    showAudioDevices();
+    connectRegion();
+    connectLogo();
+    connectStart();
+    connectMenu();
+    for (const auto changed :
+         { &VornicAppDelegate::allowedEditLogoChanged, &VornicAppDelegate::allowedEditFontChanged })
+        connect(&m_delegate, changed, this, &MainWindow::reloadData);
+}
 
+void MainWindow::connectRegion()
+{
+    connect(m_delegate.options()->logoContext(),
+            &VNLogoContext::LogoValidateChanged,
+            this,
+            &MainWindow::foldLogo);
+    connect(m_ui->selectButton, &QAbstractButton::clicked, this, &MainWindow::selectOnScreenAsked);
+}
+
+void MainWindow::connectLogo()
+{
     const VNLogoContext &logo = *m_delegate.options()->logoContext();
     m_ui->mLogoFontFillColorWell->setColor(logo.LogoFontFillColor());
     m_ui->mLogoFontStrokeColorWell->setColor(logo.LogoFontStrokeColor());
@@ -108,15 +163,29 @@ void MainWindow::connectActions()
             });
     connect(m_ui->chooseButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::selImageFile);
     connect(m_ui->fontButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::setFontAttrs);
+}
 
+void MainWindow::connectStart()
+{
     connect(m_ui->recordButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::recorded);
+    connect(m_ui->statusLine, &StatusLine::openAsked, this, &MainWindow::openAsked);
+    connect(m_ui->statusLine, &StatusLine::revealAsked, this, &MainWindow::revealAsked);
+    setShortcut(start_settings::shortcut());
+    connect(m_ui->shortcutField, &ShortcutField::chosen, this, [this](const QString &portable) {
+        setShortcutProblem({});
+        emit shortcutChosen(portable);
+    });
+    connect(m_ui->shortcutField, &ShortcutField::refused, this, [this] {
+        setShortcutProblem(tr("Hold Ctrl, Alt or Super with it."));
+    });
+}
+
+void MainWindow::connectMenu()
+{
     connect(m_ui->mAboutApp, &QAction::triggered, this, &MainWindow::showAbout);
     connect(m_ui->mHideApp, &QAction::triggered, this, &QWidget::showMinimized);
     connect(m_ui->mQuitApp, &QAction::triggered, this, &QWidget::close);
     connect(m_ui->helpMenu, &QAction::triggered, &m_delegate, &VornicAppDelegate::helpScreenRecord);
-    for (const auto changed :
-         { &VornicAppDelegate::allowedEditLogoChanged, &VornicAppDelegate::allowedEditFontChanged })
-        connect(&m_delegate, changed, this, &MainWindow::reloadData);
 }
 
 void MainWindow::connectColorWell(VNColorWell &well, const char *selector)
@@ -136,6 +205,12 @@ void MainWindow::selAudioDevice()
     m_delegate.selAudioDevice();
 }
 
+void MainWindow::setCountdown()
+{
+    const auto index = static_cast<size_t>(m_ui->countdownView->indexOfSelected());
+    start_settings::setCountdownSeconds(start_settings::countdowns.at(index));
+}
+
 void MainWindow::setFontFillColor()
 {
     m_delegate.setFontFillColor(m_ui->mLogoFontFillColorWell->color());
@@ -152,6 +227,9 @@ void MainWindow::showAudioDevices()
     showItems(*m_ui->mAudioDevicesView, list.titles());
     m_ui->mAudioDevicesView->setIndexOfSelected(list.indexOfSelected());
     m_ui->mAudioDevicesView->setEnabled(list.isEnabled());
+    // Names of devices may be longer than the list.
+    m_ui->mAudioDevicesView->setToolTip(
+        tr("The device whose sound is recorded: %1").arg(m_ui->mAudioDevicesView->shownTitle()));
 }
 
 /// The controls of the kind of logo that it is, and its picture.
@@ -161,6 +239,21 @@ void MainWindow::showLogo()
     m_ui->logoPages->setCurrentWidget(logo.isLogoTypeText() ? m_ui->logoTextPage : m_ui->logoImagePage);
     const QSignalBlocker blocker(m_ui->logoImageView);
     m_ui->logoImageView->setImage(std::make_shared<QImage>(logo.getNSImage()));
+}
+
+void MainWindow::foldLogo()
+{
+    const bool unfolded = m_delegate.options()->logoContext()->LogoValidate();
+    for (QWidget *control : m_ui->contents->findChildren<QWidget *>()) {
+        if (control->property(partOfLogo).toBool())
+            control->setVisible(unfolded);
+    }
+    // What is above stays where it is, though the widest column may be empty now.
+    m_ui->grid->setColumnMinimumWidth(sliderColumn, m_ui->scaleSlider->sizeHint().width());
+    m_ui->grid->setColumnMinimumWidth(fieldColumn, m_ui->logoXField->sizeHint().width());
+    // The window takes its new size at once.
+    m_ui->contents->layout()->activate();
+    layout()->activate();
 }
 
 void MainWindow::setBusy(bool busy)
@@ -175,7 +268,31 @@ void MainWindow::reloadData()
     m_ui->mLogoFontFillColorWell->setEnabled(font);
     m_ui->mLogoFontStrokeColorWell->setEnabled(font);
     m_ui->logoImageView->setEnabled(m_delegate.allowedEditLogo() && !font);
-    m_ui->recordButton->setEnabled(!m_delegate.isRecording());
+    const bool recording = m_delegate.isRecording();
+    m_ui->recordButton->setEnabled(!recording);
+    const bool wasRecording = std::exchange(m_shownRecording, recording);
+    if (recording && !wasRecording)
+        showStatus({});
+}
+
+void MainWindow::showSaved(const QString &path, double seconds)
+{
+    m_ui->statusLine->showSaved(path, seconds);
+}
+
+void MainWindow::showStatus(const QString &sentence)
+{
+    m_ui->statusLine->showSentence(sentence);
+}
+
+void MainWindow::setShortcut(const QString &portable)
+{
+    m_ui->shortcutField->setShortcut(portable);
+}
+
+void MainWindow::setShortcutProblem(const QString &sentence)
+{
+    m_ui->shortcutProblem->showText(sentence);
 }
 
 void MainWindow::record(bool fullDisplay, const QString &file)

@@ -4,10 +4,9 @@
 
 #include <memory>
 
-class QFont;
-
 namespace vornic {
 
+class OptionsViewModel;
 class VNColorWell;
 class VNComboboxView;
 class VornicAppDelegate;
@@ -19,7 +18,8 @@ class MainWindow;
 /// The main window: what is recorded, how, the logo, and the record button.
 ///
 /// Made by main; lives on the main thread. Its interface file says which property of a control follows which
-/// key path of the delegate: "bind_checked" set to "options.enableAudio" ties the one to the other.
+/// key path of the delegate: "bind_checked" set to "options.enableAudio" ties the one to the other. A path that
+/// begins with "view." is one of OptionsViewModel.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -31,12 +31,27 @@ public:
     void setBusy(bool busy);
     /// Enables the controls that may be used now.
     void reloadData();
+    /// Tells above the record button what was recorded, until the next recording begins.
+    void showSaved(const QString &path, double seconds);
+    /// Tells \a sentence in the same place; empty: nothing.
+    void showStatus(const QString &sentence);
+    /// Shows the key that starts and stops from any program, as QKeySequence writes it portably.
+    void setShortcut(const QString &portable);
+    /// Tells beneath the key why it does not work; empty: it does.
+    void setShortcutProblem(const QString &sentence);
     /// Chooses the full display or the selected rectangle, and presses the record button; with a \a file it records
     /// at once, to there.
     void record(bool fullDisplay, const QString &file = {});
 
 signals:
     void closed();
+    /// The user wants to draw the rectangle, or to click a window.
+    void selectOnScreenAsked();
+    /// Of the movie that showSaved() was told of.
+    void openAsked(const QString &path);
+    void revealAsked(const QString &path);
+    /// The user has chosen another key, or none where it is empty.
+    void shortcutChosen(const QString &portable);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -44,19 +59,28 @@ protected:
 private slots:
     void setVideoQualiy();
     void selAudioDevice();
+    void setCountdown();
     void setFontFillColor();
     void setFontStrokeColor();
 
 private:
     void nameItems();
+    void fillLists();
     void bindControls();
     void connectActions();
+    void connectRegion();
+    void connectLogo();
+    void connectStart();
+    void connectMenu();
     void connectColorWell(VNColorWell &well, const char *selector);
     void showAudioDevices();
     void showLogo();
+    void foldLogo();
     void showAbout();
 
     VornicAppDelegate &m_delegate;
+    std::unique_ptr<OptionsViewModel> m_viewModel;
+    bool m_shownRecording = false;
     std::unique_ptr<Ui::MainWindow> m_ui;
 };
 

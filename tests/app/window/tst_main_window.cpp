@@ -61,17 +61,75 @@ TEST_F(MainWindowTest, TheLogoFollowsTheOptionsBothWays)
     control<VNSliderCell>("rotationSlider").setDoubleValue(30);
     EXPECT_EQ(logo().LogoRotation(), 30);
     EXPECT_EQ(control<NumberField>("rotationField").value(), 30);
-    control<NumberField>("opacityField").setValue(128);
+    control<NumberField>("opacityField").setValue(50);
     EXPECT_EQ(logo().LogoTransparency(), 128);
-    EXPECT_EQ(control<VNSliderCell>("opacitySlider").doubleValue(), 128);
+    EXPECT_EQ(control<VNSliderCell>("opacitySlider").doubleValue(), 50);
     control<NumberField>("scaleField").setValue(1.5);
     EXPECT_EQ(logo().LogoScale(), 1.5);
-    // Beyond the slider's end is not pulled back by it.
-    control<NumberField>("scaleField").setValue(9);
+    // What was stored beyond the ends of slider and field is not pulled back by them.
+    logo().setLogoScale(9);
     EXPECT_EQ(logo().LogoScale(), 9);
-    logo().setLogoPosition({ 33, 44 });
-    EXPECT_EQ(control<NumberField>("logoXField").value(), 33);
-    EXPECT_EQ(control<NumberField>("logoYField").value(), 44);
+    EXPECT_EQ(control<NumberField>("scaleField").value(), 4);
+}
+
+TEST_F(MainWindowTest, TheLogosPlaceCountsFromTheCornerOfWhatIsRecorded)
+{
+    logo().setLogoPosition({ 33, 44 }); // of the overlay, which begins 8 pixels further out
+    EXPECT_EQ(control<NumberField>("logoXField").value(), 25);
+    EXPECT_EQ(control<NumberField>("logoYField").value(), 36);
+    control<NumberField>("logoXField").setValue(0);
+    control<NumberField>("logoYField").setValue(0);
+    EXPECT_EQ(logo().LogoPosition(), QPointF(8, 8));
+}
+
+TEST_F(MainWindowTest, SlidersAndTheirFieldsHaveTheSameRange)
+{
+    for (const char *number : { "scale", "opacity", "rotation" }) {
+        const auto &slider = control<VNSliderCell>((QByteArray(number) + "Slider").constData());
+        const auto &field = control<NumberField>((QByteArray(number) + "Field").constData());
+        EXPECT_DOUBLE_EQ(slider.minValue(), field.minimum()) << number;
+        EXPECT_DOUBLE_EQ(slider.maxValue(), field.maximum()) << number;
+    }
+}
+
+TEST_F(MainWindowTest, NumbersShowTheirUnit)
+{
+    options().setSelectedRect({ 10, 20, 300, 200 });
+    logo().setLogoScale(1.5);
+    logo().setLogoTransparency(255);
+    logo().setLogoRotation(-30);
+    EXPECT_EQ(control<NumberField>("widthField").text(), "300 px");
+    EXPECT_EQ(control<NumberField>("scaleField").text(), "1.50 ×");
+    EXPECT_EQ(control<NumberField>("opacityField").text(), "100 %");
+    EXPECT_EQ(control<NumberField>("rotationField").text(), "-30°");
+    for (const char *name : { "offsetXField", "offsetYField", "topField", "heightField", "logoXField" })
+        EXPECT_TRUE(control<NumberField>(name).text().endsWith(" px")) << name;
+}
+
+TEST_F(MainWindowTest, TheTopEdgeIsShownAndMovesTheRectangle)
+{
+    options().setRecordRegion(1);
+    options().setSelectedRect({ 10, 20, 300, 200 });
+    EXPECT_EQ(control<NumberField>("topField").value(), 900 - 20 - 200);
+    control<NumberField>("topField").setValue(0);
+    EXPECT_EQ(options().selectedRect(), QRectF(10, 700, 300, 200));
+    EXPECT_EQ(control<NumberField>("offsetYField").value(), 700);
+}
+
+TEST_F(MainWindowTest, UsualSizesAreChosenFromAList)
+{
+    options().setRecordRegion(1);
+    options().setSelectedRect({ 10, 20, 300, 200 });
+    auto &sizes = control<VNComboboxView>("sizeView");
+    EXPECT_EQ(sizes.stringValue(), "Other");
+    QTest::keyClick(&sizes, Qt::Key_Down);
+    EXPECT_EQ(options().selectedRect().size(), QSizeF(1280, 720));
+    EXPECT_EQ(sizes.stringValue(), "1280 × 720");
+    // Nothing has the size "Other".
+    QTest::keyClick(&sizes, Qt::Key_Home);
+    EXPECT_EQ(sizes.stringValue(), "1280 × 720");
+    control<NumberField>("widthField").setValue(640);
+    EXPECT_EQ(sizes.stringValue(), "Other");
 }
 
 TEST_F(MainWindowTest, ColoursGoToTheLogoThroughTheWells)
@@ -217,7 +275,7 @@ QList<QWidget *> leaves(const QWidget &window)
 void expectNothingCutOffOrOverlapping(const QWidget &window)
 {
     const QList<QWidget *> controls = leaves(window);
-    EXPECT_GT(controls.size(), 30);
+    EXPECT_GT(controls.size(), 20);
     for (const QWidget *control : controls) {
         const QSize wanted = control->minimumSizeHint().expandedTo(
             qobject_cast<const QLabel *>(control) ? control->sizeHint() : QSize());
@@ -234,12 +292,28 @@ void expectNothingCutOffOrOverlapping(const QWidget &window)
     }
 }
 
+/// Without a logo, with a text, with a picture, and with all that the status line can say.
+void expectNothingCutOffInAnyMode(MainWindow &window, VNLogoContext &logo)
+{
+    logo.setLogoValidate(false);
+    expectNothingCutOffOrOverlapping(window);
+    const qsizetype folded = leaves(window).size();
+    logo.setLogoValidate(true);
+    for (const int type : { 0, 1 }) {
+        logo.setLogoType(type);
+        QCoreApplication::processEvents();
+        expectNothingCutOffOrOverlapping(window);
+        EXPECT_GT(leaves(window).size(), folded + 12);
+    }
+    window.showSaved("/somewhere/" + QString(200, u'x') + ".mp4", 10);
+    QCoreApplication::processEvents();
+    expectNothingCutOffOrOverlapping(window);
+    window.showStatus({});
+}
+
 TEST_F(MainWindowTest, NothingIsCutOffOrOverlaps)
 {
-    expectNothingCutOffOrOverlapping(*window);
-    logo().setLogoType(1);
-    QCoreApplication::processEvents();
-    expectNothingCutOffOrOverlapping(*window);
+    expectNothingCutOffInAnyMode(*window, logo());
 }
 
 TEST_F(MainWindowTest, NothingIsCutOffInALongLanguage)
@@ -250,11 +324,115 @@ TEST_F(MainWindowTest, NothingIsCutOffInALongLanguage)
     makeWindow();
     EXPECT_TRUE(control<QAbstractButton>("recordButton").text().endsWith(u'ö'));
     EXPECT_GT(window->width(), widthInEnglish);
-    expectNothingCutOffOrOverlapping(*window);
-    logo().setLogoType(1);
-    QCoreApplication::processEvents();
-    expectNothingCutOffOrOverlapping(*window);
+    expectNothingCutOffInAnyMode(*window, logo());
+    // On the smallest desktops that are common, beside a panel and with a frame.
+    EXPECT_LE(window->width(), 1366);
+    EXPECT_LE(window->height(), 768 - 80);
     QCoreApplication::removeTranslator(&translator);
+}
+
+/// The parameter is the name of the audio input, which may be what makes a column wide.
+class FoldingTest : public MainWindowTest, public testing::WithParamInterface<const char *>
+{
+protected:
+    FoldingTest()
+        : MainWindowTest({ GetParam() })
+    {
+    }
+};
+
+TEST_P(FoldingTest, TheLogosControlsAreFoldedAwayWithoutALogo)
+{
+    logo().setLogoValidate(false);
+    const QList<const char *> controls { "chkLogoText",   "logoTextField", "mLogoFontFillColorWell",
+                                         "scaleSlider",   "scaleField",    "logoXField",
+                                         "rotationLabel", "chkLogoImage" };
+    for (const char *name : controls)
+        EXPECT_FALSE(widget(name).isVisible()) << name;
+    const QSize folded = window->size();
+    const QRect record = widget("recordButton").geometry();
+    const QRect width = widget("widthField").geometry();
+    control<VNCheckCell>("chkLogo").click();
+    for (const char *name : controls)
+        EXPECT_TRUE(widget(name).isVisible()) << name;
+    EXPECT_GT(window->height(), folded.height() + 5 * 28);
+    EXPECT_EQ(window->width(), folded.width());
+    EXPECT_EQ(widget("recordButton").size(), record.size());
+    EXPECT_EQ(widget("widthField").geometry(), width); // nothing above it moves
+    EXPECT_EQ(widget("chkOpen").x(), widget("logoXLabel").x());
+    control<VNCheckCell>("chkLogo").click();
+    EXPECT_EQ(window->size(), folded);
+    EXPECT_EQ(widget("recordButton").geometry(), record);
+}
+
+INSTANTIATE_TEST_SUITE_P(Inputs, FoldingTest, testing::Values("Mic", "Built-in Audio Analog Stereo, Front"));
+
+TEST_F(MainWindowTest, EdgesOfTheColumnsAreAligned)
+{
+    logo().setLogoValidate(true);
+    const auto left = [this](const char *name) { return widget(name).mapTo(window.get(), QPoint()).x(); };
+    const auto right = [&](const char *name) { return left(name) + widget(name).width(); };
+    const QList<QList<const char *>> sameLeft {
+        { "regionTitle",
+          "chkFullScreen",
+          "offsetXLabel",
+          "topLabel",
+          "offsetYLabel",
+          "selectButton",
+          "chkLogo",
+          "chkLogoText",
+          "logoTextField",
+          "fontButton",
+          "fillLabel",
+          "statusLine",
+          "recordButton" },
+        { "offsetXField", "topField", "offsetYField" },
+        { "widthLabel", "heightLabel", "sizeLabel" },
+        { "widthField", "heightField", "sizeView" },
+        { "qualityTitle",
+          "chkEnableAudio",
+          "countdownLabel",
+          "shortcutLabel",
+          "afterTitle",
+          "chkReveal",
+          "logoXLabel",
+          "scaleLabel" },
+        { "mVideoQualityView", "mAudioDevicesView", "countdownView", "shortcutField", "scaleSlider" },
+    };
+    for (const QList<const char *> &names : sameLeft) {
+        for (const char *name : names)
+            EXPECT_EQ(left(name), left(names.first())) << name << " and " << names.first();
+    }
+    const QList<QList<const char *>> sameRight {
+        { "widthField", "sizeView", "selectButton", "logoTextField", "mLogoFontFillColorWell" },
+        { "mVideoQualityView", "shortcutField", "logoXField", "rotationField", "statusLine", "recordButton" },
+    };
+    for (const QList<const char *> &names : sameRight) {
+        for (const char *name : names)
+            EXPECT_EQ(right(name), right(names.first())) << name << " and " << names.first();
+    }
+}
+
+TEST_F(MainWindowTest, EveryControlHasAToolTip)
+{
+    logo().setLogoValidate(true);
+    window->showSaved("/somewhere/movie.mp4", 1);
+    for (const int type : { 0, 1 }) {
+        logo().setLogoType(type);
+        for (const QWidget *leaf : leaves(*window)) {
+            if (!qobject_cast<const QLabel *>(leaf)) {
+                EXPECT_FALSE(leaf->toolTip().isEmpty()) << leaf->objectName().toStdString();
+            }
+        }
+    }
+    EXPECT_FALSE(widget("logoImageView").toolTip().isEmpty());
+    EXPECT_FALSE(widget("logoTextField").toolTip().isEmpty());
+    EXPECT_FALSE(widget("shortcutField").toolTip().isEmpty());
+    // A device's name may be longer than its list.
+    EXPECT_TRUE(widget("mAudioDevicesView").toolTip().endsWith("Microphone"));
+    control<VNCheckCell>("chkEnableAudio").click();
+    QTest::keyClick(&widget("mAudioDevicesView"), Qt::Key_Down);
+    EXPECT_TRUE(widget("mAudioDevicesView").toolTip().endsWith("Monitor of Speakers"));
 }
 
 /// The keys that reach something in the window with Alt, as it is shown now.
@@ -286,6 +464,7 @@ TEST_F(MainWindowTest, MnemonicsAreUniqueInAllLanguages)
             QCoreApplication::installTranslator(&translator);
         makeWindow();
         EXPECT_EQ(control<QAbstractButton>("recordButton").text() == "&Record", translator.isEmpty());
+        logo().setLogoValidate(true);
         for (const int type : { 0, 1 }) {
             logo().setLogoType(type);
             const QString keys = mnemonics(*window);
