@@ -5,13 +5,16 @@
 #include "app/session/start_settings.h"
 #include "app/window/headings.h"
 #include "app/window/options_view_model.h"
+#include "app/window/window_placement.h"
 #include "observing/key_path_binding.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
 
 #include <QCloseEvent>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSignalBlocker>
+#include <QWindow>
 
 #include <ui_MainWindow.h>
 
@@ -134,10 +137,13 @@ void MainWindow::connectActions()
 
 void MainWindow::connectRegion()
 {
-    connect(m_delegate.options()->logoContext(),
-            &VNLogoContext::LogoValidateChanged,
-            this,
-            &MainWindow::foldLogo);
+    VNOption &options = *m_delegate.options();
+    connect(&options, &VNOption::recordRegionChanged, this, &MainWindow::keepOffRecorded);
+    connect(options.logoContext(), &VNLogoContext::LogoValidateChanged, this, [this] {
+        foldLogo();
+        keepOffRecorded();
+    });
+    connect(m_viewModel.get(), &OptionsViewModel::sizePresetChosen, this, &MainWindow::keepOffRecorded);
     connect(m_ui->selectButton, &QAbstractButton::clicked, this, &MainWindow::selectOnScreenAsked);
 }
 
@@ -256,6 +262,45 @@ void MainWindow::foldLogo()
     layout()->activate();
 }
 
+void MainWindow::keepOffRecorded()
+{
+    if (!isVisible() || isMinimized() || m_delegate.isRecording())
+        return;
+    if (m_tellsOfCover)
+        showStatus({});
+    const QList<QRect> areas = recordedAreas(*m_delegate.options());
+    if (areas.isEmpty())
+        return;
+    const QRect available = screen()->availableGeometry();
+    const std::optional<QPoint> free = placeOff(frameGeometry(), available, areas);
+    const QPoint place = free.value_or(placeWithin(frameGeometry(), available));
+    if (place != frameGeometry().topLeft())
+        move(place);
+    if (free)
+        return;
+    showStatus(m_delegate.options()->recordsRectangle()
+                   ? tr("This window covers part of the rectangle; minimise it to see all of it.")
+                   : tr("This window covers part of the logo; minimise it to see all of it."));
+    m_tellsOfCover = true;
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (!event->spontaneous())
+        windowHandle()->installEventFilter(this);
+}
+
+/// The first time that the window is on the screen, when its frame and its place are known.
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == windowHandle() && event->type() == QEvent::Expose && windowHandle()->isExposed()) {
+        windowHandle()->removeEventFilter(this);
+        QMetaObject::invokeMethod(this, &MainWindow::keepOffRecorded, Qt::QueuedConnection);
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void MainWindow::setBusy(bool busy)
 {
     m_ui->savePI->setRange(0, busy ? 0 : 1);
@@ -277,11 +322,13 @@ void MainWindow::reloadData()
 
 void MainWindow::showSaved(const QString &path, double seconds)
 {
+    m_tellsOfCover = false;
     m_ui->statusLine->showSaved(path, seconds);
 }
 
 void MainWindow::showStatus(const QString &sentence)
 {
+    m_tellsOfCover = false;
     m_ui->statusLine->showSentence(sentence);
 }
 

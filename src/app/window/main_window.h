@@ -39,6 +39,8 @@ public:
     void setShortcut(const QString &portable);
     /// Tells beneath the key why it does not work; empty: it does.
     void setShortcutProblem(const QString &sentence);
+    /// Moves the window off rectangle and logo where it hides part of them, or tells that there is no room.
+    void keepOffRecorded();
     /// Chooses the full display or the selected rectangle, and presses the record button; with a \a file it records
     /// at once, to there.
     void record(bool fullDisplay, const QString &file = {});
@@ -55,6 +57,8 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private slots:
     void setVideoQualiy();
@@ -81,6 +85,7 @@ private:
     VornicAppDelegate &m_delegate;
     std::unique_ptr<OptionsViewModel> m_viewModel;
     bool m_shownRecording = false;
+    bool m_tellsOfCover = false; ///< the status line says that the window hides something
     std::unique_ptr<Ui::MainWindow> m_ui;
 };
 

@@ -4,13 +4,15 @@
 #include "app/window/status_line.h"
 #include "controls/VNCheckCell.h"
 #include "controls/VNComboboxView.h"
+#include "controls/VNRadioCell.h"
 #include "main_window_test.h"
+#include "support/wait_until.h"
 
 #include <QLabel>
 #include <QSignalSpy>
 #include <QtTest>
 
-// What the main window asks for and tells.
+// The main window among other windows.
 
 namespace vornic {
 namespace {
@@ -43,6 +45,108 @@ TEST_F(WithoutSoundTest, SoundCannotBeSwitchedOnWithoutAnInput)
     audioControl.names.clear();
     delegate.audioControlInputDeviceChanged(audioControl);
     EXPECT_FALSE(sound.isEnabled());
+}
+
+class PlacementTest : public MainWindowTest
+{
+protected:
+    PlacementTest()
+    {
+        options().setRecordRegion(0);
+        options().setSelectedRect({ 0, 250, 600, 600 });
+        // Its upper left corner is a pixel's width from the rectangle's; the screen has 1440 x 900.
+        window->move(100, 100);
+        QCoreApplication::processEvents();
+    }
+
+    QRect frame() const { return window->frameGeometry(); }
+    QString status() { return control<StatusLine>("statusLine").text(); }
+
+    const QRect rectangle { 0, 42, 608, 616 }; // with the overlay's frame, y down
+};
+
+TEST_F(PlacementTest, TheWindowMakesRoomForTheRectangle)
+{
+    ASSERT_TRUE(frame().intersects(rectangle));
+    control<VNRadioCell>("chkPartScreen").click();
+    EXPECT_FALSE(frame().intersects(rectangle)) << frame().x();
+    EXPECT_EQ(frame().topLeft(), QPoint(608, 100));
+    EXPECT_EQ(status(), QString());
+    // Dragging the rectangle beneath the window does not chase it.
+    const QRect before = frame();
+    options().setSelectedRect({ 700, 250, 600, 600 });
+    EXPECT_EQ(frame(), before);
+    window->keepOffRecorded();
+    EXPECT_FALSE(frame().intersects(QRect(692, 42, 616, 616)) && status().isEmpty());
+}
+
+TEST_F(PlacementTest, AWindowThatHidesNothingStays)
+{
+    window->move(620, 70);
+    const QRect before = frame();
+    control<VNRadioCell>("chkPartScreen").click();
+    EXPECT_EQ(frame(), before);
+}
+
+TEST_F(PlacementTest, TheWindowMakesRoomForTheLogo)
+{
+    QImage picture(200, 100, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    logo().setNSImage(picture);
+    logo().setLogoType(1);
+    logo().setLogoScale(1);
+    logo().setLogoPosition({ 158, 508 }); // 150 from the left, 300 to 400 from the top
+    const QRect shown(150, 300, 200, 100);
+    ASSERT_TRUE(frame().intersects(shown));
+    control<VNCheckCell>("chkLogo").click();
+    EXPECT_FALSE(frame().intersects(shown));
+    EXPECT_EQ(frame().topLeft(), QPoint(350, 100));
+    EXPECT_EQ(status(), QString());
+}
+
+TEST_F(PlacementTest, WithoutRoomItStaysAndSaysSo)
+{
+    options().setSelectedRect({ 100, 100, 1240, 700 });
+    control<VNRadioCell>("chkPartScreen").click();
+    EXPECT_EQ(frame().topLeft(), QPoint(100, 100));
+    EXPECT_EQ(status(), "This window covers part of the rectangle; minimise it to see all of it.");
+    control<VNRadioCell>("chkFullScreen").click();
+    EXPECT_EQ(status(), QString());
+    // Another sentence is not taken back.
+    window->showStatus("Something else.");
+    control<VNCheckCell>("chkLogo").click();
+    control<VNCheckCell>("chkLogo").click();
+    EXPECT_EQ(status(), "Something else.");
+}
+
+TEST_F(PlacementTest, AUsualSizeMakesRoomToo)
+{
+    options().setRecordRegion(1);
+    options().setSelectedRect({ 0, 700, 200, 200 });
+    window->move(700, 100);
+    QTest::keyClick(&widget("sizeView"), Qt::Key_Down);
+    EXPECT_EQ(status(), "This window covers part of the rectangle; minimise it to see all of it.");
+}
+
+TEST_F(PlacementTest, ItMakesRoomAtTheStartOfTheProgram)
+{
+    options().setRecordRegion(1);
+    window->hide();
+    makeWindow();
+    window->move(100, 100);
+    ASSERT_TRUE(frame().intersects(rectangle));
+    EXPECT_TRUE(test::waitUntil([this] { return !frame().intersects(rectangle); }));
+}
+
+TEST_F(PlacementTest, UnfoldingKeepsTheWindowOnTheScreen)
+{
+    options().setSelectedRect({ 0, 250, 600, 600 });
+    const int folded = frame().height();
+    window->move(640, 900 - folded);
+    control<VNRadioCell>("chkPartScreen").click();
+    control<VNCheckCell>("chkLogo").click();
+    EXPECT_GT(frame().height(), folded);
+    EXPECT_LE(frame().bottom(), 899);
 }
 
 TEST_F(MainWindowTest, TheButtonForTheScreenAsks)
