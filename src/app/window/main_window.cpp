@@ -3,6 +3,7 @@
 #include "app/VornicAppDelegate.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/start_settings.h"
+#include "app/session/time_text.h"
 #include "app/window/headings.h"
 #include "app/window/options_view_model.h"
 #include "app/window/window_placement.h"
@@ -173,7 +174,8 @@ void MainWindow::connectLogo()
 
 void MainWindow::connectStart()
 {
-    connect(m_ui->recordButton, &QAbstractButton::clicked, &m_delegate, &VornicAppDelegate::recorded);
+    connect(m_ui->recordButton, &QAbstractButton::clicked, this, &MainWindow::pressRecordButton);
+    connect(&m_delegate, &VornicAppDelegate::clockTicked, this, &MainWindow::showClock);
     connect(m_ui->statusLine, &StatusLine::openAsked, this, &MainWindow::openAsked);
     connect(m_ui->statusLine, &StatusLine::revealAsked, this, &MainWindow::revealAsked);
     setShortcut(start_settings::shortcut());
@@ -303,6 +305,7 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 
 void MainWindow::setBusy(bool busy)
 {
+    reloadData(); // the capture ends when the writing begins to be busy
     m_ui->savePI->setRange(0, busy ? 0 : 1);
     m_ui->savePI->setVisible(busy);
 }
@@ -314,10 +317,40 @@ void MainWindow::reloadData()
     m_ui->mLogoFontStrokeColorWell->setEnabled(font);
     m_ui->logoImageView->setEnabled(m_delegate.allowedEditLogo() && !font);
     const bool recording = m_delegate.isRecording();
-    m_ui->recordButton->setEnabled(!recording);
+    const bool captures = m_delegate.isCapturing();
+    m_ui->recordButton->setEnabled(captures || !recording);
+    if (captures && !m_shownRecording)
+        showClock(0);
+    if (!captures) {
+        m_ui->recordButton->setText(tr("&Record"));
+        m_ui->recordButton->setAccessibleName({});
+        m_ui->recordButton->setToolTip(tr("Start recording: asks where the movie is kept"));
+    }
     const bool wasRecording = std::exchange(m_shownRecording, recording);
     if (recording && !wasRecording)
         showStatus({});
+    if (wasRecording && !recording)
+        m_ui->recordButton->setFocus();
+}
+
+void MainWindow::pressRecordButton()
+{
+    if (m_delegate.isCapturing())
+        m_delegate.stopRecord();
+    else
+        m_delegate.recorded();
+}
+
+void MainWindow::showClock(qint64 timestamp)
+{
+    if (!m_delegate.isCapturing())
+        return;
+    const QString text = tr("Sto&p   %1").arg(stringFromeTimestamp(timestamp));
+    if (text == m_ui->recordButton->text())
+        return;
+    m_ui->recordButton->setText(text);
+    m_ui->recordButton->setAccessibleName(tr("Stop recording"));
+    m_ui->recordButton->setToolTip(tr("End the recording and write the movie"));
 }
 
 void MainWindow::showSaved(const QString &path, double seconds)

@@ -29,7 +29,7 @@ public:
 
     /// The busy indicator.
     void setBusy(bool busy);
-    /// Enables the controls that may be used now.
+    /// Enables the controls that may be used now, and makes the record button what it is now.
     void reloadData();
     /// Tells above the record button what was recorded, until the next recording begins.
     void showSaved(const QString &path, double seconds);
@@ -81,6 +81,8 @@ private:
     void showLogo();
     void foldLogo();
     void showAbout();
+    void pressRecordButton();
+    void showClock(qint64 timestamp);
 
     VornicAppDelegate &m_delegate;
     std::unique_ptr<OptionsViewModel> m_viewModel;

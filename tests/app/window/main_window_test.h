@@ -9,6 +9,25 @@
 
 namespace vornic {
 
+/// Hands on to the main window what the session tells it, as the program's front end does.
+class MainWindowFrontEnd final : public FakeFrontEnd
+{
+public:
+    MainWindow *window = nullptr;
+
+    void setBusy(bool busy) override
+    {
+        FakeFrontEnd::setBusy(busy);
+        if (window)
+            window->setBusy(busy);
+    }
+    void reloadData() override
+    {
+        if (window)
+            window->reloadData();
+    }
+};
+
 /// The main window of a program whose front end, devices and display are fakes.
 class MainWindowTest : public testing::Test
 {
@@ -22,9 +41,13 @@ protected:
         makeWindow();
     }
 
+    ~MainWindowTest() override { frontEnd.window = nullptr; }
+
     void makeWindow()
     {
+        frontEnd.window = nullptr;
         window = std::make_unique<MainWindow>(delegate);
+        frontEnd.window = window.get();
         window->show();
     }
     VNOption &options() { return *delegate.options(); }
@@ -38,7 +61,7 @@ protected:
     }
     QWidget &widget(const char *name) { return control<QWidget>(name); }
 
-    FakeFrontEnd frontEnd;
+    MainWindowFrontEnd frontEnd;
     FakeAudioControl audioControl;
     VornicAppDelegate delegate;
     std::unique_ptr<MainWindow> window;

@@ -8,11 +8,13 @@
 #include "main_window_test.h"
 #include "support/wait_until.h"
 
+#include <QFile>
 #include <QLabel>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
-// The main window among other windows.
+// The main window among other windows, and while it records.
 
 namespace vornic {
 namespace {
@@ -211,6 +213,54 @@ TEST_F(MainWindowTest, TheKeyIsShownChosenAndItsTroubleTold)
     QTest::keyClick(&field, Qt::Key_B);
     EXPECT_EQ(problem.text(), "Hold Ctrl, Alt or Super with it.");
     EXPECT_EQ(chosen.size(), 1);
+}
+
+class RecordingWindowTest : public MainWindowTest
+{
+protected:
+    RecordingWindowTest()
+    {
+        setMainDisplay(std::make_shared<FakeDisplay>(QSize(320, 240)));
+        options().setRecordRegion(0);
+        frontEnd.path = folder.filePath("movie.mp4");
+    }
+    ~RecordingWindowTest() override { setMainDisplay(std::make_shared<FakeDisplay>(QSize(1440, 900))); }
+
+    QPushButton &recordButton() { return control<QPushButton>("recordButton"); }
+    bool isStop() { return recordButton().text().startsWith("Sto&p"); }
+
+    const QTemporaryDir folder;
+};
+
+TEST_F(RecordingWindowTest, TheButtonStopsWhileTheScreenIsTaken)
+{
+    window->showStatus("Of the recording before.");
+    recordButton().click();
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.isCapturing(); }));
+    EXPECT_TRUE(isStop());
+    EXPECT_TRUE(recordButton().isEnabled());
+    EXPECT_FALSE(recordButton().accessibleName().isEmpty());
+    EXPECT_EQ(control<StatusLine>("statusLine").text(), QString());
+    EXPECT_FALSE(widget("selectButton").isEnabled());
+    EXPECT_TRUE(test::waitUntil([this] { return recordButton().text().endsWith("00:00:01"); }));
+
+    int timesTold = 0;
+    frontEnd.onProgress = [&] {
+        if (!delegate.isRecording())
+            return; // the last word comes when all is over
+        ++timesTold;
+        EXPECT_FALSE(recordButton().isEnabled());
+        EXPECT_FALSE(isStop());
+    };
+    widget("chkFullScreen").setFocus();
+    QTest::keyClick(&recordButton(), Qt::Key_Return);
+    ASSERT_TRUE(test::waitUntil([this] { return !delegate.isRecording(); }));
+    EXPECT_TRUE(QFile::exists(*frontEnd.path));
+    EXPECT_GT(timesTold, 0);
+    EXPECT_EQ(recordButton().text(), "&Record");
+    EXPECT_TRUE(recordButton().isEnabled());
+    EXPECT_TRUE(recordButton().accessibleName().isEmpty());
+    EXPECT_EQ(window->focusWidget(), &recordButton());
 }
 
 } // namespace
