@@ -12,6 +12,7 @@ namespace {
 
 constexpr ButtonMetrics metrics { .height = 44, .minWidth = 160, .margin = 24, .gap = 10, .radius = 6 };
 constexpr double discSide = 14;
+constexpr double squareRadius = 2;
 constexpr double larger = 1.2;
 
 } // namespace
@@ -26,6 +27,12 @@ RecordButton::RecordButton(const QString &text, QWidget *parent)
 {
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void RecordButton::setStops(bool stops)
+{
+    m_stops = stops;
+    update();
 }
 
 QFont RecordButton::largeFont() const
@@ -49,7 +56,10 @@ void RecordButton::paintEvent(QPaintEvent * /*event*/)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(text.color);
-    painter.drawEllipse(contents.picture);
+    if (m_stops)
+        painter.drawRoundedRect(contents.picture.adjusted(1, 1, -1, -1), squareRadius, squareRadius);
+    else
+        painter.drawEllipse(contents.picture);
 }
 
 QSize RecordButton::sizeHint() const

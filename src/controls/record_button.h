@@ -4,7 +4,7 @@
 
 namespace vornic {
 
-/// The red button with a white disc that starts a recording; as wide as there is room.
+/// The red button with a white disc that starts a recording, or with a square that stops it; as wide as there is room.
 ///
 /// Made by whoever builds a window, as a child of it; main thread only. Its behaviour is the toolkit's;
 /// its text is bold and larger than its font().
@@ -15,6 +15,9 @@ public:
     explicit RecordButton(QWidget *parent = nullptr);
     explicit RecordButton(const QString &text, QWidget *parent = nullptr);
 
+    [[nodiscard]] bool stops() const { return m_stops; }
+    void setStops(bool stops);
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -24,6 +27,8 @@ protected:
 private:
     /// Of the text as it is drawn.
     [[nodiscard]] QFont largeFont() const;
+
+    bool m_stops = false;
 };
 
 } // namespace vornic

@@ -112,6 +112,29 @@ TEST_P(Buttons, TheRecordButtonIsRedWithAWhiteDisc)
     EXPECT_LT(middle.hsvSaturation(), 20) << "what cannot be used has no colour";
 }
 
+TEST_P(Buttons, TheRecordButtonHasASquareWhereItStops)
+{
+    record.setText({});
+    // A disc is much narrower 6 points above its middle than there, a square is not.
+    const auto isSquare = [this] {
+        const QImage picture = painted(record, GetParam());
+        const auto whiteAt = [&](int y) {
+            int white = 0;
+            for (int x = 0; x < record.width(); ++x)
+                white += at(picture, x, y).green() > 150; // the face has little
+            return white;
+        };
+        const int middle = record.height() / 2;
+        EXPECT_GE(whiteAt(middle), 10);
+        return whiteAt(middle) - whiteAt(middle - 6) <= 3;
+    };
+    EXPECT_FALSE(isSquare());
+    record.setStops(true);
+    EXPECT_TRUE(isSquare());
+    record.setStops(false);
+    EXPECT_FALSE(isSquare());
+}
+
 TEST_P(Buttons, HaveRoundCornersAndACrispEdge)
 {
     show();

@@ -319,6 +319,7 @@ void MainWindow::reloadData()
     const bool recording = m_delegate.isRecording();
     const bool captures = m_delegate.isCapturing();
     m_ui->recordButton->setEnabled(captures || !recording);
+    m_ui->recordButton->setStops(captures);
     if (captures && !m_shownRecording)
         showClock(0);
     if (!captures) {

@@ -5,6 +5,7 @@
 #include "controls/VNCheckCell.h"
 #include "controls/VNComboboxView.h"
 #include "controls/VNRadioCell.h"
+#include "controls/record_button.h"
 #include "main_window_test.h"
 #include "support/wait_until.h"
 
@@ -227,7 +228,11 @@ protected:
     ~RecordingWindowTest() override { setMainDisplay(std::make_shared<FakeDisplay>(QSize(1440, 900))); }
 
     QPushButton &recordButton() { return control<QPushButton>("recordButton"); }
-    bool isStop() { return recordButton().text().startsWith("Sto&p"); }
+    bool isStop()
+    {
+        EXPECT_EQ(control<RecordButton>("recordButton").stops(), recordButton().text().startsWith("Sto&p"));
+        return recordButton().text().startsWith("Sto&p");
+    }
 
     const QTemporaryDir folder;
 };
