@@ -2,8 +2,8 @@
 
 #include "app/session/logo_panels.h"
 #include "app/session/recording_questions.h"
-#include "controls/picture_file.h"
 #include "options/VNOption.h"
+#include "pictures/picture_file.h"
 
 #include <QColor>
 

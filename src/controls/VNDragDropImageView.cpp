@@ -3,10 +3,10 @@
 #include "controls/image_panel.h"
 #include "controls/painted_control_access.h"
 #include "controls/picture_data.h"
-#include "controls/picture_file.h"
 #include "controls/press_keys.h"
 #include "controls/skin_colors.h"
 #include "controls/skin_painting.h"
+#include "pictures/picture_file.h"
 
 #include <QDropEvent>
 #include <QKeyEvent>

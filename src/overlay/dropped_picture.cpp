@@ -1,6 +1,6 @@
 #include "overlay/dropped_picture.h"
 
-#include "controls/picture_file.h"
+#include "pictures/picture_file.h"
 
 #include <QMimeData>
 #include <QUrl>

@@ -1,4 +1,4 @@
-#include "controls/picture_file.h"
+#include "pictures/picture_file.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

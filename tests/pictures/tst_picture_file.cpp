@@ -1,4 +1,4 @@
-#include "controls/picture_file.h"
+#include "pictures/picture_file.h"
 #include "support/named_pipe.h"
 #include "support/test_pictures.h"
 
