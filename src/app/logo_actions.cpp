@@ -16,6 +16,12 @@ LogoActions::LogoActions(VNOption &options, LogoPanels &panels, RecordingQuestio
     , m_panels(panels)
     , m_questions(questions)
 {
+    // However it came in, be it dropped on the overlay: later, for a drop waits for its end.
+    connect(options.logoContext(),
+            &VNLogoContext::pictureScaledDown,
+            this,
+            &LogoActions::tellOfScaling,
+            Qt::QueuedConnection);
 }
 
 void LogoActions::setFontAttrs()
@@ -53,18 +59,36 @@ void LogoActions::selImageFile()
 void LogoActions::setLogoImageFile(const QString &path)
 {
     QString whyNot;
-    const QImage picture = readPictureFile(path, &whyNot);
+    const Picture picture = readPictureFile(path, &whyNot);
     if (picture.isNull()) {
         m_questions.alertError(tr("The picture %1 cannot be read: %2.").arg(path, whyNot));
         return;
     }
-    setLogoImage(picture);
+    setLogoPicture(picture);
 }
 
 void LogoActions::setLogoImage(const QImage &picture)
 {
-    m_options.logoContext()->setNSImage(picture);
+    setLogoPicture(Picture(picture));
+}
+
+void LogoActions::setLogoPicture(const Picture &picture)
+{
+    m_options.logoContext()->setPicture(picture);
     emit changed();
+}
+
+void LogoActions::tellOfScaling(const QString &fileName, QSize original, QSize scaled)
+{
+    const QString sizes
+        = tr("It has %1 × %2 pixels, more than a logo may have, and became the logo with %3 × %4.")
+              .arg(original.width())
+              .arg(original.height())
+              .arg(scaled.width())
+              .arg(scaled.height());
+    m_questions.alert(fileName.isEmpty() ? tr("The picture was scaled down.")
+                                         : tr("The picture %1 was scaled down.").arg(fileName),
+                      sizes);
 }
 
 } // namespace vornic

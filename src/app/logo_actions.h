@@ -9,6 +9,7 @@ class QImage;
 namespace vornic {
 
 class LogoPanels;
+class Picture;
 class RecordingQuestions;
 class VNOption;
 
@@ -33,12 +34,16 @@ public:
     /// The picture of the logo, from a file; what cannot be read is told, and the old one stays.
     void setLogoImageFile(const QString &path);
     void setLogoImage(const QImage &picture);
+    /// The same with the file that the pixels came from.
+    void setLogoPicture(const Picture &picture);
 
 signals:
     /// The overlay shows another logo now.
     void changed();
 
 private:
+    void tellOfScaling(const QString &fileName, QSize original, QSize scaled);
+
     VNOption &m_options;
     LogoPanels &m_panels;
     RecordingQuestions &m_questions;

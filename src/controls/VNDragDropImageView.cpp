@@ -23,14 +23,27 @@ constexpr double highlightWidth = 5;
 constexpr QSize defaultSize(120, 80);
 constexpr QSize minSize(48, 48);
 
+QString firstFile(const QMimeData &pasteboard)
+{
+    return pasteboard.urls().value(0).toLocalFile();
+}
+
+/// Whether pixels are dragged, or a file that looks like a picture: a large one is decoded only when it is dropped.
+bool holdsPicture(const QMimeData *pasteboard)
+{
+    if (!pasteboard)
+        return false;
+    return pasteboard->hasImage() ? !pasteboard->imageData().value<QImage>().isNull()
+                                  : isPictureFile(firstFile(*pasteboard));
+}
+
 /// Of the pixels that are dragged, or of the first of the files.
-QImage pictureFrom(const QMimeData *pasteboard)
+Picture pictureFrom(const QMimeData *pasteboard)
 {
     if (!pasteboard)
         return {};
-    if (pasteboard->hasImage())
-        return pasteboard->imageData().value<QImage>();
-    return readPictureFile(pasteboard->urls().value(0).toLocalFile());
+    return pasteboard->hasImage() ? Picture(pasteboard->imageData().value<QImage>())
+                                  : readPictureFile(firstFile(*pasteboard));
 }
 
 } // namespace
@@ -61,8 +74,13 @@ VNDragDropImageView::VNDragDropImageView(QWidget *parent)
 
 void VNDragDropImageView::setImage(std::shared_ptr<QImage> image)
 {
-    if (image == m_image)
-        return;
+    if (image != m_image)
+        showPicture(image ? Picture(*image) : Picture(), std::move(image));
+}
+
+void VNDragDropImageView::showPicture(const Picture &picture, std::shared_ptr<QImage> image)
+{
+    m_picture = picture;
     m_image = std::move(image);
     update();
     emit imageChanged();
@@ -90,8 +108,7 @@ void VNDragDropImageView::setHighlight(bool highlight)
 
 Qt::DropAction VNDragDropImageView::draggingEntered(const QDropEvent &sender)
 {
-    const bool takes
-        = sender.possibleActions().testFlag(Qt::CopyAction) && !pictureFrom(sender.mimeData()).isNull();
+    const bool takes = sender.possibleActions().testFlag(Qt::CopyAction) && holdsPicture(sender.mimeData());
     if (!takes)
         return Qt::IgnoreAction;
     setHighlight(true);
@@ -106,16 +123,15 @@ void VNDragDropImageView::draggingExited()
 bool VNDragDropImageView::prepareForDragOperation(const QDropEvent &sender)
 {
     setHighlight(false);
-    return !pictureFrom(sender.mimeData()).isNull();
+    return holdsPicture(sender.mimeData());
 }
 
 bool VNDragDropImageView::performDragOperation(const QDropEvent &sender)
 {
-    const QImage dropped = sender.source() == this ? QImage() : pictureFrom(sender.mimeData());
+    const Picture dropped = sender.source() == this ? Picture() : pictureFrom(sender.mimeData());
     if (m_image && !dropped.isNull()) {
-        *m_image = dropped;
-        update();
-        emit imageChanged();
+        *m_image = dropped.image();
+        showPicture(dropped, m_image);
     }
     return true;
 }
@@ -200,11 +216,11 @@ void VNDragDropImageView::popUp()
 void VNDragDropImageView::loadFile(const QString &path)
 {
     QString whyNot;
-    const QImage picture = readPictureFile(path, &whyNot);
+    const Picture picture = readPictureFile(path, &whyNot);
     if (picture.isNull())
         emit fileUnreadable(path, whyNot);
     else
-        setImage(std::make_shared<QImage>(picture));
+        showPicture(picture, std::make_shared<QImage>(picture.image()));
 }
 
 void VNDragDropImageView::mousePressEvent(QMouseEvent *event)

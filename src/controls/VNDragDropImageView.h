@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pictures/picture.h"
+
 #include <QImage>
 #include <QRectF>
 #include <QWidget>
@@ -34,6 +36,8 @@ public:
     /// itself.
     [[nodiscard]] const std::shared_ptr<QImage> &image() const { return m_image; }
     void setImage(std::shared_ptr<QImage> image);
+    /// What image() was set to or took, with the file that it came from.
+    [[nodiscard]] const Picture &picture() const { return m_picture; }
     [[nodiscard]] QString stringValue() const;
     /// Shown while there is no picture.
     void setPlaceholderText(const QString &text);
@@ -82,8 +86,10 @@ protected:
 private:
     void setHighlight(bool highlight);
     void drawBase(QPainter &view);
+    void showPicture(const Picture &picture, std::shared_ptr<QImage> image);
 
     std::shared_ptr<QImage> m_image;
+    Picture m_picture;
     QString m_placeholderText;
     bool m_highlight = false;
 };

@@ -33,14 +33,6 @@ float narrowed(double value)
     return static_cast<float>(std::clamp(value, -maximum, maximum));
 }
 
-/// The picture's pixels in the format that is drawn fastest, at one pixel a point.
-QImage bitmapOf(const QImage &picture)
-{
-    QImage bitmap = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    bitmap.setDevicePixelRatio(1);
-    return bitmap;
-}
-
 } // namespace
 
 VNLogoContext::VNLogoContext()
@@ -67,7 +59,7 @@ VNLogoContext::VNLogoContext(const KeyedUnarchiver &coder)
 {
     if (const auto attributes = coder.decodeObject("mLogoFontAttr"_L1))
         mLogoFontAttr = TextAttributes { decodeFont(*attributes, "font"_L1) };
-    setNSImage(decodePicture(coder, "mLogoImage"_L1));
+    mLogoImage = decodePicture(coder, "mLogoImage"_L1);
     declareDependencies();
 }
 
@@ -243,12 +235,14 @@ void VNLogoContext::setFontAttrs(const TextAttributes &attributes)
     mLogoFontAttr = attributes;
 }
 
-void VNLogoContext::setNSImage(const QImage &image)
+void VNLogoContext::setPicture(const Picture &picture)
 {
-    if (image.isNull())
+    if (picture.isNull())
         return;
-    mLogoImage = bitmapOf(image);
+    mLogoImage = picture;
     emit logoImageChanged();
+    if (picture.isScaledDown())
+        emit pictureScaledDown(picture.fileName(), picture.originalSize(), picture.image().size());
 }
 
 ScaledFont VNLogoContext::scaledLogoFont(double scale) const
@@ -261,7 +255,7 @@ QRectF VNLogoContext::getLogoRect() const
 {
     const QPointF position = LogoPosition();
     if (!isLogoTypeText())
-        return { position, QSizeF(mLogoImage.size()) * mLogoScale };
+        return { position, QSizeF(mLogoImage.image().size()) * mLogoScale };
     const QSizeF text = singleLineSize(LogoText(), scaledLogoFont(1));
     return { position, QSizeF(2 * text.width(), text.height()) };
 }

@@ -2,6 +2,7 @@
 
 #include "observing/observable_object.h"
 #include "options/logo/logo_font.h"
+#include "pictures/picture.h"
 
 #include <QColor>
 #include <QImage>
@@ -109,9 +110,11 @@ public:
     void setFontAttrs(const TextAttributes &attributes);
 
     /// The picture at one pixel a point, or a null image.
-    [[nodiscard]] QImage getNSImage() const { return mLogoImage; }
+    [[nodiscard]] QImage getNSImage() const { return mLogoImage.image(); }
     /// Keeps the picture's pixels; a null image changes nothing.
-    void setNSImage(const QImage &image);
+    void setNSImage(const QImage &image) { setPicture(Picture(image)); }
+    /// The same with the file that the pixels came from, which is then archived as it is.
+    void setPicture(const Picture &picture);
 
     /// The unrotated logo, scaled, in the coordinates of LogoPosition. A text logo's is twice as wide as the
     /// text measures: its letters are drawn with extra space between them. Needs a QGuiApplication.
@@ -148,8 +151,10 @@ signals:
     void LogoRotationChanged();
     void LogoFontFillColorChanged();
     void LogoFontStrokeColorChanged();
-    /// setNSImage() was given a picture.
+    /// There is another picture.
     void logoImageChanged();
+    /// And it has fewer pixels than it was given with. \a fileName is empty for pixels without a file.
+    void pictureScaledDown(const QString &fileName, QSize original, QSize scaled);
 
 private:
     explicit VNLogoContext(const KeyedUnarchiver &coder);
@@ -169,7 +174,7 @@ private:
     std::atomic<bool> mLogoValidate = false;
     int mLogoType = 0;
     QString mLogoText;
-    QImage mLogoImage;
+    Picture mLogoImage;
     qint64 mLogoTransparency = 0;
     QPointF mLogoPosition;
     double mLogoScale = 0;

@@ -1,9 +1,7 @@
 #include "options/archived_values.h"
 
 #include "base/keyed_archive.h"
-
-#include <QBuffer>
-#include <QImageReader>
+#include "pictures/picture.h"
 
 #include <algorithm>
 
@@ -13,7 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 maxPicturePixels = 8192LL * 4096;
 constexpr double maxFontSize = 10000;
 
 int colorComponent(const KeyedUnarchiver &unarchiver, QLatin1StringView key)
@@ -39,6 +36,11 @@ bool setStoredSize(QFont &font, const KeyedUnarchiver &stored)
     else
         return false;
     return true;
+}
+
+bool isPng(const QByteArray &file)
+{
+    return file.startsWith("\x89PNG");
 }
 
 } // namespace
@@ -102,31 +104,22 @@ std::optional<QFont> decodeFont(const KeyedUnarchiver &unarchiver, QLatin1String
     return font;
 }
 
-void encodePicture(KeyedArchiver &archiver, QLatin1StringView key, const QImage &picture)
+void encodePicture(KeyedArchiver &archiver, QLatin1StringView key, const Picture &picture)
 {
     if (picture.isNull())
         return;
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    picture.save(&buffer, "PNG");
-    archiver.encodeObject(key, [&](KeyedArchiver &object) { object.encodeData("png"_L1, png); });
+    const QByteArray file = picture.encoded();
+    const QLatin1StringView name = isPng(file) ? "png"_L1 : "file"_L1;
+    archiver.encodeObject(key, [&](KeyedArchiver &object) { object.encodeData(name, file); });
 }
 
-QImage decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key)
+Picture decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key)
 {
     const auto stored = unarchiver.decodeObject(key);
     if (!stored)
         return {};
-    QByteArray png = stored->decodeData("png"_L1).value_or(QByteArray());
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, "png");
-    reader.setAutoDetectImageFormat(false);
-    const QSize size = reader.size();
-    if (size.isEmpty() || qint64 { size.width() } * size.height() > maxPicturePixels)
-        return {};
-    return reader.read();
+    const auto png = stored->decodeData("png"_L1);
+    return Picture::decoded(png ? *png : stored->decodeData("file"_L1).value_or(QByteArray()));
 }
 
 } // namespace vornic

@@ -2,7 +2,6 @@
 
 #include <QColor>
 #include <QFont>
-#include <QImage>
 #include <QLatin1StringView>
 
 #include <optional>
@@ -11,6 +10,7 @@ namespace vornic {
 
 class KeyedArchiver;
 class KeyedUnarchiver;
+class Picture;
 
 /// Colours, fonts and pictures as objects of a keyed archive, on any one thread. Any archive is safe to read:
 /// what is not such an object reads as nothing.
@@ -24,10 +24,10 @@ void encodeFont(KeyedArchiver &archiver, QLatin1StringView key, const QFont &fon
 /// None without a family and a size that can be drawn.
 [[nodiscard]] std::optional<QFont> decodeFont(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
 
-/// As a PNG; a null picture is not written.
-void encodePicture(KeyedArchiver &archiver, QLatin1StringView key, const QImage &picture);
-/// Null also for a picture of more pixels than an 8192 by 4096 one, told from its header before memory is
-/// taken.
-[[nodiscard]] QImage decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
+/// As the file that Picture::encoded() gives, under "png" if it is one, otherwise under "file"; a null picture is not
+/// written.
+void encodePicture(KeyedArchiver &archiver, QLatin1StringView key, const Picture &picture);
+/// Null also for a picture of more than Picture::maxPixels, told from its header before memory is taken.
+[[nodiscard]] Picture decodePicture(const KeyedUnarchiver &unarchiver, QLatin1StringView key);
 
 } // namespace vornic

@@ -284,11 +284,11 @@ bool VNRecoderView::performDragOperation(const DraggingInfo &sender)
 {
     if (!takesPictures() || sender.source == this)
         return false;
-    const QImage picture = droppedPicture(sender.pasteboard);
+    const Picture picture = droppedPicture(sender.pasteboard);
     if (picture.isNull())
         return false;
-    mLogoContext->setNSImage(picture);
-    mLogoContext->setLogoPosition(sender.location - QPointF(picture.width() / 2.0, picture.height() / 2.0));
+    mLogoContext->setPicture(picture);
+    mLogoContext->setLogoPosition(sender.location - QRectF(picture.image().rect()).center());
     redraw();
     return true;
 }

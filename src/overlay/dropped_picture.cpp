@@ -21,7 +21,7 @@ bool holdsPicture(const QMimeData *pasteboard)
     return isPictureFile(firstFile(pasteboard));
 }
 
-QImage droppedPicture(const QMimeData *pasteboard)
+Picture droppedPicture(const QMimeData *pasteboard)
 {
     return readPictureFile(firstFile(pasteboard));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QImage>
+#include "pictures/picture.h"
 
 class QMimeData;
 
@@ -11,7 +11,7 @@ namespace vornic {
 
 /// Whether the file looks like a picture; its beginning is read.
 [[nodiscard]] bool holdsPicture(const QMimeData *pasteboard);
-/// The whole picture, upright; null when there is none or it is broken.
-[[nodiscard]] QImage droppedPicture(const QMimeData *pasteboard);
+/// The picture, upright; null when there is none or it is broken.
+[[nodiscard]] Picture droppedPicture(const QMimeData *pasteboard);
 
 } // namespace vornic

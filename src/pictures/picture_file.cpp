@@ -1,6 +1,7 @@
 #include "pictures/picture_file.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -15,22 +16,19 @@ bool isPictureFile(const QString &path)
     return reader.canRead();
 }
 
-QImage readPictureFile(const QString &path, QString *whyNot)
+Picture readPictureFile(const QString &path, QString *whyNot)
 {
     QString reason;
-    QImage picture;
-    if (const QFileInfo file(path); !file.exists()) {
+    Picture picture;
+    QFile file(path);
+    if (const QFileInfo info(file); !info.exists())
         reason = QCoreApplication::translate("vornic", "there is no such file");
-    } else if (!file.isFile()) {
+    else if (!info.isFile())
         reason = QCoreApplication::translate("vornic", "it is not a regular file");
-    } else {
-        QImageReader reader(path);
-        reader.setDecideFormatFromContent(true);
-        reader.setAutoTransform(true);
-        picture = reader.read();
-        if (picture.isNull())
-            reason = reader.errorString();
-    }
+    else if (!file.open(QIODevice::ReadOnly))
+        reason = file.errorString();
+    else
+        picture = Picture::read(file, &reason);
     if (whyNot)
         *whyNot = reason;
     return picture;

@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 
 #include <algorithm>
+#include <utility>
 
 namespace vornic {
 namespace {
@@ -112,6 +113,29 @@ TEST_F(ShellTest, ThePictureIsTheChosenFiles)
     ASSERT_EQ(panels->alerts.size(), 1);
     EXPECT_TRUE(panels->alerts.first().startsWith("Error|")) << panels->alerts.first().toStdString();
     EXPECT_TRUE(panels->alerts.first().contains("broken.png"));
+}
+
+TEST_F(ShellTest, ATooLargePictureIsScaledDownAndTheUserIsTold)
+{
+    QImage picture(10000, 6000, QImage::Format_Grayscale8);
+    picture.fill(Qt::gray);
+    panels->picture = folder.filePath("large.jpg");
+    ASSERT_TRUE(picture.save(*panels->picture));
+    const auto wasTold = [this](const QString &sentence) {
+        application.processEvents();
+        const QString sizes
+            = "|It has 10000 × 6000 pixels, more than a logo may have, and became the logo with "
+              "7478 × 4486.";
+        return std::exchange(panels->alerts, {}) == QStringList { sentence + sizes };
+    };
+    shell->selImageFile();
+    EXPECT_TRUE(wasTold("The picture large.jpg was scaled down."));
+    EXPECT_EQ(logo().getNSImage().size(), QSize(7478, 4486));
+    shell->setLogoImage(picture);
+    EXPECT_TRUE(wasTold("The picture was scaled down."));
+    logo().setNSImage(picture); // as the overlay does
+    EXPECT_TRUE(panels->alerts.isEmpty()) << "a drop is not held up";
+    EXPECT_TRUE(wasTold("The picture was scaled down."));
 }
 
 TEST_F(ShellTest, ANamedPipeIsNoPictureAndIsNotWaitedFor)

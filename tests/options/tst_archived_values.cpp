@@ -1,6 +1,7 @@
 #include "base/keyed_archive.h"
 #include "gui_main.h"
 #include "options/archived_values.h"
+#include "pictures/picture.h"
 
 #include <QBuffer>
 
@@ -36,7 +37,9 @@ std::optional<QFont> fontAgain(const QFont &font)
 
 QImage pictureAgain(const QImage &picture)
 {
-    return decodePicture(archived([&](KeyedArchiver &a) { encodePicture(a, "p"_L1, picture); }), "p"_L1);
+    return decodePicture(archived([&](KeyedArchiver &a) { encodePicture(a, "p"_L1, Picture(picture)); }),
+                         "p"_L1)
+        .image();
 }
 
 QByteArray pngOf(const QImage &picture)
@@ -54,7 +57,8 @@ QImage pictureFromBytes(const QByteArray &bytes)
                              archiver.encodeObject(
                                  "p"_L1, [&](KeyedArchiver &object) { object.encodeData("png"_L1, bytes); });
                          }),
-                         "p"_L1);
+                         "p"_L1)
+        .image();
 }
 
 TEST(ArchivedColor, ComesBackExactly)

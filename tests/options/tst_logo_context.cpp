@@ -3,6 +3,7 @@
 #include "told.h"
 
 #include <QFontMetricsF>
+#include <QSignalSpy>
 
 #include <gtest/gtest.h>
 
@@ -197,6 +198,22 @@ TEST(VNLogoContext, ANewPictureReplacesTheOld)
     logo.setNSImage(QImage(3, 2, QImage::Format_RGB32));
     logo.setNSImage(QImage(5, 7, QImage::Format_Mono));
     EXPECT_EQ(logo.getNSImage().size(), QSize(5, 7));
+}
+
+TEST(VNLogoContext, ATooLargePictureIsScaledDownAndToldOf)
+{
+    VNLogoContext logo;
+    QSignalSpy scaledDown(&logo, &VNLogoContext::pictureScaledDown);
+    QImage picture(8192, 4096, QImage::Format_Mono);
+    logo.setNSImage(picture);
+    EXPECT_EQ(logo.getNSImage().size(), QSize(8192, 4096));
+    EXPECT_TRUE(scaledDown.isEmpty());
+    picture = QImage(16384, 8192, QImage::Format_Grayscale8);
+    picture.fill(Qt::gray);
+    logo.setNSImage(picture);
+    EXPECT_EQ(logo.getNSImage().size(), QSize(8192, 4096));
+    ASSERT_EQ(scaledDown.size(), 1);
+    EXPECT_EQ(scaledDown.first(), (QVariantList { QString(), picture.size(), QSize(8192, 4096) }));
 }
 
 TEST(VNLogoContext, RectangleOfAPictureIsItsScaledPixels)

@@ -2,12 +2,15 @@
 #include "display/fake_display.h"
 #include "gui_main.h"
 #include "options/VNOption.h"
+#include "support/test_pictures.h"
 
 #include <QCborArray>
 #include <QCborMap>
 #include <QCborStreamReader>
 #include <QCborValue>
+#include <QFile>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -378,6 +381,35 @@ TEST_F(OptionsArchiveTest, BrokenBytesGiveNoObject)
     EXPECT_FALSE(unarchived<VNOption>(whole + '\0'));
     for (qsizetype length = 0; length < whole.size(); ++length)
         EXPECT_FALSE(unarchived<VNOption>(whole.first(length))) << length;
+}
+
+TEST_F(OptionsArchiveTest, APicturesFileIsStoredAsItWasRead)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("photo.jpg"));
+    ASSERT_TRUE(test::noisePicture({ 800, 600 }, 1).save(file.fileName()));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    VNLogoContext logo;
+    logo.setPicture(Picture::read(file));
+    const QByteArray archive = archivedData(logo);
+    EXPECT_LT(archive.size(), file.size() + 1000);
+    const QCborMap stored = QCborValue::fromCbor(archive).toMap()["mLogoImage"_L1].toMap();
+    file.seek(0);
+    EXPECT_EQ(stored["file"_L1].toByteArray(), file.readAll());
+    const auto again = unarchived<VNLogoContext>(archive);
+    EXPECT_EQ(again->getNSImage(), logo.getNSImage());
+    EXPECT_EQ(archivedData(*again), archive) << "nothing is encoded again";
+}
+
+TEST_F(OptionsArchiveTest, APictureThatWasTooLargeComesBack)
+{
+    QImage picture(10000, 6000, QImage::Format_Grayscale8);
+    picture.fill(Qt::gray);
+    VNLogoContext logo;
+    logo.setNSImage(picture);
+    const auto again = unarchived<VNLogoContext>(archivedData(logo));
+    EXPECT_FALSE(again->getNSImage().isNull());
+    EXPECT_EQ(again->getNSImage().size(), logo.getNSImage().size());
 }
 
 TEST_F(OptionsArchiveTest, AnUndecodablePictureLeavesNone)

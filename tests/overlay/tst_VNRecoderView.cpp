@@ -382,6 +382,19 @@ TEST_F(Drops, PictureIsCentredWhereItIsDropped)
     EXPECT_EQ(logo.getNSImage().pixelColor(5, 5), QColor(Qt::yellow));
 }
 
+TEST_F(Drops, ATooLargePictureIsScaledDownAndToldOf)
+{
+    QSignalSpy scaledDown(&logo, &VNLogoContext::pictureScaledDown);
+    QImage large(10000, 6000, QImage::Format_Grayscale8);
+    large.fill(Qt::gray);
+    ASSERT_TRUE(large.save(folder.filePath("large.jpg")));
+    EXPECT_TRUE(drop(info("large.jpg")));
+    EXPECT_EQ(logo.getNSImage().size(), QSize(7478, 4486));
+    EXPECT_EQ(logo.LogoPosition(), QPointF(400 - 7478 / 2.0, 300 - 4486 / 2.0));
+    ASSERT_EQ(scaledDown.size(), 1);
+    EXPECT_EQ(scaledDown.first(), (QVariantList { "large.jpg", large.size(), QSize(7478, 4486) }));
+}
+
 TEST_F(Drops, ANamedPipeIsRefusedWithoutBeingOpened)
 {
     test::NamedPipe pipe(folder.filePath("pipe.png"));

@@ -31,7 +31,7 @@ TEST_F(PictureFile, IsWhatItsContentsSay)
     ASSERT_TRUE(picture.save(path("picture.jpg"), "PNG"));
     EXPECT_TRUE(isPictureFile(path("picture.jpg")));
     QString reason = QStringLiteral("of another time");
-    EXPECT_EQ(readPictureFile(path("picture.jpg"), &reason), picture);
+    EXPECT_EQ(readPictureFile(path("picture.jpg"), &reason).image(), Picture(picture).image());
     EXPECT_EQ(reason, QString());
 }
 
@@ -41,7 +41,7 @@ TEST_F(PictureFile, MayBeALinkToAFile)
     ASSERT_TRUE(picture.save(path("picture.png")));
     ASSERT_TRUE(QFile::link(path("picture.png"), path("link")));
     EXPECT_TRUE(isPictureFile(path("link")));
-    EXPECT_EQ(readPictureFile(path("link")), picture);
+    EXPECT_EQ(readPictureFile(path("link")).image(), Picture(picture).image());
 }
 
 TEST_F(PictureFile, ANamedPipeIsNotOpened)

@@ -159,8 +159,8 @@ void MainWindow::connectLogo()
     connect(&logo, &VNLogoContext::logoImageChanged, this, &MainWindow::showLogo);
     m_ui->logoImageView->setPlaceholderText(tr("Drop a picture here"));
     connect(m_ui->logoImageView, &VNDragDropImageView::imageChanged, this, [this] {
-        if (const auto &picture = m_ui->logoImageView->image(); picture && !picture->isNull())
-            m_delegate.setLogoImage(*picture);
+        if (const Picture &picture = m_ui->logoImageView->picture(); !picture.isNull())
+            m_delegate.setLogoPicture(picture);
     });
     connect(m_ui->logoImageView,
             &VNDragDropImageView::fileUnreadable,

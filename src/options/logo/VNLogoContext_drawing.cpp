@@ -60,7 +60,7 @@ QTransform VNLogoContext::rotation() const
 
 QRectF VNLogoContext::centredPicture(double scale) const
 {
-    const QSizeF size = QSizeF(mLogoImage.size()) * mLogoScale * scale;
+    const QSizeF size = QSizeF(mLogoImage.image().size()) * mLogoScale * scale;
     return { -0.5 * size.width(), -0.5 * size.height(), size.width(), size.height() };
 }
 
@@ -103,7 +103,7 @@ void VNLogoContext::decorateAtOpacity(double opacity,
     } else if (const QRectF picture = centredPicture(scale);
                isDrawable(picture.translated(anchor(bound, scale)))) {
         context.setTransform(pictureTransform(bound, scale), true);
-        drawImageYUp(context, picture.normalized(), mLogoImage);
+        drawImageYUp(context, picture.normalized(), mLogoImage.image());
     }
     context.restore();
 }

@@ -1,3 +1,4 @@
+#include "base/keyed_archive.h"
 #include "controls/VNCheckCell.h"
 #include "controls/VNColorWell.h"
 #include "controls/VNComboboxView.h"
@@ -168,6 +169,23 @@ TEST_F(MainWindowTest, APictureGoesToTheLogoThroughTheWellAndBack)
     control<VNDragDropImageView>("logoImageView").loadFile(broken.fileName());
     EXPECT_EQ(frontEnd.alerts.size(), 1);
     EXPECT_EQ(logo().getNSImage().size(), QSize(12, 12));
+}
+
+TEST_F(MainWindowTest, APictureDroppedOnTheWellReachesTheLogoWithItsFile)
+{
+    logo().setLogoValidate(true);
+    logo().setLogoType(1);
+    QTemporaryDir folder;
+    QFile file(folder.filePath("logo.jpg"));
+    QImage picture(300, 200, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(file.fileName()) && file.open(QIODevice::ReadOnly));
+    QMimeData dragged;
+    dragged.setUrls({ QUrl::fromLocalFile(file.fileName()) });
+    const QDropEvent drop({ 5, 5 }, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    control<VNDragDropImageView>("logoImageView").performDragOperation(drop);
+    EXPECT_EQ(logo().getNSImage().size(), picture.size());
+    EXPECT_TRUE(archivedData(logo()).contains(file.readAll()));
 }
 
 TEST_F(MainWindowTest, ListsHaveTheirItemsAndActions)
