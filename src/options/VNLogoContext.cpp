@@ -254,8 +254,8 @@ ScaledFont VNLogoContext::scaledLogoFont(double scale) const
 QRectF VNLogoContext::getLogoRect() const
 {
     const QPointF position = LogoPosition();
-    if (!isLogoTypeText())
-        return { position, QSizeF(mLogoImage.image().size()) * mLogoScale };
+    if (!isLogoTypeText()) // no picture times any scale, be it infinite, is no size
+        return { position, mLogoImage.isNull() ? QSizeF(0, 0) : QSizeF(getNSImage().size()) * mLogoScale };
     const QSizeF text = singleLineSize(LogoText(), scaledLogoFont(1));
     return { position, QSizeF(2 * text.width(), text.height()) };
 }

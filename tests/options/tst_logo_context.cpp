@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
 #include <limits>
 #include <thread>
 
@@ -198,6 +199,20 @@ TEST(VNLogoContext, ANewPictureReplacesTheOld)
     logo.setNSImage(QImage(3, 2, QImage::Format_RGB32));
     logo.setNSImage(QImage(5, 7, QImage::Format_Mono));
     EXPECT_EQ(logo.getNSImage().size(), QSize(5, 7));
+}
+
+TEST(VNLogoContext, RectangleWithoutAPictureHasNoSizeAtAnyScale)
+{
+    VNLogoContext logo;
+    logo.setLogoType(1);
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double notANumber = std::numeric_limits<double>::quiet_NaN();
+    for (const double scale : { 1.0, 0.0, -2.0, 1e300, infinity, -infinity, notANumber }) {
+        logo.setLogoScale(scale);
+        const QRectF rectangle = logo.getLogoRect();
+        EXPECT_EQ(rectangle, QRectF(150, 100, 0, 0)) << scale;
+        EXPECT_FALSE(std::signbit(rectangle.width()) || std::signbit(rectangle.height())) << scale;
+    }
 }
 
 TEST(VNLogoContext, ATooLargePictureIsScaledDownAndToldOf)
