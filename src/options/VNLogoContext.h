@@ -2,6 +2,7 @@
 
 #include "observing/observable_object.h"
 #include "options/logo/logo_font.h"
+#include "options/logo/reduced_picture.h"
 #include "pictures/picture.h"
 
 #include <QColor>
@@ -167,6 +168,7 @@ private:
     /// The scaled picture about (0, 0).
     [[nodiscard]] QRectF centredPicture(double scale) const;
     [[nodiscard]] QTransform pictureTransform(const QRectF &bound, double scale) const;
+    void drawPicture(QPainter &context, const QRectF &bound, double scale) const;
     /// The letters where they are drawn, rotated.
     [[nodiscard]] std::vector<QPainterPath> textOutlines(const QRectF &bound, double scale) const;
 
@@ -175,6 +177,7 @@ private:
     int mLogoType = 0;
     QString mLogoText;
     Picture mLogoImage;
+    mutable ReducedPicture m_reducedPicture; ///< what mLogoImage was drawn with last
     qint64 mLogoTransparency = 0;
     QPointF mLogoPosition;
     double mLogoScale = 0;

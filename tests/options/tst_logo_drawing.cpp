@@ -1,12 +1,17 @@
 #include "geometry/y_up.h"
 #include "gui_main.h"
 #include "options/VNLogoContext.h"
+#include "options/logo/reduced_picture.h"
+#include "support/test_pictures.h"
 
 #include <QPainter>
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
 #include <limits>
+#include <string>
 
 namespace vornic {
 namespace {
@@ -124,6 +129,89 @@ TEST_F(LogoDrawing, PictureTurnsAboutItsCentre)
     Surface any({ 200, 150 });
     any.draw(logo);
     EXPECT_FALSE(any.inked().isEmpty());
+}
+
+/// A photograph's worth of detail: fine stripes, letters and noise.
+QImage detailed(QSize size)
+{
+    QImage picture = test::textPage(size, 1).convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&picture);
+    for (int x = 0; x < size.width() / 2; x += 7)
+        painter.fillRect(x, 0, 3, size.height() / 3, Qt::darkRed);
+    painter.drawImage(size.width() / 2, size.height() / 2, test::noisePicture(size / 3, 2));
+    return picture;
+}
+
+/// The average of the part of \a picture that each pixel of a surface shows: \a toPicture takes points of the surface
+/// to the picture's. White outside.
+QImage areaAverage(const QImage &picture, QSize size, const QTransform &toPicture)
+{
+    constexpr int samples = 16;
+    QImage average(size, QImage::Format_RGB32);
+    const QRect whole = picture.rect();
+    const auto colorAt = [&](double x, double y) {
+        const QPointF point = toPicture.map(QPointF(x, y));
+        const QPoint pixel(static_cast<int>(std::floor(point.x())), static_cast<int>(std::floor(point.y())));
+        return whole.contains(pixel) ? picture.pixel(pixel) : qRgb(255, 255, 255);
+    };
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            std::array<int, 3> sum {};
+            for (int i = 0; i < samples * samples; ++i) {
+                const QRgb color
+                    = colorAt(x + (i % samples + 0.5) / samples, y + (i / samples + 0.5) / samples);
+                sum[0] += qRed(color);
+                sum[1] += qGreen(color);
+                sum[2] += qBlue(color);
+            }
+            constexpr int count = samples * samples;
+            average.setPixel(x, y, qRgb(sum[0] / count, sum[1] / count, sum[2] / count));
+        }
+    }
+    return average;
+}
+
+/// The peak signal-to-noise ratio in dB.
+double psnr(const QImage &one, const QImage &other)
+{
+    double squares = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            const QRgb a = one.pixel(x, y);
+            const QRgb b = other.pixel(x, y);
+            for (const int difference : { qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b) })
+                squares += difference * difference;
+        }
+    }
+    const double mean = squares / (3.0 * one.width() * one.height());
+    return 10 * std::log10(255.0 * 255.0 / std::max(mean, 1e-9));
+}
+
+TEST_F(LogoDrawing, APictureDrawnSmallIsTheAverageOfItsPixels)
+{
+    const QImage picture = detailed({ 1200, 800 });
+    logo.setLogoType(1);
+    logo.setNSImage(picture);
+    for (const double scale : { 0.1, 0.3 }) {
+        for (const int degrees : { 0, 90, 30, -17 }) {
+            const QSize drawn(static_cast<int>(std::lround(1200 * scale)),
+                              static_cast<int>(std::lround(800 * scale)));
+            const int side = drawn.width() + 60;
+            logo.setLogoScale(scale);
+            logo.setLogoRotation(degrees);
+            logo.setLogoPosition(QPointF(side - drawn.width(), side - drawn.height()) / 2);
+            Surface surface({ side, side }, 1, Qt::white);
+            surface.draw(logo);
+            const QTransform toPicture = QTransform::fromTranslate(-side / 2.0, -side / 2.0)
+                * QTransform().rotate(degrees) * QTransform::fromScale(1 / scale, 1 / scale)
+                * QTransform::fromTranslate(600, 400);
+            const double quality
+                = psnr(surface.image(), areaAverage(picture, surface.image().size(), toPicture));
+            EXPECT_GE(quality, 40) << scale << " turned by " << degrees;
+            RecordProperty(QStringLiteral("dB_%1_%2").arg(scale).arg(degrees).toStdString(),
+                           std::to_string(quality));
+        }
+    }
 }
 
 TEST_F(LogoDrawing, ScaleAndBoundPlaceTheAnchor)
@@ -354,6 +442,32 @@ TEST_F(LogoDrawing, ValuesBeyondAllSenseDrawNothingAndEnd)
             EXPECT_TRUE(surface.inked().isEmpty()) << type << value;
         }
     }
+}
+
+TEST(ReducedPicture, IsMadeOnceForAPictureASizeAndAnAngle)
+{
+    QImage picture = detailed({ 400, 300 });
+    ReducedPicture reduced;
+    QImage surface(200, 200, QImage::Format_ARGB32_Premultiplied);
+    const auto copiesFor = [&](double scale, double degrees, QPointF position = { 10, 20 }) {
+        const int before = reduced.copies();
+        QPainter painter(&surface);
+        painter.translate(position);
+        painter.rotate(degrees);
+        reduced.draw(painter, QRectF({ 0, 0 }, QSizeF(picture.size()) * scale), picture);
+        return reduced.copies() - before;
+    };
+    EXPECT_EQ(copiesFor(0.25, 0), 1);
+    EXPECT_EQ(copiesFor(0.25, 0), 0);
+    EXPECT_EQ(copiesFor(0.25, 90, { 100, 7.5 }), 0);
+    EXPECT_EQ(copiesFor(0.2, 0), 1);
+    EXPECT_EQ(copiesFor(0.2, 30), 1);
+    EXPECT_EQ(copiesFor(0.2, 31), 0) << "the copy serves any angle";
+    EXPECT_EQ(copiesFor(0.2, 31, { 100, 7.5 }), 0);
+    EXPECT_EQ(copiesFor(0.5, 30), 0) << "large enough for the painter alone";
+    EXPECT_EQ(copiesFor(1e-6, 30), 1);
+    picture.fill(Qt::red);
+    EXPECT_EQ(copiesFor(1e-6, 30), 1);
 }
 
 TEST_F(LogoDrawing, NegativeScaleMirrorsTheRectangleNotThePicture)

@@ -98,14 +98,20 @@ void VNLogoContext::decorateAtOpacity(double opacity,
     context.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     context.setCompositionMode(QPainter::CompositionMode_SourceOver);
     context.setOpacity(opacity);
-    if (isLogoTypeText()) {
+    if (isLogoTypeText())
         drawText(context, textOutlines(bound, scale), LogoFontFillColor(), LogoFontStrokeColor());
-    } else if (const QRectF picture = centredPicture(scale);
-               isDrawable(picture.translated(anchor(bound, scale)))) {
-        context.setTransform(pictureTransform(bound, scale), true);
-        drawImageYUp(context, picture.normalized(), mLogoImage.image());
-    }
+    else
+        drawPicture(context, bound, scale);
     context.restore();
+}
+
+void VNLogoContext::drawPicture(QPainter &context, const QRectF &bound, double scale) const
+{
+    const QRectF picture = centredPicture(scale);
+    if (!isDrawable(picture.translated(anchor(bound, scale))))
+        return;
+    context.setTransform(pictureTransform(bound, scale), true);
+    m_reducedPicture.draw(context, picture.normalized(), mLogoImage.image());
 }
 
 QRectF VNLogoContext::decoratedRect(const QRectF &bound, double scale) const
