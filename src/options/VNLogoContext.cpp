@@ -33,6 +33,13 @@ float narrowed(double value)
     return static_cast<float>(std::clamp(value, -maximum, maximum));
 }
 
+/// As much of \a text as the field for it takes: a longer one was not typed, and takes minutes to draw.
+QString capped(const QString &text)
+{
+    constexpr qsizetype longest = 32767;
+    return text.size() > longest ? text.first(longest) : text;
+}
+
 } // namespace
 
 VNLogoContext::VNLogoContext()
@@ -49,7 +56,7 @@ VNLogoContext::VNLogoContext()
 VNLogoContext::VNLogoContext(const KeyedUnarchiver &coder)
     : mLogoValidate(coder.decodeBool("mLogoValidate"_L1))
     , mLogoType(coder.decodeInt32("mLogoType"_L1))
-    , mLogoText(coder.decodeString("mLogoText"_L1).value_or(QString()))
+    , mLogoText(capped(coder.decodeString("mLogoText"_L1).value_or(QString())))
     , mLogoTransparency(truncatedToInt64(coder.decodeFloat("mLogoTransparency"_L1)))
     , mLogoPosition(coder.decodePoint("mLogoPosition"_L1))
     , mLogoScale(static_cast<double>(coder.decodeFloat("mLogoScale"_L1)))

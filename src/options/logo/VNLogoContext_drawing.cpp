@@ -32,12 +32,25 @@ bool isDrawable(const QRectF &rectangle)
     return std::isfinite(sum) && rectangle.width() != 0 && rectangle.height() != 0;
 }
 
-/// Glyph by glyph: one path of them all takes ten times as long to fill.
-void drawText(QPainter &context,
-              const std::vector<QPainterPath> &outlines,
-              const QColor &fill,
-              const QColor &stroke)
+/// Whether anything within \a rectangle can be seen; what is beyond the painter's surface takes as long to draw as what
+/// is not.
+bool isOnSurface(const QPainter &context, const QRectF &rectangle)
 {
+    return context.combinedTransform().mapRect(rectangle).intersects(QRectF(context.viewport()));
+}
+
+/// Where a glyph leaves ink.
+QRectF inkedRect(const QPainterPath &outline)
+{
+    constexpr double reach = outlineWidth * mitreLimit;
+    return outline.controlPointRect().adjusted(-reach, -reach, reach, reach);
+}
+
+/// Glyph by glyph: one path of them all takes ten times as long to fill.
+void drawText(QPainter &context, std::vector<QPainterPath> outlines, const QColor &fill, const QColor &stroke)
+{
+    std::erase_if(outlines,
+                  [&](const QPainterPath &outline) { return !isOnSurface(context, inkedRect(outline)); });
     QPen pen(opaque(stroke), outlineWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
     pen.setMiterLimit(mitreLimit);
     for (const QPainterPath &outline : outlines)
@@ -119,9 +132,8 @@ QRectF VNLogoContext::decoratedRect(const QRectF &bound, double scale) const
     if (isLogoTypeText()) {
         QRectF text;
         for (const QPainterPath &outline : textOutlines(bound, scale))
-            text |= outline.controlPointRect();
-        constexpr double reach = outlineWidth * mitreLimit;
-        return text.isEmpty() ? QRectF() : text.adjusted(-reach, -reach, reach, reach);
+            text |= inkedRect(outline);
+        return text;
     }
     const QRectF picture = centredPicture(scale);
     return isDrawable(picture.translated(anchor(bound, scale)))

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 #include <utility>
 
 namespace vornic {
@@ -57,11 +58,15 @@ std::vector<QPainterPath> glyphOutlines(const QString &characters, const ScaledF
     const QList<quint32> glyphs = face.glyphIndexesForString(characters);
     const QList<QPointF> advances = face.advancesForGlyphIndexes(glyphs, QRawFont::UseDesignMetrics);
     std::vector<QPainterPath> outlines;
+    std::unordered_map<quint32, QPainterPath> paths; // a face takes long to give one
     double x = 0;
     for (qsizetype i = 0; i < glyphs.size(); ++i) {
         if (!isControl(characters[i])) {
             const QTransform place(font.factor, 0, 0, -font.factor, x, 0);
-            QPainterPath outline = place.map(face.pathForGlyph(glyphs[i]));
+            const auto [path, isNew] = paths.try_emplace(glyphs[i]);
+            if (isNew)
+                path->second = face.pathForGlyph(glyphs[i]);
+            QPainterPath outline = place.map(path->second);
             outline.setFillRule(Qt::WindingFill);
             if (!outline.isEmpty())
                 outlines.push_back(std::move(outline));
