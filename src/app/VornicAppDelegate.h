@@ -78,6 +78,7 @@ public:
     void setLogoImageFile(const QString &path) { m_logo->setLogoImageFile(path); }
     void setLogoImage(const QImage &picture) { m_logo->setLogoImage(picture); }
     void setLogoPicture(const Picture &picture) { m_logo->setLogoPicture(picture); }
+    void makePictureOfLogoText() { m_logo->makePictureOfText(); }
     /// The grey of the titles of check boxes and radio buttons.
     [[nodiscard]] static QColor attributeForChkTitle();
     /// Opens a copy of the help document in the caches folder; without the document nothing happens.

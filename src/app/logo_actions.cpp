@@ -78,6 +78,18 @@ void LogoActions::setLogoPicture(const Picture &picture)
     emit changed();
 }
 
+void LogoActions::makePictureOfText()
+{
+    VNLogoContext &logo = *m_options.logoContext();
+    const PictureOfText made = logo.pictureOfText();
+    if (made.image.isNull())
+        return;
+    logo.setLogoPosition(made.position);
+    logo.setLogoScale(made.scale);
+    logo.setIsLogoTypeText(false);
+    setLogoImage(made.image);
+}
+
 void LogoActions::tellOfScaling(const QString &fileName, QSize original, QSize scaled)
 {
     const QString sizes

@@ -36,6 +36,9 @@ public:
     void setLogoImage(const QImage &picture);
     /// The same with the file that the pixels came from.
     void setLogoPicture(const Picture &picture);
+    /// The logo becomes a picture of its text, which is drawn as it was typed, in the same place; nothing happens where
+    /// the text leaves no ink.
+    void makePictureOfText();
 
 signals:
     /// The overlay shows another logo now.

@@ -31,6 +31,13 @@ class KeyedUnarchiver;
 /// turns about its lower left, as a text's does, and it takes no dropped pictures.
 enum class LogoType : std::int32_t { Text = 0, Picture = 1 };
 
+/// A logo's text as a picture, and what the logo's properties have to be so that its letters stand where the text's do.
+struct PictureOfText {
+    QImage image; ///< null where nothing is drawn
+    QPointF position;
+    double scale = 1;
+};
+
 /// The user's logo: whether it is stamped, its text with font and colours or its picture, and its place.
 ///
 /// Made by the options that own it, and lives on the main thread. LogoValidate, the text, the position and
@@ -134,6 +141,10 @@ public:
     [[nodiscard]] QImage decorateCGImage(const QImage &image) const;
     /// The same, but \a image itself when LogoValidate is off.
     [[nodiscard]] QImage decorateNSImage(const QImage &image) const;
+
+    /// The text, letter by letter as it was typed, with its font, colours, spacing and outline; opaque, unrotated, and no
+    /// larger than its ink. Main thread; needs a QGuiApplication.
+    [[nodiscard]] PictureOfText pictureOfText() const;
 
     [[nodiscard]] static QByteArrayList keyPathsForValuesAffectingValueForKey(const QByteArray &key);
 

@@ -20,6 +20,14 @@ QPainterPath lineOutline(const QString &characters, const ScaledFont &font, doub
     return line;
 }
 
+TEST(LegacyText, OnlyAsciiIsDrawnAsTyped)
+{
+    for (const char16_t *typed : { u"", u"Sample Text", u"~!@#$%^&*()_+ 0129" })
+        EXPECT_TRUE(isDrawnAsTyped(QString::fromUtf16(typed))) << QString::fromUtf16(typed).toStdString();
+    for (const char16_t *typed : { u"Gr\u00FC\u00DFe", u"\u00E9", u"a\u20AC", u"\u4E16", u"\U0001F600" })
+        EXPECT_FALSE(isDrawnAsTyped(QString::fromUtf16(typed))) << QString::fromUtf16(typed).toStdString();
+}
+
 TEST(SingleByteCharacters, AsciiStaysWhatItIs)
 {
     EXPECT_EQ(singleByteCharacters("Sample Text ~\n"), "Sample Text ~\n");

@@ -500,6 +500,127 @@ TEST_F(LogoDrawing, StampedPictureIsOpaqueAndStampedWhateverLogoValidateSays)
     EXPECT_EQ(stamped.constScanLine(90 - 51)[4 * 30 + 2], 0);
 }
 
+class PictureOfTextTest : public LogoDrawing
+{
+protected:
+    /// What is drawn of the text, and of the picture in its place.
+    [[nodiscard]] QImage drawn() const
+    {
+        Surface surface({ 600, 400 });
+        surface.draw(logo);
+        return surface.image();
+    }
+    void becomePicture()
+    {
+        const PictureOfText made = logo.pictureOfText();
+        ASSERT_FALSE(made.image.isNull());
+        logo.setNSImage(made.image);
+        logo.setLogoPosition(made.position);
+        logo.setLogoScale(made.scale);
+        logo.setLogoType(1);
+    }
+    /// Where \a image is less transparent than that.
+    [[nodiscard]] static QRect inkOf(const QImage &image, int alpha = 16)
+    {
+        QRect ink;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (qAlpha(image.pixel(x, y)) > alpha)
+                    ink |= QRect(x, y, 1, 1);
+        return ink;
+    }
+    /// How much of two pictures' opacity is not in the same places: 0 where all is, 1 where none.
+    [[nodiscard]] static double difference(const QImage &one, const QImage &other)
+    {
+        double apart = 0;
+        double all = 0;
+        for (int y = 0; y < one.height(); ++y) {
+            for (int x = 0; x < one.width(); ++x) {
+                apart += std::abs(qAlpha(one.pixel(x, y)) - qAlpha(other.pixel(x, y)));
+                all += qAlpha(one.pixel(x, y)) + qAlpha(other.pixel(x, y));
+            }
+        }
+        return apart / all;
+    }
+};
+
+TEST_F(PictureOfTextTest, AsciiLettersStayWhereTheyStood)
+{
+    logo.setLogoText(QStringLiteral("Sample Text, fig. AV"));
+    for (const double scale : { 1.0, 1.7 }) {
+        for (const int degrees : { 0, 90, -30 }) {
+            SCOPED_TRACE(testing::Message() << scale << " turned by " << degrees);
+            logo.setLogoType(0);
+            logo.setLogoPosition({ 120, 190 });
+            logo.setLogoScale(scale);
+            logo.setLogoRotation(degrees);
+            const QImage text = drawn();
+            becomePicture();
+            const QImage picture = drawn();
+            EXPECT_EQ(logo.LogoScale(), 1) << "its pixels are as large as the letters were";
+            EXPECT_EQ(logo.LogoRotation(), degrees);
+            const QRect before = inkOf(text);
+            const QRect after = inkOf(picture);
+            EXPECT_LE((before.topLeft() - after.topLeft()).manhattanLength(), 2);
+            EXPECT_LE((before.bottomRight() - after.bottomRight()).manhattanLength(), 2);
+            EXPECT_LT(difference(text, picture), degrees == 0 ? 0.01 : 0.15);
+        }
+    }
+}
+
+TEST_F(PictureOfTextTest, IsNoLargerThanItsInkAndHasTheTextsColours)
+{
+    logo.setLogoTransparency(10); // the logo's, not the picture's
+    logo.setLogoText(QStringLiteral("\u2588"));
+    logo.setLogoScale(4);
+    logo.setLogoFontFillColor(Qt::red);
+    logo.setLogoFontStrokeColor(Qt::blue);
+    const QImage image = logo.pictureOfText().image;
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::red));
+    const QColor edge = image.pixelColor(image.width() / 2, 1);
+    EXPECT_GT(edge.blue(), edge.red());
+    EXPECT_EQ(inkOf(image, 0), image.rect()) << "no edge is empty";
+}
+
+TEST_F(PictureOfTextTest, LettersOutsideAsciiAreDrawnAsTheyWereTyped)
+{
+    const auto widthOf = [this](const QString &text) {
+        logo.setLogoText(text);
+        return logo.pictureOfText().image.width();
+    };
+    // An umlaut is as wide as its letter, and each letter is drawn once.
+    EXPECT_NEAR(widthOf(QStringLiteral("Gr\u00FCn")), widthOf(QStringLiteral("Grun")), 2);
+    logo.setLogoText(QStringLiteral("u"));
+    const int height = logo.pictureOfText().image.height();
+    logo.setLogoText(QStringLiteral("\u00FC"));
+    EXPECT_GT(logo.pictureOfText().image.height(), height + 2) << "the dots are there";
+}
+
+TEST_F(PictureOfTextTest, WithoutInkThereIsNone)
+{
+    for (const char *text : { "", "   ", "\n" }) {
+        logo.setLogoText(QString::fromLatin1(text));
+        EXPECT_TRUE(logo.pictureOfText().image.isNull());
+    }
+    logo.setLogoText(QStringLiteral("x"));
+    for (const double scale : { 0.0, -1.0, 1e300, std::numeric_limits<double>::quiet_NaN() }) {
+        logo.setLogoScale(scale);
+        static_cast<void>(logo.pictureOfText());
+    }
+}
+
+TEST_F(PictureOfTextTest, OneThatIsTooLargeIsScaledDownAndDrawnAsLarge)
+{
+    logo.setLogoText(QString(1000, QChar(u'M')));
+    logo.setLogoScale(3);
+    const PictureOfText made = logo.pictureOfText();
+    EXPECT_LE(made.image.width(), 32767);
+    EXPECT_NEAR(made.image.width() * made.scale,
+                logo.decoratedRect(noBound, 1).width(),
+                logo.decoratedRect(noBound, 1).width() / 100);
+}
+
 TEST_F(LogoDrawing, NoPictureCannotBeStamped)
 {
     EXPECT_TRUE(logo.decorateCGImage({}).isNull());

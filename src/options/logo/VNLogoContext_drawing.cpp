@@ -1,6 +1,7 @@
 #include "geometry/y_up.h"
 #include "options/VNLogoContext.h"
 #include "options/logo/legacy_text.h"
+#include "options/logo/unicode_text.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -57,6 +58,38 @@ void drawText(QPainter &context, std::vector<QPainterPath> outlines, const QColo
         context.fillPath(outline, opaque(fill));
     for (const QPainterPath &outline : outlines)
         context.strokePath(outline, pen);
+}
+
+QRectF inkedRect(const std::vector<QPainterPath> &outlines)
+{
+    QRectF all;
+    for (const QPainterPath &outline : outlines)
+        all |= inkedRect(outline);
+    return all;
+}
+
+/// The largest factor, 1 at most, at which a picture of \a size can be kept.
+double factorToKeep(QSizeF size)
+{
+    constexpr double maxSide = 32767;
+    const double pixels = size.width() * size.height();
+    return std::min({ 1.0,
+                      maxSide / size.width(),
+                      maxSide / size.height(),
+                      std::sqrt(static_cast<double>(Picture::maxPixels) / pixels) });
+}
+
+/// The smallest rectangle with all pixels that are not transparent.
+QRect opaquePart(const QImage &image)
+{
+    QRect part;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) != 0)
+                part |= QRect(x, y, 1, 1);
+        }
+    }
+    return part;
 }
 
 } // namespace
@@ -129,16 +162,43 @@ void VNLogoContext::drawPicture(QPainter &context, const QRectF &bound, double s
 
 QRectF VNLogoContext::decoratedRect(const QRectF &bound, double scale) const
 {
-    if (isLogoTypeText()) {
-        QRectF text;
-        for (const QPainterPath &outline : textOutlines(bound, scale))
-            text |= inkedRect(outline);
-        return text;
-    }
+    if (isLogoTypeText())
+        return inkedRect(textOutlines(bound, scale));
     const QRectF picture = centredPicture(scale);
     return isDrawable(picture.translated(anchor(bound, scale)))
         ? pictureTransform(bound, scale).mapRect(picture.normalized())
         : QRectF();
+}
+
+PictureOfText VNLogoContext::pictureOfText() const
+{
+    const std::vector<QPainterPath> outlines
+        = unicodeOutlines(LogoText(), scaledLogoFont(1), characterSpacing);
+    const QRectF ink = inkedRect(outlines);
+    if (!isDrawable(ink))
+        return {};
+    const double factor = factorToKeep(ink.size());
+    // Whole pixels, so that letters are drawn into them as they are drawn on the screen.
+    const QPointF corner(std::floor(ink.x() * factor), std::floor(ink.y() * factor));
+    const QSize size(static_cast<int>(std::ceil(ink.right() * factor - corner.x())),
+                     static_cast<int>(std::ceil(ink.bottom() * factor - corner.y())));
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return {};
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing);
+    flipPainter(painter, size.height());
+    painter.translate(-corner);
+    painter.scale(factor, factor);
+    drawText(painter, outlines, LogoFontFillColor(), LogoFontStrokeColor());
+    painter.end();
+    const QRect part = opaquePart(image);
+    const QRectF inPoints((corner + QPointF(part.x(), size.height() - part.y() - part.height())) / factor,
+                          QSizeF(part.size()) / factor);
+    // The text turns about the start of its baseline, a picture about its centre.
+    const QPointF centre = LogoPosition() + rotation().map(inPoints.center());
+    return { image.copy(part), centre - QPointF(inPoints.width(), inPoints.height()) / 2, 1 / factor };
 }
 
 QImage VNLogoContext::decorateCGImage(const QImage &image) const

@@ -48,6 +48,11 @@ QString singleByteCharacters(const QString &text)
     return characters;
 }
 
+bool isDrawnAsTyped(const QString &text)
+{
+    return singleByteCharacters(text) == text;
+}
+
 std::vector<QPainterPath> glyphOutlines(const QString &characters, const ScaledFont &font, double spacing)
 {
     if (font.factor <= 0)

@@ -14,6 +14,9 @@ namespace vornic {
 /// text loses its end.
 [[nodiscard]] QString singleByteCharacters(const QString &text);
 
+/// Whether that draws \a text as it was typed: other letters than those of ASCII become others, or vanish.
+[[nodiscard]] bool isDrawnAsTyped(const QString &text);
+
 /// The outlines of \a characters on one line, one by one, from the start of the baseline at (0, 0), in points
 /// with y up; nothing for characters that leave no ink. Each glyph stands alone, without kerning or
 /// substitute faces, \a spacing points behind the advance of the one before, whatever the size of the font.

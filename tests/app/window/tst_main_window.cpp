@@ -188,6 +188,24 @@ TEST_F(MainWindowTest, APictureDroppedOnTheWellReachesTheLogoWithItsFile)
     EXPECT_TRUE(archivedData(logo()).contains(file.readAll()));
 }
 
+TEST_F(MainWindowTest, TheLogosTextBecomesAPictureInItsPlace)
+{
+    logo().setLogoText(QStringLiteral(" "));
+    delegate.makePictureOfLogoText();
+    EXPECT_TRUE(logo().isLogoTypeText()) << "there is nothing to be seen of it";
+    logo().setLogoText(QStringLiteral("Gr\u00FC\u00DFe"));
+    logo().setLogoScale(2);
+    logo().setLogoRotation(90);
+    const PictureOfText expected = logo().pictureOfText();
+    ASSERT_FALSE(expected.image.isNull());
+    delegate.makePictureOfLogoText();
+    EXPECT_EQ(logo().LogoType(), 1);
+    EXPECT_EQ(logo().getNSImage(), expected.image);
+    EXPECT_EQ(logo().LogoPosition(), expected.position);
+    EXPECT_EQ(logo().LogoScale(), 1);
+    EXPECT_EQ(logo().LogoRotation(), 90);
+}
+
 TEST_F(MainWindowTest, ListsHaveTheirItemsAndActions)
 {
     auto &quality = control<VNComboboxView>("mVideoQualityView");
