@@ -92,7 +92,7 @@ QImage readLimited(QImageReader &reader, QString &whyNot)
     const bool isTooLarge = limited(size) != size;
     if (isTooLarge)
         reader.setScaledSize(limited(size)); // without memory for the whole, in some formats
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.isNull())
         whyNot = isTooLarge ? tooLargeReason(uprightSize(reader)) : reader.errorString();
     return image;
