@@ -616,12 +616,18 @@ TEST_F(PictureOfTextTest, WithoutInkThereIsNone)
 TEST_F(PictureOfTextTest, OneThatIsTooLargeIsScaledDownAndDrawnAsLarge)
 {
     logo.setLogoText(QString(1000, QChar(u'M')));
-    logo.setLogoScale(3);
-    const PictureOfText made = logo.pictureOfText();
-    EXPECT_LE(made.image.width(), 32767);
-    EXPECT_NEAR(made.image.width() * made.scale,
-                logo.decoratedRect(noBound, 1).width(),
-                logo.decoratedRect(noBound, 1).width() / 100);
+    for (const double scale : { 3.0, 1000.0, 1e30 }) {
+        logo.setLogoType(0);
+        logo.setLogoScale(scale);
+        const PictureOfText made = logo.pictureOfText();
+        const double width = logo.decoratedRect(noBound, 1).width();
+        EXPECT_NEAR(made.image.width() * made.scale, width, width / 50) << scale;
+        const Picture kept(made.image);
+        EXPECT_FALSE(kept.isNull()) << scale;
+        EXPECT_FALSE(kept.isScaledDown()) << scale;
+    }
+    logo.setLogoScale(1e300);
+    static_cast<void>(logo.pictureOfText());
 }
 
 TEST_F(LogoDrawing, NoPictureCannotBeStamped)

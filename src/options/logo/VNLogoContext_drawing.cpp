@@ -68,15 +68,13 @@ QRectF inkedRect(const std::vector<QPainterPath> &outlines)
     return all;
 }
 
-/// The largest factor, 1 at most, at which a picture of \a size can be kept.
+/// A factor, 1 at most, at which a picture of \a size can be kept, also when it is rounded up to whole pixels.
 double factorToKeep(QSizeF size)
 {
-    constexpr double maxSide = 32767;
+    constexpr double maxSide = 32000;
+    constexpr double maxPixels = 0.99 * static_cast<double>(Picture::maxPixels);
     const double pixels = size.width() * size.height();
-    return std::min({ 1.0,
-                      maxSide / size.width(),
-                      maxSide / size.height(),
-                      std::sqrt(static_cast<double>(Picture::maxPixels) / pixels) });
+    return std::min({ 1.0, maxSide / size.width(), maxSide / size.height(), std::sqrt(maxPixels / pixels) });
 }
 
 /// The smallest rectangle with all pixels that are not transparent.
