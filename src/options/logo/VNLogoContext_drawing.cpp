@@ -192,11 +192,12 @@ PictureOfText VNLogoContext::pictureOfText() const
     drawText(painter, outlines, LogoFontFillColor(), LogoFontStrokeColor());
     painter.end();
     const QRect part = opaquePart(image);
-    const QRectF inPoints((corner + QPointF(part.x(), size.height() - part.y() - part.height())) / factor,
-                          QSizeF(part.size()) / factor);
+    const double scale = 1 / factor;
+    const QRectF inPoints((corner + QPointF(part.x(), size.height() - part.y() - part.height())) * scale,
+                          QSizeF(part.size()) * scale);
     // The text turns about the start of its baseline, a picture about its centre.
     const QPointF centre = LogoPosition() + rotation().map(inPoints.center());
-    return { image.copy(part), centre - QPointF(inPoints.width(), inPoints.height()) / 2, 1 / factor };
+    return { image.copy(part), centre - QPointF(inPoints.width(), inPoints.height()) / 2, scale };
 }
 
 QImage VNLogoContext::decorateCGImage(const QImage &image) const
