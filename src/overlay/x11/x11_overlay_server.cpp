@@ -1,8 +1,8 @@
 #include "overlay/x11/x11_overlay_server.h"
 
 #include "overlay/x11/x11_window_stack.h"
-#include "overlay/x11/x11_windows.h"
 #include "x11/x11_shape.h"
+#include "x11/x11_windows.h"
 #include "x11/xcb_reply.h"
 
 #include <QWindow>

@@ -1,6 +1,6 @@
 #include "overlay/x11/x11_window_on_top.h"
 
-#include "overlay/x11/x11_windows.h"
+#include "x11/x11_windows.h"
 #include "x11/xcb_reply.h"
 
 #include <QPlatformSurfaceEvent>

@@ -1,8 +1,8 @@
 #include "overlay/x11/x11_window_stack.h"
 
 #include "display/main_display.h"
-#include "overlay/x11/x11_windows.h"
 #include "x11/x11_connection.h"
+#include "x11/x11_windows.h"
 #include "x11/xcb_reply.h"
 
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "overlay/x11/x11_windows.h"
+#include "x11/x11_windows.h"
 
 #include "x11/x11_connection.h"
 #include "x11/xcb_reply.h"
