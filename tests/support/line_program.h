@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace vornic {
+
+/// A program that a test talks to by lines.
+///
+/// Made by tests; main thread.
+class LineProgram
+{
+public:
+    /// \a scaleFactor is that of the toolkit, as a user sets it.
+    LineProgram(const QString &program, const QStringList &arguments, double scaleFactor = 1)
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("QT_QPA_PLATFORM", "xcb");
+        variables.insert("QT_SCALE_FACTOR", QString::number(scaleFactor));
+        m_process.setProcessEnvironment(variables);
+        m_process.start(program, arguments);
+    }
+    ~LineProgram()
+    {
+        m_process.closeWriteChannel();
+        m_process.terminate();
+        if (!m_process.waitForFinished(10'000))
+            m_process.kill();
+        m_process.waitForFinished();
+    }
+    LineProgram(const LineProgram &) = delete;
+    LineProgram &operator=(const LineProgram &) = delete;
+
+    /// Waits for a line that \a isIt; what was told before it is passed by. Null after some seconds.
+    QString waitFor(const std::function<bool(const QString &)> &isIt, int maxMs = 20'000)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (true) {
+            while (m_process.canReadLine()) {
+                const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+                told += line;
+                if (isIt(line))
+                    return line;
+            }
+            if (timer.elapsed() >= maxMs)
+                return {};
+            m_process.waitForReadyRead(static_cast<int>(maxMs - timer.elapsed()));
+        }
+    }
+    bool waitForLine(const QString &text)
+    {
+        return !waitFor([&](const QString &line) { return line == text; }).isNull();
+    }
+    /// Whether a line that begins like this comes within \a maxMs.
+    bool tells(const QString &begin, int maxMs)
+    {
+        return !waitFor([&](const QString &line) { return line.startsWith(begin); }, maxMs).isNull();
+    }
+    void say(const QString &line)
+    {
+        m_process.write(line.toUtf8() + '\n');
+        ASSERT_TRUE(waitForLine("ok")) << qPrintable(line);
+    }
+
+    QStringList told; ///< all lines so far
+
+private:
+    QProcess m_process;
+};
+
+} // namespace vornic
