@@ -63,9 +63,16 @@ public:
     {
         return !waitFor([&](const QString &line) { return line.startsWith(begin); }, maxMs).isNull();
     }
-    void say(const QString &line)
+    /// Does not wait for an answer.
+    void write(const QString &line)
     {
         m_process.write(line.toUtf8() + '\n');
+        m_process.waitForBytesWritten();
+    }
+    /// Returns once it has done that.
+    void say(const QString &line)
+    {
+        write(line);
         ASSERT_TRUE(waitForLine("ok")) << qPrintable(line);
     }
 
