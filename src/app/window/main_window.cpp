@@ -33,6 +33,7 @@ constexpr const char *partOfLogo = "partOfLogo";
 /// Of the grid, for the logo's numbers.
 constexpr int sliderColumn = 6;
 constexpr int fieldColumn = 7;
+constexpr int sliderWidth = 116;
 
 /// As the list of devices or of qualities holds it.
 void showItems(VNComboboxView &view, const QStringList &titles)
@@ -54,6 +55,8 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     m_ui->scaleSlider->setValueRange(0.1, 4, 0.05);
     m_ui->opacitySlider->setValueRange(0, 100, 1);
     m_ui->rotationSlider->setValueRange(-180, 180, 1);
+    for (VNSliderCell *slider : findChildren<VNSliderCell *>())
+        slider->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // as wide as the column
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(true); // Enter presses the one with the focus
     QSizePolicy keepsItsPlace = m_ui->savePI->sizePolicy();
@@ -98,6 +101,8 @@ void MainWindow::fillLists()
         - start_settings::countdowns.begin());
     m_ui->countdownView->setTarget(this);
     m_ui->countdownView->setSelector("setCountdown");
+    // Names of devices may be of any length; the window is not to be as wide.
+    m_ui->mAudioDevicesView->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_ui->mAudioDevicesView->setPlaceholderText(tr("No audio input found"));
     m_ui->mAudioDevicesView->setTarget(this);
     m_ui->mAudioDevicesView->setSelector("selAudioDevice");
@@ -235,7 +240,6 @@ void MainWindow::showAudioDevices()
     showItems(*m_ui->mAudioDevicesView, list.titles());
     m_ui->mAudioDevicesView->setIndexOfSelected(list.indexOfSelected());
     m_ui->mAudioDevicesView->setEnabled(list.isEnabled());
-    // Names of devices may be longer than the list.
     m_ui->mAudioDevicesView->setToolTip(
         tr("The device whose sound is recorded: %1").arg(m_ui->mAudioDevicesView->shownTitle()));
 }
@@ -257,7 +261,7 @@ void MainWindow::foldLogo()
             control->setVisible(unfolded);
     }
     // What is above stays where it is, though the widest column may be empty now.
-    m_ui->grid->setColumnMinimumWidth(sliderColumn, m_ui->scaleSlider->sizeHint().width());
+    m_ui->grid->setColumnMinimumWidth(sliderColumn, sliderWidth);
     m_ui->grid->setColumnMinimumWidth(fieldColumn, m_ui->logoXField->sizeHint().width());
     // The window takes its new size at once.
     m_ui->contents->layout()->activate();
