@@ -5,6 +5,7 @@
 #include "app/session/desktop_services.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
+#include "app/session/start_settings.h"
 #include "app/session/stored_options.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
@@ -72,12 +73,31 @@ void VornicAppDelegate::followSession()
     connect(&session, &RecordingSession::clockTicked, this, &VornicAppDelegate::clockTicked);
     connect(&session, &RecordingSession::recordingRefused, this, &VornicAppDelegate::recordingRefused);
     connect(&session, &RecordingSession::readyToTerminate, this, &VornicAppDelegate::readyToTerminate);
-    connect(&audio(), &AudioInput::devicesChanged, this, [this] { notifyChanged({ "allowedAudioRecord" }); });
+    connect(&audio(), &AudioInput::devicesChanged, this, [this] {
+        restoreAudioDevice();
+        notifyChanged({ "allowedAudioRecord" });
+    });
+    restoreAudioDevice();
     // A compositing manager shows a moment later that the overlay's tint and handles are gone.
     session.setSettlingTime([this] {
         const VNRecoderWindow *overlay = m_recorderWndCtrl ? m_recorderWndCtrl->window() : nullptr;
         return std::chrono::milliseconds(overlay && overlay->isVisible() ? 100 : 0);
     });
+}
+
+/// Otherwise the list shows its first one, at each start and each time that devices come or go.
+void VornicAppDelegate::restoreAudioDevice()
+{
+    const qsizetype index = audio().devices().titles().indexOf(start_settings::audioDevice());
+    if (m_optionsAreStored && index >= 0)
+        audio().devices().setIndexOfSelected(index);
+}
+
+void VornicAppDelegate::selAudioDevice()
+{
+    if (m_optionsAreStored)
+        start_settings::setAudioDevice(audio().devices().stringValue());
+    audio().selAudioDevice();
 }
 
 void VornicAppDelegate::reloadOverlay()

@@ -129,7 +129,8 @@ public:
     [[nodiscard]] AudioDeviceList &audioDevicesView() { return audio().devices(); }
     [[nodiscard]] std::uint32_t currentAudioID() { return audio().currentAudioID(); }
     [[nodiscard]] AudioRecorder *audioRecorder() { return audio().audioRecorder(); }
-    void selAudioDevice() { audio().selAudioDevice(); }
+    /// Of the user's choice, which is remembered.
+    void selAudioDevice();
     void audioControlInputDeviceChanged(AudioControl &control)
     {
         audio().audioControlInputDeviceChanged(control);
@@ -158,6 +159,7 @@ private:
     [[nodiscard]] AudioInput &audio() const { return m_session->audioInput(); }
     void adoptOverlay();
     void followSession();
+    void restoreAudioDevice();
     void reloadOverlay();
 
     FrontEnd m_frontEnd;

@@ -671,6 +671,24 @@ TEST_F(DelegateTest, TheRecorderIsMadeOnceAndSwitchedOnlyByTheUser)
     EXPECT_EQ(delegate->audioRecorder(), recorder);
 }
 
+TEST_F(DelegateTest, TheDeviceThatTheUserChoseIsRemembered)
+{
+    audioControl.names = { "Microphone", "Line in" };
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->audioDevicesView().stringValue(), "Microphone");
+    delegate->audioDevicesView().setIndexOfSelected(1);
+    delegate->selAudioDevice();
+    delegate->audioControlInputDeviceChanged(audioControl);
+    EXPECT_EQ(delegate->audioDevicesView().stringValue(), "Line in") << "whatever comes or goes";
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->audioDevicesView().stringValue(), "Line in") << "at the next start";
+    makeDelegate(std::make_unique<VNOption>());
+    EXPECT_EQ(delegate->audioDevicesView().stringValue(), "Microphone") << "only the window remembers";
+    audioControl.names = { "Microphone" };
+    makeDelegate(nullptr);
+    EXPECT_EQ(delegate->audioDevicesView().stringValue(), "Microphone");
+}
+
 TEST_F(DelegateTest, TheDeviceListRestsWhileARecordingRuns)
 {
     addAudioDevice();

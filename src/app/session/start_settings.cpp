@@ -9,6 +9,7 @@ namespace vornic::start_settings {
 namespace {
 
 const QString countdownKey = QStringLiteral("com.kavlor.countdown");
+const QString audioDeviceKey = QStringLiteral("com.kavlor.audioDevice");
 const QString shortcutKey = QStringLiteral("com.kavlor.shortcut");
 
 } // namespace
@@ -33,6 +34,16 @@ QString shortcut()
 void setShortcut(const QString &portableText)
 {
     user_defaults::setValue(shortcutKey, portableText);
+}
+
+QString audioDevice()
+{
+    return user_defaults::value(audioDeviceKey).toString();
+}
+
+void setAudioDevice(const QString &name)
+{
+    user_defaults::setValue(audioDeviceKey, name);
 }
 
 } // namespace vornic::start_settings

@@ -21,4 +21,8 @@ void setCountdownSeconds(int seconds);
 [[nodiscard]] QString shortcut();
 void setShortcut(const QString &portableText);
 
+/// The name of the audio input that the user chose last; empty where none was chosen.
+[[nodiscard]] QString audioDevice();
+void setAudioDevice(const QString &name);
+
 } // namespace vornic::start_settings
