@@ -10,6 +10,7 @@
 #include "observing/key_path_binding.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
+#include "options/logo/legacy_text.h"
 
 #include <QCloseEvent>
 #include <QMessageBox>
@@ -162,6 +163,12 @@ void MainWindow::connectLogo()
     connectColorWell(*m_ui->mLogoFontStrokeColorWell, "setFontStrokeColor");
     connect(&logo, &VNLogoContext::LogoTypeChanged, this, &MainWindow::showLogo);
     connect(&logo, &VNLogoContext::logoImageChanged, this, &MainWindow::showLogo);
+    connect(&logo, &VNLogoContext::LogoTextChanged, this, &MainWindow::showForeignLetters);
+    showForeignLetters();
+    connect(m_ui->textPictureButton,
+            &QAbstractButton::clicked,
+            &m_delegate,
+            &VornicAppDelegate::makePictureOfLogoText);
     m_ui->logoImageView->setPlaceholderText(tr("Drop a picture here"));
     connect(m_ui->logoImageView, &VNDragDropImageView::imageChanged, this, [this] {
         if (const Picture &picture = m_ui->logoImageView->picture(); !picture.isNull())
@@ -251,6 +258,12 @@ void MainWindow::showLogo()
     m_ui->logoPages->setCurrentWidget(logo.isLogoTypeText() ? m_ui->logoTextPage : m_ui->logoImagePage);
     const QSignalBlocker blocker(m_ui->logoImageView);
     m_ui->logoImageView->setImage(std::make_shared<QImage>(logo.getNSImage()));
+}
+
+/// Tells, as soon as one is typed, that the text has letters which a text logo cannot show.
+void MainWindow::showForeignLetters()
+{
+    m_ui->foreignLettersBox->setVisible(!isDrawnAsTyped(m_delegate.options()->logoContext()->LogoText()));
 }
 
 void MainWindow::foldLogo()

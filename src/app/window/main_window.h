@@ -79,6 +79,7 @@ private:
     void connectColorWell(VNColorWell &well, const char *selector);
     void showAudioDevices();
     void showLogo();
+    void showForeignLetters();
     void foldLogo();
     void showAbout();
     void pressRecordButton();

@@ -512,6 +512,21 @@ TEST_F(MainWindowTest, MnemonicsAreUniqueInAllLanguages)
     }
 }
 
+TEST_F(MainWindowTest, LettersThatATextLogoCannotShowAreToldOfAndBecomeAPicture)
+{
+    logo().setLogoValidate(true);
+    QWidget &told = widget("foreignLettersBox");
+    EXPECT_TRUE(told.isHidden());
+    logo().setLogoText("Grüße");
+    EXPECT_FALSE(told.isHidden());
+    logo().setLogoText("Gruesse");
+    EXPECT_TRUE(told.isHidden());
+    logo().setLogoText("Grüße");
+    control<QAbstractButton>("textPictureButton").click();
+    EXPECT_EQ(logo().type(), LogoType::Picture);
+    EXPECT_FALSE(logo().getNSImage().isNull());
+}
+
 } // namespace
 } // namespace vornic
 
