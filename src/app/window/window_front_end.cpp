@@ -17,6 +17,10 @@ void WindowFrontEnd::setWindow(MainWindow *window, std::function<void()> stop)
 {
     m_main.window = window;
     m_progress.setStop(std::move(stop));
+    m_desktop.setMovieSaved([this](const QString &path, double seconds) {
+        if (m_main.window)
+            m_main.window->showSaved(path, seconds);
+    });
     m_desktop.setOpeningFailed([this](const QString &sentence) { m_questions.alertError(sentence); });
 }
 

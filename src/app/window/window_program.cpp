@@ -2,13 +2,17 @@
 
 #include "app/session/start_settings.h"
 #include "app/session/unix_signals.h"
+#include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
+#include "app/window/window_placement.h"
 #include "audio/audio_backend.h"
 #include "base/log.h"
 #include "desktop/global_key.h"
 #include "desktop/single_instance.h"
+#include "options/VNOption.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/VNRecorderWndCtrl.h"
+#include "selection/region_selection.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -62,7 +66,27 @@ void WindowProgram::launch()
     m_window = std::make_unique<MainWindow>(m_delegate);
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_overlay.window()->setWindowAbove(m_window.get());
-    connect(m_window.get(), &MainWindow::closed, &m_delegate, &VornicAppDelegate::terminate);
+    new DialogPlacement([this] { return recordedAreas(*m_delegate.options()); }, this);
+    connectWindow();
+}
+
+void WindowProgram::connectWindow()
+{
+    MainWindow *const window = m_window.get();
+    connect(window, &MainWindow::closed, &m_delegate, &VornicAppDelegate::terminate);
+    connect(window, &MainWindow::selectOnScreenAsked, this, &WindowProgram::selectOnScreen);
+    connect(window, &MainWindow::openAsked, this, [this](const QString &path) {
+        m_frontEnd.desktop().open(path);
+    });
+    connect(window, &MainWindow::revealAsked, this, [this](const QString &path) {
+        m_frontEnd.desktop().reveal(path);
+    });
+    for (const auto asked : { &MainWindow::openAsked, &MainWindow::revealAsked })
+        connect(window, asked, this, [this] { m_frontEnd.progress().stepAside(); });
+    connect(window, &MainWindow::shortcutChosen, this, [this](const QString &key) {
+        start_settings::setShortcut(key);
+        listenForKey();
+    });
 }
 
 void WindowProgram::followSession(QApplication &application)
@@ -126,15 +150,52 @@ void WindowProgram::startOrStop()
         m_delegate.stopRecord();
     else if (m_frontEnd.questions().isCountingDown())
         m_frontEnd.questions().cancelCountdown();
-    else if (!QApplication::activeModalWidget())
+    else if (!m_selection && !QApplication::activeModalWidget())
         m_delegate.recordNow();
 }
 
 void WindowProgram::listenForKey()
 {
     const QString key = start_settings::shortcut();
-    if (m_key->listenFor(key) != GlobalKey::Answer::Heard)
-        logMessage(QStringLiteral("The key %1 cannot be heard.").arg(key));
+    QString problem;
+    switch (m_key->listenFor(key)) {
+    case GlobalKey::Answer::Heard:
+        break;
+    case GlobalKey::Answer::TakenByOther:
+        problem = tr("Another program has this key.");
+        break;
+    case GlobalKey::Answer::NoSuchKey:
+        problem = tr("The keyboard does not have this key.");
+        break;
+    case GlobalKey::Answer::NotOnThisDesktop:
+        problem = tr("This desktop does not let programs have such a key.");
+        break;
+    }
+    m_window->setShortcutProblem(problem);
+}
+
+/// The windows go meanwhile, as they would be in the way of what is selected.
+void WindowProgram::selectOnScreen()
+{
+    if (m_selection || m_delegate.isRecording())
+        return;
+    m_window->hide(); // and the overlay with it
+    m_selection = std::make_unique<RegionSelection>(m_delegate.options()->selectedRect());
+    connect(m_selection.get(), &RegionSelection::taken, this, [this](const QRectF &rectangle) {
+        m_delegate.options()->setSelectedRect(rectangle);
+        m_delegate.options()->setIsRecordFullScreen(false);
+        endSelection();
+    });
+    connect(m_selection.get(), &RegionSelection::cancelled, this, &WindowProgram::endSelection);
+    m_selection->begin();
+}
+
+void WindowProgram::endSelection()
+{
+    m_selection.release()->deleteLater();
+    m_window->show();
+    m_window->keepOffRecorded();
+    m_frontEnd.progress().bringMainWindowToFront();
 }
 
 } // namespace vornic

@@ -11,6 +11,7 @@ class QApplication;
 namespace vornic {
 
 class GlobalKey;
+class RegionSelection;
 class SingleInstance;
 class UnixSignals;
 
@@ -39,14 +40,18 @@ private:
     void performOnceShown(const QString &action, const QString &file);
     void perform(const QString &action, const QString &file);
     [[nodiscard]] bool canPerform(const QString &action) const;
+    void connectWindow();
     void listenForKey();
+    void selectOnScreen();
+    void endSelection();
     void startOrStop();
 
     WindowFrontEnd m_frontEnd;
     VornicAppDelegate m_delegate;
     VNRecorderWndCtrl &m_overlay;
     std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<GlobalKey> m_key; ///< that starts and stops from any program
+    std::unique_ptr<RegionSelection> m_selection; ///< null but while the user chooses a rectangle
+    std::unique_ptr<GlobalKey> m_key;             ///< that starts and stops from any program
 };
 
 } // namespace vornic

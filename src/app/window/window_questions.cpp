@@ -1,5 +1,6 @@
 #include "app/window/window_questions.h"
 
+#include "app/session/output_check.h"
 #include "app/session/start_settings.h"
 #include "app/window/VNAlertFreeSpace.h"
 #include "app/window/VNHintWndCtroller.h"
@@ -43,7 +44,14 @@ void WindowQuestions::runSavePanel(const QString &name,
     panel->setDirectory(folder);
     panel->selectFile(movie_folder::unusedName(folder, name.isEmpty() ? tr("Untitled") : name, type));
     dressDialog(*panel);
-    runFilePanel(*panel, [answer = std::move(answer)](const std::optional<QString> &path) {
+    runFilePanel(*panel, [this, type, answer = std::move(answer)](const std::optional<QString> &path) {
+        const QString reason = path ? whyNoMovieCanBeWritten(*path) : QString();
+        if (!reason.isEmpty()) {
+            // Told now, and not after the hint; what was typed is there again.
+            alertError(reason);
+            runSavePanel(QFileInfo(*path).completeBaseName(), type, answer);
+            return;
+        }
         if (path)
             movie_folder::setCurrent(QFileInfo(*path).absolutePath());
         answer(path);
