@@ -75,10 +75,12 @@ public:
                           nullptr);
         xcb_map_window(m_connection, window);
         xcb_flush(m_connection);
-        const bool hasFrame
-            = waitUntil([&] { return parentOf(window) != root(); }, std::chrono::milliseconds(300));
+        constexpr std::chrono::milliseconds soon(300);
+        const bool hasFrame = waitUntil([&] { return parentOf(window) != root(); }, soon);
+        const xcb_window_t frame = parentOf(window);
         xcb_destroy_window(m_connection, window);
-        xcb_flush(m_connection);
+        // Gone before the next window is looked for.
+        waitUntil([&] { return !hasFrame || parentOf(frame) != root(); }, soon);
         return hasFrame;
     }
 
@@ -94,7 +96,7 @@ private:
     [[nodiscard]] xcb_window_t parentOf(xcb_window_t window) const
     {
         auto *reply = xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
-        const xcb_window_t parent = reply ? reply->parent : root();
+        const xcb_window_t parent = reply ? reply->parent : xcb_window_t { XCB_NONE };
         std::free(reply);
         return parent;
     }
