@@ -4,6 +4,7 @@
 #include "app/session/session_fakes.h"
 #include "base/log.h"
 #include "base/main_queue.h"
+#include "base/user_defaults.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "display/fake_display.h"
 #include "support/wait_until.h"
@@ -27,6 +28,9 @@ protected:
     {
         qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
         qputenv("XDG_CONFIG_HOME", folder.filePath("config").toUtf8());
+        // Qt keeps to the first folder of settings that a process has.
+        for (const char *key : { "com.kavlor.options", "com.kavlor.audioDevice" })
+            user_defaults::remove(QLatin1StringView(key));
         setMainDisplay(display);
         setLogSink([this](const QString &line) {
             const std::lock_guard lock(mutex);
