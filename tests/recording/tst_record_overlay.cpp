@@ -10,8 +10,9 @@ namespace {
 
 using test::waitUntil;
 
-constexpr QRect region(240, 60, 800, 600);    // the rectangle of a first start, pixels from the upper left
-constexpr QRect mainWindow(900, 0, 380, 720); // where it is moved to, off what is measured
+constexpr QSize desktopSize(2400, 720);        // with room for the window beside the rectangle
+constexpr QRect region(800, 60, 800, 600);     // the rectangle of a first start, pixels from the upper left
+constexpr QRect mainWindow(1650, 0, 750, 720); // where it is moved to, off what is measured
 constexpr QSize logoSize(64, 48);
 const QColor background(128, 128, 128); // as picom paints a root window without a picture
 
@@ -21,8 +22,8 @@ class RecordOverlayTest : public RecordWindowTest, public ::testing::WithParamIn
 protected:
     void SetUp() override
     {
-        startServer();
-        QImage desktop(1280, 720, QImage::Format_RGB32);
+        startServer(desktopSize);
+        QImage desktop(desktopSize, QImage::Format_RGB32);
         desktop.fill(background);
         painter->setRootBackground(desktop);
         openbox = server->startOpenbox();
@@ -102,12 +103,12 @@ TEST_P(RecordOverlayTest, TheMovieHoldsTheLogoAndNothingElseOfTheOverlay)
     EXPECT_EQ(brightBox(painter->screen(region)), expected);
 
     const auto beneath
-        = start("stdbuf", { "-oL", "xev", "-geometry", "200x150+780+450", "-event", "button" });
+        = start("stdbuf", { "-oL", "xev", "-geometry", "200x150+1340+450", "-event", "button" });
     ASSERT_FALSE(waitForWindow("^Event Tester$").isEmpty());
     const QString stopBar = startRecording();
     ASSERT_FALSE(stopBar.isEmpty());
     letPass(std::chrono::milliseconds(300));
-    xdotool({ "mousemove", "880", "520", "click", "1" });
+    xdotool({ "mousemove", "1440", "520", "click", "1" });
     QString told;
     EXPECT_TRUE(waitUntil([&] {
         beneath->waitForReadyRead(10);
