@@ -66,6 +66,7 @@ def stop_with_keyboard(program):
         key("alt+Tab")
         return "Stop" in xdotool("getactivewindow", "getwindowname")
     wait(is_reached)
+    time.sleep(0.6)  # keys that are typed on while the focus comes to it do not count
     key("space")
 
 

@@ -24,8 +24,9 @@ constexpr int barMargin = 16;
 constexpr qint64 visibleMs = 3000;
 constexpr qint64 restMs = 250;
 constexpr int lookMs = 100;
-/// A key counts when none came for so long.
-constexpr qint64 quietMs = 1000;
+/// A key counts when none came for so long, and not in the bar's first second.
+constexpr qint64 quietMs = 400;
+constexpr qint64 firstMs = 1000;
 
 constexpr Qt::WindowFlags managed = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 constexpr Qt::WindowFlags unmanaged = Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint;
@@ -151,6 +152,7 @@ void StopBar::showOrHide()
         m_onTop = WindowOnTop::create(*windowHandle());
     show();
     m_sinceKey.start();
+    m_sinceShown.start();
     m_sinceNeeded.start();
 }
 
@@ -230,7 +232,8 @@ bool StopBar::eventFilter(QObject *watched, QEvent *event)
 
 bool StopBar::swallowsKey()
 {
-    const bool isQuiet = m_sinceKey.isValid() && m_sinceKey.hasExpired(quietMs);
+    const bool isQuiet = m_sinceKey.isValid() && m_sinceKey.hasExpired(quietMs) && m_sinceShown.isValid()
+        && m_sinceShown.hasExpired(firstMs);
     if (!isQuiet)
         m_sinceKey.start();
     return !isQuiet;

@@ -23,8 +23,8 @@ class WindowOnTop;
 /// The small bar that stops a recording, with the running clock on its button.
 ///
 /// Made by StopItem while a recording runs; main thread only. It can be dragged by any part of it and closed by
-/// nobody. It never asks for the keyboard focus, and a key that reaches it counts only after a second without keys:
-/// who types while the focus falls to it stops nothing.
+/// nobody. It never asks for the keyboard focus, and a key that reaches it counts only after a moment without keys,
+/// and not in its first second: who types while the focus falls to it stops nothing.
 class StopBar : public VNPromptView
 {
     Q_OBJECT
@@ -76,7 +76,8 @@ private:
     QPoint m_startOfDrag;                 ///< where the bar was at the press
     std::optional<QPoint> m_draggedTo;    ///< where the user has put it
     bool m_isDragging = false;
-    QElapsedTimer m_sinceKey;    ///< or since it got the focus
+    QElapsedTimer m_sinceKey; ///< or since it got the focus
+    QElapsedTimer m_sinceShown;
     QElapsedTimer m_sinceNeeded; ///< shown, or the pointer was on it
     QElapsedTimer m_sinceAtEdge; ///< the pointer rests there; invalid: it does not
     QTimer m_pointerTimer;
