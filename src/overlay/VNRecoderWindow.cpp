@@ -12,8 +12,10 @@
 #include <QApplication>
 #include <QEvent>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
 
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -277,6 +279,16 @@ void VNRecoderWindow::returnToDesktop()
     followWindowAboveSoon();
 }
 
+/// A menu that the user has just opened would close when windows are stacked anew.
+void VNRecoderWindow::returnOnceNoMenuIsOpen()
+{
+    constexpr std::chrono::milliseconds lookAgain(100);
+    if (QApplication::activePopupWidget())
+        QTimer::singleShot(lookAgain, this, &VNRecoderWindow::returnOnceNoMenuIsOpen);
+    else if (m_isAside)
+        returnToDesktop();
+}
+
 /// Through the platform's window: the toolkit's widget would be hidden for it.
 void VNRecoderWindow::keepWindowAboveOnTop()
 {
@@ -312,7 +324,7 @@ bool VNRecoderWindow::eventFilter(QObject *object, QEvent *event)
         keepWindowAboveOnTop();
     if (m_isAside && (type == QEvent::MouseButtonPress || type == QEvent::KeyPress) && object->isWidgetType()
         && static_cast<QWidget *>(object)->window() == m_windowAbove)
-        returnToDesktop();
+        QMetaObject::invokeMethod(this, &VNRecoderWindow::returnOnceNoMenuIsOpen, Qt::QueuedConnection);
     return QWidget::eventFilter(object, event);
 }
 

@@ -116,6 +116,7 @@ private:
     void takeFromDesktop();
     void keepWindowAboveOnTop();
     void returnToDesktop();
+    void returnOnceNoMenuIsOpen();
     void hideSize();
     [[nodiscard]] QRegion takenPixels() const;
     void leaveOutOwnWindows();
