@@ -4,6 +4,7 @@
 #include "support/wait_until.h"
 #include "support/xvfb_server.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 
 #include <xcb/xcb.h>
@@ -62,7 +63,15 @@ protected:
     /// Begins with a rectangle in screen coordinates; returns once all but that is dark.
     void begin(const QRect &rectangle = { 300, 200, 200, 100 })
     {
-        before = painter->screen();
+        // A terminal that has just come is not drawn at once.
+        QElapsedTimer same;
+        ASSERT_TRUE(test::waitUntil([&] {
+            if (QImage seen = painter->screen(); !same.isValid() || seen != before) {
+                before = std::move(seen);
+                same.start();
+            }
+            return same.hasExpired(200);
+        }));
         stage->write(QStringLiteral("begin %1 %2 %3 %4")
                          .arg(rectangle.x())
                          .arg(rectangle.y())
