@@ -187,6 +187,22 @@
         <source>vornic --help lists all commands and options.</source>
         <translation>vornic --help zeigt alle Befehle und Optionen.</translation>
     </message>
+    <message>
+        <source>Vornic is recording already.</source>
+        <translation>Vornic nimmt schon auf.</translation>
+    </message>
+    <message>
+        <source>Recording %1</source>
+        <translation>Aufnahme %1</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>it has %1 × %2 pixels, which is too many</source>
+        <translation>es hat %1 × %2 Pixel, das sind zu viele</translation>
+    </message>
 </context>
 <context>
     <name>vornic::ColorPanel</name>
@@ -245,6 +261,39 @@
         <source>&quot;vornic devices&quot; takes no arguments.</source>
         <translation>„vornic devices“ nimmt keine Argumente.</translation>
     </message>
+    <message>
+        <source>--record takes one FILE.mp4, not %1.</source>
+        <translation>--record nimmt eine FILE.mp4, nicht %1.</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::Countdown</name>
+    <message>
+        <source>Countdown</source>
+        <translation>Countdown</translation>
+    </message>
+    <message numerus="yes">
+        <source>Recording begins in %n second(s)</source>
+        <translation>
+            <numerusform>Die Aufnahme beginnt in %n Sekunde</numerusform>
+            <numerusform>Die Aufnahme beginnt in %n Sekunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Esc cancels</source>
+        <translation>Esc bricht ab</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::ImagePanel</name>
+    <message>
+        <source>Pictures (%1)</source>
+        <translation>Bilder (%1)</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
 </context>
 <context>
     <name>vornic::LogoActions</name>
@@ -252,16 +301,24 @@
         <source>The picture %1 cannot be read: %2.</source>
         <translation>Das Bild %1 kann nicht gelesen werden: %2.</translation>
     </message>
+    <message>
+        <source>It has %1 × %2 pixels, more than a logo may have, and became the logo with %3 × %4.</source>
+        <translation>Es hat %1 × %2 Pixel, mehr als ein Logo haben darf, und wurde mit %3 × %4 Pixeln zum Logo.</translation>
+    </message>
+    <message>
+        <source>The picture was scaled down.</source>
+        <translation>Das Bild wurde verkleinert.</translation>
+    </message>
+    <message>
+        <source>The picture %1 was scaled down.</source>
+        <translation>Das Bild %1 wurde verkleinert.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::MainWindow</name>
     <message>
         <source>Record</source>
         <translation>Aufnahme</translation>
-    </message>
-    <message>
-        <source>&amp;Full display</source>
-        <translation>&amp;Ganzer Bildschirm</translation>
     </message>
     <message>
         <source>&amp;Selected rectangle</source>
@@ -344,10 +401,6 @@
         <translation>Text des Logos</translation>
     </message>
     <message>
-        <source>Fo&amp;nt…</source>
-        <translation>S&amp;chrift …</translation>
-    </message>
-    <message>
         <source>Fill &amp;colour</source>
         <translation>Füllfarbe</translation>
     </message>
@@ -390,10 +443,6 @@
     <message>
         <source>O&amp;pacity</source>
         <translation>&amp;Deckkraft</translation>
-    </message>
-    <message>
-        <source>Opacity of the logo, 0 to 255</source>
-        <translation>Deckkraft des Logos, 0 bis 255</translation>
     </message>
     <message>
         <source>Rotation</source>
@@ -475,6 +524,237 @@
         <source>&amp;Choose a picture…</source>
         <translation>Bild &amp;wählen …</translation>
     </message>
+    <message>
+        <source>Record all of the main display</source>
+        <translation>Den ganzen Hauptbildschirm aufnehmen</translation>
+    </message>
+    <message>
+        <source>Full displa&amp;y</source>
+        <translation>&amp;Ganzer Bildschirm</translation>
+    </message>
+    <message>
+        <source>Record a rectangle that is placed with the mouse, or with the numbers below</source>
+        <translation>Ein Rechteck aufnehmen, das mit der Maus oder mit den Zahlen darunter gesetzt wird</translation>
+    </message>
+    <message>
+        <source>From the left edge of the display to the rectangle</source>
+        <translation>Vom linken Rand des Bildschirms bis zum Rechteck</translation>
+    </message>
+    <message>
+        <source>How wide the rectangle is</source>
+        <translation>Breite des Rechtecks</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Oben</translation>
+    </message>
+    <message>
+        <source>From the top of the display to the rectangle</source>
+        <translation>Vom oberen Rand des Bildschirms bis zum Rechteck</translation>
+    </message>
+    <message>
+        <source>Top edge of the rectangle, in pixels from the top of the display</source>
+        <translation>Oberer Rand des Rechtecks, in Pixeln vom oberen Rand des Bildschirms</translation>
+    </message>
+    <message>
+        <source>How high the rectangle is</source>
+        <translation>Höhe des Rechtecks</translation>
+    </message>
+    <message>
+        <source>From the bottom of the display to the rectangle</source>
+        <translation>Vom unteren Rand des Bildschirms bis zum Rechteck</translation>
+    </message>
+    <message>
+        <source>Si&amp;ze</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Gives the rectangle a usual size; its middle stays where it is</source>
+        <translation>Gibt dem Rechteck eine übliche Größe; seine Mitte bleibt, wo sie ist</translation>
+    </message>
+    <message>
+        <source>Size of the rectangle</source>
+        <translation>Größe des Rechtecks</translation>
+    </message>
+    <message>
+        <source>Hides this window and lets you draw the rectangle, or click a window to take its frame</source>
+        <translation>Blendet dieses Fenster aus; dann ziehen Sie das Rechteck auf oder klicken ein Fenster an, um seinen Rahmen zu übernehmen</translation>
+    </message>
+    <message>
+        <source>Select o&amp;n screen…</source>
+        <translation>Auf dem Bild&amp;schirm wählen …</translation>
+    </message>
+    <message>
+        <source>Show a text or a picture in the movie</source>
+        <translation>Einen Text oder ein Bild im Film zeigen</translation>
+    </message>
+    <message>
+        <source>How many pictures a second are taken, and how finely they are compressed</source>
+        <translation>Wie viele Bilder je Sekunde aufgenommen und wie fein sie komprimiert werden</translation>
+    </message>
+    <message>
+        <source>Record sound with the movie</source>
+        <translation>Ton mit aufnehmen</translation>
+    </message>
+    <message>
+        <source>Countdown</source>
+        <translation>Countdown</translation>
+    </message>
+    <message>
+        <source>How long is counted down on the screen before a recording begins</source>
+        <translation>Wie lange vor Beginn einer Aufnahme auf dem Bildschirm heruntergezählt wird</translation>
+    </message>
+    <message>
+        <source>Countdown before a recording</source>
+        <translation>Countdown vor einer Aufnahme</translation>
+    </message>
+    <message>
+        <source>&amp;Key</source>
+        <translation>&amp;Kürzel</translation>
+    </message>
+    <message>
+        <source>Press the keys that are to start and stop a recording from any program; Backspace for none</source>
+        <translation>Drücken Sie die Tasten, die eine Aufnahme aus jedem Programm heraus beginnen und beenden sollen; Rücktaste für keine</translation>
+    </message>
+    <message>
+        <source>Key that starts and stops a recording</source>
+        <translation>Tastenkürzel, das eine Aufnahme beginnt und beendet</translation>
+    </message>
+    <message>
+        <source>Open the folder of the movie when it is finished</source>
+        <translation>Den Ordner des Films öffnen, sobald er fertig ist</translation>
+    </message>
+    <message>
+        <source>Play the movie when it is finished</source>
+        <translation>Den Film abspielen, sobald er fertig ist</translation>
+    </message>
+    <message>
+        <source>The logo is a text</source>
+        <translation>Das Logo ist ein Text</translation>
+    </message>
+    <message>
+        <source>The logo is a picture</source>
+        <translation>Das Logo ist ein Bild</translation>
+    </message>
+    <message>
+        <source>What the logo says</source>
+        <translation>Was das Logo sagt</translation>
+    </message>
+    <message>
+        <source>Some letters are drawn as other signs.</source>
+        <translation>Manche Buchstaben erscheinen als andere Zeichen.</translation>
+    </message>
+    <message>
+        <source>Make the text, with its font and colours, the picture of the logo</source>
+        <translation>Den Text mit seiner Schrift und seinen Farben zum Bild des Logos machen</translation>
+    </message>
+    <message>
+        <source>Make a picture of the text</source>
+        <translation>Text in ein Bild verwandeln</translation>
+    </message>
+    <message>
+        <source>Choose the font of the logo</source>
+        <translation>Die Schrift des Logos wählen</translation>
+    </message>
+    <message>
+        <source>&amp;Font…</source>
+        <translation>S&amp;chrift …</translation>
+    </message>
+    <message>
+        <source>The colour inside the letters</source>
+        <translation>Die Farbe im Inneren der Buchstaben</translation>
+    </message>
+    <message>
+        <source>The colour around the letters</source>
+        <translation>Die Farbe um die Buchstaben herum</translation>
+    </message>
+    <message>
+        <source>The logo; drop a picture here, or press it to choose one</source>
+        <translation>Das Logo; ziehen Sie ein Bild hierher, oder klicken Sie, um eins zu wählen</translation>
+    </message>
+    <message>
+        <source>Choose the picture of the logo from the disk</source>
+        <translation>Das Bild des Logos von der Festplatte wählen</translation>
+    </message>
+    <message>
+        <source>From the left edge of what is recorded to the logo</source>
+        <translation>Vom linken Rand der Aufnahme bis zum Logo</translation>
+    </message>
+    <message>
+        <source>From the bottom of what is recorded to the logo</source>
+        <translation>Vom unteren Rand der Aufnahme bis zum Logo</translation>
+    </message>
+    <message>
+        <source>How large the logo is; 1 is its own size</source>
+        <translation>Wie groß das Logo ist; 1 ist seine eigene Größe</translation>
+    </message>
+    <message>
+        <source>How much the logo hides of what is beneath it</source>
+        <translation>Wie stark das Logo verdeckt, was darunter liegt</translation>
+    </message>
+    <message>
+        <source>Opacity of the logo, in percent</source>
+        <translation>Deckkraft des Logos, in Prozent</translation>
+    </message>
+    <message>
+        <source>How far the logo is turned, counter-clockwise</source>
+        <translation>Wie weit das Logo gegen den Uhrzeigersinn gedreht ist</translation>
+    </message>
+    <message>
+        <source>Start recording: asks where the movie is kept</source>
+        <translation>Aufnahme beginnen: fragt, wo der Film gespeichert wird</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Ohne</translation>
+    </message>
+    <message>
+        <source>No audio input found</source>
+        <translation>Kein Toneingang gefunden</translation>
+    </message>
+    <message>
+        <source>Hold Ctrl, Alt or Super with it.</source>
+        <translation>Bitte Strg, Alt oder Super dazu halten.</translation>
+    </message>
+    <message>
+        <source>The device whose sound is recorded: %1</source>
+        <translation>Das Gerät, dessen Ton aufgenommen wird: %1</translation>
+    </message>
+    <message>
+        <source>This window covers part of the rectangle; minimise it to see all of it.</source>
+        <translation>Dieses Fenster verdeckt einen Teil des Rechtecks; minimiert gibt es alles frei.</translation>
+    </message>
+    <message>
+        <source>This window covers part of the logo; minimise it to see all of it.</source>
+        <translation>Dieses Fenster verdeckt einen Teil des Logos; minimiert gibt es alles frei.</translation>
+    </message>
+    <message>
+        <source>Sto&amp;p   %1</source>
+        <translation>Sto&amp;pp   %1</translation>
+    </message>
+    <message>
+        <source>Stop recording</source>
+        <translation>Aufnahme beenden</translation>
+    </message>
+    <message>
+        <source>End the recording and write the movie</source>
+        <translation>Die Aufnahme beenden und den Film schreiben</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::OptionsViewModel</name>
+    <message>
+        <source>Other</source>
+        <translation>Andere</translation>
+    </message>
+    <message>
+        <source>Whole display</source>
+        <translation>Ganzer Bildschirm</translation>
+    </message>
 </context>
 <context>
     <name>vornic::RecordingSession</name>
@@ -502,15 +782,95 @@
         <source>The application is recording video, video recording will stop if it quit.</source>
         <translation>Das Programm nimmt gerade auf; die Aufnahme endet, wenn es beendet wird.</translation>
     </message>
+    <message>
+        <source>The file %1 exists already.</source>
+        <translation>Die Datei %1 gibt es schon.</translation>
+    </message>
 </context>
 <context>
-    <name>vornic::StopItem</name>
+    <name>vornic::SelectionPainting</name>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::SelectionWindow</name>
+    <message>
+        <source>Drag a rectangle, or click a window. Enter takes it, Esc keeps the old one.
+Arrow keys move, Shift+arrow keys resize, with Ctrl by ten pixels. Tab chooses a window, Home the whole display.</source>
+        <translation>Ziehen Sie ein Rechteck auf oder klicken Sie auf ein Fenster. Eingabe übernimmt, Esc behält das alte.
+Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um zehn Pixel. Tab wählt ein Fenster, Pos1 den ganzen Bildschirm.</translation>
+    </message>
+    <message>
+        <source>Select on screen</source>
+        <translation>Auf dem Bildschirm wählen</translation>
+    </message>
+    <message>
+        <source>%1 × %2 pixels, %3 from the left and %4 from the bottom</source>
+        <translation>%1 × %2 Pixel, %3 von links und %4 von unten</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::ShortcutField</name>
+    <message>
+        <source>None</source>
+        <translation>Keins</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::SizeLabel</name>
+    <message>
+        <source>Size of the rectangle</source>
+        <translation>Größe des Rechtecks</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::StatusLine</name>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Zeigen</translation>
+    </message>
+    <message>
+        <source>Play the movie that was recorded last</source>
+        <translation>Den zuletzt aufgenommenen Film abspielen</translation>
+    </message>
+    <message>
+        <source>Show the movie that was recorded last in its folder</source>
+        <translation>Den zuletzt aufgenommenen Film in seinem Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Saved %1, %2, %3</source>
+        <translation>%1 gespeichert, %2, %3</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::StopBar</name>
+    <message>
+        <source>Stop recording</source>
+        <translation>Aufnahme beenden</translation>
+    </message>
     <message>
         <source>Stop the recording</source>
         <translation>Aufnahme beenden</translation>
     </message>
     <message>
-        <source>Stop recording</source>
+        <source>No sound has come. Click to go on without sound.</source>
+        <translation>Es kam kein Ton. Ein Klick nimmt ohne Ton weiter auf.</translation>
+    </message>
+    <message>
+        <source>Go on without sound</source>
+        <translation>Ohne Ton weiter</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::StopItem</name>
+    <message>
+        <source>Stop the recording</source>
         <translation>Aufnahme beenden</translation>
     </message>
     <message>
@@ -520,6 +880,10 @@
     <message>
         <source>Recording: %1</source>
         <translation>Aufnahme: %1</translation>
+    </message>
+    <message>
+        <source>Go on without sound</source>
+        <translation>Ohne Ton weiter</translation>
     </message>
 </context>
 <context>
@@ -540,13 +904,17 @@
         <source>A recording wants %1. It stops by itself when the disk is almost full, and what was recorded becomes a movie.</source>
         <translation>Eine Aufnahme braucht %1. Sie endet von selbst, wenn der Datenträger fast voll ist, und was aufgenommen wurde, wird ein Film.</translation>
     </message>
+    <message>
+        <source>%1 is free in %2: a recording would stop at once.</source>
+        <translation>In %2 sind %1 frei: Eine Aufnahme würde sofort enden.</translation>
+    </message>
+    <message>
+        <source>%1 is free in %2. This lasts for %3 min when everything on the screen moves, and for much longer when little does.</source>
+        <translation>In %2 sind %1 frei. Das reicht für %3 min, wenn sich alles auf dem Bildschirm bewegt, und viel länger, wenn sich wenig bewegt.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::VNDragDropImageView</name>
-    <message>
-        <source>Pictures (%1)</source>
-        <translation>Bilder (%1)</translation>
-    </message>
     <message>
         <source>%1 × %2</source>
         <translation>%1 × %2</translation>
@@ -582,16 +950,24 @@
         <source>Working…</source>
         <translation>In Arbeit …</translation>
     </message>
+    <message>
+        <source>Minimise</source>
+        <translation>Minimieren</translation>
+    </message>
+    <message>
+        <source>Both windows; the title of the main window tells how much is written</source>
+        <translation>Beide Fenster; der Titel des Hauptfensters sagt, wie viel geschrieben ist</translation>
+    </message>
+    <message>
+        <source>%1 % – %2</source>
+        <translation>%1 % – %2</translation>
+    </message>
 </context>
 <context>
     <name>vornic::VNHintWndCtroller</name>
     <message>
         <source>Recording starts now</source>
         <translation>Die Aufnahme beginnt jetzt</translation>
-    </message>
-    <message>
-        <source>The window is minimised while the recording runs. To stop it, click the red icon or the bar with the clock.</source>
-        <translation>Das Fenster ist solange minimiert. Das rote Symbol oder die Leiste mit der Uhr beendet die Aufnahme.</translation>
     </message>
     <message>
         <source>&amp;Show this again</source>
@@ -604,6 +980,22 @@
     <message>
         <source>Start recording</source>
         <translation>Aufnahme beginnen</translation>
+    </message>
+    <message>
+        <source>The window is minimised while the recording runs. To stop it, click the red icon in the panel of the desktop.</source>
+        <translation>Das Fenster ist solange minimiert. Ein Klick auf das rote Symbol in der Leiste der Arbeitsumgebung beendet die Aufnahme.</translation>
+    </message>
+    <message>
+        <source>The window is minimised while the recording runs. To stop it, click the bar with the clock at the edge of the screen.</source>
+        <translation>Das Fenster ist solange minimiert. Ein Klick auf die Leiste mit der Uhr am Rand des Bildschirms beendet die Aufnahme.</translation>
+    </message>
+    <message>
+        <source>The window is minimised while the recording runs. To stop it, click the red icon in the panel of the desktop, or press %1.</source>
+        <translation>Das Fenster ist solange minimiert. Ein Klick auf das rote Symbol in der Leiste der Arbeitsumgebung oder %1 beendet die Aufnahme.</translation>
+    </message>
+    <message>
+        <source>The window is minimised while the recording runs. To stop it, click the bar with the clock at the edge of the screen, or press %1.</source>
+        <translation>Das Fenster ist solange minimiert. Ein Klick auf die Leiste mit der Uhr am Rand des Bildschirms oder %1 beendet die Aufnahme.</translation>
     </message>
 </context>
 <context>
@@ -638,6 +1030,14 @@
         <source>Recording the screen</source>
         <translation>Der Bildschirm wird aufgenommen</translation>
     </message>
+    <message>
+        <source>The folder %1 could not be shown: there is no file browser.</source>
+        <translation>Der Ordner %1 konnte nicht gezeigt werden: Es gibt keinen Dateimanager.</translation>
+    </message>
+    <message>
+        <source>%1 could not be opened: there is no program for it.</source>
+        <translation>%1 konnte nicht geöffnet werden: Es gibt kein Programm dafür.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::WindowLogoPanels</name>
@@ -646,12 +1046,46 @@
         <translation>Bild für das Logo wählen</translation>
     </message>
     <message>
-        <source>Pictures (%1)</source>
-        <translation>Bilder (%1)</translation>
-    </message>
-    <message>
         <source>The logo&apos;s font</source>
         <translation>Schrift des Logos</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::WindowProgram</name>
+    <message>
+        <source>Another program has this key.</source>
+        <translation>Ein anderes Programm hat dieses Kürzel.</translation>
+    </message>
+    <message>
+        <source>The keyboard does not have this key.</source>
+        <translation>Diese Taste hat die Tastatur nicht.</translation>
+    </message>
+    <message>
+        <source>This desktop does not let programs have such a key.</source>
+        <translation>Auf diesem Desktop bekommen Programme kein solches Kürzel.</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::WindowProgress</name>
+    <message>
+        <source>no sound</source>
+        <translation>kein Ton</translation>
+    </message>
+    <message>
+        <source>No sound has come yet</source>
+        <translation>Noch kam kein Ton</translation>
+    </message>
+    <message>
+        <source>The recording waits for it and keeps no picture meanwhile.</source>
+        <translation>Die Aufnahme wartet darauf und behält so lange kein Bild.</translation>
+    </message>
+    <message>
+        <source>Go on without sound</source>
+        <translation>Ohne Ton weiter</translation>
+    </message>
+    <message>
+        <source>Vornic is writing the movie: %1 %</source>
+        <translation>Vornic schreibt den Film: %1 %</translation>
     </message>
 </context>
 <context>
@@ -699,6 +1133,22 @@
     <message>
         <source>Error</source>
         <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Record without sound?</source>
+        <translation>Ohne Ton aufnehmen?</translation>
+    </message>
+    <message>
+        <source>Sound is on, but there is no audio input.</source>
+        <translation>Der Ton ist eingeschaltet, aber es gibt keinen Toneingang.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Record without sound</source>
+        <translation>Ohne Ton aufnehmen</translation>
     </message>
 </context>
 </TS>
