@@ -20,6 +20,7 @@ _vornic()
         [[ ${COMP_WORDS[i]} == record && ${COMP_WORDS[i - 1]} != --record && ${COMP_WORDS[i - 1]} != = ]] \
             && command=record
         [[ ${COMP_WORDS[i]} == devices ]] && command=devices
+        [[ ${COMP_WORDS[i]} == --record || ${COMP_WORDS[i]} == --record=* ]] && command=--record
     done
     # The shell may take "=" for a word of its own.
     [[ $word == = ]] && before="$before=" && word=
@@ -39,7 +40,7 @@ _vornic()
         return ;;
     esac
 
-    if [[ $command == record && $word != -* ]]; then
+    if [[ $command == *record && $word != -* ]]; then
         mapfile -t COMPREPLY < <(compgen -f -X '!*.[mM][pP]4' -- "$word"; compgen -d -- "$word")
         compopt -o filenames 2>/dev/null
         return

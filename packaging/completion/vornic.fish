@@ -1,13 +1,16 @@
 # Completion of vornic for fish.
 
 set -l window 'not __fish_seen_subcommand_from record devices'
+set -l first "$window; and not string match -q -- '--record*' (commandline -opc)"
+set -l recordinto "$window; and string match -q -- '--record*' (commandline -opc)"
 set -l record '__fish_seen_subcommand_from record'
 
 complete -c vornic -f
-complete -c vornic -n $window -a record -d 'Record without the window'
-complete -c vornic -n $window -a devices -d 'List the audio input devices'
+complete -c vornic -n $first -a record -d 'Record without the window'
+complete -c vornic -n $first -a devices -d 'List the audio input devices'
 complete -c vornic -n $window -l record -x -a 'full\t"The full display" rectangle\t"The selected rectangle"' \
-    -d 'Begin to record'
+    -d 'Record; at once into a file that is named'
+complete -c vornic -n $recordinto -a '(__fish_complete_suffix .mp4)'
 complete -c vornic -n $window -l stop -d 'End the recording of the window that runs'
 complete -c vornic -n $window -s v -l version -d 'Print the version'
 complete -c vornic -n 'not __fish_seen_subcommand_from devices' -s h -l help -d 'List the commands and options'

@@ -158,6 +158,13 @@ class Completion(unittest.TestCase):
         self.assertEqual(self.offered("vornic record o"), {"old.mp4"})
         self.assertEqual(self.offered("vornic record --overwrite o"), {"old.mp4"})
 
+    def test_movies_after_what_the_window_is_to_record(self):
+        for choice in ("--record=full", "--record=rectangle"):
+            found = self.offered(f"vornic {choice} ")
+            self.assertLessEqual({"old.mp4", "sub"}, found)
+            self.assertTrue(found.isdisjoint({"record", "devices"}), found)
+            self.assertEqual(self.offered(f"vornic {choice} o"), {"old.mp4"})
+
     def test_nothing_more_after_devices(self):
         self.assertEqual(self.offered("vornic devices "), set())
 
