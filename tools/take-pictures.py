@@ -11,7 +11,7 @@ import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+sys.path.insert(0, str(ROOT / "tests" / "workflow"))
 
 from check_workflow import tray_icon  # noqa: E402
 from desktop_session import Program, end, key, run_inside, wait, xdotool  # noqa: E402
@@ -53,7 +53,7 @@ def main():
         shoot("help-window.png", x - 2, y - 41, width + 2, height + 22)
         key("alt+s", "alt+l")
         xdotool("windowmove", "--sync", window, 700, 850)
-        shoot("help-overlay.png", 280, 110, 900, 700)
+        shoot("help-overlay.png", 280, 110, 900, 690)
         key("alt+r")
         program.wait_for("Save the recording as", "dialog", "file chooser")
         time.sleep(0.5)
