@@ -89,6 +89,17 @@ class Help(unittest.TestCase):
         for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop"):
             self.assertIn(f"`{command}`", self.text)
 
+    def test_names_the_key_and_the_countdowns_that_the_program_has(self):
+        settings = SOURCE / "src/app/session"
+        key = re.findall(r'QStringLiteral\("(\w+(?:\+\w+)+)"\)', (settings / "start_settings.cpp").read_text())
+        self.assertEqual(len(key), 1)
+        for page in ("docs/help.md", "README.md", "packaging/vornic.1"):
+            self.assertIn(key[0], (SOURCE / page).read_text(encoding="utf-8"), page)
+        seconds = re.search(r"countdowns[^{]*{([^}]*)}", (settings / "start_settings.h").read_text()).group(1)
+        without, *rest, last = [number.strip() for number in seconds.split(",")]
+        self.assertEqual(without, "0")
+        self.assertIn(f"{', '.join(rest)} or {last} seconds", " ".join(self.text.split()))
+
 
 if __name__ == "__main__":
     SOURCE, MAKER, HELP = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
