@@ -126,8 +126,10 @@ void WindowProgram::performOnceShown(const QString &action, const QString &file)
 
 bool WindowProgram::canPerform(const QString &action) const
 {
-    const bool isStop = action == QLatin1StringView(stopAction);
-    return isStop == (m_delegate.isCapturing() || m_frontEnd.questions().isCountingDown());
+    const bool isCountingDown = m_frontEnd.questions().isCountingDown();
+    if (action == QLatin1StringView(stopAction))
+        return m_delegate.isCapturing() || isCountingDown;
+    return !m_delegate.isRecording() && !isCountingDown && !m_selection;
 }
 
 void WindowProgram::perform(const QString &action, const QString &file)
