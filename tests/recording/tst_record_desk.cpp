@@ -257,5 +257,79 @@ TEST_F(RecordDeskTest, WhatIsOpenedAfterwardsIsInFront)
     endProgram();
 }
 
+/// A rectangle that leaves room beside it, drawn on the screen.
+class RecordSelectionTest : public RecordDeskTest
+{
+protected:
+    static constexpr QRect rectangle { 40, 50, 301, 201 };
+
+    void selectOnScreen()
+    {
+        QImage plain(16, 16, QImage::Format_RGB32);
+        plain.fill(background);
+        painter->setRootBackground(plain);
+        const QString window = waitForWindow("^Vornic$");
+        key(window, "alt+n");
+        ASSERT_TRUE(waitUntil([&] {
+            return (painter->screen({ 5, 5, 1, 1 }).pixel(0, 0)) != background;
+        })) << "the display is dimmed";
+        const auto to = [](QPoint point) {
+            xdotool({ "mousemove", QString::number(point.x()), QString::number(point.y()) });
+        };
+        to(rectangle.topLeft());
+        xdotool({ "mousedown", "1" });
+        to({ 200, 120 });
+        to(rectangle.bottomRight());
+        xdotool({ "mouseup", "1", "key", "Return" });
+        ASSERT_TRUE(waitUntil([&] { return isShown("^Recorded rectangle$") && isShown("^Vornic$"); }));
+    }
+
+    static constexpr QRgb background = 0xff3070a0;
+};
+
+TEST_F(RecordSelectionTest, WhatIsDrawnOnTheScreenIsRecorded)
+{
+    selectOnScreen();
+    EXPECT_FALSE(placeOf(waitForWindow("^Vornic$")).intersects(rectangle)) << "the window stands beside it";
+    xdotool({ "key", "ctrl+alt+r" });
+    letPass(std::chrono::milliseconds(1500));
+    xdotool({ "key", "ctrl+alt+r" });
+    const QString path = waitForMovie();
+    ASSERT_FALSE(path.isEmpty());
+    EXPECT_EQ(sizeOf(path), QSize(302, 202)) << "movies have even sizes";
+    endProgram();
+}
+
+TEST_F(RecordSelectionTest, TheQuestionWhetherToQuitIsNotInTheMovie)
+{
+    selectOnScreen();
+    const QString window = waitForWindow("^Vornic$");
+    xdotool({ "mousemove", "1000", "700", "key", "ctrl+alt+r" });
+    ASSERT_FALSE(waitForWindow("^Stop recording$").isEmpty());
+    letPass(std::chrono::milliseconds(500));
+    xdotool({ "windowactivate", "--sync", window });
+    xdotool({ "key", "alt+F4" });
+    const QString question = waitForActiveWindowBut({ window });
+    ASSERT_FALSE(question.isEmpty());
+    EXPECT_TRUE(waitUntil([&] {
+        const QRect place = placeOf(question);
+        return !place.isEmpty() && !place.intersects(rectangle.adjusted(-8, -8, 8, 8));
+    }));
+    letPass(std::chrono::milliseconds(300));
+    key(question, "Escape");
+    letPass(std::chrono::milliseconds(300));
+    xdotool({ "key", "ctrl+alt+r" });
+    const QString path = waitForMovie();
+    ASSERT_FALSE(path.isEmpty());
+    const auto frames
+        = static_cast<int>(testing::numbersOf(testing::probe(path), "packets", "video", "pts").size());
+    for (int number = 0; number < frames; number += 5) {
+        const QImage seen = testing::decodedPicture(path, number, { 302, 202 });
+        EXPECT_LT(differenceFrom(seen, seen.rect().adjusted(-16, -16, 16, 16) & seen.rect(), background), 12)
+            << "frame " << number;
+    }
+    endProgram();
+}
+
 } // namespace
 } // namespace vornic
