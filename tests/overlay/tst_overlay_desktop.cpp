@@ -820,12 +820,17 @@ TEST_P(OverlayDrop, FullDisplayLeavesOtherDragsToTheDesktop)
     stage->say("place");
     ASSERT_TRUE(eventually([&] { return pixel({ 130, 480 }) == QColor(Qt::red); }));
     takeFile();
-    moveTo({ 350, 300 });
-    EXPECT_TRUE(eventually([&] {
-        moveTo({ 352, 300 });
-        moveTo({ 350, 300 });
-        return target->tells("entered", 500);
-    }));
+    // The overlay comes into its way, says no, and goes.
+    for (const char *answer : { "answer 0", "answer 1" })
+        EXPECT_TRUE(eventually([&] {
+            moveTo({ 352, 300 });
+            moveTo({ 350, 300 });
+            return source->tells(answer, 500);
+        })) << answer;
+    EXPECT_TRUE(target->tells("entered", 10'000));
+    // The source tells no movement while it waits for an answer.
+    while (source->tells("answer", 300))
+        continue;
     release();
     EXPECT_TRUE(target->tells("taken", 10'000));
 }
