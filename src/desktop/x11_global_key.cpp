@@ -105,6 +105,7 @@ bool X11GlobalKey::take(const std::vector<Grab> &grabs)
 {
     xcb_connection_t *const connection = m_connection->get();
     std::vector<xcb_void_cookie_t> asked;
+    asked.reserve(grabs.size());
     for (const Grab &grab : grabs)
         asked.push_back(xcb_grab_key_checked(connection,
                                              0,

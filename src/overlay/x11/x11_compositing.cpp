@@ -18,13 +18,13 @@ std::uint32_t managersSelection(const X11Connection &connection)
 
 X11Compositing::X11Compositing(X11Events &events)
     : m_manager(events, managersSelection(events.connection()))
+    , m_isActive(m_manager.owner() != XCB_NONE)
 {
     connect(&m_manager, &X11SelectionWatch::ownerSet, this, [this] {
         const bool isActive = m_manager.owner() != XCB_NONE;
         if (std::exchange(m_isActive, isActive) != isActive)
             emit changed();
     });
-    m_isActive = m_manager.owner() != XCB_NONE;
     events.flush();
 }
 

@@ -25,7 +25,7 @@ signals:
 
 private:
     X11SelectionWatch m_manager;
-    bool m_isActive = false;
+    bool m_isActive;
 };
 
 } // namespace vornic

@@ -32,7 +32,7 @@ void X11WindowOnTop::keepOnTop()
 {
     xcb_connection_t *const toolkit = toolkitConnection();
     // Until the server knows the window.
-    XcbReply<xcb_get_input_focus_reply_t>(
+    const XcbReply<xcb_get_input_focus_reply_t> known(
         xcb_get_input_focus_reply(toolkit, xcb_get_input_focus(toolkit), nullptr));
     m_stacking.keepOnTop(idOf(m_window));
 }
