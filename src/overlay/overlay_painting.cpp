@@ -201,7 +201,9 @@ LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds, const std
         return stencil;
     stencil.picture = solidLogo(*logo, pixels, bounds.height());
     stencil.topLeft = pixels.topLeft();
-    stencil.shape = harden(stencil.picture, logo->LogoTransparency()).translated(pixels.topLeft());
+    // Stored values may lie far outside.
+    const qint64 opacity = std::clamp(logo->LogoTransparency(), qint64 { 0 }, qint64 { 255 });
+    stencil.shape = harden(stencil.picture, opacity).translated(pixels.topLeft());
     return stencil;
 }
 

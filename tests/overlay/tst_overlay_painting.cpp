@@ -6,6 +6,8 @@
 
 #include <QPainter>
 
+#include <limits>
+
 namespace vornic {
 namespace {
 
@@ -240,6 +242,17 @@ TEST_F(ShapedOverlay, LogoOutsideTheViewIsNone)
     const LogoStencil cut = stencilOf(&logo, bounds);
     EXPECT_EQ(cut.shape.boundingRect(), QRect(200, 0, 16, 16)) << "as far as the view reaches";
     EXPECT_TRUE(stencilOf(nullptr, bounds).picture.isNull());
+}
+
+TEST_F(ShapedOverlay, AnOpacityBeyondItsRangeIsTheEndOfIt)
+{
+    VNLogoContext logo;
+    useSquare(logo);
+    const QRegion whole = stencilOf(&logo, bounds).shape;
+    logo.setLogoTransparency(std::numeric_limits<qint64>::max());
+    EXPECT_EQ(stencilOf(&logo, bounds).shape, whole);
+    logo.setLogoTransparency(std::numeric_limits<qint64>::min());
+    EXPECT_TRUE(stencilOf(&logo, bounds).shape.isEmpty());
 }
 
 TEST_F(ShapedOverlay, ShowsNoMoreThanItsWindowHolds)
