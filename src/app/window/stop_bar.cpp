@@ -84,17 +84,15 @@ PushButton *StopBar::addButton(const QString &name)
     return button;
 }
 
-void StopBar::offerToGoOnWithoutSound()
+void StopBar::offerToGoOnWithoutSound(bool isOffered)
 {
+    if (!m_goOnButton && isOffered) {
+        m_goOnButton = addButton(tr("No sound has come. Click to go on without sound."));
+        m_goOnButton->setText(tr("Go on without sound"));
+        connect(m_goOnButton, &QAbstractButton::clicked, this, &StopBar::goOnWithoutSoundAsked);
+    }
     if (m_goOnButton)
-        return;
-    m_goOnButton = addButton(tr("No sound has come. Click to go on without sound."));
-    m_goOnButton->setText(tr("Go on without sound"));
-    connect(m_goOnButton, &QAbstractButton::clicked, this, [this] {
-        m_goOnButton->hide();
-        fit();
-        emit goOnWithoutSoundAsked();
-    });
+        m_goOnButton->setVisible(isOffered);
     fit();
 }
 
@@ -159,7 +157,8 @@ void StopBar::showOrHide()
 void StopBar::watchPointer()
 {
     const bool isRecorded = geometry().intersects(m_recorded);
-    if (!isRecorded || (isVisible() && (geometry().contains(QCursor::pos()) || isActiveWindow())))
+    const bool isAsking = m_goOnButton && !m_goOnButton->isHidden();
+    if (!isRecorded || isAsking || (isVisible() && (geometry().contains(QCursor::pos()) || isActiveWindow())))
         m_sinceNeeded.start();
     if (!pointerCallsIt())
         m_sinceAtEdge.invalidate();

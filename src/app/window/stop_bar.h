@@ -40,8 +40,9 @@ public:
     /// Above full-screen windows, where no window manager helps; otherwise an ordinary window, so that the keyboard
     /// reaches it.
     void setAboveFullScreen(bool isAbove);
-    /// Adds a button: no sound comes.
-    void offerToGoOnWithoutSound();
+    /// Shows a button, or takes it away: no sound comes. While it is there the bar does not hide itself, as no picture
+    /// is kept.
+    void offerToGoOnWithoutSound(bool isOffered);
 
 signals:
     void stopAsked();

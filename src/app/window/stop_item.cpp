@@ -74,16 +74,24 @@ void StopItem::offerToGoOnWithoutSound(std::function<void()> goOn)
     m_goOn = std::move(goOn);
     if (m_goOnAction)
         m_goOnAction->setVisible(true);
-    m_bar->offerToGoOnWithoutSound();
+    m_bar->offerToGoOnWithoutSound(true);
+    showBarWhereNeeded();
+}
+
+void StopItem::withdrawOffer()
+{
+    if (!std::exchange(m_goOn, nullptr))
+        return;
+    if (m_goOnAction)
+        m_goOnAction->setVisible(false);
+    m_bar->offerToGoOnWithoutSound(false);
     showBarWhereNeeded();
 }
 
 void StopItem::goOnWithoutSound()
 {
-    const std::function<void()> goOn = std::exchange(m_goOn, nullptr);
-    if (m_goOnAction)
-        m_goOnAction->setVisible(false);
-    showBarWhereNeeded();
+    const std::function<void()> goOn = m_goOn;
+    withdrawOffer();
     if (goOn)
         goOn();
 }

@@ -32,8 +32,10 @@ public:
     /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
     /// the window manager would give it to the bar.
     void allowBar();
-    /// Offers, until it is taken, to record without the sound that does not come.
+    /// Offers, until it is taken or withdrawn, to record without the sound that does not come.
     void offerToGoOnWithoutSound(std::function<void()> goOn);
+    /// The sound has come, or is not waited for any more.
+    void withdrawOffer();
 
 signals:
     void stopAsked();

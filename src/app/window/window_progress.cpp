@@ -38,8 +38,10 @@ void WindowProgress::showStopItem(const QString &title, const QRectF &recorded)
 
 void WindowProgress::setStopItemTitle(const QString &title)
 {
-    if (m_stopItem)
-        m_stopItem->setTitle(title);
+    if (!m_stopItem)
+        return;
+    m_stopItem->withdrawOffer(); // told of a picture that is kept: nothing is waited for
+    m_stopItem->setTitle(title);
 }
 
 void WindowProgress::hideStopItem()

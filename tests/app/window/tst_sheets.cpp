@@ -345,6 +345,31 @@ TEST(StopBarTest, ItStandsOutsideOfWhatIsRecordedWhereThereIsRoom)
     EXPECT_EQ(stopBarPosition(bar, screen, screen), topRight);
 }
 
+TEST(StopItemTest, OffersToGoOnWithoutSoundUntilItIsTakenOrWithdrawn)
+{
+    StopItem item("no sound", {});
+    item.allowBar();
+    const auto offered = [] {
+        for (QWidget *widget : QApplication::allWidgets()) {
+            auto *button = qobject_cast<QAbstractButton *>(widget);
+            if (button && button->isVisible() && button->text() == "Go on without sound")
+                return button;
+        }
+        return static_cast<QAbstractButton *>(nullptr);
+    };
+    EXPECT_FALSE(offered());
+    int taken = 0;
+    item.offerToGoOnWithoutSound([&taken] { ++taken; });
+    ASSERT_TRUE(offered());
+    item.withdrawOffer();
+    EXPECT_FALSE(offered()) << "the sound has come";
+    item.offerToGoOnWithoutSound([&taken] { ++taken; });
+    ASSERT_TRUE(offered());
+    offered()->click();
+    EXPECT_EQ(taken, 1);
+    EXPECT_FALSE(offered());
+}
+
 TEST(StopItemTest, WithoutATrayTheBarShowsTheClockAndStops)
 {
     StopItem item("00:00:00", {});
