@@ -136,6 +136,8 @@ public:
             m_overlay.placeWindow();
         m_overlay.reloadData();
         m_overlay.window()->waitUntilDrawn();
+        // A press that comes after the answer finds the windows where they were put.
+        QGuiApplication::sync();
         tell(QStringLiteral("ok"));
     }
 
