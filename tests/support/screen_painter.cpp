@@ -117,6 +117,9 @@ QImage ScreenPainter::screen(const QRect &rectangle) const
                                       length(rectangle.height()),
                                       ~std::uint32_t { 0 });
     const Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(m_connection, cookie, nullptr));
+    // A large reply overtakes small ones: once the server answers again, it has also told everybody else what changed
+    // before the picture was taken.
+    sync();
     if (!reply)
         return {};
     const QImage sent(xcb_get_image_data(reply.get()),
