@@ -98,12 +98,12 @@ def check_movie():
     video, audio = streams["video"], streams["audio"]
     assert (video["width"], video["height"]) == REGION[2:], (video["width"], video["height"])
     seconds = float(video["duration"])
-    assert 1.5 < seconds < 20, seconds
+    assert 0.5 < seconds < 20, seconds  # on a busy machine the recording begins late, and is stopped all the same
     rate = int(video["nb_frames"]) / seconds
     assert 4 < rate <= 20.5, rate  # "Medium" takes at most 20; a busy machine, fewer
     assert abs(float(audio["duration"]) - seconds) < 0.25
-    picture = subprocess.run(["ffmpeg", "-v", "error", "-ss", "1", "-i", MOVIE, "-frames:v", "1", "-f", "rawvideo", "-pix_fmt",
-                              "rgb24", "-"], capture_output=True, check=True).stdout
+    picture = subprocess.run(["ffmpeg", "-v", "error", "-ss", str(seconds / 2), "-i", MOVIE, "-frames:v", "1", "-f", "rawvideo",
+                              "-pix_fmt", "rgb24", "-"], capture_output=True, check=True).stdout
     green = 0
     for y in range(REGION[3] - 130, REGION[3] - 85):  # the text's line, 100 above the lower edge of the overlay
         for x in range(130, 500):
