@@ -63,14 +63,14 @@ protected:
     /// Begins with a rectangle in screen coordinates; returns once all but that is dark.
     void begin(const QRect &rectangle = { 300, 200, 200, 100 })
     {
-        // A terminal that has just come is not drawn at once.
+        // A terminal that has just come is not drawn at once, and its frame later on a busy machine.
         QElapsedTimer same;
         ASSERT_TRUE(test::waitUntil([&] {
             if (QImage seen = painter->screen(); !same.isValid() || seen != before) {
                 before = std::move(seen);
                 same.start();
             }
-            return same.hasExpired(200);
+            return same.hasExpired(500);
         }));
         stage->write(QStringLiteral("begin %1 %2 %3 %4")
                          .arg(rectangle.x())
