@@ -4,25 +4,10 @@
 #include "codec/movie_failure.h"
 
 #include <QFile>
-#include <QFileInfo>
-#include <QUuid>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
 
 namespace vornic {
 
 namespace {
-
-QString temporaryNameBeside(const QString &filename)
-{
-    return QStringLiteral("%1/.vornic-%2.part")
-        .arg(QFileInfo(filename).absolutePath(), QUuid::createUuid().toString(QUuid::WithoutBraces));
-}
 
 /// With the scheme, a file name that has a colon in it is not taken for a URL.
 QByteArray fileAddress(const QString &path)
@@ -34,50 +19,20 @@ QByteArray fileAddress(const QString &path)
 
 MovieFile::MovieFile(QString filename)
     : m_filename(std::move(filename))
+    , m_part(m_filename)
 {
-    checkFinalName();
-    createTemporary();
     AVFormatContext *format = nullptr;
     const int result
-        = avformat_alloc_output_context2(&format, nullptr, "mp4", fileAddress(m_temporaryName).constData());
+        = avformat_alloc_output_context2(&format, nullptr, "mp4", fileAddress(m_part.path()).constData());
     m_format.reset(format);
-    try {
-        checkWritten(result);
-        checkWritten(avio_open2(&m_format->pb, m_format->url, AVIO_FLAG_WRITE, nullptr, nullptr));
-    } catch (...) {
-        QFile::remove(m_temporaryName);
-        throw;
-    }
+    checkWritten(result);
+    checkWritten(avio_open2(&m_format->pb, m_format->url, AVIO_FLAG_WRITE, nullptr, nullptr));
 }
 
 MovieFile::~MovieFile()
 {
     if (m_format->pb)
         avio_closep(&m_format->pb);
-    if (!m_temporaryName.isEmpty())
-        QFile::remove(m_temporaryName);
-}
-
-/// A final name that cannot be replaced is reported before the work, not when the finished movie is renamed.
-void MovieFile::checkFinalName() const
-{
-    struct stat existing {
-    };
-    if (::lstat(QFile::encodeName(m_filename).constData(), &existing) == 0)
-        checkWritten(S_ISDIR(existing.st_mode) ? AVERROR(EISDIR) : 0);
-    else if (errno != ENOENT)
-        checkWritten(AVERROR(errno));
-}
-
-void MovieFile::createTemporary()
-{
-    const QString name = temporaryNameBeside(m_filename);
-    const int descriptor = ::open(
-        QFile::encodeName(name).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); // less the umask
-    if (descriptor < 0)
-        checkWritten(AVERROR(errno));
-    ::close(descriptor);
-    m_temporaryName = name;
 }
 
 void MovieFile::checkWritten(int result) const
@@ -121,13 +76,8 @@ void MovieFile::complete()
 {
     checkWritten(av_write_trailer(m_format.get()));
     closeTemporary();
-    syncToDisk(m_temporaryName, O_WRONLY);
-    const QByteArray from = QFile::encodeName(m_temporaryName);
-    const QByteArray to = QFile::encodeName(m_filename);
-    if (std::rename(from.constData(), to.constData()) != 0)
-        checkWritten(AVERROR(errno));
-    m_temporaryName.clear();
-    syncToDisk(QFileInfo(m_filename).absolutePath(), O_RDONLY | O_DIRECTORY);
+    checkWritten(m_part.sync());
+    checkWritten(m_part.renameTo(m_filename));
 }
 
 void MovieFile::closeTemporary()
@@ -137,18 +87,6 @@ void MovieFile::closeTemporary()
     const int closed = avio_closep(&m_format->pb);
     checkWritten(error);
     checkWritten(closed);
-}
-
-void MovieFile::syncToDisk(const QString &path, int flags) const
-{
-    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-    if (descriptor < 0)
-        checkWritten(AVERROR(errno));
-    const int error = ::fsync(descriptor) == 0 ? 0 : errno;
-    ::close(descriptor);
-    // Some file systems cannot sync a folder (or anything); what was written is still there.
-    if (error != 0 && error != EINVAL && error != ENOTSUP)
-        checkWritten(AVERROR(error));
 }
 
 } // namespace vornic

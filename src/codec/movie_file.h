@@ -1,6 +1,7 @@
 #pragma once
 
 #include "codec/av_support.h"
+#include "codec/part_file.h"
 
 #include <QString>
 
@@ -30,14 +31,11 @@ public:
     void complete();
 
 private:
-    void checkFinalName() const;
-    void createTemporary();
     void checkWritten(int result) const;
     void closeTemporary();
-    void syncToDisk(const QString &path, int flags) const;
 
     QString m_filename;
-    QString m_temporaryName; ///< empty when there is nothing to remove
+    PartFile m_part;
     AvPtr<AVFormatContext> m_format;
 };
 
