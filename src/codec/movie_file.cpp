@@ -3,36 +3,54 @@
 #include "base/PKTimebase.h"
 #include "codec/movie_failure.h"
 
-#include <QFile>
+#include <cerrno>
+#include <new>
 
 namespace vornic {
-
-namespace {
-
-/// With the scheme, a file name that has a colon in it is not taken for a URL.
-QByteArray fileAddress(const QString &path)
-{
-    return "file:" + QFile::encodeName(path);
-}
-
-} // namespace
 
 MovieFile::MovieFile(QString filename)
     : m_filename(std::move(filename))
     , m_part(m_filename)
 {
-    AVFormatContext *format = nullptr;
-    const int result
-        = avformat_alloc_output_context2(&format, nullptr, "mp4", fileAddress(m_part.path()).constData());
-    m_format.reset(format);
-    checkWritten(result);
-    checkWritten(avio_open2(&m_format->pb, m_format->url, AVIO_FLAG_WRITE, nullptr, nullptr));
+    createFormat();
+    m_writer.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Write);
+    m_format->pb = m_writer->context();
 }
 
-MovieFile::~MovieFile()
+MovieFile::~MovieFile() = default;
+
+/// Everything goes through the descriptor that was locked and is synced, and nothing through the file's name: also
+/// what the muxer reads back to put the index in front.
+void MovieFile::createFormat()
 {
-    if (m_format->pb)
-        avio_closep(&m_format->pb);
+    AVFormatContext *format = nullptr;
+    const int result = avformat_alloc_output_context2(&format, nullptr, "mp4", nullptr);
+    m_format.reset(format);
+    checkWritten(result);
+    m_format->opaque = this;
+    m_format->io_open
+        = [](AVFormatContext *context, AVIOContext **stream, const char *, int flags, AVDictionary **) {
+              return (flags & AVIO_FLAG_WRITE) != 0
+                  ? AVERROR(ENOSYS)
+                  : static_cast<MovieFile *>(context->opaque)->openReader(*stream);
+          };
+    m_format->io_close2 = [](AVFormatContext *context, AVIOContext *stream) {
+        const int error = stream->error;
+        static_cast<MovieFile *>(context->opaque)->m_reader.reset();
+        return error;
+    };
+}
+
+/// Called through the library, which an exception must not cross.
+int MovieFile::openReader(AVIOContext *&stream) noexcept
+{
+    try {
+        m_reader.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Read);
+    } catch (const std::bad_alloc &) {
+        return AVERROR(ENOMEM);
+    }
+    stream = m_reader->context();
+    return 0;
 }
 
 void MovieFile::checkWritten(int result) const
@@ -75,18 +93,10 @@ void MovieFile::mux(AVPacket &packet, int track, AVRational timeBase)
 void MovieFile::complete()
 {
     checkWritten(av_write_trailer(m_format.get()));
-    closeTemporary();
+    avio_flush(m_format->pb);
+    checkWritten(m_format->pb->error);
     checkWritten(m_part.sync());
     checkWritten(m_part.renameTo(m_filename));
-}
-
-void MovieFile::closeTemporary()
-{
-    avio_flush(m_format->pb);
-    const int error = m_format->pb->error;
-    const int closed = avio_closep(&m_format->pb);
-    checkWritten(error);
-    checkWritten(closed);
 }
 
 } // namespace vornic

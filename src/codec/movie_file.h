@@ -1,9 +1,12 @@
 #pragma once
 
 #include "codec/av_support.h"
+#include "codec/descriptor_stream.h"
 #include "codec/part_file.h"
 
 #include <QString>
+
+#include <optional>
 
 namespace vornic {
 
@@ -31,11 +34,14 @@ public:
     void complete();
 
 private:
+    void createFormat();
+    [[nodiscard]] int openReader(AVIOContext *&stream) noexcept;
     void checkWritten(int result) const;
-    void closeTemporary();
 
     QString m_filename;
     PartFile m_part;
+    std::optional<DescriptorStream> m_writer;
+    std::optional<DescriptorStream> m_reader; ///< while the index is put in front
     AvPtr<AVFormatContext> m_format;
 };
 
