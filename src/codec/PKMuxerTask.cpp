@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <stop_token>
 #include <thread>
 #include <utility>
 
@@ -57,11 +58,14 @@ Outcome failed(const Error &error)
 }
 
 /// Nothing may be thrown out of a thread; whatever goes wrong ends the task with an Error.
-Outcome
-writeMovieToItsEnd(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+Outcome writeMovieToItsEnd(const PKMuxerContext &context,
+                           PKMuxerTaskDataSource &source,
+                           const ProgressSink &progress,
+                           const std::stop_token &stop)
 {
     try {
-        return { PKMuxerTaskActionComplete, QVariant::fromValue(writeMovie(context, source, progress)) };
+        return { PKMuxerTaskActionComplete,
+                 QVariant::fromValue(writeMovie(context, source, progress, stop)) };
     } catch (const MovieFailure &failure) {
         return failed(failure.error());
     } catch (const std::bad_alloc &) {
@@ -78,6 +82,7 @@ struct PKMuxerTask::Impl {
     std::shared_ptr<const PKMuxerContext> context;
     PKMuxerTaskDataSource *source = nullptr;
     ProgressBlock block; ///< called on the main thread
+    std::stop_source stop;
     std::thread thread;
 
     void report(std::shared_ptr<PKMuxerTask> self, QLatin1StringView action, QVariant value) const
@@ -95,10 +100,11 @@ void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
     routeAvLog();
     report(self, PKMuxerTaskActionStart, 0.0);
     ProgressThrottle throttle;
-    Outcome outcome = writeMovieToItsEnd(*context, *source, [&](double percent) {
+    const ProgressSink progress = [&](double percent) {
         if (throttle.accepts(percent))
             report(self, PKMuxerTaskActionProgress, static_cast<double>(throttle.step()));
-    });
+    };
+    Outcome outcome = writeMovieToItsEnd(*context, *source, progress, stop.get_token());
     main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
         thread.join();
         block(outcome.action, outcome.value);
@@ -111,7 +117,8 @@ std::shared_ptr<PKMuxerTask> PKMuxerTask::create(std::shared_ptr<const PKMuxerCo
 }
 
 PKMuxerTask::PKMuxerTask(std::shared_ptr<const PKMuxerContext> context)
-    : m_impl(new Impl { .context = std::move(context), .source = nullptr, .block = {}, .thread = {} })
+    : m_impl(
+        new Impl { .context = std::move(context), .source = nullptr, .block = {}, .stop = {}, .thread = {} })
 {
 }
 
@@ -142,6 +149,11 @@ void PKMuxerTask::startMuxerWithBlock(ProgressBlock block)
     m_impl->block = std::move(block);
     m_impl->thread = std::thread(
         [impl = m_impl.get(), self = shared_from_this()]() mutable { impl->run(std::move(self)); });
+}
+
+void PKMuxerTask::cancel()
+{
+    m_impl->stop.request_stop();
 }
 
 } // namespace vornic

@@ -39,6 +39,9 @@ public:
     /// Starts the work and returns. \a block runs on the main thread only, which must run its event loop. A
     /// task is started once, with a data source set; anything else is an assertion failure and does nothing.
     void startMuxerWithBlock(ProgressBlock block);
+    /// Any thread, at any time: the task fails as ErrorKind::Cancelled as soon as the running calls of its data source
+    /// have returned. Does nothing once the movie stands under its name.
+    void cancel();
 
 private:
     explicit PKMuxerTask(std::shared_ptr<const PKMuxerContext> context);

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace vornic {
 
@@ -15,8 +16,9 @@ constexpr std::size_t bufferBytes = 1 << 16;
 
 } // namespace
 
-DescriptorStream::DescriptorStream(int borrowedDescriptor, Mode mode)
+DescriptorStream::DescriptorStream(int borrowedDescriptor, Mode mode, std::stop_token stop)
     : m_descriptor(borrowedDescriptor)
+    , m_stop(std::move(stop))
     , m_context(nullptr)
 {
     auto *buffer = static_cast<unsigned char *>(av_malloc(bufferBytes));
@@ -51,6 +53,8 @@ DescriptorStream::~DescriptorStream()
 
 int DescriptorStream::read(std::uint8_t *bytes, int count)
 {
+    if (m_stop.stop_requested())
+        return AVERROR_EXIT;
     ssize_t result = 0;
     do {
         result = ::pread(m_descriptor, bytes, static_cast<std::size_t>(count), m_position);
@@ -63,6 +67,8 @@ int DescriptorStream::read(std::uint8_t *bytes, int count)
 
 int DescriptorStream::write(const std::uint8_t *bytes, int count)
 {
+    if (m_stop.stop_requested())
+        return AVERROR_EXIT;
     int done = 0;
     while (done < count) {
         const ssize_t result

@@ -3,6 +3,7 @@
 #include "codec/av_support.h"
 
 #include <cstdint>
+#include <stop_token>
 
 namespace vornic {
 
@@ -15,8 +16,9 @@ class DescriptorStream
 public:
     enum class Mode { Read, Write };
 
-    /// Begins at position 0.
-    DescriptorStream(int borrowedDescriptor, Mode mode);
+    /// Begins at position 0. Once \a stop was requested, nothing is read or written, and the error is
+    /// AVERROR_EXIT.
+    DescriptorStream(int borrowedDescriptor, Mode mode, std::stop_token stop = {});
     /// Drops what was not flushed.
     ~DescriptorStream();
     DescriptorStream(const DescriptorStream &) = delete;
@@ -31,6 +33,7 @@ private:
     [[nodiscard]] std::int64_t seek(std::int64_t offset, int whence);
 
     int m_descriptor;
+    std::stop_token m_stop;
     std::int64_t m_position = 0;
     AVIOContext *m_context;
 };

@@ -6,8 +6,9 @@
 
 namespace vornic {
 
-FrameReader::FrameReader(Source source)
+FrameReader::FrameReader(Source source, std::stop_token stop)
     : m_source(std::move(source))
+    , m_stop(std::move(stop))
     , m_thread([this] { run(); })
 {
 }
@@ -25,7 +26,9 @@ FrameReader::~FrameReader()
 std::shared_ptr<const PKVideoFrame2> FrameReader::next()
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return !m_frames.empty() || m_hasEnded; });
+    m_changed.wait(lock, m_stop, [this] { return !m_frames.empty() || m_hasEnded; });
+    if (m_stop.stop_requested())
+        return nullptr;
     if (m_frames.empty()) {
         if (m_failure)
             std::rethrow_exception(std::exchange(m_failure, nullptr));

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 namespace vornic {
@@ -20,14 +21,16 @@ class FrameReader
 public:
     using Source = std::function<std::shared_ptr<const PKVideoFrame2>()>;
 
-    /// Starts calling \a source, on the reader's thread only, until it gives null or throws.
-    explicit FrameReader(Source source);
+    /// Starts calling \a source, on the reader's thread only, until it gives null or throws. A request to \a stop
+    /// ends the waits in next().
+    explicit FrameReader(Source source, std::stop_token stop = {});
     /// Waits for the running call of the source; there is none afterwards.
     ~FrameReader();
     FrameReader(const FrameReader &) = delete;
     FrameReader &operator=(const FrameReader &) = delete;
 
-    /// Blocks for the next frame; null at the end. Throws what the source threw, after the frames before it.
+    /// Blocks for the next frame; null at the end, or once the stop was requested. Throws what the source threw,
+    /// after the frames before it.
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> next();
 
 private:
@@ -38,9 +41,10 @@ private:
     bool readOne();
 
     Source m_source; ///< reader's thread only
+    std::stop_token m_stop;
 
     std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::condition_variable_any m_changed;
     std::deque<std::shared_ptr<const PKVideoFrame2>> m_frames; ///< guarded, as all below
     std::exception_ptr m_failure;
     bool m_hasEnded = false;   ///< the source gives no more

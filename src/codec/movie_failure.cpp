@@ -23,6 +23,8 @@ ErrorKind kindOf(int number)
     case ENOENT:
     case ENOTDIR:
         return ErrorKind::FolderMissing;
+    case AVUNERROR(AVERROR_EXIT):
+        return ErrorKind::Cancelled;
     default:
         return ErrorKind::Failed;
     }

@@ -28,7 +28,8 @@ private:
 };
 
 /// The error for a number of the media libraries or the system (negated errno) met while writing \a filename.
-/// Its kind tells apart: disk full, file too large, no permission, no such folder, anything else.
+/// Its kind tells apart: disk full, file too large, no permission, no such folder, cancelled (the libraries'
+/// AVERROR_EXIT), anything else.
 [[nodiscard]] Error writingError(const QString &filename, int number);
 
 } // namespace vornic

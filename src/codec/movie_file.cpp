@@ -5,15 +5,17 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace vornic {
 
-MovieFile::MovieFile(QString filename)
+MovieFile::MovieFile(QString filename, std::stop_token stop)
     : m_filename(std::move(filename))
+    , m_stop(std::move(stop))
     , m_part(m_filename)
 {
     createFormat();
-    m_writer.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Write);
+    m_writer.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Write, m_stop);
     m_format->pb = m_writer->context();
 }
 
@@ -45,7 +47,7 @@ void MovieFile::createFormat()
 int MovieFile::openReader(AVIOContext *&stream) noexcept
 {
     try {
-        m_reader.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Read);
+        m_reader.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Read, m_stop);
     } catch (const std::bad_alloc &) {
         return AVERROR(ENOMEM);
     }
@@ -56,7 +58,12 @@ int MovieFile::openReader(AVIOContext *&stream) noexcept
 void MovieFile::checkWritten(int result) const
 {
     if (result < 0)
-        throw MovieFailure(writingError(m_filename, result));
+        throw MovieFailure(writingError(m_filename, m_stop.stop_requested() ? AVERROR_EXIT : result));
+}
+
+void MovieFile::checkNotCancelled() const
+{
+    checkWritten(m_stop.stop_requested() ? AVERROR_EXIT : 0);
 }
 
 int MovieFile::addTrack(const AVCodecContext &encoder)
@@ -83,6 +90,7 @@ void MovieFile::writeHeader()
 
 void MovieFile::mux(AVPacket &packet, int track, AVRational timeBase)
 {
+    checkNotCancelled();
     packet.stream_index = track;
     av_packet_rescale_ts(&packet, timeBase, m_format->streams[track]->time_base);
     checkWritten(av_interleaved_write_frame(m_format.get(), &packet));
@@ -96,6 +104,7 @@ void MovieFile::complete()
     avio_flush(m_format->pb);
     checkWritten(m_format->pb->error);
     checkWritten(m_part.sync());
+    checkNotCancelled();
     checkWritten(m_part.renameTo(m_filename));
 }
 

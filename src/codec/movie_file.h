@@ -7,18 +7,19 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 
 namespace vornic {
 
 /// One mp4 file being written: under a hidden temporary name beside its final place until it is complete.
 ///
-/// Made by a MovieWriter on its thread. Every function throws MovieFailure. The destructor removes the
-/// temporary file of a movie that was not completed.
+/// Made by a MovieWriter on its thread. Every function throws MovieFailure, also when the stop is requested while
+/// it works. The destructor removes the temporary file of a movie that was not completed.
 class MovieFile
 {
 public:
     /// Creates the temporary file. The final name is not touched.
-    explicit MovieFile(QString filename);
+    MovieFile(QString filename, std::stop_token stop);
     ~MovieFile();
     MovieFile(const MovieFile &) = delete;
     MovieFile &operator=(const MovieFile &) = delete;
@@ -33,12 +34,16 @@ public:
     /// of that name. Blocks for as long as that takes.
     void complete();
 
+    /// Throws once the stop is requested.
+    void checkNotCancelled() const;
+
 private:
     void createFormat();
     [[nodiscard]] int openReader(AVIOContext *&stream) noexcept;
     void checkWritten(int result) const;
 
     QString m_filename;
+    std::stop_token m_stop;
     PartFile m_part;
     std::optional<DescriptorStream> m_writer;
     std::optional<DescriptorStream> m_reader; ///< while the index is put in front

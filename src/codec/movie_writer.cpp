@@ -70,11 +70,15 @@ private:
 class MovieWriter
 {
 public:
-    MovieWriter(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+    MovieWriter(const PKMuxerContext &context,
+                PKMuxerTaskDataSource &source,
+                const ProgressSink &progress,
+                const std::stop_token &stop)
         : m_source(source)
         , m_progress(progress)
+        , m_stop(stop)
         , m_conformer({ context.width(), context.height() })
-        , m_file(context.filename())
+        , m_file(context.filename(), stop)
         , m_video(context)
         , m_videoTrack(m_file.addTrack(m_video.codec()))
         , m_length(source.PKMuxerTaskLength())
@@ -103,8 +107,8 @@ public:
 private:
     void encodeFrames()
     {
-        FrameReader reader([this] { return readFrame(); });
-        ConstFrame frame = reader.next();
+        FrameReader reader([this] { return readFrame(); }, m_stop);
+        ConstFrame frame = nextFrame(reader);
         if (!frame)
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
         while (frame) {
@@ -120,7 +124,10 @@ private:
     /// Reader's thread: the next frame that has a picture, in the movie's size.
     ConstFrame readFrame()
     {
-        while (const auto frame = m_source.PKMuxerTaskGetVideoFrame()) {
+        while (!m_stop.stop_requested()) {
+            const auto frame = m_source.PKMuxerTaskGetVideoFrame();
+            if (!frame)
+                break;
             if (auto conformed = m_conformer.conform(frame))
                 return conformed;
             ++m_framesUnusable;
@@ -128,13 +135,20 @@ private:
         return nullptr;
     }
 
+    ConstFrame nextFrame(FrameReader &reader)
+    {
+        ConstFrame frame = reader.next();
+        m_file.checkNotCancelled(); // what looks like the end of the recording may be none
+        return frame;
+    }
+
     /// The next frame that is later than \a frame: no two can be shown at one time.
     ConstFrame nextAfter(const PKVideoFrame2 &frame, FrameReader &reader)
     {
-        ConstFrame following = reader.next();
+        ConstFrame following = nextFrame(reader);
         while (following && following->timeStamp() <= frame.timeStamp()) {
             ++m_statistics.framesSkipped;
-            following = reader.next();
+            following = nextFrame(reader);
         }
         return following;
     }
@@ -167,6 +181,7 @@ private:
 
     PKMuxerTaskDataSource &m_source;
     const ProgressSink &m_progress;
+    std::stop_token m_stop;
     FrameConformer m_conformer; ///< reader's thread only
     std::atomic<std::int64_t> m_framesUnusable = 0;
     MovieFile m_file;
@@ -184,14 +199,16 @@ private:
 
 } // namespace
 
-MovieStatistics
-writeMovie(const PKMuxerContext &context, PKMuxerTaskDataSource &source, const ProgressSink &progress)
+MovieStatistics writeMovie(const PKMuxerContext &context,
+                           PKMuxerTaskDataSource &source,
+                           const ProgressSink &progress,
+                           const std::stop_token &stop)
 {
     if (context.format() != PKMuxerContext::formatMp4) {
         throw MovieFailure(
             { ErrorKind::Unsupported, ErrorSubject::MovieFormat, QString::number(context.format()), {} });
     }
-    return MovieWriter(context, source, progress).write();
+    return MovieWriter(context, source, progress, stop).write();
 }
 
 } // namespace vornic

@@ -48,6 +48,33 @@ QByteArray outputOf(const QString &program, const QStringList &arguments)
     return output;
 }
 
+std::vector<TaskReport> runAll(const std::vector<PKMuxerTask *> &tasks,
+                               const std::vector<PKMuxerTaskDataSource *> &sources)
+{
+    ensureApplication();
+    std::vector<TaskReport> reports(tasks.size());
+    std::size_t running = tasks.size();
+    QEventLoop loop;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        tasks[i]->setDataSource(sources[i]);
+        tasks[i]->startMuxerWithBlock([&, i](const QString &action, const QVariant &value) {
+            reports[i].actions.append(action);
+            reports[i].values.append(value);
+            reports[i].wasOnMainThread
+                = reports[i].wasOnMainThread && QThread::currentThread() == qApp->thread();
+            const bool ended = action == PKMuxerTaskActionComplete || action == PKMuxerTaskActionFailed;
+            if (ended && --running == 0)
+                loop.quit();
+        });
+    }
+    QTimer::singleShot(120000, &loop, [&loop] {
+        ADD_FAILURE() << "a task did not end";
+        loop.quit();
+    });
+    loop.exec();
+    return reports;
+}
+
 } // namespace
 
 std::shared_ptr<const PKVideoFrame2> ListSource::PKMuxerTaskGetVideoFrame()
@@ -119,32 +146,21 @@ TaskReport runTask(const PKMuxerContext &context, PKMuxerTaskDataSource &source)
     return runTasks({ context }, { &source }).front();
 }
 
+TaskReport runTask(PKMuxerTask &task, PKMuxerTaskDataSource &source)
+{
+    return runAll({ &task }, { &source }).front();
+}
+
 std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
                                  const std::vector<PKMuxerTaskDataSource *> &sources)
 {
-    ensureApplication();
-    std::vector<TaskReport> reports(contexts.size());
-    std::size_t running = contexts.size();
-    QEventLoop loop;
-    for (std::size_t i = 0; i < contexts.size(); ++i) {
-        auto task = PKMuxerTask::create(std::make_shared<const PKMuxerContext>(contexts[i]));
-        task->setDataSource(sources[i]);
-        task->startMuxerWithBlock([&, i](const QString &action, const QVariant &value) {
-            reports[i].actions.append(action);
-            reports[i].values.append(value);
-            reports[i].wasOnMainThread
-                = reports[i].wasOnMainThread && QThread::currentThread() == qApp->thread();
-            const bool ended = action == PKMuxerTaskActionComplete || action == PKMuxerTaskActionFailed;
-            if (ended && --running == 0)
-                loop.quit();
-        });
+    std::vector<std::shared_ptr<PKMuxerTask>> owners;
+    std::vector<PKMuxerTask *> tasks;
+    for (const PKMuxerContext &context : contexts) {
+        owners.push_back(PKMuxerTask::create(std::make_shared<const PKMuxerContext>(context)));
+        tasks.push_back(owners.back().get());
     }
-    QTimer::singleShot(120000, &loop, [&loop] {
-        ADD_FAILURE() << "a task did not end";
-        loop.quit();
-    });
-    loop.exec();
-    return reports;
+    return runAll(tasks, sources);
 }
 
 void ensureApplication()

@@ -23,6 +23,10 @@
 #include <string>
 #include <vector>
 
+namespace vornic {
+class PKMuxerTask;
+}
+
 namespace vornic::testing {
 
 /// Gives what it was filled with. Each hook, where set, runs first inside its callback.
@@ -69,6 +73,8 @@ PKMuxerContext videoContext(const QString &filename, QSize size);
 
 /// Starts a task and runs the main thread's loop until it has ended, two minutes at most.
 TaskReport runTask(const PKMuxerContext &context, PKMuxerTaskDataSource &source);
+/// The same for a task that was made already.
+TaskReport runTask(PKMuxerTask &task, PKMuxerTaskDataSource &source);
 /// The same for several at once.
 std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
                                  const std::vector<PKMuxerTaskDataSource *> &sources);

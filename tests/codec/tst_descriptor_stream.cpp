@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <stop_token>
 
 namespace vornic::testing {
 namespace {
@@ -80,6 +81,20 @@ TEST_F(DescriptorStreamTest, keepsTheErrorOfTheSystem)
     DescriptorStream reader(readOnly, Mode::Read);
     EXPECT_EQ(read(reader, 3), "");
     EXPECT_EQ(reader.context()->error, AVERROR(EBADF));
+}
+
+TEST_F(DescriptorStreamTest, neitherWritesNorReadsAfterAStop)
+{
+    std::stop_source stop;
+    DescriptorStream writer(descriptor(), Mode::Write, stop.get_token());
+    DescriptorStream reader(descriptor(), Mode::Read, stop.get_token());
+    write(writer, "abc");
+    stop.request_stop();
+    write(writer, "def");
+    EXPECT_EQ(writer.context()->error, AVERROR_EXIT);
+    EXPECT_EQ(read(reader, 3), "");
+    EXPECT_EQ(reader.context()->error, AVERROR_EXIT);
+    EXPECT_EQ(m_file.size(), 3);
 }
 
 } // namespace

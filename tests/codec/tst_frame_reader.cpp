@@ -8,6 +8,8 @@
 #include <atomic>
 #include <semaphore>
 #include <stdexcept>
+#include <stop_token>
+#include <thread>
 
 namespace vornic::testing {
 namespace {
@@ -62,6 +64,42 @@ TEST(FrameReader, tellsWhatTheSourceThrewAfterTheFramesBefore)
     EXPECT_TRUE(reader.next());
     EXPECT_TRUE(reader.next());
     EXPECT_THROW(static_cast<void>(reader.next()), std::runtime_error);
+    EXPECT_EQ(reader.next(), nullptr);
+}
+
+TEST(FrameReader, aStopEndsTheWaitForASourceThatIsBusy)
+{
+    std::binary_semaphore isBusy(0);
+    std::counting_semaphore<> mayReturn(0);
+    std::stop_source stop;
+    FrameReader reader(
+        [&] {
+            isBusy.release();
+            mayReturn.acquire();
+            return frameAt(0);
+        },
+        stop.get_token());
+    std::jthread stopper([&] {
+        isBusy.acquire();
+        stop.request_stop();
+    });
+    EXPECT_EQ(reader.next(), nullptr); // before the source has returned
+    mayReturn.release(2);              // it may have been asked once more
+}
+
+TEST(FrameReader, aStopLeavesOutTheFramesThatWereReadAhead)
+{
+    std::counting_semaphore<> madeOne(0);
+    std::stop_source stop;
+    FrameReader reader(
+        [&madeOne] {
+            madeOne.release();
+            return frameAt(0);
+        },
+        stop.get_token());
+    madeOne.acquire();
+    madeOne.acquire(); // the first one is in the queue
+    stop.request_stop();
     EXPECT_EQ(reader.next(), nullptr);
 }
 

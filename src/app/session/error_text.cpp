@@ -74,6 +74,8 @@ QString errorText(const Error &error)
             .arg(error.name);
     case ErrorKind::OutOfMemory:
         return QCoreApplication::translate("vornic", "There is not enough memory to write the movie.");
+    case ErrorKind::Cancelled:
+        return QCoreApplication::translate("vornic", "The movie was not made: its writing was ended.");
     case ErrorKind::Empty:
         return QCoreApplication::translate("vornic", "The recording holds no frames.");
     case ErrorKind::Failed:

@@ -31,7 +31,16 @@ void MovieJob::start(std::function<void(const QString &, const QVariant &)> repo
 {
     const std::shared_ptr<PKMuxerTask> task = PKMuxerTask::create(m_spool.muxerContext());
     task->setDataSource(this);
+    m_task = task;
     task->startMuxerWithBlock(std::move(report));
+}
+
+void MovieJob::cancel()
+{
+    // First the task, which then takes no missing frame for the end of the recording.
+    if (const std::shared_ptr<PKMuxerTask> task = m_task.lock())
+        task->cancel();
+    m_isCancelled = true;
 }
 
 std::int64_t MovieJob::PKMuxerTaskLength()
@@ -41,7 +50,10 @@ std::int64_t MovieJob::PKMuxerTaskLength()
 
 std::shared_ptr<const PKVideoFrame2> MovieJob::PKMuxerTaskGetVideoFrame()
 {
-    while (const std::unique_ptr<VNBufferDiscr> record = m_spool.popRecordBuffer()) {
+    while (!m_isCancelled) {
+        const std::unique_ptr<VNBufferDiscr> record = m_spool.popRecordBuffer();
+        if (!record)
+            break;
         const auto next = static_cast<std::uint64_t>(m_spool.nextBufferTimestamp());
         const bool hasSuccessor = next > record->timestamp();
         record->setDuration(hasSuccessor ? next - record->timestamp() : std::uint64_t { PKTimebase / 30 });

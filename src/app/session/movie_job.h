@@ -13,6 +13,7 @@
 namespace vornic {
 
 class FrameComposer;
+class PKMuxerTask;
 class VNBufferMgr;
 class VNLogoContext;
 struct Recording;
@@ -32,6 +33,9 @@ public:
     /// Starts writing, with the spool's muxer context. \a report is what a PKMuxerTask tells.
     void start(std::function<void(const QString &action, const QVariant &value)> report);
 
+    /// Ends the writing soon; the task still reports its end. Nothing where it has ended. Main thread.
+    void cancel();
+
     /// Frames that hold no readable picture.
     [[nodiscard]] std::uint64_t unusableFrameCount() const { return m_unusableFrames; }
 
@@ -44,7 +48,9 @@ private:
     VNBufferMgr &m_spool;
     VNLogoContext *m_logo;
     std::unique_ptr<FrameComposer> m_composer;
+    std::weak_ptr<PKMuxerTask> m_task; ///< keeps itself alive until it has reported its end
     std::atomic<std::uint64_t> m_unusableFrames = 0;
+    std::atomic<bool> m_isCancelled = false;
 };
 
 } // namespace vornic
