@@ -23,12 +23,20 @@ public:
     void setTimeStamp(std::int64_t ticks) { _timeStamp = ticks; }
     [[nodiscard]] bool isCompressed() const { return _isCompressed; }
     void setIsCompressed(bool compressed) { _isCompressed = compressed; }
+    /// checksumOf() the bytes as stored.
+    [[nodiscard]] std::uint64_t checksum() const { return m_checksum; }
+    void setChecksum(std::uint64_t checksum) { m_checksum = checksum; }
+    /// Stands for blocks whose entries are lost: its bytes cannot be read.
+    [[nodiscard]] bool isLost() const { return m_isLost; }
+    void setIsLost() { m_isLost = true; }
 
 private:
     std::uint64_t _offset;
     std::uint64_t _dataLength;
     std::int64_t _timeStamp = 0;
+    std::uint64_t m_checksum = 0;
     bool _isCompressed = false;
+    bool m_isLost = false;
 };
 
 } // namespace vornic

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "capture/spool/journal_format.h"
+
+#include <QByteArray>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace vornic {
+
+class SpoolFile;
+struct CursorShape;
+struct RecordingDescription;
+
+/// The journal of one recording while it is written: what another process needs to read the spools.
+///
+/// Made with the recording's folder; every function may be called from any thread. What is added waits in memory
+/// for write().
+class Journal
+{
+public:
+    /// Goes on behind what is in \a file.
+    explicit Journal(std::shared_ptr<SpoolFile> file);
+
+    void add(const RecordingDescription &description);
+    /// \a index is what frame records call the shape.
+    void add(std::uint64_t index, const CursorShape &shape);
+    /// The bytes of \a blocks must be in the spool's file already.
+    void add(SpoolKind spool, const std::vector<VNDataBlock> &blocks);
+    void addFinished();
+
+    /// Writes what was added; false where the file takes no more: it waits for the next call then.
+    bool write();
+    [[nodiscard]] bool writeFailed() const { return m_writeFailed; }
+
+private:
+    void append(JournalKind kind, QByteArrayView payload);
+
+    std::shared_ptr<SpoolFile> m_file;
+    std::atomic<bool> m_writeFailed = false;
+    std::mutex m_addMutex; ///< guards the one below; held for a copy only
+    QByteArray m_added;
+    std::mutex m_writeMutex; ///< guards the two below, held over a write to the file
+    QByteArray m_beingWritten;
+    std::uint64_t m_end;
+};
+
+} // namespace vornic
