@@ -1,0 +1,206 @@
+#include "capture/spool/recording_folder.h"
+
+#include "base/log.h"
+#include "capture/spool/spool_file.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// What a folder is called until all of its files are there.
+const QString halfMadePrefix = QStringLiteral(".new-");
+
+QString recordingsPath(const QString &cachePath)
+{
+    return cachePath + QStringLiteral("/recordings");
+}
+
+bool isId(const QString &name)
+{
+    static const QRegularExpression pattern(QStringLiteral("^[0-9]{8}-[0-9]{6}-[0-9a-f]{4}$"));
+    return pattern.match(name).hasMatch();
+}
+
+QString newId()
+{
+    return QStringLiteral("%1-%2")
+        .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")))
+        .arg(QRandomGenerator::system()->bounded(0x10000), 4, 16, QLatin1Char('0'));
+}
+
+/// A descriptor of a folder that only its user can change; -1, with errno set, where it is none.
+int openFolder(int beneath, const QByteArray &name)
+{
+    const int descriptor
+        = ::openat(beneath, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    struct stat status {
+    };
+    if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
+        return -1;
+    // A folder of before, or a user's own experiment: what is ours we may close to others.
+    const bool isOurs = status.st_uid == ::geteuid();
+    if (isOurs && ((status.st_mode & 077) == 0 || ::fchmod(descriptor, 0700) == 0))
+        return descriptor;
+    ::close(descriptor);
+    errno = EPERM;
+    return -1;
+}
+
+int makeFolder(int beneath, const QByteArray &name)
+{
+    if (::mkdirat(beneath, name.constData(), 0700) != 0)
+        return -1;
+    return openFolder(beneath, name);
+}
+
+} // namespace
+
+RecordingFolder::RecordingFolder(int descriptor, QString id, QString path)
+    : m_descriptor(descriptor)
+    , m_id(std::move(id))
+    , m_path(std::move(path))
+{
+}
+
+RecordingFolder::~RecordingFolder()
+{
+    const int error = errno;
+    ::close(m_descriptor);
+    errno = error;
+}
+
+std::shared_ptr<RecordingFolder> RecordingFolder::create(const QString &cachePath)
+{
+    const QString all = recordingsPath(cachePath);
+    if (::mkdir(QFile::encodeName(all).constData(), 0700) != 0 && errno != EEXIST)
+        return nullptr;
+    const int above = openFolder(AT_FDCWD, QFile::encodeName(all));
+    if (above < 0)
+        return nullptr;
+    const QString id = newId();
+    const QByteArray halfMade = QFile::encodeName(halfMadePrefix + id);
+    const int descriptor = makeFolder(above, halfMade);
+    std::shared_ptr<RecordingFolder> folder;
+    if (descriptor >= 0) {
+        folder.reset(new RecordingFolder(descriptor, id, all + u'/' + id));
+        folder->m_journal = SpoolFile::create(descriptor, journalName);
+        // Locked before it bears its name: nobody takes it for one that a crash left.
+        // A file system without locks does not keep anybody from recording.
+        if (folder->m_journal)
+            static_cast<void>(folder->m_journal->lock());
+        folder->m_video = SpoolFile::create(descriptor, videoName);
+        folder->m_audio = SpoolFile::create(descriptor, audioName);
+        if (!folder->m_journal || !folder->m_video || !folder->m_audio
+            || ::renameat(above, halfMade.constData(), above, QFile::encodeName(id).constData()) != 0)
+            folder.reset();
+        else if (::fsync(descriptor) != 0 || ::fsync(above) != 0)
+            logMessage(QStringLiteral("Failed to sync the spool's folder: %1").arg(qt_error_string()));
+    }
+    const int error = errno;
+    ::close(above);
+    errno = error;
+    return folder;
+}
+
+std::shared_ptr<RecordingFolder>
+RecordingFolder::open(const QString &cachePath, const QString &id, Refusal &refusal)
+{
+    refusal = Refusal::Missing;
+    if (!isId(id))
+        return nullptr;
+    const QString path = recordingsPath(cachePath) + u'/' + id;
+    const int descriptor = openFolder(AT_FDCWD, QFile::encodeName(path));
+    if (descriptor < 0) {
+        refusal = errno == ENOENT ? Refusal::Missing : Refusal::Unusable;
+        return nullptr;
+    }
+    std::shared_ptr<RecordingFolder> folder(new RecordingFolder(descriptor, id, path));
+    folder->m_journal = SpoolFile::open(descriptor, journalName);
+    // Where it is gone, an empty one keeps others away as well.
+    if (!folder->m_journal && errno == ENOENT)
+        folder->m_journal = SpoolFile::create(descriptor, journalName);
+    if (!folder->m_journal || !folder->m_journal->lock()) {
+        refusal = folder->m_journal ? Refusal::Running : Refusal::Unusable;
+        return nullptr;
+    }
+    folder->m_video = SpoolFile::open(descriptor, videoName);
+    folder->m_audio = SpoolFile::open(descriptor, audioName);
+    refusal = Refusal::None;
+    return folder;
+}
+
+QString RecordingFolder::refusalText(Refusal refusal, const QString &id)
+{
+    switch (refusal) {
+    case Refusal::Running:
+        return QCoreApplication::translate("vornic", "The recording %1 is in use by another Vornic.").arg(id);
+    case Refusal::Unusable:
+        return QCoreApplication::translate(
+                   "vornic", "The recording %1 cannot be read: its journal is missing or damaged.")
+            .arg(id);
+    case Refusal::Missing:
+    case Refusal::None:
+        break;
+    }
+    return QCoreApplication::translate("vornic", "There is no recording %1.").arg(id);
+}
+
+QString RecordingFolder::deletionFailedText(const QString &id)
+{
+    return QCoreApplication::translate("vornic", "The recording %1 could not be deleted: %2.")
+        .arg(id, qt_error_string());
+}
+
+QStringList RecordingFolder::ids(const QString &cachePath)
+{
+    QStringList ids
+        = QDir(recordingsPath(cachePath)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    ids.removeIf([](const QString &name) { return !isId(name); });
+    return ids;
+}
+
+void RecordingFolder::removeHalfMade(const QString &cachePath)
+{
+    QDir all(recordingsPath(cachePath));
+    const QDateTime aMinuteAgo = QDateTime::currentDateTime().addSecs(-60);
+    for (const QFileInfo &entry : all.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        if (!entry.fileName().startsWith(halfMadePrefix) || entry.lastModified() > aMinuteAgo)
+            continue;
+        const int descriptor = openFolder(AT_FDCWD, QFile::encodeName(entry.filePath()));
+        if (descriptor >= 0)
+            RecordingFolder(descriptor, {}, entry.filePath()).remove();
+    }
+}
+
+bool RecordingFolder::sync()
+{
+    // The journal last: what it tells of is on the disk then.
+    const bool video = !m_video || m_video->sync();
+    const bool audio = !m_audio || m_audio->sync();
+    return m_journal->sync() && video && audio;
+}
+
+bool RecordingFolder::remove()
+{
+    for (const char *name : { videoName, audioName, journalName })
+        if (::unlinkat(m_descriptor, name, 0) != 0 && errno != ENOENT)
+            return false;
+    return ::rmdir(QFile::encodeName(m_path).constData()) == 0;
+}
+
+} // namespace vornic
