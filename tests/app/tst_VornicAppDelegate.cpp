@@ -96,7 +96,7 @@ TEST_F(DelegateTest, ARecordingBecomesAMovie)
     EXPECT_NEAR(frontEnd.announcedSeconds,
                 video["start_time"].toString().toDouble() + video["duration"].toString().toDouble(),
                 0.001);
-    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
+    EXPECT_FALSE(QFile::exists(delegate->bufferMgr().tempVideoPathfile()));
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
     EXPECT_EQ(frontEnd.percents.first(), 0.0);
     EXPECT_EQ(frontEnd.percents.last(), 100.0);
@@ -426,7 +426,7 @@ TEST_F(DelegateTest, AFailedJobLosesNothingWhenAnotherFileIsGiven)
     EXPECT_EQ(delegate->outfileName(), folder.filePath("other.mp4"));
     EXPECT_EQ(numbersOf(probe(folder.filePath("other.mp4")), "packets", "video", "pts").size(),
               static_cast<qsizetype>(delegate->counts().framesGrabbed));
-    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
+    EXPECT_FALSE(QFile::exists(delegate->bufferMgr().tempVideoPathfile()));
 }
 
 TEST_F(DelegateTest, WhenFinishedTheMovieIsRevealedAndOpenedAsChosen)
@@ -559,7 +559,7 @@ TEST_F(DelegateTest, ADamagedFrameInTheMiddleIsNotTheEnd)
     delegate->bufferMgr().readyToRecord();
     spool({ 0, 3000, 6000 });
     {
-        QFile file(VNBufferMgr::tempVideoPathfile());
+        QFile file(delegate->bufferMgr().tempVideoPathfile());
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         const QByteArray all = file.readAll();
         const QByteArray start("\xFF\xD8\xFF");

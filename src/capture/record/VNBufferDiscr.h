@@ -51,6 +51,8 @@ public:
     /// The middle of the pixel under the hot spot, in screen coordinates (y up).
     [[nodiscard]] QPointF mouseLocation() const { return mMouseLocation; }
     [[nodiscard]] std::uint64_t cursorIndex() const { return _cursorIndex; }
+    /// For a record of another process, whose table was another.
+    void setCursorIndex(std::uint64_t index) { _cursorIndex = index; }
 
     void encodeWithCoder(KeyedArchiver &archiver) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver);

@@ -1,14 +1,23 @@
 #include "capture/spool/VNBufferMgr.h"
 
 #include "audio/PKAudioRecorderData.h"
+#include "base/clock.h"
 #include "base/free_space.h"
 #include "base/keyed_archive.h"
 #include "base/log.h"
 #include "capture/record/VNBufferDiscr.h"
+#include "capture/spool/journal.h"
+#include "capture/spool/journal_contents.h"
+#include "capture/spool/recording_description.h"
+#include "capture/spool/recording_folder.h"
+#include "capture/spool/spool_file.h"
 #include "codec/PKMuxerContext.h"
 #include "compression/codecs.h"
 
+#include <QFile>
+
 #include <chrono>
+#include <limits>
 #include <thread>
 #include <utility>
 
@@ -18,18 +27,34 @@ namespace {
 
 constexpr double pollSeconds = 0.1;
 
+/// A process that is killed loses what was pushed since the last write, and the time that takes.
+constexpr std::chrono::milliseconds writeDelay(200);
+/// A loss of power, what was written since the last sync, and the time that takes.
+constexpr std::chrono::milliseconds syncDelay(800);
+
+/// Which index stands for a shape that the journal does not have: the table never reaches it.
+constexpr std::uint64_t unknownShape = std::numeric_limits<std::uint64_t>::max();
+
 } // namespace
 
 VNBufferMgr::VNBufferMgr(int /*size*/)
-    : m_video("com.kavlor.videobuffer")
-    , m_audio("com.kavlor.audiobuffer")
+    : m_video("com.kavlor.videobuffer", SpoolKind::Video)
+    , m_audio("com.kavlor.audiobuffer", SpoolKind::Audio)
 {
+    m_video.setGatheringBegins([this] { writeSoon(); });
+    m_audio.setGatheringBegins([this] { writeSoon(); });
 }
 
-VNBufferMgr::~VNBufferMgr() = default;
+VNBufferMgr::~VNBufferMgr()
+{
+    keep();
+}
+
+// ---- a recording begins, ends, and is found again
 
 void VNBufferMgr::readyToRecord()
 {
+    closeFolder();
     setMuxerContext(nullptr);
     mExit = false;
     m_skippedBlocks = 0;
@@ -38,22 +63,212 @@ void VNBufferMgr::readyToRecord()
 
 void VNBufferMgr::prepareFileHandle()
 {
-    m_video.queue().sync([this] {
-        m_video.open(tempVideoPathfile());
+    Open open;
+    open.folder = RecordingFolder::create(cachePath());
+    if (open.folder)
+        open.journal = std::make_shared<Journal>(open.folder->journal());
+    else
+        logMessage(QStringLiteral("Failed to create tmp file."));
+    setOpened(open);
+    m_video.queue().sync([&] {
+        m_video.open(open.folder ? open.folder->video() : nullptr, open.journal);
         m_pictures.beginSpool();
         m_picturesBack.forgetPicture();
+        m_journaledShapes.clear();
+        m_shapesBack.reset();
     });
-    m_audio.queue().sync([this] { m_audio.open(tempAudioPathfile()); });
+    m_audio.queue().sync([&] { m_audio.open(open.folder ? open.folder->audio() : nullptr, open.journal); });
+    describe();
 }
+
+bool VNBufferMgr::openRecording(const QString &id, QString &whyNot)
+{
+    keep();
+    RecordingFolder::Refusal refusal {};
+    const std::shared_ptr<RecordingFolder> folder = RecordingFolder::open(cachePath(), id, refusal);
+    if (!folder) {
+        whyNot = RecordingFolder::refusalText(refusal, id);
+        return false;
+    }
+    const JournalContents contents = readJournal(folder->journal()->read(0, folder->journal()->size()));
+    if (!contents.description) {
+        whyNot = RecordingFolder::refusalText(RecordingFolder::Refusal::Unusable, id);
+        return false;
+    }
+    openLeft(folder, contents);
+    return true;
+}
+
+void VNBufferMgr::openLeft(const std::shared_ptr<RecordingFolder> &folder, const JournalContents &contents)
+{
+    const RecordingDescription &description = *contents.description;
+    mExit = true;
+    m_skippedBlocks = 0;
+    m_recordQuality = description.quality;
+    _isRecordPart = description.isPart;
+    setOpened({ folder, std::make_shared<Journal>(folder->journal()) });
+    {
+        const std::lock_guard lock(m_mutex);
+        _recordRect = description.rectangle;
+        m_start = description.start;
+        m_monotonicStart = description.monotonicStart;
+        _muxerContext
+            = description.movie ? std::make_shared<const PKMuxerContext>(*description.movie) : nullptr;
+    }
+    std::map<std::uint64_t, std::uint64_t> shapes;
+    for (const auto &[index, shape] : contents.pointerShapes)
+        shapes.emplace(index, VNBufferDiscr::indexOfCursor(shape));
+    m_video.queue().sync([&] {
+        m_video.openLeft(folder->video(), contents.video);
+        m_picturesBack.forgetPicture();
+        m_shapesBack = std::move(shapes);
+    });
+    m_audio.queue().sync([&] { m_audio.openLeft(folder->audio(), contents.audio); });
+}
+
+VNBufferMgr::Open VNBufferMgr::opened() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_open;
+}
+
+void VNBufferMgr::setOpened(const Open &open)
+{
+    m_syncFailed = false;
+    const std::lock_guard lock(m_mutex);
+    m_open = open;
+    m_folderPath = open.folder ? open.folder->path() : cachePath();
+    m_start = QDateTime::currentDateTimeUtc();
+    m_monotonicStart = absoluteTimeSeconds();
+}
+
+QString VNBufferMgr::recordingId() const
+{
+    const Open open = opened();
+    return open.folder ? open.folder->id() : QString();
+}
+
+RecordingDescription VNBufferMgr::description() const
+{
+    RecordingDescription description;
+    description.isPart = _isRecordPart;
+    description.quality = m_recordQuality;
+    const std::lock_guard lock(m_mutex);
+    description.start = m_start;
+    description.monotonicStart = m_monotonicStart;
+    description.rectangle = _recordRect;
+    if (_muxerContext)
+        description.movie = *_muxerContext;
+    return description;
+}
+
+/// The journal has the description as it is now.
+void VNBufferMgr::describe()
+{
+    const Open open = opened();
+    if (!open.journal)
+        return;
+    open.journal->add(description());
+    writeSoon();
+}
+
+void VNBufferMgr::rewind()
+{
+    m_video.queue().sync([this] {
+        m_video.rewind();
+        m_picturesBack.forgetPicture();
+    });
+    m_audio.queue().sync([this] { m_audio.rewind(); });
+    m_skippedBlocks = 0;
+}
+
+void VNBufferMgr::closeFolder()
+{
+    writeAll();
+    const std::lock_guard lock(m_mutex);
+    m_open = {};
+}
+
+void VNBufferMgr::keep()
+{
+    closeFolder();
+    m_video.queue().sync([this] { m_video.close(); });
+    m_audio.queue().sync([this] { m_audio.close(); });
+}
+
+void VNBufferMgr::clear()
+{
+    const Open open = opened();
+    if (open.journal) {
+        // Should this be all that becomes of it, the next start goes on here.
+        open.journal->addFinished();
+        static_cast<void>(open.journal->write());
+    }
+    m_video.queue().sync([this] { m_video.close(); });
+    m_audio.queue().sync([this] { m_audio.close(); });
+    if (open.folder && !open.folder->remove())
+        logMessage(
+            QStringLiteral("Failed to delete the spool %1: %2").arg(open.folder->path(), qt_error_string()));
+    const std::lock_guard lock(m_mutex);
+    m_open = {};
+}
+
+// ---- to the disk
+
+void VNBufferMgr::writeSoon()
+{
+    if (!m_writesSoon.exchange(true))
+        m_writer.after(writeDelay, [this] { writeAll(); });
+}
+
+void VNBufferMgr::writeAll()
+{
+    m_writesSoon = false;
+    const std::lock_guard lock(m_writeMutex);
+    m_video.writeBehind();
+    m_audio.writeBehind();
+    if (const Open open = opened(); open.journal && open.journal->write())
+        syncSoon();
+}
+
+void VNBufferMgr::syncSoon()
+{
+    if (m_syncsSoon.exchange(true))
+        return;
+    m_syncer.after(syncDelay, [this] {
+        m_syncsSoon = false;
+        const Open open = opened();
+        if (open.folder && !open.folder->sync())
+            m_syncFailed = true;
+    });
+}
+
+// ---- in and out
 
 bool VNBufferMgr::createEmptyFile(const QString &path)
 {
-    return SpoolStream::createEmptyFile(path);
+    QFile::remove(path);
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return true;
+    logMessage(QStringLiteral("Failed to create tmp file."));
+    return false;
+}
+
+/// Before the first record that shows a shape, the journal gets it: another process has another table.
+void VNBufferMgr::journalShape(std::uint64_t index)
+{
+    const auto shape = VNBufferDiscr::cusorAtIndex(index);
+    if (!shape || !m_journaledShapes.insert(index).second)
+        return;
+    if (const Open open = opened(); open.journal)
+        open.journal->add(index, *shape);
 }
 
 void VNBufferMgr::pushRecordBuffer(const VNBufferDiscr &record)
 {
     m_video.queue().sync([&] {
+        journalShape(record.cursorIndex());
         KeyedArchiver archiver;
         record.encodeWithCoder(archiver, m_pictures);
         m_video.append(archiver.bytes(), static_cast<std::int64_t>(record.timestamp()), false);
@@ -91,6 +306,10 @@ VNBufferMgr::Taken<std::unique_ptr<VNBufferDiscr>> VNBufferMgr::takeRecord()
             taken.object = VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack);
         else
             m_picturesBack.forgetPicture();
+        if (taken.object && m_shapesBack) {
+            const auto shape = m_shapesBack->find(taken.object->cursorIndex());
+            taken.object->setCursorIndex(shape == m_shapesBack->end() ? unknownShape : shape->second);
+        }
     });
     return taken;
 }
@@ -174,22 +393,6 @@ void VNBufferMgr::waitSeconds(double seconds)
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
-void VNBufferMgr::rewind()
-{
-    m_video.queue().sync([this] {
-        m_video.rewind();
-        m_picturesBack.forgetPicture();
-    });
-    m_audio.queue().sync([this] { m_audio.rewind(); });
-    m_skippedBlocks = 0;
-}
-
-void VNBufferMgr::clear()
-{
-    m_video.queue().sync([this] { m_video.clear(tempVideoPathfile()); });
-    m_audio.queue().sync([this] { m_audio.clear(tempAudioPathfile()); });
-}
-
 std::uint64_t VNBufferMgr::freeBytes() const
 {
     return m_freeSpaceProbe ? m_freeSpaceProbe() : freeSpaceBytes(cachePath());
@@ -207,7 +410,9 @@ bool VNBufferMgr::cacheFull() const
 
 bool VNBufferMgr::writeFailed() const
 {
-    return m_video.writeFailed() || m_audio.writeFailed();
+    const Open open = opened();
+    return m_video.writeFailed() || m_audio.writeFailed() || m_syncFailed
+        || (open.journal && open.journal->writeFailed());
 }
 
 QString VNBufferMgr::descriptionOfFreeSpaceRequired()
@@ -217,8 +422,23 @@ QString VNBufferMgr::descriptionOfFreeSpaceRequired()
 
 void VNBufferMgr::setRecordRect(const QRectF &rect)
 {
-    const std::lock_guard lock(m_mutex);
-    _recordRect = rect;
+    {
+        const std::lock_guard lock(m_mutex);
+        _recordRect = rect;
+    }
+    describe();
+}
+
+void VNBufferMgr::setIsRecordPart(bool part)
+{
+    _isRecordPart = part;
+    describe();
+}
+
+void VNBufferMgr::setRecordQuality(int quality)
+{
+    m_recordQuality = quality;
+    describe();
 }
 
 QRectF VNBufferMgr::recordRect() const
@@ -229,8 +449,11 @@ QRectF VNBufferMgr::recordRect() const
 
 void VNBufferMgr::setMuxerContext(std::shared_ptr<const PKMuxerContext> context)
 {
-    const std::lock_guard lock(m_mutex);
-    _muxerContext = std::move(context);
+    {
+        const std::lock_guard lock(m_mutex);
+        _muxerContext = std::move(context);
+    }
+    describe();
 }
 
 std::shared_ptr<const PKMuxerContext> VNBufferMgr::muxerContext() const
@@ -264,14 +487,18 @@ QString VNBufferMgr::cachePath()
     return VNBufferDiscr::cachePath();
 }
 
-QString VNBufferMgr::tempVideoPathfile()
+QString VNBufferMgr::tempVideoPathfile() const
 {
-    return cachePath() + QStringLiteral("/vornicvideo.tmp");
+    const std::lock_guard lock(m_mutex);
+    return m_folderPath.isEmpty() ? QString()
+                                  : m_folderPath + u'/' + QLatin1String(RecordingFolder::videoName);
 }
 
-QString VNBufferMgr::tempAudioPathfile()
+QString VNBufferMgr::tempAudioPathfile() const
 {
-    return cachePath() + QStringLiteral("/vornicaudio.tmp");
+    const std::lock_guard lock(m_mutex);
+    return m_folderPath.isEmpty() ? QString()
+                                  : m_folderPath + u'/' + QLatin1String(RecordingFolder::audioName);
 }
 
 } // namespace vornic

@@ -1,29 +1,40 @@
 #pragma once
 
+#include "base/serial_queue.h"
 #include "capture/record/picture_spooler.h"
 #include "capture/record/picture_unspooler.h"
 #include "capture/spool/spool_stream.h"
 
+#include <QDateTime>
 #include <QRectF>
 #include <QString>
 
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 
 namespace vornic {
 
+class Journal;
 class PKAudioRecorderData;
 class PKMuxerContext;
+class RecordingFolder;
 class VNBufferDiscr;
+struct JournalContents;
+struct RecordingDescription;
 
 /// The two spools between recording and encoding, one for frames and one for sound; first in, first out.
 ///
-/// One lives for the whole run, owned by the application delegate. Any thread may call it: everything that
-/// touches a spool runs on that spool's serial queue, which the caller waits for.
+/// Each recording has a folder of its own beneath the cache folder, with a journal from which another process can read
+/// the spools. What is older than half a second is in the files, what is older than two on the disk.
+///
+/// One lives for the whole run, owned by the session. Any thread may call it: everything that touches a spool runs on
+/// that spool's serial queue, which the caller waits for. Files are written and synced by two threads of its own.
 class VNBufferMgr
 {
 public:
@@ -34,10 +45,17 @@ public:
     VNBufferMgr &operator=(const VNBufferMgr &) = delete;
 
     /// Begins a recording: empty spool files, no muxer context, exit flag down, nothing skipped. The indexes
-    /// stay as they are.
+    /// stay as they are. A recording that was open is kept.
     void readyToRecord();
-    /// Makes both spool files anew and opens them.
+    /// Makes a recording's folder with both spool files and opens them.
     void prepareFileHandle();
+    /// Opens what an earlier process left of the recording \a id, to be popped: its rectangle and muxer context (null
+    /// where it got none) are set, the exit flag is up. Nothing is opened where the recording runs, or cannot be read;
+    /// \a whyNot is a sentence for the user then.
+    [[nodiscard]] bool openRecording(const QString &id, QString &whyNot);
+    /// Of the recording that is open; empty when none is.
+    [[nodiscard]] QString recordingId() const;
+    [[nodiscard]] RecordingDescription description() const;
     /// Deletes what is at \a path and makes an empty file there; false (and logged) when that fails.
     static bool createEmptyFile(const QString &path);
 
@@ -68,14 +86,16 @@ public:
     static void waitSeconds(double seconds);
     /// Puts back everything that was taken since clear(): the same recording can be encoded again.
     void rewind();
-    /// Empties both indexes, closes both files and deletes them.
+    /// Empties both indexes, closes both files and deletes them, with all that is left of the recording.
     void clear();
+    /// Empties both indexes and closes the files. The recording stays, and can be opened again.
+    void keep();
 
     /// Whether a recording may start: freeSpaceRequired() bytes are free on the cache folder's file system.
     [[nodiscard]] bool freespaceIsEough() const;
     /// Whether a recording must stop: fewer than limitSpaceForRecord() bytes are free.
     [[nodiscard]] bool cacheFull() const;
-    /// A spool could not be written to its file; what was pushed is still in memory and can be popped.
+    /// A spool or the journal could not be written; what was pushed is still in memory and can be popped.
     [[nodiscard]] bool writeFailed() const;
     /// Bytes.
     [[nodiscard]] static std::uint64_t freeSpaceRequired() { return 10'737'418'240; }
@@ -94,10 +114,12 @@ public:
     void setRecordRect(const QRectF &rect);
     [[nodiscard]] QRectF recordRect() const;
     /// A rectangle of the display is recorded, not the whole.
-    void setIsRecordPart(bool part) { _isRecordPart = part; }
+    void setIsRecordPart(bool part);
     [[nodiscard]] bool isRecordPart() const { return _isRecordPart; }
     void setMuxerContext(std::shared_ptr<const PKMuxerContext> context);
     [[nodiscard]] std::shared_ptr<const PKMuxerContext> muxerContext() const;
+    /// The number of a RecordQuality.
+    void setRecordQuality(int quality);
 
     /// Of the recorded region, truncated to whole pixels.
     [[nodiscard]] std::int64_t recordWidth() const;
@@ -107,8 +129,9 @@ public:
     [[nodiscard]] std::int64_t encodeHeight() const;
 
     [[nodiscard]] static QString cachePath();
-    [[nodiscard]] static QString tempVideoPathfile();
-    [[nodiscard]] static QString tempAudioPathfile();
+    /// Of the recording that is open, or was open last; empty before the first.
+    [[nodiscard]] QString tempVideoPathfile() const;
+    [[nodiscard]] QString tempAudioPathfile() const;
 
 private:
     /// The oldest block of a spool as an object, which is null for an unreadable block.
@@ -126,17 +149,48 @@ private:
     [[nodiscard]] Taken<std::unique_ptr<VNBufferDiscr>> takeRecord();
     [[nodiscard]] Taken<std::optional<PKAudioRecorderData>> takeChunk();
 
+    /// What a journal is told of is in the file by then.
+    struct Open {
+        std::shared_ptr<RecordingFolder> folder; ///< null where none could be made, or none is open
+        std::shared_ptr<Journal> journal;        ///< null where there is no folder
+    };
+    [[nodiscard]] Open opened() const;
+    void setOpened(const Open &open);
+    void describe();
+    void openLeft(const std::shared_ptr<RecordingFolder> &folder, const JournalContents &contents);
+    void closeFolder();
+    void journalShape(std::uint64_t index);
+    void writeSoon();
+    void writeAll();
+    void syncSoon();
+
     SpoolStream m_video;
     SpoolStream m_audio;
     PictureSpooler m_pictures;       ///< on the video queue
     PictureUnspooler m_picturesBack; ///< on the video queue
+    /// On the video queue: the pointer shapes that the journal of this recording has, or the indexes that those of an
+    /// opened one have here.
+    std::set<std::uint64_t> m_journaledShapes;
+    std::optional<std::map<std::uint64_t, std::uint64_t>> m_shapesBack;
     std::function<std::uint64_t()> m_freeSpaceProbe;
     std::atomic<std::uint64_t> m_skippedBlocks = 0;
     std::atomic<bool> mExit = false;
     std::atomic<bool> _isRecordPart = false;
-    mutable std::mutex m_mutex; ///< guards the two below; held for a copy only
+    std::atomic<int> m_recordQuality = 0;
+    std::atomic<bool> m_writesSoon = false;
+    std::atomic<bool> m_syncsSoon = false;
+    std::atomic<bool> m_syncFailed = false;
+    std::mutex m_writeMutex;    ///< held over writes to the files
+    mutable std::mutex m_mutex; ///< guards what follows; held for a copy only
     QRectF _recordRect;
     std::shared_ptr<const PKMuxerContext> _muxerContext;
+    Open m_open;
+    QString m_folderPath; ///< of the recording that is open, or was open last
+    QDateTime m_start;
+    double m_monotonicStart = 0;
+    // Last: their threads end before what they use is destroyed.
+    SerialQueue m_syncer { "vornic sync" };
+    SerialQueue m_writer { "vornic spool" };
 };
 
 } // namespace vornic

@@ -10,7 +10,7 @@ namespace vornic {
 /// Where the blocks of one spool lie, oldest first: first in, first out.
 ///
 /// Owned by the SpoolStream, used on its queue only. Entries are in memory; nothing else knows how they are
-/// kept, so that a journal on disk can take their place and let a recording survive a crash.
+/// kept; the journal holds the same for another process.
 class BlockIndex
 {
 public:

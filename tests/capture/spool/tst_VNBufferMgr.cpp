@@ -5,6 +5,7 @@
 #include "capture/record/VNBufferDiscr.h"
 #include "capture/record/picture_spooler.h"
 #include "capture/spool/VNBufferMgr.h"
+#include "capture/spool/spool_file.h"
 #include "codec/PKMuxerContext.h"
 #include "support/test_pictures.h"
 #include "support/wait_until.h"
@@ -14,6 +15,7 @@
 #include <QRandomGenerator>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -153,7 +155,6 @@ TEST_F(BufferMgrTest, FramesComeBackInTheOrderOfTheirPush)
 TEST_F(BufferMgrTest, FramesAreReadFromMemoryBeforeTheEndToo)
 {
     push(noisePicture({ 320, 200 }, 1), 5);
-    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
     const auto record = m_manager.getBufferVideoFrame();
     ASSERT_TRUE(record);
     EXPECT_TRUE(record->recordImage());
@@ -166,7 +167,7 @@ TEST_F(BufferMgrTest, TheFileIsThePlainConcatenationOfArchives)
     m_manager.pushAudioBuffer(first);
     m_manager.pushAudioBuffer(second);
     m_manager.endAudioRecord();
-    const QByteArray file = fileOf(VNBufferMgr::tempAudioPathfile());
+    const QByteArray file = fileOf(m_manager.tempAudioPathfile());
     // The first cannot be compressed and stands raw; the second stands behind its 8 bytes of length.
     const QByteArray raw = archivedData(first);
     ASSERT_TRUE(file.startsWith(raw));
@@ -301,45 +302,19 @@ TEST_F(BufferMgrTest, ReadyToRecordBeginsAnew)
     m_manager.setExit(true);
     m_manager.setMuxerContext(std::make_shared<PKMuxerContext>("x.mp4"));
     m_manager.clear();
-    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempVideoPathfile()));
-    EXPECT_FALSE(QFile::exists(VNBufferMgr::tempAudioPathfile()));
+    EXPECT_FALSE(QFile::exists(m_manager.tempVideoPathfile()));
+    EXPECT_FALSE(QFile::exists(m_manager.tempAudioPathfile()));
     EXPECT_EQ(m_manager.recordBufferCount(), 0U);
 
     m_manager.readyToRecord();
     EXPECT_FALSE(m_manager.exit());
     EXPECT_FALSE(m_manager.muxerContext());
-    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
+    EXPECT_EQ(QFile(m_manager.tempVideoPathfile()).size(), 0);
     push(noisePicture({ 64, 64 }, 1), 2);
     m_manager.endVideoRecord();
     const auto record = m_manager.getBufferVideoFrame();
     ASSERT_TRUE(record);
     EXPECT_TRUE(record->recordImage());
-}
-
-TEST_F(BufferMgrTest, WhatACrashLeftInTheFilesIsGone)
-{
-    for (const QString &path : { VNBufferMgr::tempVideoPathfile(), VNBufferMgr::tempAudioPathfile() }) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(100'000, 'x'));
-    }
-    VNBufferMgr next { 4 };
-    next.readyToRecord();
-    EXPECT_EQ(QFile(VNBufferMgr::tempVideoPathfile()).size(), 0);
-    EXPECT_EQ(QFile(VNBufferMgr::tempAudioPathfile()).size(), 0);
-    EXPECT_TRUE(logged().isEmpty());
-
-    const PKAudioRecorderData chunk = chunkOf(randomBytes(4000, 1));
-    next.pushAudioBuffer(chunk);
-    next.endAudioRecord();
-    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
-    const auto record = VNBufferDiscr::createWithScreenImage(grabOf(noisePicture({ 64, 64 }, 1)));
-    next.pushRecordBuffer(*record);
-    next.endVideoRecord();
-    EXPECT_FALSE(fileOf(VNBufferMgr::tempVideoPathfile()).contains("xxxx"));
-    const auto popped = next.getBufferVideoFrame();
-    ASSERT_TRUE(popped);
-    EXPECT_TRUE(popped->recordImage());
 }
 
 TEST_F(BufferMgrTest, ReadyToRecordForgetsWhatWasInMemoryAndLeavesTheIndex)
@@ -356,7 +331,7 @@ TEST_F(BufferMgrTest, ReadyToRecordForgetsWhatWasInMemoryAndLeavesTheIndex)
     m_manager.endAudioRecord();
     EXPECT_EQ(m_manager.recordBufferCount(), 2U);
     EXPECT_EQ(m_manager.nextBufferTimestamp(), 1);
-    EXPECT_EQ(fileOf(VNBufferMgr::tempAudioPathfile()), archivedData(chunk));
+    EXPECT_EQ(fileOf(m_manager.tempAudioPathfile()), archivedData(chunk));
     // The entries of the old blocks are still there, and lead to nothing of theirs.
     static_cast<void>(m_manager.getBufferVideoFrame());
     static_cast<void>(m_manager.getAudioBuffer());
@@ -395,7 +370,7 @@ TEST_F(BufferMgrTest, AFileThatCannotBeMadeIsLoggedAndTheRecordingGoesOn)
 {
     qputenv("XDG_CACHE_HOME", "/proc/none");
     m_manager.readyToRecord();
-    EXPECT_EQ(logged().count("Failed to create tmp file."), 2);
+    EXPECT_EQ(logged().count("Failed to create tmp file."), 1);
     push(noisePicture({ 64, 64 }, 1), 1);
     m_manager.endVideoRecord();
     m_manager.setExit(true);
@@ -416,7 +391,7 @@ TEST_F(BufferMgrTest, AnEqualPictureTakesNoSpaceAndComesBackAllTheSame)
         VNBufferDiscr::createWithScreenImage(grabOf(picture))->encodeWithCoder(archiver, spooler);
         return archiver.bytes().size();
     }();
-    EXPECT_LT(QFile(VNBufferMgr::tempVideoPathfile()).size(), one + 300);
+    EXPECT_LT(QFile(m_manager.tempVideoPathfile()).size(), one + 300);
     const auto first = m_manager.getBufferVideoFrame();
     ASSERT_TRUE(first);
     for (int i = 1; i < 3; ++i) {
@@ -458,7 +433,7 @@ TEST_F(BufferMgrTest, ADamagedBlockCostsItselfAndTheMarksBehindIt)
     ASSERT_TRUE(first);
     {
         // Overwrites the start of the second block.
-        QFile file(VNBufferMgr::tempVideoPathfile());
+        QFile file(m_manager.tempVideoPathfile());
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         const QByteArray all = file.readAll();
         const qsizetype second = all.indexOf(QByteArray("mMouseLocation"), all.indexOf("mMouseLocation") + 1);
@@ -523,9 +498,11 @@ TEST_F(BufferMgrTest, ProducersAndConsumersMayRunAtOnce)
 class SpoolStreamTest : public CaptureTest
 {
 protected:
-    SpoolStreamTest()
+    SpoolStreamTest() { open(); }
+    void open()
     {
-        onQueue([this] { m_stream.open(m_path); });
+        QFile::remove(m_path);
+        onQueue([this] { m_stream.open(SpoolFile::create(AT_FDCWD, QFile::encodeName(m_path)), nullptr); });
     }
     void onQueue(const std::function<void()> &block) { m_stream.queue().sync(block); }
     void append(const QByteArray &block)
@@ -550,7 +527,7 @@ protected:
     }
 
     QString m_path = m_cacheHome.filePath("spool");
-    SpoolStream m_stream { "test" };
+    SpoolStream m_stream { "test", SpoolKind::Video };
 };
 
 TEST_F(SpoolStreamTest, BlocksLieBehindOneAnotherFromZero)
@@ -583,7 +560,7 @@ TEST_F(SpoolStreamTest, OpeningBeginsAgainAtZeroAndLeavesTheIndex)
 {
     append(QByteArray(SpoolStream::flushLength, 'a')); // flushed: the next lies behind it in the file
     append("in memory");
-    onQueue([this] { m_stream.open(m_path); });
+    open();
     EXPECT_EQ(QFile(m_path).size(), 0);
     append("new");
     onQueue([this] { EXPECT_EQ(m_stream.index().count(), 3U); });
