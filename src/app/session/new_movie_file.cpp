@@ -7,6 +7,18 @@
 
 namespace vornic {
 
+namespace {
+
+QString freeName(const QString &folder, const QString &name)
+{
+    QString path = QDir(folder).filePath(name + QStringLiteral(".mp4"));
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = QDir(folder).filePath(QStringLiteral("%1 %2.mp4").arg(name).arg(number));
+    return path;
+}
+
+} // namespace
+
 QString newMovieFile(const QDateTime &time)
 {
     QString folder = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
@@ -15,10 +27,15 @@ QString newMovieFile(const QDateTime &time)
     // No colons: not every file system takes them.
     const QString name = QCoreApplication::translate("vornic", "Recording %1")
                              .arg(time.toString(QStringLiteral("yyyy-MM-dd HH-mm-ss")));
-    QString path = QDir(folder).filePath(name + QStringLiteral(".mp4"));
-    for (int number = 2; QFileInfo::exists(path); ++number)
-        path = QDir(folder).filePath(QStringLiteral("%1 %2.mp4").arg(name).arg(number));
-    return path;
+    return freeName(folder, name);
+}
+
+QString movieFileFor(const QString &meant, const QDateTime &time)
+{
+    const QFileInfo file(meant);
+    if (meant.isEmpty() || !QFileInfo(file.absolutePath()).isDir())
+        return newMovieFile(time);
+    return freeName(file.absolutePath(), file.completeBaseName());
 }
 
 } // namespace vornic

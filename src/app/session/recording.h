@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/session/recording_clock.h"
+#include "capture/spool/recording_description.h"
 #include "codec/movie_statistics.h"
 #include "options/VNOption.h"
 
@@ -28,6 +29,19 @@ struct Recording {
         , hasSound(options.enableAudio() && sound)
         , clock(hasSound ? RecordingClock::Origin::FirstSound : RecordingClock::Origin::FirstPass,
                 std::move(now))
+    {
+    }
+
+    /// One that an earlier run has left, for a movie in \a file.
+    Recording(const RecordingDescription &description, QString file)
+        : path(std::move(file))
+        , rectangle(description.rectangle)
+        , isPart(description.isPart)
+        , quality(static_cast<RecordQuality>(description.quality))
+        , clock(description.movie && description.movie->audioCodecID() != PKMuxerContext::audioCodecNone
+                    ? RecordingClock::Origin::FirstSound
+                    : RecordingClock::Origin::FirstPass)
+        , isCaptured(true)
     {
     }
 

@@ -38,6 +38,8 @@ public:
     /// 0 to 100.
     virtual void setProgress(double /*percent*/) { }
     virtual void endProgress() { }
+    /// There is no movie, but the recording \a id stays and can be made into one later.
+    virtual void recordingKept(const QString & /*id*/) { }
 
 protected:
     RecordingProgress() = default;

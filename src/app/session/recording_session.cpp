@@ -17,6 +17,7 @@
 #include "base/serial_queue.h"
 #include "capture/VNCGDisplay.h"
 #include "capture/spool/VNBufferMgr.h"
+#include "capture/spool/recording_description.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTask.h"
 #include "geometry/screen_geometry.h"
@@ -217,6 +218,7 @@ void RecordingSession::startRecorderAnyway()
 
     m_spool->setRecordRect(m_recording->rectangle);
     m_spool->setIsRecordPart(m_recording->isPart);
+    m_spool->setRecordQuality(static_cast<int>(m_recording->quality));
     if (m_recording->isPart)
         m_frontEnd.progress.setBusy(true);
     m_frontEnd.progress.whenScreenIsClear([session = QPointer(this), recording = m_recording] {
@@ -244,18 +246,23 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
 
     QFile::remove(path);
     const auto context = std::make_shared<PKMuxerContext>(path, PKMuxerContext::formatMp4);
-    const std::int64_t width = m_spool->encodeWidth();
-    const std::int64_t height = m_spool->encodeHeight();
-    context->setWidth(static_cast<std::int32_t>(width));
-    context->setHeight(static_cast<std::int32_t>(height));
-    context->setVideoCodecID(PKMuxerContext::videoCodecH264);
-    context->setFrameRate(movieFrameRate(quality));
-    context->setVideoBitrate(movieBitRate(quality, width, height));
+    describePicture(*context, quality);
     if (audio)
         m_audio->start(*context);
     else
         context->setAudioCodecID(PKMuxerContext::audioCodecNone);
     m_spool->setMuxerContext(context);
+}
+
+void RecordingSession::describePicture(PKMuxerContext &context, RecordQuality quality) const
+{
+    const std::int64_t width = m_spool->encodeWidth();
+    const std::int64_t height = m_spool->encodeHeight();
+    context.setWidth(static_cast<std::int32_t>(width));
+    context.setHeight(static_cast<std::int32_t>(height));
+    context.setVideoCodecID(PKMuxerContext::videoCodecH264);
+    context.setFrameRate(movieFrameRate(quality));
+    context.setVideoBitrate(movieBitRate(quality, width, height));
 }
 
 void RecordingSession::frameKept(std::int64_t timestamp)
@@ -335,6 +342,38 @@ void RecordingSession::executeStopRecord()
     startWriting();
 }
 
+void RecordingSession::recover(const QString &id, const QString &file, std::optional<RecordQuality> quality)
+{
+    if (m_phase != Phase::Idle)
+        return;
+    QString whyNot = whyNoMovieCanBeWritten(file);
+    if (!whyNot.isEmpty() || !m_spool->openRecording(id, whyNot)) {
+        m_frontEnd.questions.alertError(whyNot);
+        refuse();
+        return;
+    }
+    const RecordingDescription description = m_spool->description();
+    const auto recording = std::make_shared<Recording>(description, file);
+    recording->quality = quality.value_or(recording->quality);
+    recording->framesGrabbed = m_spool->recordBufferCount();
+    adopt(recording);
+    const auto context = description.movie ? std::make_shared<PKMuxerContext>(*description.movie)
+                                           : std::make_shared<PKMuxerContext>(file);
+    context->setFilename(file);
+    describePicture(*context, recording->quality);
+    m_spool->setMuxerContext(context);
+    setPhase(Phase::Writing);
+    m_frontEnd.desktop.inhibitIdle(true);
+    m_frontEnd.progress.setBusy(true);
+    startWriting();
+}
+
+void RecordingSession::later()
+{
+    if (m_phase == Phase::Writing)
+        m_job->cancel();
+}
+
 void RecordingSession::startWriting()
 {
     m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
@@ -358,15 +397,19 @@ void RecordingSession::muxerReported(const QString &action, const QVariant &valu
             progress.stepAside();
     } else if (action == PKMuxerTaskActionFailed) {
         progress.endProgress();
-        m_recording->failure = errorText(value.value<Error>());
-        m_frontEnd.questions.alertError(m_recording->failure);
-        muxerFailed();
+        muxerFailed(value.value<Error>());
     }
 }
 
-/// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere.
-void RecordingSession::muxerFailed()
+/// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere, or later.
+void RecordingSession::muxerFailed(const Error &error)
 {
+    m_recording->failure = errorText(error);
+    if (error.kind == ErrorKind::Cancelled) {
+        becomeIdle();
+        return;
+    }
+    m_frontEnd.questions.alertError(m_recording->failure);
     if (m_recording->framesGrabbed == 0) {
         becomeIdle();
         return;
@@ -401,9 +444,17 @@ void RecordingSession::recordcomplete()
     becomeIdle();
 }
 
+/// The spool goes once its movie is complete, or when it holds nothing.
 void RecordingSession::becomeIdle()
 {
-    m_spool->clear();
+    const QString id = m_spool->recordingId();
+    const bool isKept = !m_recording->failure.isEmpty() && m_recording->framesGrabbed > 0;
+    if (isKept)
+        m_spool->keep();
+    else
+        m_spool->clear();
+    if (isKept && !id.isEmpty())
+        m_frontEnd.progress.recordingKept(id);
     hideStopRecordingBtn();
     m_frontEnd.progress.setBusy(false);
     m_frontEnd.desktop.inhibitIdle(false);
@@ -430,9 +481,11 @@ void RecordingSession::hideStopRecordingBtn()
 
 void RecordingSession::terminate()
 {
-    m_terminating = true;
+    const bool isInsisted = std::exchange(m_terminating, true);
     if (!isRecording())
         emit readyToTerminate();
+    else if (isInsisted && m_phase == Phase::Writing)
+        later();
     else
         stopRecord();
 }

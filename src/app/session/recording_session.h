@@ -4,6 +4,7 @@
 #include "app/session/front_end.h"
 #include "app/session/recording_clock.h"
 #include "app/session/recording_counts.h"
+#include "options/record_quality.h"
 
 #include <QObject>
 #include <QRectF>
@@ -20,10 +21,12 @@ namespace vornic {
 class AudioControl;
 class AudioInput;
 class MovieJob;
+class PKMuxerContext;
 class SerialQueue;
 class VNBufferMgr;
 class VNCGDisplay;
 class VNOption;
+struct Error;
 struct Recording;
 
 /// One recording at a time, from the record button to the finished movie.
@@ -69,6 +72,11 @@ public:
     void startRecorderAnyway();
     /// \a arguments: the output path, the quality step, 1 for audio or 0.
     void startRecorder(const QVariantList &arguments);
+    /// Makes the movie of the recording \a id, which an earlier run has left or which was put off, when idle: to
+    /// \a file, which it replaces, with another quality where one is given.
+    void recover(const QString &id, const QString &file, std::optional<RecordQuality> quality = {});
+    /// Puts off the movie that is written: the recording is kept, and recover() goes on with it.
+    void later();
     /// Raises the exit flag; the next capture pass ends the recording.
     void stopRecord();
     /// Writes the movie of the recording that is captured; no more than once.
@@ -77,7 +85,7 @@ public:
     void showStopRecordingBtn();
     void hideStopRecordingBtn();
     /// Ends a running recording normally: its movie is written, then the phase is Idle. Then, or at once when
-    /// idle, readyToTerminate() is sent.
+    /// idle, readyToTerminate() is sent. A second call while the movie is written puts that off.
     void terminate();
     /// True when the program may end; asks while a recording runs.
     [[nodiscard]] bool mayQuit();
@@ -117,12 +125,13 @@ private:
     void refuse();
     [[nodiscard]] bool outputAndSpoolAreReady();
     [[nodiscard]] QRectF regionToRecord() const;
+    void describePicture(PKMuxerContext &context, RecordQuality quality) const;
     void adopt(std::shared_ptr<Recording> recording);
     void beginCapture();
     void goOnWithoutSound();
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
-    void muxerFailed();
+    void muxerFailed(const Error &error);
     void writeTo(const QString &path);
     void becomeIdle();
 
