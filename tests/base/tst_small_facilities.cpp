@@ -5,20 +5,25 @@
 #include "base/user_defaults.h"
 #include "support/wait_until.h"
 
+#include <QDir>
 #include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
+#include <sys/statfs.h>
 #include <sys/statvfs.h>
 #include <time.h>
 
 #include <cstring>
+#include <initializer_list>
 
 namespace {
 
 constexpr const char *inventedVolume = "/an/invented/volume";
+long inventedType = EXT4_SUPER_MAGIC;
 
 } // namespace
 
@@ -38,6 +43,19 @@ extern "C" int statvfs(const char *path, struct statvfs *volume) noexcept
     volume->f_blocks = 13'000'000'000;
     volume->f_bfree = 12'000'000'000;
     volume->f_bavail = 11'000'000'000;
+    return 0;
+}
+
+/// The same for what kind of volume it is: which ones a machine has, and may mount, differs.
+extern "C" int statfs(const char *path, struct statfs *volume) noexcept
+{
+    if (std::strcmp(path, inventedVolume) != 0) {
+        using Function = int (*)(const char *, struct statfs *);
+        static const auto systems = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statfs"));
+        return systems(path, volume);
+    }
+    *volume = {};
+    volume->f_type = inventedType;
     return 0;
 }
 
@@ -88,11 +106,37 @@ TEST(FreeSpaceTest, ItIsWhatTheFileSystemTellsAUser)
     // Others write to the same volume meanwhile.
     EXPECT_NEAR(static_cast<double>(freeSpaceBytes(folder.path())), expected, 2e9);
     EXPECT_EQ(freeSpaceBytes("/none/such"), 0U);
+    EXPECT_FALSE(freeSpace("/none/such")) << "which is not the same as a full one";
+    EXPECT_TRUE(freeSpace(folder.path()));
 }
 
 TEST(FreeSpaceTest, ItCountsFragmentsThatAUserMayTake)
 {
     EXPECT_EQ(freeSpaceBytes(inventedVolume), 11'000'000'000U * 1'024);
+}
+
+TEST(VolumeTest, FoldersOfOneFileSystemShareIt)
+{
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkdir("inside"));
+    EXPECT_TRUE(areOnOneVolume(folder.path(), folder.filePath("inside")));
+    EXPECT_FALSE(areOnOneVolume(folder.path(), "/proc"));
+    EXPECT_FALSE(areOnOneVolume(folder.path(), "/none/such"));
+    EXPECT_FALSE(areOnOneVolume("/none/such", "/none/such"));
+}
+
+TEST(VolumeTest, SomeKindsLieInMemory)
+{
+    for (const long type : std::initializer_list<long> { TMPFS_MAGIC, RAMFS_MAGIC }) {
+        inventedType = type;
+        EXPECT_TRUE(liesInMemory(inventedVolume)) << type;
+    }
+    for (const long type : std::initializer_list<long> { EXT4_SUPER_MAGIC, NFS_SUPER_MAGIC }) {
+        inventedType = type;
+        EXPECT_FALSE(liesInMemory(inventedVolume)) << type;
+    }
+    EXPECT_FALSE(liesInMemory("/none/such"));
+    EXPECT_FALSE(liesInMemory("/proc"));
 }
 
 TEST(UserDefaultsTest, ValuesReachTheFileOfTheProgram)
