@@ -57,6 +57,7 @@ void VNBufferMgr::readyToRecord()
     closeFolder();
     setMuxerContext(nullptr);
     mExit = false;
+    m_spooledBytes = 0;
     m_skippedBlocks = 0;
     prepareFileHandle();
 }
@@ -271,7 +272,9 @@ void VNBufferMgr::pushRecordBuffer(const VNBufferDiscr &record)
         journalShape(record.cursorIndex());
         KeyedArchiver archiver;
         record.encodeWithCoder(archiver, m_pictures);
-        m_video.append(archiver.bytes(), static_cast<std::int64_t>(record.timestamp()), false);
+        const QByteArray stored = archiver.bytes();
+        m_video.append(stored, static_cast<std::int64_t>(record.timestamp()), false);
+        m_spooledBytes += static_cast<std::uint64_t>(stored.size());
     });
 }
 
@@ -286,6 +289,7 @@ void VNBufferMgr::pushAudioBuffer(const PKAudioRecorderData &chunk)
         bool compressed = false;
         const QByteArray stored = LZOCompress(archivedData(chunk), &compressed);
         m_audio.append(stored, 0, compressed);
+        m_spooledBytes += static_cast<std::uint64_t>(stored.size());
     });
 }
 

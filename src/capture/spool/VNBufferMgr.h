@@ -79,6 +79,8 @@ public:
     [[nodiscard]] std::int64_t lastBufferTimestamp();
     [[nodiscard]] std::int64_t nextBufferTimestamp();
     [[nodiscard]] std::uint64_t recordBufferCount();
+    /// Bytes of all that was pushed since readyToRecord(), as stored. Waits for nobody.
+    [[nodiscard]] std::uint64_t spooledBytes() const { return m_spooledBytes; }
     /// Blocks that could not be read back since readyToRecord() or rewind().
     [[nodiscard]] std::uint64_t skippedBlockCount() const { return m_skippedBlocks; }
 
@@ -173,6 +175,7 @@ private:
     std::set<std::uint64_t> m_journaledShapes;
     std::optional<std::map<std::uint64_t, std::uint64_t>> m_shapesBack;
     std::function<std::uint64_t()> m_freeSpaceProbe;
+    std::atomic<std::uint64_t> m_spooledBytes = 0;
     std::atomic<std::uint64_t> m_skippedBlocks = 0;
     std::atomic<bool> mExit = false;
     std::atomic<bool> _isRecordPart = false;

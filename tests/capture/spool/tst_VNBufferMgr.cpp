@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <dlfcn.h>
@@ -179,6 +180,23 @@ TEST_F(BufferMgrTest, TheFileIsThePlainConcatenationOfArchives)
     EXPECT_EQ(samplesOf(m_manager.getAudioBuffer()), first.data());
     EXPECT_EQ(samplesOf(m_manager.getAudioBuffer()), second.data());
     EXPECT_FALSE(m_manager.getAudioBuffer());
+}
+
+TEST_F(BufferMgrTest, TellsHowManyBytesWereSpooled)
+{
+    EXPECT_EQ(m_manager.spooledBytes(), 0U);
+    push(noisePicture({ 64, 64 }, 1), 1);
+    const std::uint64_t picture = m_manager.spooledBytes();
+    EXPECT_GT(picture, 0U) << "it counts while it is in memory";
+    m_manager.pushAudioBuffer(chunkOf(randomBytes(5000, 1)));
+    EXPECT_GT(m_manager.spooledBytes(), picture);
+    m_manager.endVideoRecord();
+    m_manager.endAudioRecord();
+    EXPECT_EQ(m_manager.spooledBytes(),
+              static_cast<std::uint64_t>(QFileInfo(m_manager.tempVideoPathfile()).size()
+                                         + QFileInfo(m_manager.tempAudioPathfile()).size()));
+    m_manager.readyToRecord();
+    EXPECT_EQ(m_manager.spooledBytes(), 0U);
 }
 
 TEST_F(BufferMgrTest, OnlyAChunkThatWasCompressedIsUncompressed)
