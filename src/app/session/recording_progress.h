@@ -8,6 +8,8 @@
 
 namespace vornic {
 
+struct RecordingRoom;
+
 /// What a person sees of a recording that runs and of the movie that is written.
 ///
 /// Implemented by a front end; called on the main thread only. Everything does nothing by default.
@@ -19,6 +21,10 @@ public:
     virtual void showStopItem(const QString & /*title*/, const QRectF & /*recorded*/) { }
     virtual void setStopItemTitle(const QString & /*title*/) { }
     virtual void hideStopItem() { }
+    /// Told about once a second while pictures are kept, until hideStopItem().
+    virtual void showRoom(const RecordingRoom & /*room*/) { }
+    /// There are less than ten minutes left; once a recording.
+    virtual void warnOfLittleRoom(const RecordingRoom & /*room*/) { }
     /// No sound has come for some seconds, and without it no picture is kept; \a goOn records without. \a goOn is
     /// called once at most, and only before hideStopItem().
     virtual void soundIsMissing(const std::function<void()> & /*goOn*/) { }

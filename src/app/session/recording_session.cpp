@@ -3,6 +3,7 @@
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/desktop_services.h"
+#include "app/session/disk_watch.h"
 #include "app/session/error_text.h"
 #include "app/session/movie_job.h"
 #include "app/session/new_movie_file.h"
@@ -36,6 +37,7 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
     , m_options(options)
     , m_now(absoluteTimeSeconds)
     , m_spool(std::make_unique<VNBufferMgr>(4))
+    , m_diskWatch(std::make_unique<DiskWatch>(*m_spool, frontEnd.progress))
     , m_display(std::make_unique<VNCGDisplay>())
     , m_audio(std::make_unique<AudioInput>(*m_spool, audio))
 {
@@ -252,6 +254,7 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
     else
         context->setAudioCodecID(PKMuxerContext::audioCodecNone);
     m_spool->setMuxerContext(context);
+    m_diskWatch->begin();
 }
 
 void RecordingSession::describePicture(PKMuxerContext &context, RecordQuality quality) const
@@ -267,6 +270,7 @@ void RecordingSession::describePicture(PKMuxerContext &context, RecordQuality qu
 
 void RecordingSession::frameKept(std::int64_t timestamp)
 {
+    m_diskWatch->frameKept(m_recording->clock.now(), timestamp);
     if (m_recording->stopItemIsShown)
         m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
     emit clockTicked(timestamp);

@@ -20,6 +20,7 @@ namespace vornic {
 
 class AudioControl;
 class AudioInput;
+class DiskWatch;
 class MovieJob;
 class PKMuxerContext;
 class SerialQueue;
@@ -92,6 +93,7 @@ public:
 
     [[nodiscard]] AudioInput &audioInput() { return *m_audio; }
     [[nodiscard]] VNBufferMgr &bufferMgr() { return *m_spool; }
+    [[nodiscard]] DiskWatch &diskWatch() { return *m_diskWatch; }
     [[nodiscard]] SerialQueue &imgCaptureQueue();
     [[nodiscard]] CaptureLoop &captureLoop() { return *m_loop; }
     [[nodiscard]] MovieJob &movieJob() { return *m_job; }
@@ -143,6 +145,7 @@ private:
     bool m_terminating = false;
     QString m_chosenFile; ///< the save panel's answer
     std::unique_ptr<VNBufferMgr> m_spool;
+    std::unique_ptr<DiskWatch> m_diskWatch;
     std::unique_ptr<VNCGDisplay> m_display;
     std::unique_ptr<AudioInput> m_audio;
     std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, as the two below

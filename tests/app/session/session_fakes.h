@@ -6,6 +6,7 @@
 #include "app/session/logo_panels.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
+#include "app/session/recording_room.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "audio/audio_control.h"
@@ -49,6 +50,8 @@ public:
     QStringList alerts; ///< message and informative text
     QList<double> percents;
     QRectF recordedRegion; ///< that the stop item was told of
+    QList<RecordingRoom> rooms;
+    QList<RecordingRoom> warnings; ///< of little room
 
     void askAboutFreeSpace(std::function<void(bool)> answer) override
     {
@@ -98,6 +101,8 @@ public:
     }
     void setStopItemTitle(const QString &title) override { titles += title; }
     void hideStopItem() override { told += "hideStopItem"; }
+    void showRoom(const RecordingRoom &room) override { rooms += room; }
+    void warnOfLittleRoom(const RecordingRoom &room) override { warnings += room; }
     void minimiseMainWindow() override { told += "minimise"; }
     void setBusy(bool busy) override { told += busy ? "busy" : "notBusy"; }
     void askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer) override

@@ -1,4 +1,5 @@
 #include "app/session/audio_input.h"
+#include "app/session/disk_watch.h"
 #include "app/session/new_movie_file.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
@@ -246,6 +247,30 @@ TEST_F(RecordingSessionTest, WhereNoSoundComesTheUserMayGoOnWithout)
     EXPECT_TRUE(testing::streamOf(movie, "audio").isEmpty());
     frontEnd.goOnWithoutSound(); // of a recording that is over
     EXPECT_EQ(session->phase(), Phase::Idle);
+}
+
+TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)
+{
+    makeSession();
+    step = 1;
+    session->diskWatch().setProbe([](const QString & /*spool*/, const QString & /*movie*/) {
+        return DiskSpace { .spoolFree = VNBufferMgr::limitSpaceForRecord() + 10'000,
+                           .movieFree = 100'000'000'000 };
+    });
+    for (const int recordings : { 1, 2 }) {
+        frontEnd.rooms.clear();
+        timestamps.clear();
+        session->recorded();
+        ASSERT_TRUE(waitUntil([&] { return frontEnd.warnings.size() == recordings; }));
+        EXPECT_EQ(frontEnd.warnings.last().folder, VNBufferMgr::cachePath());
+        const qsizetype told = frontEnd.rooms.size();
+        ASSERT_TRUE(waitUntil([&] { return frontEnd.rooms.size() >= told + 5; }));
+        EXPECT_EQ(frontEnd.warnings.size(), recordings);
+        EXPECT_GT(frontEnd.rooms.last().spooledBytes, frontEnd.rooms.first().spooledBytes);
+        EXPECT_EQ(frontEnd.rooms.size(), timestamps.size() - 1) << "once a second, from the first one on";
+        session->stopRecord();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    }
 }
 
 TEST_F(RecordingSessionTest, NoPictureIsTakenBeforeTheScreenIsClear)
