@@ -1,5 +1,7 @@
 #include "recording_fixture.h"
 
+#include <QRegularExpression>
+
 namespace vornic {
 namespace {
 
@@ -62,6 +64,21 @@ TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpool
     const QStringList words = result.output.split(' ');
     EXPECT_EQ(words[0], words[3]) << result.output.toStdString();
     EXPECT_EQ(words[3].toLongLong(), numbersOf(probe(movie()), "packets", "video", "pts").size());
+}
+
+TEST_F(SmallVolumeTest, TheRoomIsToldAndWarnedOfOnce)
+{
+    const Result result = inVolume(gibibyte + gibibyte / 4,
+                                   "XDG_CACHE_HOME=$PWD/volume " + program
+                                       + " record --ignore-low-space --duration 11 o.mp4");
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains(QRegularExpression(
+        "^00:00:10, \\d+ MB, room for (\\d min|less than a minute)$", QRegularExpression::MultilineOption)))
+        << result.error.toStdString();
+    EXPECT_EQ(result.error.count("vornic: At this rate there is room for "), 1) << result.error.toStdString();
+    const QString cache = folder.filePath("volume/com.kavlor.vornic");
+    EXPECT_EQ(result.error.count("The cache folder " + cache + " lies in memory: "), 1)
+        << result.error.toStdString();
 }
 
 TEST_F(SmallVolumeTest, LittleSpaceIsRefusedNamingTheRule)

@@ -1,6 +1,9 @@
 #include "app/cli/command_line_front_end.h"
 
+#include "app/session/room_text.h"
 #include "app/session/time_text.h"
+#include "base/free_space.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "desktop/idle_inhibitor.h"
 
 #include <QCoreApplication>
@@ -64,6 +67,8 @@ void CommandLineFrontEnd::runSavePanel(const QString & /*name*/,
 
 void CommandLineFrontEnd::showStopItem(const QString & /*title*/, const QRectF & /*recorded*/)
 {
+    if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))
+        writeError(liesInMemoryText(folder) + u'\n');
     writeError(m_line.durationSeconds
                    ? QCoreApplication::translate("vornic", "Recording for %1 s; Ctrl-C stops it earlier.\n")
                          .arg(*m_line.durationSeconds)
@@ -74,10 +79,21 @@ void CommandLineFrontEnd::setStopItemTitle(const QString &title)
 {
     if (title == std::exchange(m_lastTitle, title))
         return;
+    const QString line = m_room.isEmpty() ? title : QStringLiteral("%1, %2").arg(title, m_room);
     if (m_isTerminal)
-        redraw(title);
+        redraw(line);
     else if (title.endsWith(u'0') || !title.front().isDigit())
-        writeError(title + u'\n');
+        writeError(line + u'\n');
+}
+
+void CommandLineFrontEnd::showRoom(const RecordingRoom &room)
+{
+    m_room = sizeAndRoom(room);
+}
+
+void CommandLineFrontEnd::warnOfLittleRoom(const RecordingRoom &room)
+{
+    alertError(littleRoom(room));
 }
 
 void CommandLineFrontEnd::hideStopItem()

@@ -39,6 +39,8 @@ public:
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;
+    void showRoom(const RecordingRoom &room) override;
+    void warnOfLittleRoom(const RecordingRoom &room) override;
     void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;
@@ -54,6 +56,7 @@ private:
     bool m_isTerminal;
     bool m_lineIsOpen = false;
     QString m_lastTitle;
+    QString m_room; ///< behind the clock; empty in the first second
     int m_lastPercent = -1;
     QElapsedTimer m_encoding;
     std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
