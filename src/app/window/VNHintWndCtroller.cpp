@@ -1,9 +1,12 @@
 #include "app/window/VNHintWndCtroller.h"
 
 #include "app/session/recording_questions.h"
+#include "app/session/room_text.h"
 #include "app/session/start_settings.h"
 #include "app/window/sheet.h"
+#include "base/free_space.h"
 #include "base/user_defaults.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "observing/key_path_binding.h"
 
 #include <QDialog>
@@ -61,8 +64,10 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
 {
     m_parent = parent;
     m_window = makeSheet<Ui::VNHintWndCtroller>(parent, [this](Ui::VNHintWndCtroller &ui) {
-        ui.explanation->setText(
-            howToStop(QSystemTrayIcon::isSystemTrayAvailable(), start_settings::shortcut()));
+        QString text = howToStop(QSystemTrayIcon::isSystemTrayAvailable(), start_settings::shortcut());
+        if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))
+            text += QStringLiteral("\n\n") + liesInMemoryText(folder);
+        ui.explanation->setText(text);
         connect(ui.startButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::startRecordAction);
         connect(ui.cancelButton, &QAbstractButton::clicked, this, &VNHintWndCtroller::cancelAction);
         new KeyPathBinding(ui.chkShowAgain, "checked", this, "showAgain");

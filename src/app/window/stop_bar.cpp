@@ -102,6 +102,11 @@ void StopBar::setTitle(const QString &title)
     fit();
 }
 
+void StopBar::setRoom(const QString &room)
+{
+    m_button->setToolTip(tr("Stop the recording") + u'\n' + room);
+}
+
 void StopBar::fit()
 {
     adjustSize();

@@ -35,6 +35,8 @@ public:
     ~StopBar() override;
 
     void setTitle(const QString &title);
+    /// What the button's tool tip tells beneath what it does.
+    void setRoom(const QString &room);
     /// Shows it, or takes it off the screen.
     void setWanted(bool isWanted);
     /// Above full-screen windows, where no window manager helps; otherwise an ordinary window, so that the keyboard

@@ -102,10 +102,25 @@ void StopItem::setTitle(const QString &title)
         return;
     m_title = title;
     m_bar->setTitle(title);
+    showTexts();
+}
+
+void StopItem::setRoom(const QString &room)
+{
+    if (room == m_room)
+        return;
+    m_room = room;
+    m_bar->setRoom(room);
+    showTexts();
+}
+
+void StopItem::showTexts()
+{
     if (!m_trayIcon)
         return;
-    m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(title));
-    m_clock->setText(tr("Recording: %1").arg(title));
+    const QString text = m_room.isEmpty() ? m_title : QStringLiteral("%1, %2").arg(m_title, m_room);
+    m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(text));
+    m_clock->setText(tr("Recording: %1").arg(text));
 }
 
 } // namespace vornic

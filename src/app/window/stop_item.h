@@ -29,6 +29,8 @@ public:
     ~StopItem() override;
 
     void setTitle(const QString &title);
+    /// What is told behind the clock, in tool tips and the menu.
+    void setRoom(const QString &room);
     /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
     /// the window manager would give it to the bar.
     void allowBar();
@@ -42,10 +44,12 @@ signals:
 
 private:
     void makeTrayIcon();
+    void showTexts();
     void showBarWhereNeeded();
     void goOnWithoutSound();
 
     QString m_title;
+    QString m_room;
     bool m_isBarAllowed = false;
     std::function<void()> m_goOn; ///< empty but while sound is missing
     std::unique_ptr<QMenu> m_menu;

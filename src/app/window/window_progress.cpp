@@ -1,11 +1,14 @@
 #include "app/window/window_progress.h"
 
+#include "app/session/room_text.h"
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/application_icon.h"
 #include "app/window/main_window.h"
 #include "app/window/main_window_link.h"
 #include "app/window/screen_settling.h"
 #include "app/window/stop_item.h"
+#include "base/free_space.h"
+#include "capture/spool/VNBufferMgr.h"
 #include "desktop/notifier.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
@@ -34,6 +37,7 @@ void WindowProgress::showStopItem(const QString &title, const QRectF &recorded)
     m_stopItem = std::make_unique<StopItem>(
         title, ToolkitScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_stopItem.get(), m_stop);
+    m_isInMemory = liesInMemory(VNBufferMgr::cachePath());
 }
 
 void WindowProgress::setStopItemTitle(const QString &title)
@@ -46,9 +50,30 @@ void WindowProgress::setStopItemTitle(const QString &title)
 
 void WindowProgress::hideStopItem()
 {
+    if (!m_stopItem)
+        return;
     // The item's own click may be what led here.
-    if (m_stopItem)
-        m_stopItem.release()->deleteLater();
+    m_stopItem.release()->deleteLater();
+    if (m_main.window)
+        m_main.window->showStatus({});
+}
+
+void WindowProgress::showRoom(const RecordingRoom &room)
+{
+    if (!m_stopItem)
+        return;
+    const QString text = sizeAndRoom(room);
+    m_stopItem->setRoom(text);
+    if (m_main.window)
+        m_main.window->showStatus((m_isInMemory ? tr("In memory: %1") : tr("On disk: %1")).arg(text));
+}
+
+void WindowProgress::warnOfLittleRoom(const RecordingRoom &room)
+{
+    m_notifier->show({ .title = tr("Little room is left for the recording"),
+                       .body = littleRoom(room),
+                       .actionLabel = {},
+                       .action = {} });
 }
 
 void WindowProgress::soundIsMissing(const std::function<void()> &goOn)

@@ -36,6 +36,8 @@ public:
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;
+    void showRoom(const RecordingRoom &room) override;
+    void warnOfLittleRoom(const RecordingRoom &room) override;
     void soundIsMissing(const std::function<void()> &goOn) override;
     void whenScreenIsClear(std::function<void()> done) override;
     void stepAside() override;
@@ -51,7 +53,8 @@ private:
     const MainWindowLink &m_main;
     std::function<void()> m_stop;
     std::unique_ptr<StopItem> m_stopItem;
-    QRect m_minimisedFrame; ///< where the main window was, in the toolkit's coordinates
+    bool m_isInMemory = false; ///< what is recorded now
+    QRect m_minimisedFrame;    ///< where the main window was, in the toolkit's coordinates
     std::unique_ptr<ScreenSettling> m_settling;
     std::unique_ptr<QSystemTrayIcon> m_writingIcon; ///< while the movie is written; null without a tray
     std::unique_ptr<Notifier> m_notifier;

@@ -1,0 +1,130 @@
+#include "app/session/recording_room.h"
+#include "app/session/room_text.h"
+#include "app/window/VNHintWndCtroller.h"
+#include "app/window/status_line.h"
+#include "app/window/window_front_end.h"
+#include "base/free_space.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "desktop/fake_service.h"
+#include "main_window_test.h"
+
+#include <QAbstractButton>
+#include <QDialog>
+#include <QDir>
+#include <QLabel>
+#include <QtTest>
+
+namespace vornic {
+namespace {
+
+std::unique_ptr<test::PrivateBus> sessionBusOfTest;
+
+/// The main window and the stop bar of a recording.
+class WindowProgressTest : public MainWindowTest
+{
+protected:
+    WindowProgressTest()
+    {
+        faces.setWindow(window.get(), [] {});
+    }
+
+    /// Puts the cache folder on the volume of \a folder, for as long as the test runs.
+    static QString cacheOn(const QTemporaryDir &folder)
+    {
+        qputenv("XDG_CACHE_HOME", folder.path().toUtf8());
+        return VNBufferMgr::cachePath();
+    }
+    void startRecording()
+    {
+        progress().showStopItem("00:00:00", QRectF(0, 0, 320, 240));
+        progress().whenScreenIsClear([] {});
+    }
+    static QAbstractButton *stopButton()
+    {
+        for (QWidget *shown : QApplication::topLevelWidgets()) {
+            if (shown->objectName() == "stopBar" && shown->isVisible())
+                return shown->findChild<QAbstractButton *>();
+        }
+        return nullptr;
+    }
+    WindowProgress &progress() { return faces.progress(); }
+    QString status() { return control<StatusLine>("statusLine").text(); }
+
+    WindowFrontEnd faces;
+    RecordingRoom room { .spooledBytes = 1'949'000'000, .seconds = 3 * 3600 + 12 * 60, .folder = {} };
+};
+
+TEST_F(WindowProgressTest, TheRoomIsToldInTheWindowAndByTheBar)
+{
+    // Of the folders that tests may write to one lies in memory on most machines, and one does not.
+    for (const QString &place : { QDir::currentPath(), QStringLiteral("/dev/shm") }) {
+        const QTemporaryDir folder(place + "/vornic-XXXXXX");
+        const bool isInMemory = liesInMemory(cacheOn(folder));
+        window->showStatus({});
+        startRecording();
+        progress().showRoom(room);
+        EXPECT_EQ(status(),
+                  isInMemory ? "In memory: 1.9 GB, room for 3 h 10 min"
+                             : "On disk: 1.9 GB, room for 3 h 10 min");
+        ASSERT_TRUE(stopButton());
+        EXPECT_EQ(stopButton()->toolTip(), "Stop the recording\n1.9 GB, room for 3 h 10 min");
+        EXPECT_EQ(stopButton()->accessibleName(), "Stop the recording");
+        progress().hideStopItem();
+        EXPECT_EQ(status(), QString()) << "it is over";
+        progress().showRoom(room);
+        EXPECT_EQ(status(), QString()) << "told of a last picture, behind the end";
+        window->showStatus("Something else.");
+        progress().hideStopItem();
+        EXPECT_EQ(status(), "Something else.");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+TEST_F(WindowProgressTest, LittleRoomIsANotification)
+{
+    test::FakeService server(*sessionBusOfTest, "org.freedesktop.Notifications");
+    server.setAnswer([](const QDBusMessage &call) {
+        return call.member() == "Notify" ? call.createReply(7U) : call.createReply(QStringList { "body" });
+    });
+    room.seconds = 500;
+    room.folder = "/home/a/.cache";
+    progress().warnOfLittleRoom(room);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !server.calls("Notify").empty(); }, 20'000));
+    const QVariantList told = server.calls("Notify").front().arguments();
+    EXPECT_EQ(told.value(3), "Little room is left for the recording");
+    EXPECT_EQ(told.value(4), littleRoom(room));
+}
+
+TEST_F(WindowProgressTest, TheHintTellsThatTheCacheLiesInMemory)
+{
+    for (const QString &place : { QDir::currentPath(), QStringLiteral("/dev/shm") }) {
+        const QTemporaryDir folder(place + "/vornic-XXXXXX");
+        const QString cache = cacheOn(folder);
+        VNHintWndCtroller &hint = VNHintWndCtroller::shareHintWndCtroller();
+        hint.beginSheetModalForWindow(window.get(), {});
+        auto *sheet = window->findChild<QDialog *>();
+        ASSERT_TRUE(sheet);
+        auto *explanation = sheet->findChild<QLabel *>("explanation");
+        EXPECT_EQ(explanation->text().contains(liesInMemoryText(cache)), liesInMemory(cache));
+        QCoreApplication::processEvents();
+        EXPECT_LE(explanation->heightForWidth(explanation->width()), explanation->height())
+            << "all of it is seen";
+        hint.cancelAction();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    using vornic::sessionBusOfTest;
+    sessionBusOfTest = vornic::test::PrivateBus::start();
+    if (!sessionBusOfTest)
+        return 1;
+    qputenv("DBUS_SESSION_BUS_ADDRESS", sessionBusOfTest->address());
+    const int status = vornic::runWindowTests(argc, argv);
+    sessionBusOfTest.reset();
+    return status;
+}
