@@ -2,15 +2,30 @@
 
 #include <QCborArray>
 #include <QCborValue>
+#include <QIODevice>
 
 #include <array>
 #include <limits>
-#include <span>
 #include <utility>
 
 namespace vornic {
 
 namespace {
+
+/// Enough for a large value's head and the small values that follow, so that it is copied once.
+constexpr qsizetype extraCapacity = 256;
+
+/// How a byte string of \a length begins (RFC 8949, section 3): its type in three bits, the number of bytes
+/// that tell the length in five, and those bytes, the highest first.
+QByteArray byteStringHead(std::uint64_t length)
+{
+    constexpr int byteString = 2 << 5;
+    constexpr int eightBytesFollow = 27;
+    QByteArray head(1, static_cast<char>(byteString | eightBytesFollow));
+    for (int shift = 56; shift >= 0; shift -= 8)
+        head.append(static_cast<char>(length >> shift & 0xFF));
+    return head;
+}
 
 /// Reads an array of exactly out.size() numbers into \a out; false for anything else.
 bool readNumbers(const QCborValue &value, std::span<double> out)
@@ -89,10 +104,21 @@ void KeyedArchiver::encodeString(QLatin1StringView key, const QString &value)
 
 void KeyedArchiver::encodeData(QLatin1StringView key, const QByteArray &value)
 {
-    // Enough for this value and the small ones that follow, so that a large one is copied once.
-    constexpr qsizetype extraCapacity = 256;
     m_bytes.reserve(m_bytes.size() + value.size() + extraCapacity);
     this->value(key).append(value);
+}
+
+void KeyedArchiver::encodeData(QLatin1StringView key, std::span<const QByteArrayView> pieces)
+{
+    qsizetype length = 0;
+    for (const QByteArrayView piece : pieces)
+        length += piece.size();
+    m_bytes.reserve(m_bytes.size() + length + extraCapacity);
+    // The writer takes a byte string only where it lies in one piece.
+    QIODevice *const device = value(key).device();
+    device->write(byteStringHead(static_cast<std::uint64_t>(length)));
+    for (const QByteArrayView piece : pieces)
+        device->write(piece.data(), piece.size());
 }
 
 void KeyedArchiver::encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write)

@@ -14,6 +14,7 @@
 #include <functional>
 #include <initializer_list>
 #include <optional>
+#include <span>
 
 namespace vornic {
 
@@ -44,6 +45,8 @@ public:
     void encodeRect(QLatin1StringView key, const QRectF &value);
     void encodeString(QLatin1StringView key, const QString &value);
     void encodeData(QLatin1StringView key, const QByteArray &value);
+    /// The same for data that lie in \a pieces, in their order, which are copied nowhere else.
+    void encodeData(QLatin1StringView key, std::span<const QByteArrayView> pieces);
     /// Writes a nested archive: \a write fills its keys.
     void encodeObject(QLatin1StringView key, const std::function<void(KeyedArchiver &)> &write);
 

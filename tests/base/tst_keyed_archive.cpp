@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -49,6 +50,28 @@ TEST(KeyedArchive, EveryTypeComesBack)
     EXPECT_EQ(read.decodeData("data"_L1), QByteArray("\0\xff", 2));
     ASSERT_TRUE(read.decodeObject("object"_L1));
     EXPECT_EQ(read.decodeObject("object"_L1)->decodeInt32("inner"_L1), 7);
+}
+
+TEST(KeyedArchive, DataInPiecesAreReadAsOne)
+{
+    for (const qsizetype length : { 0, 1, 23, 24, 255, 256, 70'000 }) {
+        const QByteArray data = QByteArray("piece by piece").repeated(length / 14 + 1).left(length);
+        const std::array<QByteArrayView, 3> pieces { QByteArrayView(data).first(length / 3),
+                                                     QByteArrayView(),
+                                                     QByteArrayView(data).sliced(length / 3) };
+        KeyedArchiver archiver;
+        archiver.encodeInt32("before"_L1, 1);
+        archiver.encodeData("data"_L1, pieces);
+        archiver.encodeObject("object"_L1,
+                              [&](KeyedArchiver &object) { object.encodeData("inner"_L1, pieces); });
+        archiver.encodeInt32("behind"_L1, 2);
+        const KeyedUnarchiver read = reader(archiver);
+        EXPECT_EQ(read.decodeInt32("before"_L1), 1);
+        EXPECT_EQ(read.decodeData("data"_L1), data) << length;
+        ASSERT_TRUE(read.decodeObject("object"_L1));
+        EXPECT_EQ(read.decodeObject("object"_L1)->decodeData("inner"_L1), data) << length;
+        EXPECT_EQ(read.decodeInt32("behind"_L1), 2);
+    }
 }
 
 void expectZero(const KeyedUnarchiver &read, QLatin1StringView key)
