@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <utility>
 
 namespace vornic {
@@ -48,6 +49,15 @@ std::uint64_t newBandVersion()
 {
     static std::atomic<std::uint64_t> last { 0 };
     return ++last;
+}
+
+std::vector<bool> changedBandsOf(const std::vector<std::uint64_t> &now,
+                                 const std::vector<std::uint64_t> &before)
+{
+    std::vector<bool> changed(now.size(), true);
+    if (now.size() == before.size())
+        std::transform(now.begin(), now.end(), before.begin(), changed.begin(), std::not_equal_to<>());
+    return changed;
 }
 
 std::shared_ptr<const BitmapImage> bitmapImageFrom(const QImage &picture)

@@ -65,6 +65,10 @@ private:
 /// A version that no band has borne before, from any thread; never 0.
 [[nodiscard]] std::uint64_t newBandVersion();
 
+/// For each band whether its version in \a now is another than in \a before; all are where their numbers differ.
+[[nodiscard]] std::vector<bool> changedBandsOf(const std::vector<std::uint64_t> &now,
+                                               const std::vector<std::uint64_t> &before);
+
 /// An image that owns a copy of \a picture (converted to 32-bit where needed); every band gets a new version.
 [[nodiscard]] std::shared_ptr<const BitmapImage> bitmapImageFrom(const QImage &picture);
 

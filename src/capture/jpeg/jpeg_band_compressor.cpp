@@ -60,7 +60,7 @@ bool JpegBandCompressor::compressRun(const BitmapImage &image, Run run)
     return true;
 }
 
-std::optional<QByteArray> JpegBandCompressor::compress(const BitmapImage &image)
+std::optional<JpegBands> JpegBandCompressor::compress(const BitmapImage &image)
 {
     start(image);
     std::atomic<bool> good = true;
@@ -76,11 +76,11 @@ std::optional<QByteArray> JpegBandCompressor::compress(const BitmapImage &image)
         m_size = {};
         return std::nullopt;
     }
-    std::vector<QByteArrayView> bands;
-    bands.reserve(m_bands.size());
+    JpegBands result { m_size, m_header, {} };
+    result.bands.reserve(m_bands.size());
     for (const Band &band : m_bands)
-        bands.push_back(band.bytes);
-    return joinJpegBands(m_header, bands);
+        result.bands.push_back(band.bytes);
+    return result;
 }
 
 } // namespace vornic

@@ -12,15 +12,15 @@ namespace vornic {
 
 class BitmapImage;
 
-/// Turns one grabbed picture after the other into whole JPEG pictures, and compresses only what changed.
+/// Turns one grabbed picture after the other into the bands of a JPEG picture, and compresses only what changed.
 ///
 /// A band of the version that was compressed last keeps its bytes; the others are compressed on all
 /// processors. Owned by whoever spools a recording, used by one thread at a time.
 class JpegBandCompressor
 {
 public:
-    /// Nothing when the library refuses the picture's size.
-    [[nodiscard]] std::optional<QByteArray> compress(const BitmapImage &image);
+    /// Valid until the next call. Nothing when the library refuses the picture's size.
+    [[nodiscard]] std::optional<JpegBands> compress(const BitmapImage &image);
 
     /// Bands that the last call compressed; the bytes of the others were used again.
     [[nodiscard]] int compressedBandCount() const { return m_compressedBandCount; }

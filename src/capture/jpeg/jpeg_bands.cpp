@@ -3,6 +3,7 @@
 #include "display/bitmap_image.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace vornic {
 
@@ -105,6 +106,35 @@ std::optional<JpegBands> JpegBands::split(const QByteArray &jpeg)
     return result;
 }
 
+std::vector<QByteArrayView> JpegBands::pieces() const
+{
+    static constexpr std::string_view restarts
+        = "\xFF\xD0\xFF\xD1\xFF\xD2\xFF\xD3\xFF\xD4\xFF\xD5\xFF\xD6\xFF\xD7";
+    static constexpr std::string_view end = "\xFF\xD9";
+    static_assert(restarts.size() == 2 * (lastRestart - firstRestart + 1));
+    std::vector<QByteArrayView> pieces { header };
+    pieces.reserve(1 + 2 * bands.size());
+    for (std::size_t i = 0; i < bands.size(); ++i) {
+        const bool isLast = i + 1 == bands.size();
+        pieces.push_back(bands[i]);
+        pieces.push_back(isLast ? end : restarts.substr(i % 8 * 2, 2));
+    }
+    return pieces;
+}
+
+QByteArray JpegBands::joined() const
+{
+    const std::vector<QByteArrayView> parts = pieces();
+    qsizetype length = 0;
+    for (const QByteArrayView part : parts)
+        length += part.size();
+    QByteArray jpeg;
+    jpeg.reserve(length);
+    for (const QByteArrayView part : parts)
+        jpeg.append(part);
+    return jpeg;
+}
+
 QByteArray jpegHeaderWithHeight(const QByteArray &header, int height)
 {
     QByteArray result = header;
@@ -116,21 +146,12 @@ QByteArray jpegHeaderWithHeight(const QByteArray &header, int height)
     return result;
 }
 
-QByteArray joinJpegBands(const QByteArray &header, const std::vector<QByteArrayView> &bands)
+bool isJpegBand(QByteArrayView bytes)
 {
-    qsizetype length = header.size();
-    for (const QByteArrayView band : bands)
-        length += band.size() + 2;
-    QByteArray jpeg;
-    jpeg.reserve(length);
-    jpeg.append(header);
-    for (std::size_t i = 0; i < bands.size(); ++i) {
-        jpeg.append(bands[i]);
-        const bool last = i + 1 == bands.size();
-        jpeg.append(static_cast<char>(markerPrefix));
-        jpeg.append(static_cast<char>(last ? endOfImage : firstRestart + i % 8));
-    }
-    return jpeg;
+    qsizetype position = bytes.indexOf(static_cast<char>(markerPrefix));
+    while (position >= 0 && position + 1 < bytes.size() && byteAt(bytes, position + 1) == 0)
+        position = bytes.indexOf(static_cast<char>(markerPrefix), position + 2);
+    return position < 0 && !bytes.isEmpty();
 }
 
 } // namespace vornic

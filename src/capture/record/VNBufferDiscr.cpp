@@ -123,7 +123,8 @@ void VNBufferDiscr::encodeCGImage(const std::shared_ptr<const BitmapImage> &imag
 std::shared_ptr<const BitmapImage> VNBufferDiscr::decodeCGImageFromCoder(const KeyedUnarchiver &unarchiver)
 {
     const std::optional<QByteArray> jpeg = unarchiver.decodeData(pictureKey);
-    return jpeg ? JpegPicture(*jpeg).image() : nullptr;
+    const std::shared_ptr<const JpegPicture> picture = jpeg ? JpegPicture::fromJpeg(*jpeg) : nullptr;
+    return picture ? picture->image() : nullptr;
 }
 
 std::shared_ptr<PKVideoFrame2> VNBufferDiscr::getVideoFrameWithLogoContext(

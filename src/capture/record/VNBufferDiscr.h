@@ -41,7 +41,7 @@ public:
     /// The picture; null when there is none, or when the bytes it was read from are damaged. A record that
     /// was read back decodes its picture at the first call.
     [[nodiscard]] std::shared_ptr<const BitmapImage> recordImage() const;
-    /// The picture's bytes when the record was read back, else null.
+    /// The picture as it was spooled when the record was read back, and can be read; else null.
     [[nodiscard]] const std::shared_ptr<const JpegPicture> &recordPicture() const { return m_picture; }
 
     void setBufferTimestamp(std::uint64_t ticks) { mTimestamp = ticks; }
@@ -56,7 +56,7 @@ public:
 
     void encodeWithCoder(KeyedArchiver &archiver) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver);
-    /// The same for a record in a spool, where a picture that equals the one before is stored as a mark.
+    /// The same for a record in a spool, whose picture is told by what changed since the one before.
     void encodeWithCoder(KeyedArchiver &archiver, PictureSpooler &pictures) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver,
                                                                         PictureUnspooler &pictures);

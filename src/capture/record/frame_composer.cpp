@@ -52,8 +52,6 @@ QRect FrameComposer::DrawnCursor::rect() const
 
 void FrameComposer::reset()
 {
-    m_decoder.forget();
-    m_picture = nullptr;
     m_cursor.reset();
     m_frame = nullptr;
 }
@@ -102,6 +100,7 @@ void FrameComposer::removeCursor()
 bool FrameComposer::loadImage(const std::shared_ptr<const BitmapImage> &image)
 {
     reset();
+    m_decoder.forget();
     if (!image)
         return false;
     m_canvas = image->view().copy();
@@ -114,21 +113,19 @@ bool FrameComposer::loadPicture(const VNBufferDiscr &record)
     const std::shared_ptr<const JpegPicture> &picture = record.recordPicture();
     if (!picture)
         return loadImage(record.recordImage());
-    if (picture == m_picture)
-        return true;
     const QSize sizeBefore = m_canvas.size();
-    const std::vector<bool> written = m_decoder.decode(picture->jpeg(), m_canvas);
+    const std::vector<bool> written = m_decoder.decode(*picture, m_canvas);
     if (written.empty() || m_canvas.size() != sizeBefore)
         reset();
     if (written.empty())
         return false;
+    m_decodedBandCount = static_cast<int>(std::count(written.begin(), written.end(), true));
     m_changedBands.resize(written.size(), true);
     std::transform(m_changedBands.begin(),
                    m_changedBands.end(),
                    written.begin(),
                    m_changedBands.begin(),
                    std::logical_or<>());
-    m_picture = picture;
     return true;
 }
 
@@ -153,8 +150,10 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::convert(const PKVideoFrame2 &frame
                                                         frame.displayHeight(),
                                                         frame.pixFormat(),
                                                         PKPixelFormatYUV420P);
+        m_convertedBandCount = static_cast<int>(m_changedBands.size());
         return m_scaler->scaleFrame(frame);
     }
+    m_convertedBandCount = static_cast<int>(std::count(m_changedBands.begin(), m_changedBands.end(), true));
     std::shared_ptr<PKVideoFrame2> result = m_frame->sharingPixels();
     for (auto run = std::find(m_changedBands.begin(), m_changedBands.end(), true);
          run != m_changedBands.end();) {
@@ -170,8 +169,10 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::convert(const PKVideoFrame2 &frame
 
 std::shared_ptr<PKVideoFrame2> FrameComposer::compose(const VNBufferDiscr &record, const QRectF &region)
 {
+    m_decodedBandCount = 0;
+    m_convertedBandCount = 0;
     // A pointer that stays where it was over pixels that stay is left in the canvas.
-    const bool samePicture = record.recordPicture() && record.recordPicture() == m_picture;
+    const bool samePicture = record.recordPicture() && m_decoder.holds(*record.recordPicture());
     if (samePicture && m_frame && cursorFor(record, region) == m_cursor)
         return m_frame->sharingPixels();
 

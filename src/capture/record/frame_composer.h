@@ -15,7 +15,6 @@
 namespace vornic {
 
 class BitmapImage;
-class JpegPicture;
 class PKScaleContext;
 class PKVideoFrame2;
 class VNBufferDiscr;
@@ -39,6 +38,10 @@ public:
     /// screen coordinates (y up), empty for none: the pointer is then always drawn, without an offset.
     [[nodiscard]] std::shared_ptr<PKVideoFrame2> compose(const VNBufferDiscr &record, const QRectF &region);
 
+    /// Bands of 16 rows that the last call decoded and converted; the others stayed as they were.
+    [[nodiscard]] int decodedBandCount() const { return m_decodedBandCount; }
+    [[nodiscard]] int convertedBandCount() const { return m_convertedBandCount; }
+
 private:
     /// A pointer and where it is drawn: in pixels of the canvas, from its top left.
     struct DrawnCursor {
@@ -58,7 +61,7 @@ private:
     void markChanged(const QRect &rectangle);
     /// Converts the changed bands into a copy of the last frame, or all of \a frame where that cannot be.
     [[nodiscard]] std::shared_ptr<PKVideoFrame2> convert(const PKVideoFrame2 &frame);
-    /// Forgets the frames before: the next one is composed from nothing.
+    /// Forgets the last frame and the pointer in it: the next one is converted as a whole.
     void reset();
 
     /// The record's pointer in the canvas; nothing where it lies outside \a region, or has no picture.
@@ -66,11 +69,12 @@ private:
                                                        const QRectF &region) const;
 
     JpegBandDecoder m_decoder;
-    std::shared_ptr<const JpegPicture> m_picture; ///< the one shown in the canvas
-    QImage m_canvas;                              ///< the picture with the pointer drawn in
-    std::optional<DrawnCursor> m_cursor;          ///< the one in the canvas
-    QImage m_underCursor;                         ///< the pixels that the pointer covers in the canvas
-    std::vector<bool> m_changedBands;             ///< of the canvas, since the last frame
+    QImage m_canvas;                     ///< the picture with the pointer drawn in
+    std::optional<DrawnCursor> m_cursor; ///< the one in the canvas
+    QImage m_underCursor;                ///< the pixels that the pointer covers in the canvas
+    std::vector<bool> m_changedBands;    ///< of the canvas, since the last frame
+    int m_decodedBandCount = 0;
+    int m_convertedBandCount = 0;
     std::unique_ptr<PKScaleContext> m_scaler;
     std::shared_ptr<PKVideoFrame2> m_frame; ///< the last one
 };

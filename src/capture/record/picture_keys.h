@@ -4,9 +4,14 @@
 
 namespace vornic {
 
-/// A record's picture, the bytes of a JPEG file.
+/// How a record tells its picture: by one of the first two.
+
+/// The bytes of a JPEG file.
 inline constexpr QLatin1StringView pictureKey("cgimage.jpegrep");
-/// True in place of the bytes: the picture is that of the record before.
+/// True: the picture is that of the record before.
 inline constexpr QLatin1StringView samePictureKey("cgimage.same");
+/// Beside a whole picture, where not all of it has changed since the record before: a bit for each band, from
+/// the lowest of the first byte on, set where the band differs.
+inline constexpr QLatin1StringView newBandsKey("cgimage.new");
 
 } // namespace vornic

@@ -5,19 +5,34 @@
 #include "capture/record/picture_keys.h"
 #include "display/bitmap_image.h"
 
+#include <QBitArray>
+
+#include <algorithm>
+#include <functional>
+
 namespace vornic {
 
 namespace {
 
 constexpr std::uint64_t ticksBetweenWholePictures = 2 * std::uint64_t { PKTimebase };
 
+void writeWhole(const JpegBands &picture, const std::vector<bool> &changed, KeyedArchiver &archiver)
+{
+    archiver.encodeData(pictureKey, picture.pieces());
+    if (std::ranges::all_of(changed, std::identity()))
+        return;
+    QBitArray bits(static_cast<qsizetype>(changed.size()));
+    for (std::size_t i = 0; i < changed.size(); ++i)
+        bits.setBit(static_cast<qsizetype>(i), changed[i]);
+    archiver.encodeData(newBandsKey, QByteArray(bits.bits(), (bits.size() + 7) / 8));
+}
+
 } // namespace
 
-bool PictureSpooler::canWriteMark(const BitmapImage &image, std::uint64_t timestamp) const
+bool PictureSpooler::isWholePictureDue(std::uint64_t timestamp) const
 {
-    return !m_lastVersions.empty() && QSize(image.width(), image.height()) == m_lastSize
-        && image.bandVersions() == m_lastVersions && timestamp >= m_lastWholeTimestamp
-        && timestamp - m_lastWholeTimestamp < ticksBetweenWholePictures;
+    return m_lastVersions.empty() || timestamp < m_lastWholeTimestamp
+        || timestamp - m_lastWholeTimestamp >= ticksBetweenWholePictures;
 }
 
 void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
@@ -28,19 +43,23 @@ void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
         m_lastVersions.clear();
         return;
     }
-    if (canWriteMark(*image, timestamp)) {
+    const QSize size(image->width(), image->height());
+    if (size != m_lastSize)
+        m_lastVersions.clear();
+    const std::vector<bool> changed = changedBandsOf(image->bandVersions(), m_lastVersions);
+    if (!isWholePictureDue(timestamp) && std::ranges::none_of(changed, std::identity())) {
         archiver.encodeBool(samePictureKey, true);
         return;
     }
-    const std::optional<QByteArray> jpeg = m_compressor.compress(*image);
-    if (!jpeg) {
+    const std::optional<JpegBands> picture = m_compressor.compress(*image);
+    if (!picture) {
         m_lastVersions.clear();
         return;
     }
-    archiver.encodeData(pictureKey, *jpeg);
-    m_lastSize = QSize(image->width(), image->height());
-    m_lastVersions = image->bandVersions();
+    writeWhole(*picture, changed, archiver);
     m_lastWholeTimestamp = timestamp;
+    m_lastSize = size;
+    m_lastVersions = image->bandVersions();
 }
 
 } // namespace vornic

@@ -13,9 +13,9 @@ namespace vornic {
 class BitmapImage;
 class KeyedArchiver;
 
-/// Writes the pictures of the records pushed into one spool: the bytes, or a mark where the picture equals
-/// the one before. Every 2 seconds at the latest a picture is written whole, so that a damaged block costs no
-/// more than that.
+/// Writes the pictures of the records pushed into one spool: the bytes, or a mark where the picture equals the
+/// one before. Every 2 seconds at the latest a picture is written whole, so that a damaged
+/// block costs no more than that.
 ///
 /// Owned by the spool manager, used on its video queue.
 class PictureSpooler
@@ -28,7 +28,7 @@ public:
     void beginSpool() { m_lastVersions.clear(); }
 
 private:
-    [[nodiscard]] bool canWriteMark(const BitmapImage &image, std::uint64_t timestamp) const;
+    [[nodiscard]] bool isWholePictureDue(std::uint64_t timestamp) const;
 
     JpegBandCompressor m_compressor;
     QSize m_lastSize;

@@ -1,3 +1,4 @@
+#include "base/PKTimebase.h"
 #include "base/keyed_archive.h"
 #include "capture/capture_fixture.h"
 #include "capture/record/VNBufferDiscr.h"
@@ -7,6 +8,7 @@
 #include "capture/record/picture_unspooler.h"
 #include "codec/PKVideoFrame2.h"
 #include "options/VNLogoContext.h"
+#include "support/fuzz_run.h"
 #include "support/test_pictures.h"
 
 #include <QCborArray>
@@ -322,6 +324,88 @@ TEST_F(ComposerTest, AWanderingPointerOverAChangingPictureLeavesNoTrace)
         const QPoint pointer(step * 37 % 400 - 20, step * 53 % 260 - 20);
         composeAndCompare(spooled(picture, pointer), QRectF(0, 0, 333, 211));
     }
+}
+
+TEST_F(ComposerTest, OnlyBandsThatChangedAreDecodedAndConverted)
+{
+    QImage picture = noisePicture({ 333, 211 }, 1);
+    const auto composed = [&](std::uint64_t ticksLater) {
+        m_time += ticksLater;
+        return composeAndCompare(spooled(picture, {}));
+    };
+    const int all = bandCount(211);
+    const auto expectDone = [&](int decoded, int converted) {
+        EXPECT_EQ(m_composer.decodedBandCount(), decoded);
+        EXPECT_EQ(m_composer.convertedBandCount(), converted);
+    };
+    ASSERT_TRUE(composed(0));
+    expectDone(all, all);
+    const auto same = composed(0);
+    expectDone(0, 0);
+
+    // A whole picture is due, which is the same again.
+    const auto due = composed(2 * std::uint64_t { PKTimebase });
+    expectDone(0, 0);
+    ASSERT_TRUE(same && due);
+    EXPECT_TRUE(due->sharesPixelsWith(*same));
+
+    for (const std::uint64_t later : { std::uint64_t { 0 }, 2 * std::uint64_t { PKTimebase } }) {
+        picture.setPixel(5, 100, ~picture.pixel(5, 100));
+        picture.setPixel(5, 210, ~picture.pixel(5, 210));
+        ASSERT_TRUE(composed(later));
+        expectDone(2, 2);
+    }
+}
+
+TEST_F(ComposerTest, AMovingPointerDecodesNothingAgain)
+{
+    m_display->setCursorShape(
+        { noisePicture({ 16, 16 }, 9).convertToFormat(QImage::Format_ARGB32_Premultiplied), {} });
+    const QImage picture = noisePicture({ 333, 211 }, 1);
+    composeAndCompare(spooled(picture, { 50, 0 }));
+    composeAndCompare(spooled(picture, { 50, 64 }));
+    EXPECT_EQ(m_composer.decodedBandCount(), 0);
+    EXPECT_EQ(m_composer.convertedBandCount(), 2);
+    composeAndCompare(spooled(picture, { 50, 64 }));
+    EXPECT_EQ(m_composer.convertedBandCount(), 0);
+}
+
+TEST_F(ComposerTest, AfterANewSizeAnEqualPictureIsStillKnown)
+{
+    composeAndCompare(spooled(noisePicture({ 100, 60 }, 1), {}));
+    const QImage other = noisePicture({ 120, 60 }, 2);
+    const auto first = composeAndCompare(spooled(other, {}));
+    const auto second = composeAndCompare(spooled(other, {}));
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(m_composer.decodedBandCount(), 0);
+    EXPECT_TRUE(second->sharesPixelsWith(*first));
+}
+
+/// Over thousands of records, some of which are lost: what is composed is what the whole picture gives.
+TEST_F(ComposerTest, LossesAndChangesLeaveNoTrace)
+{
+    test::FuzzRandom random(3);
+    QImage picture = noisePicture({ 40, 90 }, 1);
+    int composed = 0;
+    for (int step = 0; step < 3000; ++step) {
+        for (int changes = random.below(4); changes > 0; --changes)
+            picture.setPixel(random.below(40), random.below(90), random.next());
+        const auto record = spooled(picture, { random.below(50) - 5, random.below(100) - 5 });
+        ASSERT_TRUE(record);
+        if (random.below(40) == 0) {
+            m_picturesBack.forgetPicture();
+            continue;
+        }
+        if (!record->recordPicture()) {
+            EXPECT_FALSE(m_composer.compose(*record, {}));
+            continue;
+        }
+        composeAndCompare(record);
+        ++composed;
+        if (HasFailure())
+            FAIL() << "at step " << step;
+    }
+    EXPECT_GT(composed, 200);
 }
 
 TEST_F(ComposerTest, ADamagedPictureInTheMiddleHurtsNoOther)
