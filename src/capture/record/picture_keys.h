@@ -4,10 +4,12 @@
 
 namespace vornic {
 
-/// How a record tells its picture: by one of the first two.
+/// How a record tells its picture: by one of the first three.
 
 /// The bytes of a JPEG file.
 inline constexpr QLatin1StringView pictureKey("cgimage.jpegrep");
+/// The bands in which it differs from the picture of the record before: BandChanges.
+inline constexpr QLatin1StringView changedBandsKey("cgimage.bands");
 /// True: the picture is that of the record before.
 inline constexpr QLatin1StringView samePictureKey("cgimage.same");
 /// Beside a whole picture, where not all of it has changed since the record before: a bit for each band, from

@@ -2,6 +2,7 @@
 
 #include "base/PKTimebase.h"
 #include "base/keyed_archive.h"
+#include "capture/record/band_changes.h"
 #include "capture/record/picture_keys.h"
 #include "display/bitmap_image.h"
 
@@ -27,6 +28,17 @@ void writeWhole(const JpegBands &picture, const std::vector<bool> &changed, Keye
     archiver.encodeData(newBandsKey, QByteArray(bits.bits(), (bits.size() + 7) / 8));
 }
 
+void writeChanges(const JpegBands &picture, const std::vector<bool> &changed, KeyedArchiver &archiver)
+{
+    const QByteArray head = BandChanges::head(picture, changed);
+    std::vector<QByteArrayView> pieces { head };
+    for (std::size_t i = 0; i < changed.size(); ++i) {
+        if (changed[i])
+            pieces.push_back(picture.bands[i]);
+    }
+    archiver.encodeData(changedBandsKey, pieces);
+}
+
 } // namespace
 
 bool PictureSpooler::isWholePictureDue(std::uint64_t timestamp) const
@@ -47,7 +59,8 @@ void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
     if (size != m_lastSize)
         m_lastVersions.clear();
     const std::vector<bool> changed = changedBandsOf(image->bandVersions(), m_lastVersions);
-    if (!isWholePictureDue(timestamp) && std::ranges::none_of(changed, std::identity())) {
+    const bool isWhole = isWholePictureDue(timestamp) || std::ranges::all_of(changed, std::identity());
+    if (!isWhole && std::ranges::none_of(changed, std::identity())) {
         archiver.encodeBool(samePictureKey, true);
         return;
     }
@@ -56,8 +69,12 @@ void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,
         m_lastVersions.clear();
         return;
     }
-    writeWhole(*picture, changed, archiver);
-    m_lastWholeTimestamp = timestamp;
+    if (isWhole) {
+        writeWhole(*picture, changed, archiver);
+        m_lastWholeTimestamp = timestamp;
+    } else {
+        writeChanges(*picture, changed, archiver);
+    }
     m_lastSize = size;
     m_lastVersions = image->bandVersions();
 }

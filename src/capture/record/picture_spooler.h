@@ -13,8 +13,8 @@ namespace vornic {
 class BitmapImage;
 class KeyedArchiver;
 
-/// Writes the pictures of the records pushed into one spool: the bytes, or a mark where the picture equals the
-/// one before. Every 2 seconds at the latest a picture is written whole, so that a damaged
+/// Writes the pictures of the records pushed into one spool: only the bands that changed since the record
+/// before, or a mark where none did. Every 2 seconds at the latest a picture is written whole, so that a damaged
 /// block costs no more than that.
 ///
 /// Owned by the spool manager, used on its video queue.
@@ -32,7 +32,7 @@ private:
 
     JpegBandCompressor m_compressor;
     QSize m_lastSize;
-    std::vector<std::uint64_t> m_lastVersions; ///< of the picture written last, whole or as a mark
+    std::vector<std::uint64_t> m_lastVersions; ///< of the picture written last, in whichever form
     std::uint64_t m_lastWholeTimestamp = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "base/keyed_archive.h"
 #include "capture/jpeg/jpeg_picture.h"
+#include "capture/record/band_changes.h"
 #include "capture/record/picture_keys.h"
 
 namespace vornic {
@@ -32,11 +33,21 @@ std::shared_ptr<const JpegPicture> PictureUnspooler::readWhole(const KeyedUnarch
     return changed ? JpegPicture::fromJpeg(*jpeg, *m_last, *changed) : JpegPicture::fromJpeg(*jpeg);
 }
 
+std::shared_ptr<const JpegPicture> PictureUnspooler::readChanges(const KeyedUnarchiver &unarchiver) const
+{
+    const std::optional<QByteArray> bytes = m_last ? unarchiver.decodeData(changedBandsKey) : std::nullopt;
+    const std::optional<BandChanges> changes = bytes ? BandChanges::read(*bytes) : std::nullopt;
+    if (!changes || changes->size != m_last->size())
+        return nullptr;
+    return m_last->withBands(changes->bands, *bytes);
+}
+
 std::shared_ptr<const JpegPicture> PictureUnspooler::decode(const KeyedUnarchiver &unarchiver)
 {
     if (unarchiver.decodeBool(samePictureKey))
         return m_last;
-    m_last = readWhole(unarchiver);
+    m_last
+        = unarchiver.containsValueForKey(changedBandsKey) ? readChanges(unarchiver) : readWhole(unarchiver);
     return m_last;
 }
 

@@ -14,15 +14,16 @@ class KeyedUnarchiver;
 class PictureUnspooler
 {
 public:
-    /// The record's picture; null when there is none, when it is damaged, or when it is a mark after a record
-    /// that was lost.
+    /// The record's picture; null when there is none, when it is damaged, or when it is told by its changes and
+    /// the record before was lost.
     [[nodiscard]] std::shared_ptr<const JpegPicture> decode(const KeyedUnarchiver &unarchiver);
-    /// A record was lost, or the next one is not its successor: marks stand for nothing until the next whole
-    /// picture.
+    /// A record was lost, or the next one is not its successor: marks and changes stand for nothing until the
+    /// next whole picture.
     void forgetPicture() { m_last = nullptr; }
 
 private:
     [[nodiscard]] std::shared_ptr<const JpegPicture> readWhole(const KeyedUnarchiver &unarchiver) const;
+    [[nodiscard]] std::shared_ptr<const JpegPicture> readChanges(const KeyedUnarchiver &unarchiver) const;
 
     std::shared_ptr<const JpegPicture> m_last;
 };
