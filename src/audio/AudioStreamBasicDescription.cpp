@@ -2,7 +2,10 @@
 
 #include "base/keyed_archive.h"
 
+#include <QtEndian>
+
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <utility>
 
@@ -46,6 +49,18 @@ AudioStreamBasicDescription AudioStreamBasicDescription::createWithCoder(const K
         format.*field.member = std::in_range<std::uint32_t>(value) ? static_cast<std::uint32_t>(value) : 0;
     }
     return format;
+}
+
+std::uint16_t checksumOf(const AudioStreamBasicDescription &format)
+{
+    const auto bytesOf = [](auto number) {
+        const auto stored = qToBigEndian(number);
+        return QByteArray(reinterpret_cast<const char *>(&stored), sizeof stored);
+    };
+    QByteArray bytes = bytesOf(std::bit_cast<std::uint64_t>(format.mSampleRate));
+    for (const Field &field : fields)
+        bytes += bytesOf(format.*field.member);
+    return qChecksum(bytes);
 }
 
 AudioStreamBasicDescription defaultAudioStreamBasicDescription()

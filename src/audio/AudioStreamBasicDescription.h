@@ -32,6 +32,10 @@ struct AudioStreamBasicDescription {
         = default;
 };
 
+/// The same for equal formats, and hardly ever for others; stays the same from one version of the program to
+/// the next.
+[[nodiscard]] std::uint16_t checksumOf(const AudioStreamBasicDescription &format);
+
 /// What every recording asks for: 48,000 Hz, 2 channels, 16-bit signed, packed.
 [[nodiscard]] AudioStreamBasicDescription defaultAudioStreamBasicDescription();
 

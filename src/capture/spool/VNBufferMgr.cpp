@@ -78,7 +78,11 @@ void VNBufferMgr::prepareFileHandle()
         m_journaledShapes.clear();
         m_shapesBack.reset();
     });
-    m_audio.queue().sync([&] { m_audio.open(open.folder ? open.folder->audio() : nullptr, open.journal); });
+    m_audio.queue().sync([&] {
+        m_audio.open(open.folder ? open.folder->audio() : nullptr, open.journal);
+        m_chunks.beginSpool();
+        m_chunksBack.forget();
+    });
     describe();
 }
 
@@ -124,7 +128,10 @@ void VNBufferMgr::openLeft(const std::shared_ptr<RecordingFolder> &folder, const
         m_picturesBack.forgetPicture();
         m_shapesBack = std::move(shapes);
     });
-    m_audio.queue().sync([&] { m_audio.openLeft(folder->audio(), contents.audio); });
+    m_audio.queue().sync([&] {
+        m_audio.openLeft(folder->audio(), contents.audio);
+        m_chunksBack.forget();
+    });
 }
 
 VNBufferMgr::Open VNBufferMgr::opened() const
@@ -286,8 +293,10 @@ void VNBufferMgr::endVideoRecord()
 void VNBufferMgr::pushAudioBuffer(const PKAudioRecorderData &chunk)
 {
     m_audio.queue().sync([&] {
+        KeyedArchiver archiver;
+        m_chunks.encode(chunk, archiver);
         bool compressed = false;
-        const QByteArray stored = LZOCompress(archivedData(chunk), &compressed);
+        const QByteArray stored = LZOCompress(archiver.bytes(), &compressed);
         m_audio.append(stored, 0, compressed);
         m_spooledBytes += static_cast<std::uint64_t>(stored.size());
     });
@@ -328,7 +337,7 @@ VNBufferMgr::Taken<std::optional<PKAudioRecorderData>> VNBufferMgr::takeChunk()
             return;
         const QByteArray bytes = block->entry.isCompressed() ? LZOUncompress(block->bytes) : block->bytes;
         if (const auto unarchiver = KeyedUnarchiver::create(bytes))
-            taken.object = PKAudioRecorderData::createWithCoder(*unarchiver);
+            taken.object = m_chunksBack.decode(*unarchiver);
     });
     return taken;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "audio/chunk_spooler.h"
+#include "audio/chunk_unspooler.h"
 #include "base/serial_queue.h"
 #include "capture/record/picture_spooler.h"
 #include "capture/record/picture_unspooler.h"
@@ -170,6 +172,8 @@ private:
     SpoolStream m_audio;
     PictureSpooler m_pictures;       ///< on the video queue
     PictureUnspooler m_picturesBack; ///< on the video queue
+    ChunkSpooler m_chunks;           ///< on the audio queue
+    ChunkUnspooler m_chunksBack;     ///< on the audio queue
     /// On the video queue: the pointer shapes that the journal of this recording has, or the indexes that those of an
     /// opened one have here.
     std::set<std::uint64_t> m_journaledShapes;

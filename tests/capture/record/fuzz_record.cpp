@@ -5,6 +5,8 @@
 /// changes: then the inputs test nothing.
 
 #include "audio/PKAudioRecorderData.h"
+#include "audio/chunk_spooler.h"
+#include "audio/chunk_unspooler.h"
 #include "base/PKTimebase.h"
 #include "base/keyed_archive.h"
 #include "capture/record/VNBufferDiscr.h"
@@ -52,8 +54,13 @@ std::vector<QByteArray> validArchives()
     const auto composed = VNBufferDiscr::createWithScreenImage(display->grab(QRect(0, 0, 33, 17)));
     static_cast<void>(composed->getVideoFrameWithLogoContext(nullptr, QRectF()));
     archives.push_back(archivedData(*composed));
-    archives.push_back(
-        archivedData(PKAudioRecorderData(QByteArray(400, 's'), defaultAudioStreamBasicDescription())));
+    ChunkSpooler chunks;
+    for (int i = 0; i < 2; ++i) {
+        KeyedArchiver archiver;
+        chunks.encode(PKAudioRecorderData(QByteArray(400, 's'), defaultAudioStreamBasicDescription()),
+                      archiver);
+        archives.push_back(archiver.bytes());
+    }
     return archives;
 }
 
@@ -99,17 +106,24 @@ struct Tally {
     int chunks = 0;
 };
 
-void feed(const QByteArray &bytes, PictureUnspooler &pictures, FrameComposer &composer, Tally &tally)
+/// Those who read one input after the other.
+struct Readers {
+    ChunkUnspooler chunks;
+    PictureUnspooler pictures;
+    FrameComposer composer;
+};
+
+void feed(const QByteArray &bytes, Readers &readers, Tally &tally)
 {
     const auto unarchiver = KeyedUnarchiver::create(bytes);
     if (!unarchiver)
         return;
-    if (PKAudioRecorderData::createWithCoder(*unarchiver))
+    if (readers.chunks.decode(*unarchiver))
         ++tally.chunks;
     if (VNBufferDiscr::createWithCoder(*unarchiver)->recordImage())
         ++tally.records;
-    if (VNBufferDiscr::createWithCoder(*unarchiver, pictures)
-            ->getVideoFrameWithLogoContext(nullptr, QRectF(), &composer)) {
+    if (VNBufferDiscr::createWithCoder(*unarchiver, readers.pictures)
+            ->getVideoFrameWithLogoContext(nullptr, QRectF(), &readers.composer)) {
         ++tally.frames;
         if (unarchiver->containsValueForKey(changedBandsKey))
             ++tally.framesByChanges;
@@ -141,12 +155,11 @@ int main(int argc, char **argv)
     test::FuzzRun run(argc, argv, 100'000);
     test::FuzzRandom &random = run.random();
     const std::vector<QByteArray> archives = validArchives();
-    PictureUnspooler pictures;
-    FrameComposer composer;
+    Readers readers;
     Tally tally;
     run.feedAll("records and chunks", [&](int) {
         const QByteArray &whole = archives[static_cast<std::size_t>(random.below(std::ssize(archives)))];
-        feed(input(whole, random), pictures, composer, tally);
+        feed(input(whole, random), readers, tally);
     });
     std::printf("%d pictures, %d frames, of which %d by changes, %d chunks\n",
                 tally.records,

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QLatin1StringView>
+
+namespace vornic {
+
+/// A chunk's samples.
+inline constexpr QLatin1StringView chunkDataKey("data");
+/// Their format, an archive of its own.
+inline constexpr QLatin1StringView chunkFormatKey("dataFormat");
+/// In place of the format: it is that of the chunk before. checksumOf() it, by which a reader that has missed
+/// chunks can tell.
+inline constexpr QLatin1StringView sameFormatKey("dataFormat.same");
+
+} // namespace vornic
