@@ -43,8 +43,8 @@ void writeChanges(const JpegBands &picture, const std::vector<bool> &changed, Ke
 
 bool PictureSpooler::isWholePictureDue(std::uint64_t timestamp) const
 {
-    return m_lastVersions.empty() || timestamp < m_lastWholeTimestamp
-        || timestamp - m_lastWholeTimestamp >= ticksBetweenWholePictures;
+    // Behind a timestamp that went back the difference is huge, and a whole picture due.
+    return m_lastVersions.empty() || timestamp - m_lastWholeTimestamp >= ticksBetweenWholePictures;
 }
 
 void PictureSpooler::encode(const std::shared_ptr<const BitmapImage> &image,

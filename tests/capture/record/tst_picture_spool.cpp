@@ -233,6 +233,18 @@ TEST_F(PictureSpoolTest, ATimestampThatGoesBackBringsAWholePicture)
     EXPECT_EQ(formOf(archiveOf(picture, 4999)), Form::Whole);
 }
 
+/// Versions say something of pictures of the same size only.
+TEST_F(PictureSpoolTest, APictureOfAnotherSizeIsWrittenWhole)
+{
+    const auto wide = bitmapImageFrom(noisePicture({ 64, 32 }, 1));
+    const auto narrow = bitmapImageFrom(noisePicture({ 48, 32 }, 2), wide->bandVersions());
+    for (const auto &image : { wide, narrow }) {
+        KeyedArchiver archiver;
+        m_spooler.encode(image, 0, archiver);
+        EXPECT_EQ(formOf(archiver.bytes()), Form::Whole) << image->width();
+    }
+}
+
 TEST_F(PictureSpoolTest, ANewSpoolBeginsWithAWholePictureOfItsOwn)
 {
     QImage picture = noisePicture(screenSize, 1);
