@@ -13,6 +13,7 @@ enum class ErrorKind {
     DiskFull,         ///< another place may do
     FileTooLarge,     ///< for the file system: another place may do
     OutOfMemory,      ///< trying again later may help
+    Incomplete,       ///< what was written does not hold what was put in: trying again may help
     Cancelled,        ///< as was asked for: it may be done later
     Empty,            ///< there is nothing to work on
     Failed,           ///< anything else; the reason is all that is known

@@ -18,6 +18,8 @@ public:
     [[nodiscard]] AVRational timeBase() const { return m_codec->time_base; }
     /// Where the next block will begin: the length of all blocks so far, in seconds.
     [[nodiscard]] double seconds() const { return m_seconds; }
+    /// Given to the encoder so far, in each channel.
+    [[nodiscard]] std::int64_t samples() const { return m_nextSample; }
 
     void add(const PKAudioFrame2 &block, const PacketSink &sink);
     /// Encodes what is left; the last packet is as short as the sound is.

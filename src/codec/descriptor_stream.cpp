@@ -19,7 +19,6 @@ constexpr std::size_t bufferBytes = 1 << 16;
 DescriptorStream::DescriptorStream(int borrowedDescriptor, Mode mode, std::stop_token stop)
     : m_descriptor(borrowedDescriptor)
     , m_stop(std::move(stop))
-    , m_context(nullptr)
 {
     auto *buffer = static_cast<unsigned char *>(av_malloc(bufferBytes));
     if (!buffer)

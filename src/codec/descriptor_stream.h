@@ -35,7 +35,7 @@ private:
     int m_descriptor;
     std::stop_token m_stop;
     std::int64_t m_position = 0;
-    AVIOContext *m_context;
+    AVIOContext *m_context = nullptr;
 };
 
 } // namespace vornic

@@ -2,6 +2,10 @@
 
 #include "base/PKTimebase.h"
 #include "codec/movie_failure.h"
+#include "codec/movie_proof.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <new>
@@ -98,14 +102,27 @@ void MovieFile::mux(AVPacket &packet, int track, AVRational timeBase)
     checkWritten(m_format->pb->error);
 }
 
-void MovieFile::complete()
+void MovieFile::complete(const MovieContents &contents)
 {
     checkWritten(av_write_trailer(m_format.get()));
     avio_flush(m_format->pb);
     checkWritten(m_format->pb->error);
     checkWritten(m_part.sync());
+    checkStillThere();
+    MovieProof(m_part.path(), m_filename).check(contents);
     checkNotCancelled();
     checkWritten(m_part.renameTo(m_filename));
+}
+
+/// What is proven and renamed by its path is what was written.
+void MovieFile::checkStillThere() const
+{
+    if (m_part.isAtItsPath())
+        return;
+    Error error = writingError(m_filename, AVERROR(ENOENT));
+    if (QFileInfo(m_filename).dir().exists())
+        error.kind = ErrorKind::Incomplete;
+    throw MovieFailure(error);
 }
 
 } // namespace vornic

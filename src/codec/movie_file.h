@@ -11,6 +11,8 @@
 
 namespace vornic {
 
+struct MovieContents;
+
 /// One mp4 file being written: under a hidden temporary name beside its final place until it is complete.
 ///
 /// Made by a MovieWriter on its thread. Every function throws MovieFailure, also when the stop is requested while
@@ -30,9 +32,9 @@ public:
     void writeHeader();
     /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.
     void mux(AVPacket &packet, int track, AVRational timeBase);
-    /// Puts the index in front, syncs the file to the disk and renames it to its final name, replacing a file
-    /// of that name. Blocks for as long as that takes.
-    void complete();
+    /// Puts the index in front, syncs the file to the disk, proves that it holds \a contents, and renames it to its
+    /// final name, replacing a file of that name. Blocks for as long as that takes.
+    void complete(const MovieContents &contents);
 
     /// Throws once the stop is requested.
     void checkNotCancelled() const;
@@ -41,6 +43,7 @@ private:
     void createFormat();
     [[nodiscard]] int openReader(AVIOContext *&stream) noexcept;
     void checkWritten(int result) const;
+    void checkStillThere() const;
 
     QString m_filename;
     std::stop_token m_stop;

@@ -7,8 +7,10 @@
 #include "codec/PKVideoFrame2.h"
 #include "codec/audio_encoder.h"
 #include "codec/frame_reader.h"
+#include "codec/movie_contents.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_file.h"
+#include "codec/movie_proof.h"
 #include "codec/video_encoder.h"
 
 #include <QSize>
@@ -88,6 +90,7 @@ public:
             m_audioTrack = m_file.addTrack(m_audio->codec());
         }
         m_file.writeHeader();
+        m_contents.pictureSize = { m_video.codec().width, m_video.codec().height };
     }
 
     MovieStatistics write()
@@ -96,10 +99,13 @@ public:
         encodeAudio(std::nullopt);
         if (m_audio) {
             m_audio->finish(m_audioSink);
+            m_contents.channels = m_audio->codec().ch_layout.nb_channels;
+            m_contents.sampleRate = m_audio->codec().sample_rate;
+            m_contents.samples = m_audio->samples();
             m_statistics.audioSeconds = m_audio->seconds();
         }
         m_video.finish(m_videoSink);
-        m_file.complete();
+        m_file.complete(m_contents);
         m_statistics.framesSkipped += m_framesUnusable;
         return m_statistics;
     }
@@ -111,12 +117,15 @@ private:
         ConstFrame frame = nextFrame(reader);
         if (!frame)
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
+        m_contents.begin = frame->timeStamp();
         while (frame) {
             ConstFrame following = nextAfter(*frame, reader);
             const std::int64_t own = frame->duration() > 0 ? frame->duration() : defaultDuration;
             const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
             encodeAudio(frame->timeStamp());
             m_video.encode(*frame, end, m_videoSink);
+            ++m_contents.frames;
+            m_contents.end = end;
             frame = std::move(following);
         }
     }
@@ -170,6 +179,7 @@ private:
     void muxVideoPacket(AVPacket &packet)
     {
         const std::int64_t end = packet.pts + packet.duration;
+        m_contents.lastFrame = MovieProof::endingOf({ packet.data, packet.size });
         m_file.mux(packet, m_videoTrack, m_video.timeBase());
         ++m_statistics.framesWritten;
         m_statistics.seconds = std::max(m_statistics.seconds, static_cast<double>(end) / PKTimebase);
@@ -177,6 +187,12 @@ private:
             m_progress(
                 std::clamp(100.0 * static_cast<double>(end) / static_cast<double>(m_length), 0.0, 100.0));
         }
+    }
+
+    void muxAudioPacket(AVPacket &packet)
+    {
+        m_contents.lastSound = MovieProof::endingOf({ packet.data, packet.size });
+        m_file.mux(packet, m_audioTrack, m_audio->timeBase());
     }
 
     PKMuxerTaskDataSource &m_source;
@@ -192,9 +208,9 @@ private:
     std::int64_t m_length; ///< of the recording, ticks
     bool m_audioHasEnded = false;
     MovieStatistics m_statistics;
+    MovieContents m_contents;
     PacketSink m_videoSink = [this](AVPacket &packet) { muxVideoPacket(packet); };
-    PacketSink m_audioSink
-        = [this](AVPacket &packet) { m_file.mux(packet, m_audioTrack, m_audio->timeBase()); };
+    PacketSink m_audioSink = [this](AVPacket &packet) { muxAudioPacket(packet); };
 };
 
 } // namespace

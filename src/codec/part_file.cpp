@@ -141,7 +141,7 @@ bool PartFile::isAtItsPath() const
     return leadsTo(QFile::encodeName(m_path), m_descriptor);
 }
 
-int PartFile::sync()
+int PartFile::sync() const
 {
     return syncDescriptor(m_descriptor);
 }

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] bool isAtItsPath() const;
 
     /// Blocks until the file's contents are on the disk.
-    [[nodiscard]] int sync();
+    [[nodiscard]] int sync() const;
     /// Replaces a file of that name. Blocks until the folder is on the disk, too.
     [[nodiscard]] int renameTo(const QString &filename);
 

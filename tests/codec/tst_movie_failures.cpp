@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <functional>
 #include <random>
 #include <stdexcept>
 
@@ -74,6 +75,20 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
+    /// Does something when the frame of a number, from 1, is read.
+    void atFrame(int number, const std::function<void()> &action)
+    {
+        m_source.onVideo = [this, number, action] {
+            if (++m_calls == number)
+                action();
+        };
+    }
+    [[nodiscard]] QString pathOfPart() const
+    {
+        return m_folder.filePath(files().filter(QStringLiteral(".part")).value(0));
+    }
+
+    int m_calls = 0;
     QTemporaryDir m_folder;
     QString m_movie = m_folder.filePath(QStringLiteral("a.mp4"));
     ListSource m_source;
@@ -192,6 +207,53 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhileTheIndexIsPutInFront)
     }
     expectFailure(report, fileError(ErrorKind::FileTooLarge, m_movie, "File too large"));
     EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aPartFileThatIsDamagedWhileItIsWritten)
+{
+    putFileAtFinalName();
+    m_source.addGreys({ 64, 48 }, 90);
+    atFrame(80, [this] { EXPECT_TRUE(QFile::resize(pathOfPart(), 0)); });
+    const auto report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
+    EXPECT_EQ(report.actions.last(), PKMuxerTaskActionFailed);
+    ASSERT_TRUE(report.error().has_value());
+    EXPECT_EQ(report.error()->kind, ErrorKind::Incomplete) << report.reason();
+    EXPECT_EQ(report.error()->name, m_movie);
+    EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
+    EXPECT_EQ(fileAtFinalName(), "what was there");
+}
+
+TEST_F(MovieFailuresTest, aPartFileThatIsRemovedWhileItIsWritten)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    atFrame(20, [this] { EXPECT_TRUE(QFile::remove(pathOfPart())); });
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::Incomplete, m_movie, "No such file or directory"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aPartFileInWhosePlaceAnotherFileIsPut)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    atFrame(20, [this] {
+        const QString part = pathOfPart();
+        putFileAtFinalName();
+        EXPECT_TRUE(QFile::remove(part) && QFile::rename(m_movie, part));
+    });
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::Incomplete, m_movie, "No such file or directory"));
+    EXPECT_FALSE(QFile::exists(m_movie));
+    QFile other(pathOfPart());
+    ASSERT_TRUE(other.open(QIODevice::ReadOnly));
+    EXPECT_EQ(other.readAll(), "what was there");
+}
+
+TEST_F(MovieFailuresTest, aFolderThatIsRemovedWhileTheMovieIsWritten)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    atFrame(20, [this] { EXPECT_TRUE(QDir(m_folder.path()).removeRecursively()); });
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::FolderMissing, m_movie, "No such file or directory"));
 }
 
 TEST_F(MovieFailuresTest, systemErrorsAreToldApartByTheirKind)

@@ -74,6 +74,9 @@ QString errorText(const Error &error)
             .arg(error.name);
     case ErrorKind::OutOfMemory:
         return QCoreApplication::translate("vornic", "There is not enough memory to write the movie.");
+    case ErrorKind::Incomplete:
+        return QCoreApplication::translate("vornic", "The movie that was written to %1 is not whole.")
+            .arg(error.name);
     case ErrorKind::Cancelled:
         return QCoreApplication::translate("vornic", "The movie was not made: its writing was ended.");
     case ErrorKind::Empty:

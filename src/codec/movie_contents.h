@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSize>
+
+#include <cstdint>
+
+namespace vornic {
+
+/// What was put into a movie; a plain value.
+///
+/// Gathered by a MovieWriter on its thread, for a MovieProof to find it all again in the file.
+struct MovieContents {
+    QSize pictureSize; ///< as stored, in pixels
+    std::int64_t frames = 0;
+    std::int64_t begin = 0; ///< when the first frame is shown, in PKTimebase ticks
+    std::int64_t end = 0;   ///< until when the last one is shown, in PKTimebase ticks
+    QByteArray lastFrame;   ///< MovieProof::endingOf() its packet
+
+    int channels = 0;
+    int sampleRate = 0;       ///< hertz
+    std::int64_t samples = 0; ///< in each channel; 0: there is no sound track
+    QByteArray lastSound;     ///< MovieProof::endingOf() the last packet
+};
+
+} // namespace vornic

@@ -1,0 +1,142 @@
+#include "codec/movie_proof.h"
+
+#include "base/PKTimebase.h"
+#include "base/log.h"
+#include "codec/movie_contents.h"
+#include "codec/movie_failure.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace vornic {
+
+namespace {
+
+/// Of a packet's end that is looked for in the file.
+constexpr qsizetype endingBytes = 64;
+
+/// Samples of one AAC frame: the encoder rounds the length of the sound to no more than that.
+constexpr std::int64_t maxSoundDifference = 1024;
+
+constexpr AVRational ticks { 1, static_cast<int>(PKTimebase) };
+
+} // namespace
+
+MovieProof::MovieProof(const QString &path, QString filename)
+    : m_filename(std::move(filename))
+{
+    AVFormatContext *format = nullptr;
+    // With the scheme, a file name that has a colon in it is not taken for a URL.
+    const QByteArray address = "file:" + QFile::encodeName(path);
+    const int result
+        = avformat_open_input(&format, address.constData(), av_find_input_format("mp4"), nullptr);
+    m_format.reset(format);
+    require(result >= 0, QStringLiteral("no readable index (%1)").arg(avErrorText(result)));
+}
+
+void MovieProof::check(const MovieContents &contents)
+{
+    checkPictures(contents);
+    checkSound(contents);
+}
+
+/// The window is larger than what is taken of it, so that no part of a start code at its beginning is taken.
+QByteArray MovieProof::endingOf(QByteArrayView packet)
+{
+    constexpr QByteArrayView startCode("\0\0\1", 3);
+    QByteArrayView ending = packet.last(std::min(packet.size(), endingBytes + startCode.size()));
+    if (const qsizetype at = ending.lastIndexOf(startCode); at >= 0)
+        ending = ending.sliced(at + startCode.size());
+    return ending.last(std::min(ending.size(), endingBytes)).toByteArray();
+}
+
+void MovieProof::checkPictures(const MovieContents &contents)
+{
+    AVStream *const stream = onlyStream(AVMEDIA_TYPE_VIDEO);
+    require(stream != nullptr, QStringLiteral("no pictures"));
+    const QSize size(stream->codecpar->width, stream->codecpar->height);
+    require(size == contents.pictureSize,
+            QStringLiteral("pictures of %1 x %2 pixels").arg(size.width()).arg(size.height()));
+    const int frames = avformat_index_get_entries_count(stream);
+    require(frames == contents.frames, QStringLiteral("%1 of %2 frames").arg(frames).arg(contents.frames));
+    // What is shown before time 0 has no place in a movie.
+    const std::int64_t begin = av_rescale_q(stream->start_time, stream->time_base, ticks);
+    require(begin == std::max<std::int64_t>(contents.begin, 0),
+            QStringLiteral("pictures from %1 on, not from %2").arg(begin).arg(contents.begin));
+    const std::int64_t end = begin + av_rescale_q(stream->duration, stream->time_base, ticks);
+    require(end == contents.end, QStringLiteral("pictures until %1, not %2").arg(end).arg(contents.end));
+    checkSamples(*stream, contents.lastFrame);
+}
+
+void MovieProof::checkSound(const MovieContents &contents)
+{
+    AVStream *const stream = onlyStream(AVMEDIA_TYPE_AUDIO);
+    if (contents.samples == 0) {
+        require(stream == nullptr, QStringLiteral("sound that was not put in"));
+        return;
+    }
+    require(stream != nullptr, QStringLiteral("no sound"));
+    const AVCodecParameters &format = *stream->codecpar;
+    require(format.sample_rate == contents.sampleRate && format.ch_layout.nb_channels == contents.channels,
+            QStringLiteral("sound of %1 Hz, %2 channels")
+                .arg(format.sample_rate)
+                .arg(format.ch_layout.nb_channels));
+    const std::int64_t samples
+        = av_rescale_q(stream->duration, stream->time_base, { 1, contents.sampleRate });
+    require(std::abs(samples - contents.samples) <= maxSoundDifference,
+            QStringLiteral("%1 of %2 samples of sound").arg(samples).arg(contents.samples));
+    checkSamples(*stream, contents.lastSound);
+}
+
+/// All samples of a track lie within the file, and the last one is as it was put in.
+void MovieProof::checkSamples(AVStream &stream, const QByteArray &lastEnding)
+{
+    const std::int64_t fileBytes = avio_size(m_format->pb);
+    const int count = avformat_index_get_entries_count(&stream);
+    require(count > 0, QStringLiteral("a track without samples"));
+    const AVIndexEntry *entry = nullptr;
+    for (int i = 0; i < count; ++i) {
+        entry = avformat_index_get_entry(&stream, i);
+        const bool isInside = entry->pos >= 0 && entry->size > 0 && entry->pos + entry->size <= fileBytes;
+        if (!isInside)
+            fail(QStringLiteral("sample %1 of %2 beyond the file's end").arg(i + 1).arg(count));
+    }
+    QByteArray last(entry->size, Qt::Uninitialized);
+    const std::int64_t position = avio_seek(m_format->pb, entry->pos, SEEK_SET);
+    const int bytes = position < 0 ? 0
+                                   : avio_read(m_format->pb,
+                                               reinterpret_cast<unsigned char *>(last.data()),
+                                               static_cast<int>(last.size()));
+    require(bytes == last.size() && last.endsWith(lastEnding),
+            QStringLiteral("another last sample than was put in"));
+}
+
+AVStream *MovieProof::onlyStream(AVMediaType type) const
+{
+    AVStream *found = nullptr;
+    for (unsigned i = 0; i < m_format->nb_streams; ++i) {
+        AVStream *const stream = m_format->streams[i];
+        if (stream->codecpar->codec_type != type)
+            continue;
+        require(found == nullptr, QStringLiteral("two tracks of one type"));
+        found = stream;
+    }
+    return found;
+}
+
+void MovieProof::require(bool isTrue, const QString &otherwise) const
+{
+    if (!isTrue)
+        fail(otherwise);
+}
+
+void MovieProof::fail(const QString &finding) const
+{
+    logMessage(QStringLiteral("The movie %1 is not whole: it has %2.").arg(m_filename, finding));
+    throw MovieFailure({ ErrorKind::Incomplete, ErrorSubject::File, m_filename, finding });
+}
+
+} // namespace vornic
