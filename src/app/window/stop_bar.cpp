@@ -58,6 +58,7 @@ StopBar::StopBar(const QRect &recorded)
 {
     setWindowFlags(managed);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     setAttribute(Qt::WA_QuitOnClose, false);
     setObjectName(QStringLiteral("stopBar"));
     setWindowTitle(tr("Stop recording"));

@@ -7,11 +7,13 @@
 #include "capture/spool/VNBufferMgr.h"
 #include "desktop/fake_service.h"
 #include "main_window_test.h"
+#include "support/wait_until.h"
 
 #include <QAbstractButton>
 #include <QDialog>
 #include <QDir>
 #include <QLabel>
+#include <QToolTip>
 #include <QtTest>
 
 namespace vornic {
@@ -78,6 +80,22 @@ TEST_F(WindowProgressTest, TheRoomIsToldInTheWindowAndByTheBar)
         EXPECT_EQ(status(), "Something else.");
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+}
+
+TEST_F(WindowProgressTest, TheBarShowsItsToolTipThoughItNeverHasTheFocus)
+{
+    startRecording();
+    progress().showRoom(room);
+    ASSERT_TRUE(stopButton());
+    window->activateWindow();
+    ASSERT_TRUE(test::waitUntil([] { return !stopButton()->isActiveWindow(); }));
+    QTest::mouseMove(stopButton(), { 5, 5 });
+    QTest::mouseMove(stopButton(), { 8, 8 });
+    EXPECT_TRUE(test::waitUntil([] { return QToolTip::isVisible(); }));
+    EXPECT_EQ(QToolTip::text(), stopButton()->toolTip());
+    QToolTip::hideText();
+    progress().hideStopItem();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST_F(WindowProgressTest, LittleRoomIsANotification)
