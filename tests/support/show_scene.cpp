@@ -2,6 +2,8 @@
 //
 // Fills the screen of $DISPLAY with a scene for measurements and shows:
 //   text     a still page of small text
+//   counter  the same with a counter of 12 characters on it that runs on with every frame
+//   typing   a terminal in which a character is typed every 3rd frame
 //   scroll   a long page of text and pictures that scrolls by --step pixels a frame
 //   desktop  a still page of which a small part changes every 6th frame
 //   video    smooth colours that move over the whole screen
@@ -14,7 +16,9 @@
 #include "support/test_pictures.h"
 
 #include <QCommandLineParser>
+#include <QFont>
 #include <QGuiApplication>
+#include <QPainter>
 
 #include <xcb/xcb.h>
 
@@ -174,6 +178,116 @@ private:
     xcb_pixmap_t m_pixmap;
 };
 
+class CounterScene final : public Scene
+{
+public:
+    explicit CounterScene(Stage &stage)
+        : m_page(stage.pixmapOf(textPage(stage.size(), 1)))
+        , m_counters(stage.pixmapOf(counters()))
+    {
+    }
+
+    void showFrame(Stage &stage, int frame) override
+    {
+        if (frame == 0)
+            stage.show(m_page, QRect(QPoint(0, 0), stage.size()));
+        const QRect counter(QPoint(0, frame % variants * counterSize.height()), counterSize);
+        stage.show(m_counters, counter, QPoint(stage.size().width() / 2, stage.size().height() / 2));
+    }
+
+private:
+    static constexpr QSize counterSize { 100, 18 };
+    static constexpr int variants = 300;
+
+    /// One below the other: minutes, seconds and milliseconds at 30 frames a second.
+    [[nodiscard]] static QImage counters()
+    {
+        QImage picture(counterSize.width(), counterSize.height() * variants, QImage::Format_RGB32);
+        picture.fill(Qt::white);
+        QPainter painter(&picture);
+        QFont font(QStringLiteral("DejaVu Sans Mono"));
+        font.setPixelSize(13);
+        painter.setFont(font);
+        for (int i = 0; i < variants; ++i) {
+            const QString text = QStringLiteral("00:00:%1.%2")
+                                     .arg(i / 30, 2, 10, QLatin1Char('0'))
+                                     .arg(i % 30 * 1000 / 30, 3, 10, QLatin1Char('0'));
+            painter.drawText(2, i * counterSize.height() + 14, text);
+        }
+        return picture;
+    }
+
+    xcb_pixmap_t m_page;
+    xcb_pixmap_t m_counters;
+};
+
+class TypingScene final : public Scene
+{
+public:
+    explicit TypingScene(Stage &stage)
+        : m_size(stage.size().width() / cell.width(), stage.size().height() / cell.height())
+        , m_text(stage.pixmapOf(text(stage.size())))
+        , m_cursor(stage.pixmapOf(filled(cell, Qt::lightGray)))
+        , m_ground(stage.pixmapOf(filled(stage.size(), Qt::black)))
+    {
+    }
+
+    void showFrame(Stage &stage, int frame) override
+    {
+        const int linesAbove = m_size.height() / 2;
+        const int places = m_size.width() * (m_size.height() - linesAbove);
+        const int typed = frame / framesBetween % places;
+        if (typed == 0 && frame % framesBetween == 0) {
+            const int rows = linesAbove * cell.height();
+            const QSize all = stage.size();
+            stage.show(m_text, QRect(0, 0, all.width(), rows));
+            stage.show(m_ground, QRect(0, rows, all.width(), all.height() - rows), QPoint(0, rows));
+        }
+        if (frame % framesBetween != 0)
+            return;
+        const auto placeOf = [&](int index) {
+            return QPoint(index % m_size.width() * cell.width(),
+                          (linesAbove + index / m_size.width()) * cell.height());
+        };
+        stage.show(m_text, QRect(placeOf(typed), cell), placeOf(typed));
+        if (typed + 1 < places)
+            stage.show(m_cursor, QRect(QPoint(0, 0), cell), placeOf(typed + 1));
+    }
+
+private:
+    static constexpr QSize cell { 8, 17 };
+    static constexpr int framesBetween = 3;
+
+    [[nodiscard]] static QImage filled(QSize size, const QColor &colour)
+    {
+        QImage picture(size, QImage::Format_RGB32);
+        picture.fill(colour);
+        return picture;
+    }
+
+    /// A character in each cell but every 7th.
+    [[nodiscard]] static QImage text(QSize size)
+    {
+        QImage picture = filled(size, Qt::black);
+        QPainter painter(&picture);
+        QFont font(QStringLiteral("DejaVu Sans Mono"));
+        font.setPixelSize(13);
+        painter.setFont(font);
+        painter.setPen(Qt::lightGray);
+        int i = 0;
+        for (int y = 0; y + cell.height() <= size.height(); y += cell.height())
+            for (int x = 0; x + cell.width() <= size.width(); x += cell.width(), ++i)
+                if (i % 7 != 0)
+                    painter.drawText(x, y + 13, QChar(u'a' + i * 11 % 26));
+        return picture;
+    }
+
+    QSize m_size; ///< in cells
+    xcb_pixmap_t m_text;
+    xcb_pixmap_t m_cursor;
+    xcb_pixmap_t m_ground;
+};
+
 class ScrollScene final : public Scene
 {
 public:
@@ -267,6 +381,10 @@ std::unique_ptr<Scene> sceneNamed(const QString &name, Stage &stage, int step)
         return std::make_unique<StillScene>(stage, textPage(stage.size(), 1));
     if (name == QLatin1String("known"))
         return std::make_unique<StillScene>(stage, knownPicture(stage.size()));
+    if (name == QLatin1String("counter"))
+        return std::make_unique<CounterScene>(stage);
+    if (name == QLatin1String("typing"))
+        return std::make_unique<TypingScene>(stage);
     if (name == QLatin1String("scroll"))
         return std::make_unique<ScrollScene>(stage, step);
     if (name == QLatin1String("desktop"))
@@ -303,7 +421,7 @@ int main(int argc, char *argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.addPositionalArgument("scene", "text, scroll, desktop, video or known");
+    parser.addPositionalArgument("scene", "text, counter, typing, scroll, desktop, video or known");
     parser.addOptions({ { "fps", "Frames a second.", "number", "30" },
                         { "seconds", "How long it is shown; 0: until it is told to end.", "number", "0" },
                         { "step", "Pixels that scroll moves by in a frame.", "number", "8" },
@@ -319,8 +437,10 @@ int main(int argc, char *argv[])
     const double fps = parser.value("fps").toDouble();
     const auto scene = sceneNamed(parser.positionalArguments().value(0), stage, parser.value("step").toInt());
     if (!scene || fps <= 0) {
-        std::fputs("vornic_show_scene: name one of text, scroll, desktop, video, known, and an fps above 0\n",
-                   stderr);
+        std::fputs(
+            "vornic_show_scene: name one of text, counter, typing, scroll, desktop, video, known, and an "
+            "fps above 0\n",
+            stderr);
         return 2;
     }
     play(*scene, stage, fps, parser.value("seconds").toDouble());
