@@ -56,8 +56,8 @@ void CaptureLoop::pass()
         return;
     }
     std::shared_ptr<const BitmapImage> image = m_rectangle == QRectF()
-        ? m_tools.display.readFullScreen()
-        : m_tools.display.readPartScreen(m_rectangle);
+        ? m_tools.display().readFullScreen()
+        : m_tools.display().readPartScreen(m_rectangle);
     if (!image) {
         logMessage(QStringLiteral("Failed to shot screen buffer."));
         spool.setExit(true);

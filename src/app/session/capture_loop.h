@@ -47,7 +47,7 @@ public:
     /// What a pass works with; borrowed for as long as passes run.
     struct Tools {
         SerialQueue &queue;
-        const VNCGDisplay &display;
+        std::function<const VNCGDisplay &()> display; ///< called by passes only
         VNBufferMgr &spool;
         AudioInput &sound;
     };

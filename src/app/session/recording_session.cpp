@@ -38,7 +38,6 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
     , m_now(absoluteTimeSeconds)
     , m_spool(std::make_unique<VNBufferMgr>(4))
     , m_diskWatch(std::make_unique<DiskWatch>(*m_spool, frontEnd.progress))
-    , m_display(std::make_unique<VNCGDisplay>())
     , m_audio(std::make_unique<AudioInput>(*m_spool, audio))
 {
     adopt(std::make_shared<Recording>());
@@ -62,9 +61,19 @@ void RecordingSession::adopt(std::shared_ptr<Recording> recording)
     m_recording = std::move(recording);
     m_audio->adopt(m_recording);
     CaptureLoop::Listener &listener = *this;
-    const CaptureLoop::Tools tools { imgCaptureQueue(), *m_display, *m_spool, *m_audio };
+    const CaptureLoop::Tools tools {
+        imgCaptureQueue(), [this]() -> const VNCGDisplay & { return display(); }, *m_spool, *m_audio
+    };
     m_loop = std::make_shared<CaptureLoop>(m_recording, tools, listener);
     m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
+}
+
+/// Made when a screen is to be looked at: whoever makes the movie of an earlier recording needs none.
+const VNCGDisplay &RecordingSession::display()
+{
+    if (!m_display)
+        m_display = std::make_unique<VNCGDisplay>();
+    return *m_display;
 }
 
 SerialQueue &RecordingSession::imgCaptureQueue()

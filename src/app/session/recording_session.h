@@ -126,6 +126,7 @@ private:
     void countDown();
     void refuse();
     [[nodiscard]] bool outputAndSpoolAreReady();
+    [[nodiscard]] const VNCGDisplay &display();
     [[nodiscard]] QRectF regionToRecord() const;
     void describePicture(PKMuxerContext &context, RecordQuality quality) const;
     void adopt(std::shared_ptr<Recording> recording);
@@ -146,7 +147,7 @@ private:
     QString m_chosenFile; ///< the save panel's answer
     std::unique_ptr<VNBufferMgr> m_spool;
     std::unique_ptr<DiskWatch> m_diskWatch;
-    std::unique_ptr<VNCGDisplay> m_display;
+    std::unique_ptr<VNCGDisplay> m_display; ///< on the capture queue; null before the first pass
     std::unique_ptr<AudioInput> m_audio;
     std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, as the two below
     std::shared_ptr<CaptureLoop> m_loop;
