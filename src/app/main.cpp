@@ -1,6 +1,7 @@
 #include "app/cli/command_line.h"
 #include "app/cli/devices_command.h"
 #include "app/cli/record_command.h"
+#include "app/cli/recover_command.h"
 #include "app/session/translations.h"
 #include "app/session/unix_signals.h"
 #include "app/window/application_icon.h"
@@ -102,6 +103,8 @@ int runCommand(int &argc, char **argv, const QStringList &arguments)
     switch (line.action) {
     case CommandLine::Action::Record:
         return runRecordCommand(line);
+    case CommandLine::Action::Recover:
+        return runRecoverCommand(line);
     case CommandLine::Action::Devices:
         return runDevicesCommand();
     case CommandLine::Action::Help:

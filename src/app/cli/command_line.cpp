@@ -40,6 +40,12 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
       --duration SECONDS
       --overwrite        replace FILE.mp4; without it an existing file is refused
       --ignore-low-space go on below the free-space limit
+  vornic recover                    the unfinished recordings, one a line: id, start, length, size, frames
+  vornic recover ID [FILE.mp4]      make the movie of one; the beginning of its id is enough
+      --quality high|medium
+                         another quality than it was recorded with
+      --overwrite        replace FILE.mp4
+      --delete ID        delete the recording
   vornic devices                    the audio input devices, one a line
   vornic --help, --version
 
@@ -60,7 +66,8 @@ void addOptions(QCommandLineParser &parser)
                         flag("audio"),
                         value("duration"),
                         flag("overwrite"),
-                        flag("ignore-low-space") });
+                        flag("ignore-low-space"),
+                        value("delete") });
     parser.addOption(QCommandLineOption(QStringList { QStringLiteral("h"), QStringLiteral("help") }));
     parser.addOption(QCommandLineOption(QStringList { QStringLiteral("v"), QStringLiteral("version") }));
 }
@@ -82,6 +89,22 @@ QStringList withoutAudioName(const QStringList &arguments, QString &name)
     return rest;
 }
 
+/// Reads the quality, where one is given; the problem, or an empty text.
+QString readQuality(const QCommandLineParser &parser, std::optional<RecordQuality> &quality)
+{
+    const QString option = QStringLiteral("quality");
+    if (!parser.isSet(option))
+        return {};
+    const QString value = parser.value(option);
+    if (value == QStringLiteral("medium"))
+        quality = RecordQuality::Medium;
+    else if (value == QStringLiteral("high"))
+        quality = RecordQuality::High;
+    else
+        return wrongValue(option, value, CommandLine::tr("high or medium")).problem;
+    return {};
+}
+
 /// Reads the options of a recording into \a line; the problem, or an empty text.
 QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
 {
@@ -94,11 +117,10 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
                               CommandLine::tr("X,Y,W,H in pixels, with W and H above 0"))
                 .problem;
     }
-    const QString quality = parser.value(QStringLiteral("quality"));
-    if (quality == QStringLiteral("medium"))
-        line.quality = RecordQuality::Medium;
-    else if (parser.isSet(QStringLiteral("quality")) && quality != QStringLiteral("high"))
-        return wrongValue(QStringLiteral("quality"), quality, CommandLine::tr("high or medium")).problem;
+    std::optional<RecordQuality> quality;
+    if (const QString problem = readQuality(parser, quality); !problem.isEmpty())
+        return problem;
+    line.quality = quality.value_or(RecordQuality::High);
     if (parser.isSet(QStringLiteral("duration"))) {
         const QString value = parser.value(QStringLiteral("duration"));
         bool isNumber = false;
@@ -151,6 +173,9 @@ CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
             return wrongUsage(CommandLine::tr("--%1 is an option of the window, not of \"vornic record\".")
                                   .arg(QLatin1StringView(option)));
     }
+    if (parser.isSet(QStringLiteral("delete")))
+        return wrongUsage(
+            CommandLine::tr("--%1 is an option of \"vornic recover\".").arg(QStringLiteral("delete")));
     const QStringList files = parser.positionalArguments().mid(1);
     if (files.size() != 1)
         return wrongUsage(
@@ -161,6 +186,44 @@ CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
     line = withMovieFile(line);
     const QString problem = line.problem.isEmpty() ? readRecordOptions(parser, line) : line.problem;
     return problem.isEmpty() ? line : wrongUsage(problem);
+}
+
+/// The first option that is set and is none of \a allowed; empty where there is none.
+QString foreignOption(const QCommandLineParser &parser, const QStringList &allowed)
+{
+    for (const QString &option : parser.optionNames()) {
+        if (!allowed.contains(option))
+            return option;
+    }
+    return {};
+}
+
+CommandLine readRecover(const QCommandLineParser &parser, CommandLine line)
+{
+    line.action = CommandLine::Action::Recover;
+    line.deletes = parser.isSet(QStringLiteral("delete"));
+    const QStringList words = parser.positionalArguments().mid(1);
+    QStringList allowed;
+    if (line.deletes)
+        allowed = QStringList { QStringLiteral("delete") };
+    else if (!words.isEmpty())
+        allowed = QStringList { QStringLiteral("quality"), QStringLiteral("overwrite") };
+    if (const QString foreign = foreignOption(parser, allowed); !foreign.isEmpty())
+        return wrongUsage(line.deletes || !words.isEmpty()
+                              ? CommandLine::tr("--%1 cannot be used here.").arg(foreign)
+                              : CommandLine::tr("--%1 needs the id of a recording.").arg(foreign));
+    if (words.size() > (line.deletes ? 0 : 2))
+        return wrongUsage(line.deletes
+                              ? CommandLine::tr("--delete takes one ID and nothing else.")
+                              : CommandLine::tr("\"vornic recover\" takes one ID and one FILE.mp4."));
+    line.recording = line.deletes ? parser.value(QStringLiteral("delete")) : words.value(0);
+    line.file = words.value(1);
+    line.overwrite = parser.isSet(QStringLiteral("overwrite"));
+    if ((line.deletes || !words.isEmpty()) && line.recording.isEmpty())
+        return wrongUsage(CommandLine::tr("The id of the recording is empty."));
+    if (const QString problem = readQuality(parser, line.otherQuality); !problem.isEmpty())
+        return wrongUsage(problem);
+    return words.size() < 2 ? line : withMovieFile(line);
 }
 
 } // namespace
@@ -211,18 +274,23 @@ CommandLine parseCommandLine(const QStringList &arguments)
     }
     if (!words.isEmpty() && words.first() == QStringLiteral("record"))
         return readRecord(parser, line);
+    if (!words.isEmpty() && words.first() == QStringLiteral("recover"))
+        return readRecover(parser, line);
     const bool records = parser.isSet(QStringLiteral("record"));
     const bool isForWindow = records || (parser.isSet(QStringLiteral("stop")) && words.isEmpty());
     if (isForWindow && parser.optionNames().size() == 1)
         return readWindow(parser, line);
     if (!parser.optionNames().isEmpty())
-        return wrongUsage(
-            CommandLine::tr("--%1 is an option of \"vornic record\".").arg(parser.optionNames().first()));
+        return wrongUsage((parser.isSet(QStringLiteral("delete"))
+                               ? CommandLine::tr("--%1 is an option of \"vornic recover\".")
+                               : CommandLine::tr("--%1 is an option of \"vornic record\"."))
+                              .arg(parser.optionNames().first()));
     if (words.isEmpty())
         return line;
     if (words.first() != QStringLiteral("devices"))
-        return wrongUsage(CommandLine::tr("Unknown command \"%1\"; the commands are record and devices.")
-                              .arg(words.first()));
+        return wrongUsage(
+            CommandLine::tr("Unknown command \"%1\"; the commands are record, recover and devices.")
+                .arg(words.first()));
     if (words.size() > 1)
         return wrongUsage(CommandLine::tr("\"vornic devices\" takes no arguments."));
     line.action = CommandLine::Action::Devices;

@@ -15,7 +15,7 @@ namespace vornic {
 struct CommandLine {
     Q_DECLARE_TR_FUNCTIONS(vornic::CommandLine)
 public:
-    enum class Action { Window, Record, Devices, Help, Version, WrongUsage };
+    enum class Action { Window, Record, Recover, Devices, Help, Version, WrongUsage };
 
     Action action = Action::Window;
     QString problem;  ///< WrongUsage: one sentence, or more lines
@@ -26,7 +26,7 @@ public:
     enum class Task { Show, RecordFullDisplay, RecordRectangle, Stop };
     Task task = Task::Show;
 
-    QString file; ///< the movie; of a window's recording empty where the save panel asks for it
+    QString file; ///< the movie; empty where the window's save panel asks for it, or recover finds a name
 
     // Record
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
@@ -34,8 +34,13 @@ public:
     bool audio = false;
     QString audioDevice; ///< empty: the first
     std::optional<double> durationSeconds;
-    bool overwrite = false;
+    bool overwrite = false; ///< also of a movie that is recovered
     bool ignoreLowSpace = false;
+
+    // Recover
+    QString recording;                         ///< its id, or how that begins; empty: all are listed
+    bool deletes = false;                      ///< in place of making the movie
+    std::optional<RecordQuality> otherQuality; ///< than the one that it was recorded with
 };
 
 /// Reads the arguments; the first one is the program's name. Problems are told in the language of the

@@ -105,6 +105,23 @@ void CommandLineFrontEnd::beginProgress(std::uint64_t /*frames*/)
 {
     m_encoding.start();
     m_lastPercent = -1;
+    m_isWriting = true;
+    tellOfLater();
+}
+
+void CommandLineFrontEnd::signalCame()
+{
+    m_isAskedToEnd = true;
+    tellOfLater();
+}
+
+/// Once, to somebody who seems to be in a hurry.
+void CommandLineFrontEnd::tellOfLater()
+{
+    if (!m_isWriting || !m_isAskedToEnd || std::exchange(m_hasToldOfLater, true))
+        return;
+    endRedrawnLine();
+    writeError(QCoreApplication::translate("vornic", "Writing the movie; Ctrl-C puts it off for later.\n"));
 }
 
 void CommandLineFrontEnd::setProgress(double percent)
@@ -128,7 +145,16 @@ void CommandLineFrontEnd::setProgress(double percent)
 
 void CommandLineFrontEnd::endProgress()
 {
+    m_isWriting = false;
     endRedrawnLine();
+}
+
+void CommandLineFrontEnd::recordingKept(const QString &id)
+{
+    endRedrawnLine();
+    writeError(QCoreApplication::translate(
+                   "vornic", "vornic: The recording is kept: vornic recover %1 makes the movie.\n")
+                   .arg(id));
 }
 
 void CommandLineFrontEnd::inhibitIdle(bool inhibits)

@@ -32,6 +32,9 @@ public:
 
     [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
 
+    /// The program was asked to end: tells how to end it while the movie is written, too.
+    void signalCame();
+
     void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
     void runSavePanel(const QString &name,
                       const QString &type,
@@ -44,6 +47,7 @@ public:
     void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;
+    void recordingKept(const QString &id) override;
     void inhibitIdle(bool inhibits) override;
     void alert(const QString &message, const QString &informativeText) override;
     void alertError(const QString &sentence) override;
@@ -51,6 +55,7 @@ public:
 private:
     void redraw(const QString &text);
     void endRedrawnLine();
+    void tellOfLater();
 
     CommandLine m_line;
     bool m_isTerminal;
@@ -58,6 +63,9 @@ private:
     QString m_lastTitle;
     QString m_room; ///< behind the clock; empty in the first second
     int m_lastPercent = -1;
+    bool m_isWriting = false;
+    bool m_isAskedToEnd = false;
+    bool m_hasToldOfLater = false;
     QElapsedTimer m_encoding;
     std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
 };

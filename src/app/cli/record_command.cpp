@@ -1,11 +1,12 @@
 #include "app/cli/record_command.h"
 
 #include "app/cli/command_line_front_end.h"
+#include "app/cli/run_session.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
+#include "app/session/left_behind.h"
 #include "app/session/output_check.h"
 #include "app/session/recording_session.h"
-#include "app/session/unix_signals.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
 #include "base/PKTimebase.h"
@@ -107,16 +108,6 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
     return options;
 }
 
-QString describeCounts(const RecordingCounts &counts)
-{
-    return QCoreApplication::translate(
-               "vornic", "%1 frames grabbed, %2 frames written, %3 frames skipped, %4 s of audio")
-        .arg(counts.framesGrabbed)
-        .arg(counts.framesWritten)
-        .arg(counts.framesSkipped)
-        .arg(counts.audioSeconds, 0, 'f', 1);
-}
-
 void chooseAudioDevice(AudioInput &input, const CommandLine &line)
 {
     AudioDeviceList &list = input.devices();
@@ -151,32 +142,13 @@ int runRecordCommand(const CommandLine &line)
         frontEnd.alertError(reason);
         return 1;
     }
+    cleanUpLeftBehind();
     const std::unique_ptr<VNOption> options = optionsFrom(line);
     RecordingSession session(frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
     chooseAudioDevice(session.audioInput(), line);
-    const UnixSignals signalled;
-    const auto terminate = [&session] { session.terminate(); };
-    QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, terminate);
-    QObject::connect(&session, &RecordingSession::recordingRefused, &session, terminate);
-    QObject::connect(&session, &RecordingSession::stateChanged, &session, [&session] {
-        if (!session.isRecording())
-            session.terminate();
-    });
-    QObject::connect(&session,
-                     &RecordingSession::readyToTerminate,
-                     QCoreApplication::instance(),
-                     &QCoreApplication::quit,
-                     Qt::QueuedConnection);
     if (line.durationSeconds)
         stopAfter(session, *line.durationSeconds);
-    session.recorded();
-    QCoreApplication::exec();
-
-    const RecordingCounts counts = session.counts();
-    if (!session.failure().isEmpty() || counts.framesWritten == 0)
-        return 1;
-    std::printf("%s\n%s\n", describeCounts(counts).toUtf8().constData(), line.file.toLocal8Bit().constData());
-    return 0;
+    return runSession(session, frontEnd, [&session] { session.recorded(); });
 }
 
 } // namespace vornic

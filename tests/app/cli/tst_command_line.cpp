@@ -52,8 +52,13 @@ TEST(CommandLineTest, Commands)
     EXPECT_EQ(parse({ "-v" }).action, Action::Version);
     const CommandLine help = parse({ "record", "--help" });
     EXPECT_EQ(help.action, Action::Help);
-    for (const char *option :
-         { "--region", "--quality", "--audio", "--duration", "--overwrite", "--ignore-low-space" })
+    for (const char *option : { "--region",
+                                "--quality",
+                                "--audio",
+                                "--duration",
+                                "--overwrite",
+                                "--ignore-low-space",
+                                "--delete" })
         EXPECT_TRUE(help.helpText.contains(option)) << option;
 }
 
@@ -98,6 +103,50 @@ TEST(CommandLineTest, AudioNeedsNoName)
     EXPECT_TRUE(line.audio);
     EXPECT_TRUE(line.audioDevice.isEmpty());
     EXPECT_EQ(line.file, "o.mp4");
+}
+
+TEST(CommandLineTest, RecoveringListsMakesOrDeletes)
+{
+    const CommandLine list = parse({ "recover" });
+    EXPECT_EQ(list.action, Action::Recover);
+    EXPECT_TRUE(list.recording.isEmpty());
+    const CommandLine made = parse({ "recover", "20261122-140512-3fa9" });
+    EXPECT_EQ(made.action, Action::Recover);
+    EXPECT_EQ(made.recording, "20261122-140512-3fa9");
+    EXPECT_TRUE(made.file.isEmpty());
+    EXPECT_FALSE(made.otherQuality);
+    EXPECT_FALSE(made.deletes || made.overwrite);
+    const CommandLine all = parse({ "recover", "--quality=medium", "2026", "a b.mp4", "--overwrite" });
+    EXPECT_EQ(all.action, Action::Recover) << all.problem.toStdString();
+    EXPECT_EQ(all.file, "a b.mp4");
+    EXPECT_EQ(all.otherQuality, RecordQuality::Medium);
+    EXPECT_TRUE(all.overwrite);
+    EXPECT_EQ(parse({ "recover", "2026", "--quality", "high" }).otherQuality, RecordQuality::High);
+    const CommandLine deleted = parse({ "recover", "--delete", "2026" });
+    EXPECT_EQ(deleted.action, Action::Recover);
+    EXPECT_EQ(deleted.recording, "2026");
+    EXPECT_TRUE(deleted.deletes);
+}
+
+TEST(CommandLineTest, RecoveringTakesNothingElse)
+{
+    const auto problem = [](const QStringList &arguments) {
+        const CommandLine line = parse(QStringList { "recover" } + arguments);
+        EXPECT_EQ(line.action, Action::WrongUsage) << arguments.join(' ').toStdString();
+        return line.problem;
+    };
+    EXPECT_EQ(problem({ "--overwrite" }), "--overwrite needs the id of a recording.");
+    EXPECT_EQ(problem({ "2026", "--region", "1,2,3,4" }), "--region cannot be used here.");
+    EXPECT_EQ(problem({ "2026", "a.mp4", "--delete", "2027" }), "--delete takes one ID and nothing else.");
+    EXPECT_EQ(problem({ "--delete", "2026", "--quality=high" }), "--quality cannot be used here.");
+    EXPECT_EQ(problem({ "--delete", "" }), "The id of the recording is empty.");
+    EXPECT_EQ(problem({ "2026", "a.avi" }), "The movie's file name \"a.avi\" must end in .mp4.");
+    EXPECT_EQ(problem({ "2026", "a.mp4", "b.mp4" }), "\"vornic recover\" takes one ID and one FILE.mp4.");
+    EXPECT_TRUE(problem({ "2026", "--quality=best" }).contains("high or medium"));
+    problem({ "--delete" });
+    EXPECT_EQ(parse({ "record", "--delete", "2026", "o.mp4" }).problem,
+              "--delete is an option of \"vornic recover\".");
+    EXPECT_EQ(parse({ "--delete", "2026" }).problem, "--delete is an option of \"vornic recover\".");
 }
 
 TEST(CommandLineTest, RegionsInTheFormsThatToolsPrint)

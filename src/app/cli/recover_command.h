@@ -1,0 +1,11 @@
+#pragma once
+
+#include "app/cli/command_line.h"
+
+namespace vornic {
+
+/// Runs "vornic recover": lists the unfinished recordings, deletes one, or makes its movie. Needs a QCoreApplication
+/// on the calling thread, and no display. The exit status: 0 it is done, 1 it failed.
+[[nodiscard]] int runRecoverCommand(const CommandLine &line);
+
+} // namespace vornic
