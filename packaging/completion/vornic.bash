@@ -12,14 +12,21 @@ _vornic_devices()
     done < <(vornic devices 2>/dev/null)
 }
 
+_vornic_recordings()
+{
+    mapfile -t COMPREPLY < <(compgen -W "$(vornic recover 2>/dev/null | cut -d ' ' -f 1)" -- "$1")
+}
+
 _vornic()
 {
-    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} i command=
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} i command= ids=0
     COMPREPLY=()
     for (( i = 1; i < COMP_CWORD; ++i )); do
         [[ ${COMP_WORDS[i]} == record && ${COMP_WORDS[i - 1]} != --record && ${COMP_WORDS[i - 1]} != = ]] \
             && command=record
         [[ ${COMP_WORDS[i]} == devices ]] && command=devices
+        [[ $command == recover && ${COMP_WORDS[i]} == [0-9]* ]] && (( ++ids ))
+        [[ ${COMP_WORDS[i]} == recover && -z $command ]] && command=recover
         [[ ${COMP_WORDS[i]} == --record || ${COMP_WORDS[i]} == --record=* ]] && command=--record
     done
     # The shell may take "=" for a word of its own.
@@ -36,19 +43,27 @@ _vornic()
     --audio=)
         _vornic_devices "$word"
         return ;;
+    --delete | --delete=)
+        _vornic_recordings "$word"
+        return ;;
     --region | --region= | --duration | --duration=)
         return ;;
     esac
 
-    if [[ $command == *record && $word != -* ]]; then
+    if [[ $command == recover && $ids -eq 0 && $word != -* ]]; then
+        _vornic_recordings "$word"
+        return
+    fi
+    if [[ $command == *record || $command == recover ]] && [[ $word != -* ]]; then
         mapfile -t COMPREPLY < <(compgen -f -X '!*.[mM][pP]4' -- "$word"; compgen -d -- "$word")
         compopt -o filenames 2>/dev/null
         return
     fi
     local words=
     case $command in
-    '') words='record devices --record= --stop --help --version' ;;
+    '') words='record recover devices --record= --stop --help --version' ;;
     record) words='--region --quality --audio --audio= --duration --overwrite --ignore-low-space --help' ;;
+    recover) words='--quality --overwrite --delete --help' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
     [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *= ]] && compopt -o nospace 2>/dev/null

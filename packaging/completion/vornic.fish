@@ -1,12 +1,17 @@
 # Completion of vornic for fish.
 
-set -l window 'not __fish_seen_subcommand_from record devices'
+set -l window 'not __fish_seen_subcommand_from record recover devices'
 set -l first "$window; and not string match -q -- '--record*' (commandline -opc)"
 set -l recordinto "$window; and string match -q -- '--record*' (commandline -opc)"
 set -l record '__fish_seen_subcommand_from record'
+set -l recover '__fish_seen_subcommand_from recover'
+set -l recordings '(vornic recover 2>/dev/null | string replace -r " .*" "")'
+set -l recoverfirst "$recover; and not string match -qr -- '^\d' (commandline -opc)"
+set -l recoverinto "$recover; and string match -qr -- '^\d' (commandline -opc)"
 
 complete -c vornic -f
 complete -c vornic -n $first -a record -d 'Record without the window'
+complete -c vornic -n $first -a recover -d 'List unfinished recordings, or make the movie of one'
 complete -c vornic -n $first -a devices -d 'List the audio input devices'
 complete -c vornic -n $window -l record -x -a 'full\t"The full display" rectangle\t"The selected rectangle"' \
     -d 'Record; at once into a file that is named'
@@ -24,3 +29,9 @@ complete -c vornic -n $record -l duration -x -d 'End the recording by itself: se
 complete -c vornic -n $record -l overwrite -d 'Replace the file'
 complete -c vornic -n $record -l ignore-low-space -d 'Go on below the free-space limit'
 complete -c vornic -n $record -a '(string match -q -- "-*" (commandline -ct); or __fish_complete_suffix .mp4)'
+
+complete -c vornic -n $recover -l quality -x -a 'high medium' -d 'Another quality than it was recorded with'
+complete -c vornic -n $recover -l overwrite -d 'Replace the file'
+complete -c vornic -n $recover -l delete -x -a $recordings -d 'Delete the recording'
+complete -c vornic -n $recoverfirst -a $recordings -d 'Unfinished recording'
+complete -c vornic -n $recoverinto -a '(__fish_complete_suffix .mp4)'

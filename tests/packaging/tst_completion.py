@@ -1,6 +1,7 @@
 """tst_completion.py SHELL FOLDER PROGRAM: what a shell offers after the beginning of a command line.
 
-The shells run their own completion. The program is one of the test's own, which knows two audio devices.
+The shells run their own completion. The program is one of the test's own, which knows two audio devices and two
+unfinished recordings.
 """
 
 import os
@@ -16,6 +17,8 @@ import program_help
 
 FAKE = """#!/bin/sh
 [ "$1" = devices ] && printf '%s\\n' 'Built-in Microphone' 'Monitor of Speakers'
+[ "$1" = recover ] && printf '%s  2026-11-22 14:05:12  00:42:10  1.9 GiB  75900 frames\\n' \
+    20261122-140512-3fa9 20261123-090000-00ff
 exit 0
 """
 
@@ -128,8 +131,9 @@ class Completion(unittest.TestCase):
         return {word.rstrip("=/ ") for word in SHELLS[NAME](self.place, line)}
 
     def test_the_commands(self):
-        self.assertLessEqual({"record", "devices"}, self.offered("vornic "))
-        self.assertEqual(self.offered("vornic rec"), {"record"})
+        self.assertLessEqual({"record", "recover", "devices"}, self.offered("vornic "))
+        self.assertEqual(self.offered("vornic reco"), {"record", "recover"})
+        self.assertEqual(self.offered("vornic recor"), {"record"})
 
     def test_every_option_of_the_window(self):
         everywhere = {"--help", "--version"}
@@ -139,6 +143,21 @@ class Completion(unittest.TestCase):
         expected = program_help.options_below(PROGRAM, "record") | {"--help"}
         self.assertEqual(self.offered("vornic record --"), expected)
         self.assertEqual(self.offered("vornic record --o"), {"--overwrite"})
+
+    def test_every_option_of_recover(self):
+        expected = program_help.options_below(PROGRAM, "recover") | {"--help"}
+        self.assertEqual(self.offered("vornic recover --"), expected)
+        self.assertEqual(self.offered("vornic recover --o"), {"--overwrite"})
+        self.assertEqual(self.offered("vornic recover --quality "), {"high", "medium"})
+
+    def test_the_unfinished_recordings(self):
+        both = {"20261122-140512-3fa9", "20261123-090000-00ff"}
+        for line in ("vornic recover ", "vornic recover --overwrite ", "vornic recover --delete "):
+            self.assertEqual(self.offered(line), both, line)
+        self.assertEqual(self.offered("vornic recover 20261123"), {"20261123-090000-00ff"})
+        found = self.offered("vornic recover 20261123-090000-00ff ")
+        self.assertLessEqual({"old.mp4", "sub"}, found)
+        self.assertTrue(found.isdisjoint(both), found)
 
     def test_the_values(self):
         self.assertEqual(self.offered("vornic --record="), {"full", "rectangle"})
