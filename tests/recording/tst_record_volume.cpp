@@ -1,6 +1,7 @@
 #include "recording_fixture.h"
 
 #include <QRegularExpression>
+#include <QStorageInfo>
 
 namespace vornic {
 namespace {
@@ -49,6 +50,9 @@ TEST_F(SmallVolumeTest, AnOutputVolumeThatFillsLeavesNoPartialFile)
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.error.count("vornic: "), 1) << result.error.toStdString();
     EXPECT_TRUE(result.error.contains("full")) << result.error.toStdString();
+    EXPECT_EQ(result.error.contains("lies in memory"),
+              QStorageInfo(folder.path()).fileSystemType() == "tmpfs")
+        << "the cache is not on that volume";
 }
 
 TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpooled)
