@@ -8,6 +8,7 @@
 #include <functional>
 #include <future>
 #include <optional>
+#include <utility>
 
 namespace vornic {
 
