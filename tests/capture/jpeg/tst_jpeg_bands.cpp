@@ -108,6 +108,8 @@ TEST_F(JpegBandsTest, DecodingFollowsChangesBandByBand)
     EXPECT_EQ(countOf(decoder.decode(*first, canvas)), bandCount(200));
     EXPECT_TRUE(decoder.holds(*first));
     EXPECT_EQ(countOf(decoder.decode(*first, canvas)), 0);
+    QImage other;
+    EXPECT_EQ(countOf(decoder.decode(*first, other)), bandCount(200));
 
     for (int y = 64; y < 80; ++y)
         picture.setPixel(100, y, qRgb(255, 255, 0));

@@ -433,6 +433,15 @@ TEST_F(ComposerTest, ARecordWithoutPictureInTheMiddleLeavesNoPointer)
     EXPECT_NE(planes(*pointerOutside), planes(*withPointer));
 }
 
+TEST_F(ComposerTest, ARecordThatWasNotSpooledIsForgottenWithItsPicture)
+{
+    const auto first = spooled(noisePicture({ 100, 60 }, 1), {});
+    const auto notSpooled = VNBufferDiscr::createWithScreenImage(grabOf(noisePicture({ 100, 60 }, 2)));
+    composeAndCompare(first);
+    composeAndCompare(notSpooled);
+    composeAndCompare(first);
+}
+
 TEST_F(ComposerTest, SizesMayChangeAndScaledFramesFollow)
 {
     composeAndCompare(spooled(noisePicture({ 100, 60 }, 1), {}));
