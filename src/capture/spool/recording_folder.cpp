@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 
@@ -61,6 +62,19 @@ int openFolder(int beneath, const QByteArray &name)
     return -1;
 }
 
+/// The names in \a folders survive a loss of power once this returns.
+void syncNames(const QStringList &folders)
+{
+    for (const QString &folder : folders) {
+        const int descriptor
+            = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (descriptor < 0 || ::fsync(descriptor) != 0)
+            logMessage(QStringLiteral("Failed to sync the folder %1: %2").arg(folder, qt_error_string()));
+        if (descriptor >= 0)
+            ::close(descriptor);
+    }
+}
+
 int makeFolder(int beneath, const QByteArray &name)
 {
     if (::mkdirat(beneath, name.constData(), 0700) != 0)
@@ -108,8 +122,8 @@ std::shared_ptr<RecordingFolder> RecordingFolder::create(const QString &cachePat
         if (!folder->m_journal || !folder->m_video || !folder->m_audio
             || ::renameat(above, halfMade.constData(), above, QFile::encodeName(id).constData()) != 0)
             folder.reset();
-        else if (::fsync(descriptor) != 0 || ::fsync(above) != 0)
-            logMessage(QStringLiteral("Failed to sync the spool's folder: %1").arg(qt_error_string()));
+        else // of a first recording, the folders above are new as well
+            syncNames({ folder->path(), all, cachePath, QFileInfo(cachePath).absolutePath() });
     }
     const int error = errno;
     ::close(above);
