@@ -31,6 +31,7 @@ class Programs:
     def __init__(self, build):
         self.vornic = os.path.join(build, "src/app/vornic")
         self.counter = os.path.join(build, "tests/crash/vornic_show_counter")
+        self.forget = os.path.join(build, "tests/crash/libforget_unsynced.so")
 
 
 def add_arguments(parser):

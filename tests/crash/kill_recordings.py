@@ -16,6 +16,7 @@ Needs the built tree, Xvfb, pulseaudio, ffmpeg and ffprobe. Exit status: 0 nothi
 import argparse
 import collections
 import contextlib
+import glob
 import os
 import queue
 import random
@@ -164,7 +165,8 @@ def run_one(kind, workshop, seed, number, keep):
             workshop.kept = True
             failure = f"{failure} [{case.work}]"
         return Result(case.moment, case.sound, 0, "FAILED", None, 0, str(failure))
-    shutil.rmtree(case.work)
+    for path in [case.work] + glob.glob(case.work + ".*"):
+        shutil.rmtree(path)
     return result
 
 
