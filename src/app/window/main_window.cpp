@@ -203,6 +203,7 @@ void MainWindow::connectStart()
 void MainWindow::connectMenu()
 {
     connect(m_ui->mAboutApp, &QAction::triggered, this, &MainWindow::showAbout);
+    connect(m_ui->mUnfinished, &QAction::triggered, this, &MainWindow::unfinishedAsked);
     connect(m_ui->mHideApp, &QAction::triggered, this, &QWidget::showMinimized);
     connect(m_ui->mQuitApp, &QAction::triggered, this, &QWidget::close);
     connect(m_ui->helpMenu, &QAction::triggered, &m_delegate, &VornicAppDelegate::helpScreenRecord);
@@ -381,6 +382,16 @@ void MainWindow::showStatus(const QString &sentence)
 {
     m_tellsOfCover = false;
     m_ui->statusLine->showSentence(sentence);
+}
+
+UnfinishedLine &MainWindow::unfinishedLine()
+{
+    return *m_ui->unfinishedLine;
+}
+
+void MainWindow::setHasUnfinished(bool has)
+{
+    m_ui->mUnfinished->setEnabled(has);
 }
 
 void MainWindow::setShortcut(const QString &portable)

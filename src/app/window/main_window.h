@@ -7,6 +7,7 @@
 namespace vornic {
 
 class OptionsViewModel;
+class UnfinishedLine;
 class VNColorWell;
 class VNComboboxView;
 class VornicAppDelegate;
@@ -35,6 +36,10 @@ public:
     void showSaved(const QString &path, double seconds);
     /// Tells \a sentence in the same place; empty: nothing.
     void showStatus(const QString &sentence);
+    /// The line that tells of recordings that were not finished.
+    [[nodiscard]] UnfinishedLine &unfinishedLine();
+    /// Whether the menu leads to their list.
+    void setHasUnfinished(bool has);
     /// Shows the key that starts and stops from any program, as QKeySequence writes it portably.
     void setShortcut(const QString &portable);
     /// Tells beneath the key why it does not work; empty: it does.
@@ -52,6 +57,8 @@ signals:
     /// Of the movie that showSaved() was told of.
     void openAsked(const QString &path);
     void revealAsked(const QString &path);
+    /// The user wants to see the recordings that were not finished.
+    void unfinishedAsked();
     /// The user has chosen another key, or none where it is empty.
     void shortcutChosen(const QString &portable);
 

@@ -1,3 +1,4 @@
+#include "app/window/unfinished_line.h"
 #include "base/keyed_archive.h"
 #include "controls/VNCheckCell.h"
 #include "controls/VNColorWell.h"
@@ -328,6 +329,16 @@ void expectNothingCutOffOrOverlapping(const QWidget &window)
     }
 }
 
+QList<StoredRecording> unfinishedRecordings(int count)
+{
+    StoredRecording recording;
+    recording.id = "20261122-140512-3fa9";
+    recording.isReadable = true;
+    recording.start = QDateTime::currentDateTimeUtc();
+    recording.seconds = 2530;
+    return QList<StoredRecording>(count, recording);
+}
+
 /// Without a logo, with a text, with a picture, and with all that the status line can say.
 void expectNothingCutOffInAnyMode(MainWindow &window, VNLogoContext &logo)
 {
@@ -344,6 +355,11 @@ void expectNothingCutOffInAnyMode(MainWindow &window, VNLogoContext &logo)
     window.showSaved("/somewhere/" + QString(200, u'x') + ".mp4", 10);
     QCoreApplication::processEvents();
     expectNothingCutOffOrOverlapping(window);
+    for (const int count : { 1, 2 }) {
+        window.unfinishedLine().showRecordings(unfinishedRecordings(count));
+        QCoreApplication::processEvents();
+        expectNothingCutOffOrOverlapping(window);
+    }
     window.showStatus({});
 }
 
@@ -455,6 +471,7 @@ TEST_F(MainWindowTest, EveryControlHasAToolTip)
 {
     logo().setLogoValidate(true);
     window->showSaved("/somewhere/movie.mp4", 1);
+    window->unfinishedLine().showRecordings(unfinishedRecordings(1));
     for (const int type : { 0, 1 }) {
         logo().setLogoType(type);
         for (const QWidget *leaf : leaves(*window)) {
