@@ -102,6 +102,8 @@ public:
     void startRecorderAnyway() { m_session->startRecorderAnyway(); }
     void startRecorder(const QVariantList &arguments) { m_session->startRecorder(arguments); }
     void stopRecord() { m_session->stopRecord(); }
+    void recover(const QString &id, const QString &file) { m_session->recover(id, file); }
+    void later() { m_session->later(); }
     void executeStopRecord() { m_session->executeStopRecord(); }
     void recordcomplete() { m_session->recordcomplete(); }
     void showStopRecordingBtn() { m_session->showStopRecordingBtn(); }

@@ -32,7 +32,7 @@ public:
     /// Counts down on the screen to the start; false when the user thinks better of it.
     virtual void countDown(std::function<void(bool goOn)> answer) { answer(true); }
     /// The movie could not be written, but the recording is still there: another file for it, or nothing to
-    /// give the recording up.
+    /// keep the recording for later.
     virtual void askForOtherFile(const QString & /*type*/,
                                  std::function<void(std::optional<QString> path)> answer)
     {

@@ -73,18 +73,26 @@ VNEncoderProgress &VNEncoderProgress::shareEncoderProgress()
     return *shared;
 }
 
-void VNEncoderProgress::beginSheet(QWidget *window, std::uint64_t frames)
+void VNEncoderProgress::beginSheet(QWidget *window, std::uint64_t frames, std::function<void()> later)
 {
     endSheet();
     m_frames = frames;
     m_sinceBegin.start();
-    m_window = makeSheet<Ui::VNEncoderProgress>(window, [this](const Ui::VNEncoderProgress &ui) {
+    m_window = makeSheet<Ui::VNEncoderProgress>(window, [&](const Ui::VNEncoderProgress &ui) {
         m_bar = ui.percentBar;
         m_percentLabel = ui.percentLabel;
         m_speedLabel = ui.speedLabel;
         m_timeLeftLabel = ui.timeLeftLabel;
         connect(
             ui.minimiseButton, &QAbstractButton::clicked, this, [this] { mainWindow()->showMinimized(); });
+        ui.laterButton->setVisible(later != nullptr);
+        connect(ui.laterButton,
+                &QAbstractButton::clicked,
+                ui.laterButton,
+                [button = ui.laterButton, later = std::move(later)] {
+                    button->setEnabled(false); // the frame that is under way is finished first
+                    later();
+                });
     });
     m_window->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
                              | Qt::WindowMinimizeButtonHint);

@@ -5,6 +5,7 @@
 #include <QPointer>
 
 #include <cstdint>
+#include <functional>
 
 class QDialog;
 class QLabel;
@@ -28,8 +29,9 @@ public:
     [[nodiscard]] double percent() const { return m_percent; }
     void setPercent(double percent);
 
-    /// \a frames: how many the movie will have. Without a \a window the sheet stands alone.
-    void beginSheet(QWidget *window, std::uint64_t frames);
+    /// \a frames: how many the movie will have. Without a \a window the sheet stands alone. \a later is called, once at
+    /// most, when the user puts the movie off.
+    void beginSheet(QWidget *window, std::uint64_t frames, std::function<void()> later = {});
     void endSheet();
 
 signals:

@@ -143,7 +143,7 @@ void WindowProgress::reloadData()
 
 void WindowProgress::beginProgress(std::uint64_t frames)
 {
-    VNEncoderProgress::shareEncoderProgress().beginSheet(m_main.visible(), frames);
+    VNEncoderProgress::shareEncoderProgress().beginSheet(m_main.visible(), frames, m_later);
     if (!QSystemTrayIcon::isSystemTrayAvailable())
         return;
     m_writingIcon = std::make_unique<QSystemTrayIcon>(applicationIcon());
@@ -161,6 +161,12 @@ void WindowProgress::endProgress()
 {
     VNEncoderProgress::shareEncoderProgress().endSheet();
     m_writingIcon.reset();
+}
+
+void WindowProgress::recordingKept(const QString & /*id*/)
+{
+    if (m_kept)
+        m_kept();
 }
 
 } // namespace vornic

@@ -32,6 +32,10 @@ public:
 
     /// Called when the user asks for the end of the recording.
     void setStop(std::function<void()> stop) { m_stop = std::move(stop); }
+    /// Called when the user puts the movie off that is written.
+    void setLater(std::function<void()> later) { m_later = std::move(later); }
+    /// Called when a recording is kept that has no movie.
+    void setKept(std::function<void()> kept) { m_kept = std::move(kept); }
 
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
@@ -48,10 +52,13 @@ public:
     void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;
+    void recordingKept(const QString &id) override;
 
 private:
     const MainWindowLink &m_main;
     std::function<void()> m_stop;
+    std::function<void()> m_later;
+    std::function<void()> m_kept;
     std::unique_ptr<StopItem> m_stopItem;
     bool m_isInMemory = false; ///< what is recorded now
     QRect m_minimisedFrame;    ///< where the main window was, in the toolkit's coordinates

@@ -34,15 +34,33 @@ void WindowQuestions::runSavePanel(const QString &name,
                                    const QString &type,
                                    std::function<void(std::optional<QString>)> answer)
 {
+    const QString folder = movie_folder::current();
+    openSavePanel(folder,
+                  movie_folder::unusedName(folder, name.isEmpty() ? tr("Untitled") : name, type),
+                  type,
+                  std::move(answer));
+}
+
+void WindowQuestions::runSavePanelFor(const QString &proposed,
+                                      std::function<void(std::optional<QString>)> answer)
+{
+    const QFileInfo file(proposed);
+    openSavePanel(file.absolutePath(), file.completeBaseName(), file.suffix(), std::move(answer));
+}
+
+void WindowQuestions::openSavePanel(const QString &folder,
+                                    const QString &name,
+                                    const QString &type,
+                                    std::function<void(std::optional<QString>)> answer)
+{
     auto *panel = new QFileDialog(m_main.visible(), tr("Save the recording as"));
     // The desktop's own panel is not kept above the overlay.
     panel->setOption(QFileDialog::DontUseNativeDialog);
     panel->setAcceptMode(QFileDialog::AcceptSave);
     panel->setNameFilter(tr("Movies (*.%1)").arg(type));
     panel->setDefaultSuffix(type);
-    const QString folder = movie_folder::current();
     panel->setDirectory(folder);
-    panel->selectFile(movie_folder::unusedName(folder, name.isEmpty() ? tr("Untitled") : name, type));
+    panel->selectFile(name);
     dressDialog(*panel);
     runFilePanel(*panel, [this, type, answer = std::move(answer)](const std::optional<QString> &path) {
         const QString reason = path ? whyNoMovieCanBeWritten(*path) : QString();
@@ -104,14 +122,15 @@ void WindowQuestions::askForOtherFile(const QString &type, std::function<void(st
             answer(path);
             return;
         }
-        enum Answer { SaveElsewhere, GiveUp };
-        AlertBox box(m_main.visible(),
-                     AlertBox::Kind::Question,
-                     tr("Give the recording up?"),
-                     tr("It cannot be brought back."));
+        enum Answer { Later, SaveElsewhere };
+        AlertBox box(
+            m_main.visible(),
+            AlertBox::Kind::Question,
+            tr("The recording is kept"),
+            tr("The main window leads back to it and makes the movie later, also after the next start."));
+        box.addButton(tr("OK"), Later);
         box.addButton(tr("Save elsewhere"), SaveElsewhere);
-        box.addButton(tr("Give up"), GiveUp);
-        if (box.exec() == GiveUp)
+        if (box.exec() == Later)
             answer(std::nullopt);
         else
             askForOtherFile(type, answer);

@@ -27,6 +27,8 @@ public:
     void runSavePanel(const QString &name,
                       const QString &type,
                       std::function<void(std::optional<QString> path)> answer) override;
+    /// The same with \a proposed as the movie's file, whose folder is there.
+    void runSavePanelFor(const QString &proposed, std::function<void(std::optional<QString> path)> answer);
     void askToRecordWithoutSound(std::function<void(bool goOn)> answer) override;
     void showHint(std::function<void(int response)> answer) override;
     void countDown(std::function<void(bool goOn)> answer) override;
@@ -40,6 +42,11 @@ public:
     void alertError(const QString &sentence) override;
 
 private:
+    void openSavePanel(const QString &folder,
+                       const QString &name,
+                       const QString &type,
+                       std::function<void(std::optional<QString> path)> answer);
+
     const MainWindowLink &m_main;
     std::unique_ptr<Countdown> m_countdown; ///< null but while it is counted down
 };

@@ -158,22 +158,29 @@ TEST_F(QuestionsTest, TheQuitQuestionIsAnsweredNoUnlessYesIsPressed)
     EXPECT_TRUE(quits);
 }
 
-TEST_F(QuestionsTest, GivingARecordingUpTakesAClick)
+TEST_F(QuestionsTest, ARecordingWithoutAMovieIsKeptAndTheWayOnIsTold)
 {
     int answers = 0;
     questions.askForOtherFile("mp4", [&](const auto &path) {
         ++answers;
         EXPECT_FALSE(path);
     });
-    withBox([] { panel()->reject(); }, [](AlertBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    withBox([] { panel()->reject(); },
+            [](AlertBox &box) {
+                for (PushButton *button : box.findChildren<PushButton *>()) {
+                    if (button->text() == "Save elsewhere")
+                        button->click();
+                }
+            });
     EXPECT_EQ(answers, 0);
     ASSERT_TRUE(panel()) << "asked again";
     withBox([] { panel()->reject(); },
             [](AlertBox &box) {
-                for (PushButton *button : box.findChildren<PushButton *>()) {
-                    if (button->text() == "Give up")
-                        button->click();
-                }
+                QString told;
+                for (const QLabel *label : box.findChildren<QLabel *>())
+                    told += label->text();
+                EXPECT_TRUE(told.contains("kept") && told.contains("main window")) << told.toStdString();
+                QTest::keyClick(&box, Qt::Key_Escape);
             });
     EXPECT_EQ(answers, 1);
 }

@@ -235,6 +235,28 @@ TEST_F(ProgressTest, NeitherEscapeNorClosingEndsIt)
     EXPECT_FALSE(sheet());
 }
 
+TEST_F(ProgressTest, TheMovieIsPutOffByItsButtonAlone)
+{
+    VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
+    int puttingsOff = 0;
+    progress.beginSheet(&window, 600, [&puttingsOff] { ++puttingsOff; });
+    auto *later = control<QAbstractButton>("laterButton");
+    ASSERT_TRUE(later->isVisible());
+    EXPECT_FALSE(later->toolTip().isEmpty());
+    for (const Qt::Key key : { Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space })
+        QTest::keyClick(sheet(), key);
+    EXPECT_EQ(puttingsOff, 0) << "keys are meant for something else";
+    QTest::keyClick(later, Qt::Key_Space);
+    EXPECT_EQ(puttingsOff, 1);
+    EXPECT_FALSE(later->isEnabled());
+    EXPECT_TRUE(sheet()->isVisible()) << "until the writing has ended";
+    progress.beginSheet(&window, 600, [&puttingsOff] { ++puttingsOff; });
+    EXPECT_TRUE(control<QAbstractButton>("laterButton")->isEnabled());
+    progress.beginSheet(&window, 600);
+    EXPECT_FALSE(control<QAbstractButton>("laterButton")->isVisible());
+    progress.endSheet();
+}
+
 TEST_F(ProgressTest, ItIsMinimisedAndBroughtBackTogetherWithItsWindow)
 {
     VNEncoderProgress &progress = VNEncoderProgress::shareEncoderProgress();
