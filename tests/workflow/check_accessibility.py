@@ -1,9 +1,12 @@
 #!/usr/bin/python3
 """check_accessibility.py PROGRAM: fails where a screen reader learns no name, another role, or a wrong state of a
 control of the main window."""
+import glob
+import os
+import subprocess
 import sys
 
-from desktop_session import Program, run_inside, walk
+from desktop_session import Program, run_inside, wait, walk
 
 # name, role, states that it has, states that it has not; without a logo, and without an audio input
 EXPECTED = [
@@ -42,6 +45,12 @@ EXPECTED_OF_LOGO = [
     ("Opacity of the logo, in percent", "spin button", {"enabled"}, set()),
     ("Rotation of the logo, in degrees", "slider", {"enabled"}, set()),
 ]
+# With a recording that was not finished.
+EXPECTED_OF_UNFINISHED = [
+    ("Make the movie", "push button", {"enabled", "focusable"}, set()),
+    ("Keep", "push button", {"enabled", "focusable"}, set()),
+    ("Delete", "push button", {"enabled", "focusable"}, set()),
+]
 CONTROLS = {"radio button", "check box", "push button", "spin button", "combo box", "slider", "text"}
 
 
@@ -60,11 +69,40 @@ def problems(program, expected):
             yield f"a {role} without a name"
 
 
+def leave_recording(path):
+    """Kills a recording of which something is in its files."""
+    process = subprocess.Popen([path, "record", "--ignore-low-space", "--region", "0,0,320,200", "never.mp4"],
+                               cwd=os.environ["HOME"], stderr=subprocess.DEVNULL)
+    spools = os.environ["XDG_CACHE_HOME"] + "/com.kavlor.vornic/recordings/*/vornicvideo.tmp"
+    wait(lambda: any(os.path.getsize(spool) > 0 for spool in glob.glob(spools)))
+    process.kill()
+    process.wait()
+
+
+def problems_of_unfinished(program):
+    program.wait_for("Make the movie", "push button")
+    yield from problems(program, EXPECTED_OF_UNFINISHED)
+    told = [node.get_name() for node in walk(program.window) if node.get_role_name() == "label"]
+    if not any(name.startswith("A recording of 0:0") for name in told):
+        yield f"no sentence on the recording that was not finished among {told}"
+    for node in walk(program.window):
+        if node.get_name() == "Unfinished recordings…":
+            node.get_action_iface().do_action(0)
+            break
+    rows = program.wait_for("Unfinished recordings", "list")
+    row = rows.get_child_at_index(0)
+    if row.get_role_name() != "list item" or not row.get_name().startswith("Today, "):
+        yield f"a {row.get_role_name()} \"{row.get_name()}\" in the list of recordings"
+    program.find("Keep", "push button").get_action_iface().do_action(0)  # that of the list came last
+
+
 def main():
     run_inside()
+    leave_recording(sys.argv[1])
     program = Program(sys.argv[1])
     try:
-        found = list(problems(program, EXPECTED))
+        found = list(problems_of_unfinished(program))
+        found += problems(program, EXPECTED)
         for name, role, _, _ in EXPECTED_OF_LOGO:
             if program.find(name, role):
                 found.append(f"{role} \"{name}\" is shown without a logo")

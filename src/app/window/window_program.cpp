@@ -4,6 +4,7 @@
 #include "app/session/unix_signals.h"
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
+#include "app/window/recovery.h"
 #include "app/window/window_placement.h"
 #include "audio/audio_backend.h"
 #include "base/log.h"
@@ -65,6 +66,9 @@ void WindowProgram::launch()
     m_delegate.applicationDidFinishLaunching();
     m_window = std::make_unique<MainWindow>(m_delegate);
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
+    m_recovery = std::make_unique<Recovery>(m_delegate, m_frontEnd.questions(), *m_window);
+    m_frontEnd.progress().setLater([this] { m_delegate.later(); });
+    m_frontEnd.progress().setKept([this] { m_recovery->recordingKept(); });
     m_overlay.window()->setWindowAbove(m_window.get());
     new DialogPlacement([this] { return recordedAreas(*m_delegate.options()); }, this);
     connectWindow();
@@ -103,6 +107,7 @@ void WindowProgram::followSession(QApplication &application)
 int WindowProgram::run(const QString &action, const QString &file)
 {
     m_window->show();
+    m_recovery->start();
     if (!action.isEmpty())
         performOnceShown(action, file);
     const int status = QApplication::exec();

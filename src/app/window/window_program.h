@@ -11,6 +11,7 @@ class QApplication;
 namespace vornic {
 
 class GlobalKey;
+class Recovery;
 class RegionSelection;
 class SingleInstance;
 class UnixSignals;
@@ -50,6 +51,7 @@ private:
     VornicAppDelegate m_delegate;
     VNRecorderWndCtrl &m_overlay;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<Recovery> m_recovery;
     std::unique_ptr<RegionSelection> m_selection; ///< null but while the user chooses a rectangle
     std::unique_ptr<GlobalKey> m_key;             ///< that starts and stops from any program
 };

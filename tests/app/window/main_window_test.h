@@ -14,12 +14,19 @@ class MainWindowFrontEnd final : public FakeFrontEnd
 {
 public:
     MainWindow *window = nullptr;
+    std::function<void()> onKept;
 
     void setBusy(bool busy) override
     {
         FakeFrontEnd::setBusy(busy);
         if (window)
             window->setBusy(busy);
+    }
+    void recordingKept(const QString &id) override
+    {
+        told += "kept " + id;
+        if (onKept)
+            onKept();
     }
     void reloadData() override
     {

@@ -9,17 +9,22 @@
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
 #include "app/window/main_window.h"
+#include "app/window/recovery.h"
 #include "app/window/stop_item.h"
+#include "app/window/unfinished_line.h"
 #include "app/window/window_front_end.h"
 #include "base/error.h"
 #include "controls/VNColorWell.h"
 #include "controls/skin_colors.h"
+#include "stored_recording_maker.h"
+#include "support/wait_until.h"
 #include "window_main.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QPainter>
+#include <QPushButton>
 #include <QTimer>
 
 #include <algorithm>
@@ -107,11 +112,39 @@ void addSheets(Sheet &sheet, MainWindow &window)
     sheet.add(*window.findChild<QDialog *>());
     VNAlertFreeSpace::shareAlertFreeSpace().cancelAction();
     settle();
-    VNEncoderProgress::shareEncoderProgress().beginSheet(&window, 5400);
+    VNEncoderProgress::shareEncoderProgress().beginSheet(&window, 5400, [] {});
     settle(400);
     VNEncoderProgress::shareEncoderProgress().setPercent(3.2);
     sheet.add(*window.findChild<QDialog *>());
     VNEncoderProgress::shareEncoderProgress().endSheet();
+    sheet.endRow();
+}
+
+/// The line that tells of unfinished recordings, their list, and the question before one is deleted.
+void addUnfinished(Sheet &sheet, VornicAppDelegate &delegate, MainWindow &window, WindowFrontEnd &frontEnd)
+{
+    const QString path = QStringLiteral("/home/user/Videos/Talk.mp4");
+    Recovery recovery(delegate, frontEnd.questions(), window);
+    const auto isRead = [&recovery](qsizetype count) {
+        recovery.recordings().read();
+        test::waitUntil([&] { return recovery.recordings().all().size() == count; });
+        settle(300); // its picture
+    };
+    test::storeRecording(path, 130, QColor(0x30, 0x60, 0x90));
+    isRead(1);
+    sheet.add(window);
+    addQuestion(sheet, [&window] { window.findChild<QPushButton *>("deleteUnfinishedButton")->click(); });
+    sheet.endRow();
+    test::storeRecording(path, 2530, QColor(0x70, 0x40, 0x20));
+    test::damageJournal(test::storeRecording(path, 10));
+    isRead(3);
+    sheet.add(window);
+    emit window.unfinishedAsked();
+    settle(300);
+    sheet.add(*window.findChild<QDialog *>("UnfinishedSheet"));
+    window.findChild<QDialog *>("UnfinishedSheet")->close();
+    window.unfinishedLine().showRecordings({});
+    settle();
     sheet.endRow();
 }
 
@@ -211,6 +244,7 @@ int paint(const QString &path)
     window.setBusy(false);
     sheet.endRow();
     addSheets(sheet, window);
+    addUnfinished(sheet, delegate, window, frontEnd);
     addQuestions(sheet, frontEnd);
     addPanels(sheet, frontEnd, window);
     return sheet.save(path) ? 0 : 1;
