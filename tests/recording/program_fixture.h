@@ -46,7 +46,8 @@ protected:
     static Result finish(QProcess &process)
     {
         Result result;
-        if (!process.waitForFinished(120'000)) {
+        // One whose end was met while its output was read has nothing to be waited for.
+        if (process.state() != QProcess::NotRunning && !process.waitForFinished(120'000)) {
             process.kill();
             process.waitForFinished();
             return result;
