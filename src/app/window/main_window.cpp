@@ -188,6 +188,10 @@ void MainWindow::connectStart()
 {
     connect(m_ui->recordButton, &QAbstractButton::clicked, this, &MainWindow::pressRecordButton);
     connect(&m_delegate, &VornicAppDelegate::clockTicked, this, &MainWindow::showClock);
+    connect(m_ui->unfinishedLine, &UnfinishedLine::roomChanged, this, [this] {
+        fitContents();
+        keepOffRecorded();
+    });
     connect(m_ui->statusLine, &StatusLine::openAsked, this, &MainWindow::openAsked);
     connect(m_ui->statusLine, &StatusLine::revealAsked, this, &MainWindow::revealAsked);
     setShortcut(start_settings::shortcut());
@@ -277,7 +281,12 @@ void MainWindow::foldLogo()
     // What is above stays where it is, though the widest column may be empty now.
     m_ui->grid->setColumnMinimumWidth(sliderColumn, sliderWidth);
     m_ui->grid->setColumnMinimumWidth(fieldColumn, m_ui->logoXField->sizeHint().width());
-    // The window takes its new size at once.
+    fitContents();
+}
+
+/// The window takes its new size at once.
+void MainWindow::fitContents()
+{
     m_ui->contents->layout()->activate();
     layout()->activate();
 }

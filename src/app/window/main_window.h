@@ -88,6 +88,7 @@ private:
     void showLogo();
     void showForeignLetters();
     void foldLogo();
+    void fitContents();
     void showAbout();
     void pressRecordButton();
     void showClock(qint64 timestamp);

@@ -84,6 +84,7 @@ void UnfinishedLine::showRecordings(const QList<StoredRecording> &recordings)
     m_listButton->setVisible(!isOne);
     m_deleteButton->setVisible(isOne);
     setVisible(!recordings.isEmpty());
+    emit roomChanged();
 }
 
 void UnfinishedLine::showPicture(const QImage &picture)

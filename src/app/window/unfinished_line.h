@@ -36,6 +36,8 @@ public:
     void setActionsEnabled(bool enabled);
 
 signals:
+    /// It takes more room now, or less.
+    void roomChanged();
     void movieAsked(const QString &id);
     void deletionAsked(const QString &id);
     void listAsked();

@@ -4,8 +4,10 @@
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
 #include "app/window/alert_box.h"
+#include "app/window/main_window_link.h"
 #include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
+#include "app/window/window_progress.h"
 #include "base/user_defaults.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "support/wait_until.h"
@@ -255,6 +257,27 @@ TEST_F(ProgressTest, TheMovieIsPutOffByItsButtonAlone)
     progress.beginSheet(&window, 600);
     EXPECT_FALSE(control<QAbstractButton>("laterButton")->isVisible());
     progress.endSheet();
+}
+
+TEST_F(ProgressTest, TheWindowsFrontEndPutsOffAndTellsWhatIsKept)
+{
+    const MainWindowLink noWindow;
+    WindowProgress progress(noWindow);
+    QStringList told;
+    progress.recordingKept("20261122-140512-3fa9"); // to nobody
+    progress.setLater([&told] { told += "later"; });
+    progress.setKept([&told] { told += "kept"; });
+    progress.beginProgress(600);
+    QAbstractButton *later = nullptr;
+    for (QWidget *top : QApplication::topLevelWidgets()) {
+        if (auto *found = top->findChild<QAbstractButton *>("laterButton"); found && found->isVisible())
+            later = found;
+    }
+    ASSERT_TRUE(later);
+    later->click();
+    progress.endProgress();
+    progress.recordingKept("20261122-140512-3fa9");
+    EXPECT_EQ(told, (QStringList { "later", "kept" }));
 }
 
 TEST_F(ProgressTest, ItIsMinimisedAndBroughtBackTogetherWithItsWindow)
