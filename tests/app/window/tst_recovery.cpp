@@ -1,6 +1,7 @@
 #include "app/window/alert_box.h"
 #include "app/window/main_window_link.h"
 #include "app/window/recovery.h"
+#include "app/window/status_line.h"
 #include "app/window/unfinished_line.h"
 #include "app/window/window_questions.h"
 #include "base/user_defaults.h"
@@ -16,6 +17,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTimer>
+#include <QWindow>
 #include <QtTest>
 
 namespace vornic {
@@ -296,6 +298,24 @@ TEST_F(RecoveryTest, AMovieThatIsPutOffIsToldOf)
     button("makeMovieButton").click();
     QTest::keyClick(panel(), Qt::Key_Return);
     EXPECT_TRUE(waitUntil([&] { return frontEnd.told.contains("announce " + folder.filePath("new.mp4")); }));
+}
+
+TEST_F(RecoveryTest, TheWindowIsPlacedAgainWhenItGrows)
+{
+    // All that is left beneath it is recorded.
+    constexpr int room = 30;
+    ASSERT_TRUE(waitUntil([&] { return window->windowHandle()->isExposed(); }));
+    window->move(0, 0);
+    const int height = 900 - window->frameGeometry().bottom() - room;
+    options().setSelectedRect({ 0, 0, 1440, static_cast<double>(height) });
+    options().setRecordRegion(1);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(options().selectedRect().height(), height);
+    window->keepOffRecorded();
+    EXPECT_EQ(control<StatusLine>("statusLine").text(), "");
+    test::storeRecording(folder.filePath("talk.mp4"), 2);
+    start();
+    EXPECT_TRUE(control<StatusLine>("statusLine").text().startsWith("This window covers"));
 }
 
 TEST_F(RecoveryTest, OfManyOnlyThoseThatAreSeenAreLookedInto)
