@@ -1,6 +1,7 @@
 #include "app/session/output_check.h"
 
 #include "capture/spool/VNBufferMgr.h"
+#include "capture/spool/recording_folder.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -37,8 +38,15 @@ QString whyNoMovieCanBeWritten(const QString &path)
 
 QString whyNothingCanBeSpooled()
 {
-    const QString folder = VNBufferMgr::cachePath();
-    const QString reason = whyNotWritable(folder);
+    QString folder = VNBufferMgr::cachePath();
+    QString reason = whyNotWritable(folder);
+    if (reason.isEmpty()) {
+        const bool isThere = RecordingFolder::prepare(folder);
+        reason = isThere ? QString() : qt_error_string();
+        folder = RecordingFolder::pathOfAll(folder);
+        if (isThere)
+            reason = whyNotWritable(folder);
+    }
     return reason.isEmpty()
         ? QString()
         : QCoreApplication::translate("vornic",

@@ -100,6 +100,10 @@ bool VNBufferMgr::openRecording(const QString &id, QString &whyNot)
         whyNot = RecordingFolder::refusalText(RecordingFolder::Refusal::Unusable, id);
         return false;
     }
+    if (!folder->video()) {
+        whyNot = RecordingFolder::refusalText(RecordingFolder::Refusal::WithoutPictures, id);
+        return false;
+    }
     openLeft(folder, contents);
     return true;
 }

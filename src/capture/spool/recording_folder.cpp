@@ -26,11 +26,6 @@ namespace {
 /// What a folder is called until all of its files are there.
 const QString halfMadePrefix = QStringLiteral(".new-");
 
-QString recordingsPath(const QString &cachePath)
-{
-    return cachePath + QStringLiteral("/recordings");
-}
-
 bool isId(const QString &name)
 {
     static const QRegularExpression pattern(QStringLiteral("^[0-9]{8}-[0-9]{6}-[0-9a-f]{4}$"));
@@ -82,6 +77,14 @@ int makeFolder(int beneath, const QByteArray &name)
     return openFolder(beneath, name);
 }
 
+int openOrMake(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (::mkdir(name.constData(), 0700) != 0 && errno != EEXIST)
+        return -1;
+    return openFolder(AT_FDCWD, name);
+}
+
 } // namespace
 
 RecordingFolder::RecordingFolder(int descriptor, QString id, QString path)
@@ -98,12 +101,23 @@ RecordingFolder::~RecordingFolder()
     errno = error;
 }
 
+QString RecordingFolder::pathOfAll(const QString &cachePath)
+{
+    return cachePath + QStringLiteral("/recordings");
+}
+
+bool RecordingFolder::prepare(const QString &cachePath)
+{
+    const int descriptor = openOrMake(pathOfAll(cachePath));
+    if (descriptor >= 0)
+        ::close(descriptor);
+    return descriptor >= 0;
+}
+
 std::shared_ptr<RecordingFolder> RecordingFolder::create(const QString &cachePath)
 {
-    const QString all = recordingsPath(cachePath);
-    if (::mkdir(QFile::encodeName(all).constData(), 0700) != 0 && errno != EEXIST)
-        return nullptr;
-    const int above = openFolder(AT_FDCWD, QFile::encodeName(all));
+    const QString all = pathOfAll(cachePath);
+    const int above = openOrMake(all);
     if (above < 0)
         return nullptr;
     const QString id = newId();
@@ -137,7 +151,7 @@ RecordingFolder::open(const QString &cachePath, const QString &id, Refusal &refu
     refusal = Refusal::Missing;
     if (!isId(id))
         return nullptr;
-    const QString path = recordingsPath(cachePath) + u'/' + id;
+    const QString path = pathOfAll(cachePath) + u'/' + id;
     const int descriptor = openFolder(AT_FDCWD, QFile::encodeName(path));
     if (descriptor < 0) {
         refusal = errno == ENOENT ? Refusal::Missing : Refusal::Unusable;
@@ -167,6 +181,10 @@ QString RecordingFolder::refusalText(Refusal refusal, const QString &id)
         return QCoreApplication::translate(
                    "vornic", "The recording %1 cannot be read: its journal is missing or damaged.")
             .arg(id);
+    case Refusal::WithoutPictures:
+        return QCoreApplication::translate("vornic",
+                                           "The recording %1 cannot be read: its pictures are missing.")
+            .arg(id);
     case Refusal::Missing:
     case Refusal::None:
         break;
@@ -182,15 +200,14 @@ QString RecordingFolder::deletionFailedText(const QString &id)
 
 QStringList RecordingFolder::ids(const QString &cachePath)
 {
-    QStringList ids
-        = QDir(recordingsPath(cachePath)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    QStringList ids = QDir(pathOfAll(cachePath)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     ids.removeIf([](const QString &name) { return !isId(name); });
     return ids;
 }
 
 void RecordingFolder::removeHalfMade(const QString &cachePath)
 {
-    QDir all(recordingsPath(cachePath));
+    QDir all(pathOfAll(cachePath));
     const QDateTime aMinuteAgo = QDateTime::currentDateTime().addSecs(-60);
     for (const QFileInfo &entry : all.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
         if (!entry.fileName().startsWith(halfMadePrefix) || entry.lastModified() > aMinuteAgo)

@@ -18,15 +18,20 @@ class SpoolFile;
 class RecordingFolder
 {
 public:
+    /// The folder that all of them are in.
+    [[nodiscard]] static QString pathOfAll(const QString &cachePath);
+    /// Makes that where it is missing; false, with errno set, where it is none that only this user can change.
+    [[nodiscard]] static bool prepare(const QString &cachePath);
     /// A new recording's, named by the date and time, locked from its first moment on. Null, with errno set, where it
     /// cannot be made.
     [[nodiscard]] static std::shared_ptr<RecordingFolder> create(const QString &cachePath);
 
     enum class Refusal {
         None,
-        Missing,  ///< there is no such recording
-        Running,  ///< another object, mostly of another process, has it open
-        Unusable, ///< it is no recording of this user's
+        Missing,         ///< there is no such recording
+        Running,         ///< another object, mostly of another process, has it open
+        Unusable,        ///< it is no recording of this user's
+        WithoutPictures, ///< told by those who need them; open() opens it
     };
     /// A sentence for the user, which also fits where the journal tells nothing.
     [[nodiscard]] static QString refusalText(Refusal refusal, const QString &id);

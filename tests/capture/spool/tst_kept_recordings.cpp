@@ -213,14 +213,24 @@ TEST_F(KeptRecordings, EntriesThatAreLostCostTheirPictures)
     EXPECT_EQ(m_manager.skippedBlockCount(), 1U);
 }
 
-TEST_F(KeptRecordings, WithoutItsPicturesTheSoundIsThere)
+TEST_F(KeptRecordings, WithoutItsPicturesARecordingIsRefusedAndStays)
 {
     const QString id = left();
+    const QByteArray audio = bytesOf(pathOf(id, RecordingFolder::audioName));
     ASSERT_TRUE(QFile::remove(pathOf(id, RecordingFolder::videoName)));
+    EXPECT_FALSE(open(id));
+    EXPECT_EQ(m_whyNot, QStringLiteral("The recording %1 cannot be read: its pictures are missing.").arg(id));
+    EXPECT_EQ(bytesOf(pathOf(id, RecordingFolder::audioName)), audio);
+    EXPECT_EQ(m_manager.recordingId(), QString());
+}
+
+TEST_F(KeptRecordings, WithoutItsSoundThePicturesAreThere)
+{
+    const QString id = left();
+    ASSERT_TRUE(QFile::remove(pathOf(id, RecordingFolder::audioName)));
     ASSERT_TRUE(open(id));
-    EXPECT_EQ(popPictures(m_manager), Timestamps());
-    EXPECT_EQ(m_manager.skippedBlockCount(), 5U);
-    EXPECT_EQ(popSound(m_manager).size(), 5);
+    EXPECT_EQ(popPictures(m_manager).size(), 5U);
+    EXPECT_EQ(popSound(m_manager), QByteArrayList());
 }
 
 TEST_F(KeptRecordings, WithoutItsJournalARecordingIsRefusedAndStays)

@@ -81,6 +81,15 @@ TEST_F(RecordingFolderTest, ANewOneIsItsUsersAlone)
     EXPECT_TRUE(folder->sync());
 }
 
+TEST_F(RecordingFolderTest, TheFolderOfAllIsMadeBeforeTheFirst)
+{
+    EXPECT_EQ(RecordingFolder::pathOfAll(m_cache.path()), all());
+    for (int turn = 0; turn < 2; ++turn)
+        EXPECT_TRUE(RecordingFolder::prepare(m_cache.path()));
+    EXPECT_EQ(modeOf(all()), 0700U);
+    EXPECT_EQ(entries(all()), QStringList());
+}
+
 TEST_F(RecordingFolderTest, TwoAtOnceAreTwo)
 {
     const auto first = create();
@@ -163,6 +172,8 @@ TEST_F(RecordingFolderTest, NoneIsMadeWhereALinkLeads)
     ASSERT_TRUE(QDir(m_cache.path()).mkdir("elsewhere"));
     link(m_cache.filePath("elsewhere"), all());
     EXPECT_FALSE(create());
+    EXPECT_FALSE(RecordingFolder::prepare(m_cache.path()));
+    EXPECT_EQ(errno, ENOTDIR);
     EXPECT_EQ(entries(m_cache.filePath("elsewhere")), QStringList());
 }
 
