@@ -8,8 +8,10 @@ import hashlib
 import json
 import os
 import re
+import resource
 import shutil
 import signal
+import stat
 import subprocess
 import sys
 import tempfile
@@ -124,7 +126,7 @@ class Stage:
 class Recorder:
     """A running `vornic record`, and the folders that it works in."""
 
-    def __init__(self, programs, stage, work, sound=False, preload=None, options=()):
+    def __init__(self, programs, stage, work, sound=False, preload=None, options=(), limit=None):
         self.cache = work + "/cache"
         self.movies = work + "/movies"
         self.movie = self.movies + "/movie.mp4"
@@ -138,7 +140,7 @@ class Recorder:
         self.errors = work + "/errors"
         self.started = time.monotonic()
         self.process = subprocess.Popen(command + [self.movie], env=environment, stdout=self._errors,
-                                        stderr=self._errors)
+                                        stderr=self._errors, preexec_fn=limiter(limit))
         self.stopped = None
 
     def folder(self):
@@ -188,9 +190,17 @@ def list_folder(path):
         return []
 
 
-def run(command, environment, seconds=120):
+def limiter(limit):
+    """For a program whose files may not grow beyond so many bytes, as on a full disk."""
+    def set_limit():
+        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
+    return set_limit if limit else None
+
+
+def run(command, environment, seconds=120, limit=None):
     done = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=seconds,
-                          check=False, stdin=subprocess.DEVNULL)
+                          check=False, stdin=subprocess.DEVNULL, preexec_fn=limiter(limit))
     return done.returncode, done.stdout.decode("utf-8", "replace").strip()
 
 
@@ -284,7 +294,7 @@ def fingerprint(folder, ignored=()):
                 continue
             status = os.lstat(full)
             digest = ""
-            if name in files and not os.path.islink(full):
+            if stat.S_ISREG(status.st_mode):
                 with open(full, "rb") as file:
                     digest = hashlib.sha256(file.read()).hexdigest()
             result[relative] = (status.st_mode, digest)

@@ -33,7 +33,7 @@ FIRST_FRAME = {False: 0.7, True: 2.0}  # seconds from the folder to the first pi
 Result = collections.namedtuple("Result", "moment sound seconds outcome lost late note")
 
 
-def approach(recorder, moment, random_, finish_pause):
+def approach(recorder, moment, random_, longest, finish_pause):
     """Brings the recording to its moment. Returns when the first picture was in the spool, where that was seen."""
     pause = lambda low, high: time.sleep(random_.uniform(low, high))
     if moment == "starting":
@@ -43,7 +43,7 @@ def approach(recorder, moment, random_, finish_pause):
         return None
     recorder.wait_until(recorder.has_pictures, "pictures were spooled")
     first = time.monotonic()
-    pause(0.3, 3)
+    pause(0.3, longest)
     if moment == "recording":
         return first
     recorder.stop()
@@ -100,7 +100,7 @@ class Case:
         known = crash.fingerprint(self.work)
         self.recorder = self.start()
         try:
-            first = approach(self.recorder, self.moment, self.random, self.FINISH_PAUSE)
+            first = approach(self.recorder, self.moment, self.random, 3 + self.LOSS, self.FINISH_PAUSE)
         finally:
             killed = self.recorder.kill()
         late = self.stage.lateness(killed - 1.5, killed)
