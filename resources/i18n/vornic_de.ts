@@ -203,6 +203,140 @@
         <source>it has %1 × %2 pixels, which is too many</source>
         <translation>es hat %1 × %2 Pixel, das sind zu viele</translation>
     </message>
+    <message>
+        <source>Writing the movie; Ctrl-C puts it off for later.
+</source>
+        <translation>Der Film wird geschrieben; Strg-C verschiebt das auf später.
+</translation>
+    </message>
+    <message>
+        <source>vornic: The recording is kept: vornic recover %1 makes the movie.
+</source>
+        <translation>vornic: Die Aufnahme bleibt erhalten: vornic recover %1 macht den Film.
+</translation>
+    </message>
+    <message>
+        <source>%1  %2  cannot be read</source>
+        <translation>%1  %2  ist nicht lesbar</translation>
+    </message>
+    <message>
+        <source>%1  %2  %3  %4  %5 frames</source>
+        <translation>%1  %2  %3  %4  %5 Bilder</translation>
+    </message>
+    <message>
+        <source>There is no unfinished recording.</source>
+        <translation>Es gibt keine unfertige Aufnahme.</translation>
+    </message>
+    <message>
+        <source>Several recordings begin with %1: %2.</source>
+        <translation>Mehrere Aufnahmen beginnen mit %1: %2.</translation>
+    </message>
+    <message>
+        <source>Deleted the recording %1: %2 from %3.</source>
+        <translation>Aufnahme %1 gelöscht: %2 vom %3.</translation>
+    </message>
+    <message>
+        <source>Deleted the recording %1, which could not be read.</source>
+        <translation>Aufnahme %1 gelöscht, die nicht lesbar war.</translation>
+    </message>
+    <message>
+        <source>The movie that was written to %1 is not whole.</source>
+        <translation>Der Film, der nach %1 geschrieben wurde, ist unvollständig.</translation>
+    </message>
+    <message>
+        <source>The movie was not made: its writing was ended.</source>
+        <translation>Der Film wurde nicht erstellt: Das Schreiben wurde beendet.</translation>
+    </message>
+    <message>
+        <source>more than a day</source>
+        <translation>mehr als einen Tag</translation>
+    </message>
+    <message>
+        <source>less than a minute</source>
+        <translation>weniger als eine Minute</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 min</translation>
+    </message>
+    <message>
+        <source>%1 h</source>
+        <translation>%1 h</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1, room for %2</source>
+        <translation>%1, Platz für %2</translation>
+    </message>
+    <message>
+        <source>At this rate there is room for %1 more: then the disk that holds %2 is too small for the movie.</source>
+        <translation>Bei dieser Rate ist noch Platz für %1: Dann ist der Datenträger mit %2 zu klein für den Film.</translation>
+    </message>
+    <message>
+        <source>At this rate there is room for %1 more: then the disk that holds %2 is almost full, and the recording ends by itself.</source>
+        <translation>Bei dieser Rate ist noch Platz für %1: Dann ist der Datenträger mit %2 fast voll, und die Aufnahme endet von selbst.</translation>
+    </message>
+    <message>
+        <source>The cache folder %1 lies in memory: the recording takes memory until its movie is written, and a power cut or a restart loses it.</source>
+        <translation>Der Cache-Ordner %1 liegt im Arbeitsspeicher: Die Aufnahme belegt Arbeitsspeicher, bis ihr Film geschrieben ist, und geht bei Stromausfall oder Neustart verloren.</translation>
+    </message>
+    <message>
+        <source>today, %1</source>
+        <translation>heute, %1</translation>
+    </message>
+    <message>
+        <source>yesterday, %1</source>
+        <translation>gestern, %1</translation>
+    </message>
+    <message>
+        <source>%1 recordings were not finished.</source>
+        <translation>%1 Aufnahmen wurden nicht fertig.</translation>
+    </message>
+    <message>
+        <source>A recording of %1 cannot be read any more.</source>
+        <translation>Eine Aufnahme von %1 ist nicht mehr lesbar.</translation>
+    </message>
+    <message>
+        <source>A recording of %1 from %2 was not finished.</source>
+        <translation>Eine Aufnahme von %1 (%2) wurde nicht fertig.</translation>
+    </message>
+    <message>
+        <source>Cannot be read any more
+%1</source>
+        <translation>Nicht mehr lesbar
+%1</translation>
+    </message>
+    <message>
+        <source>%1 long, with sound, %2</source>
+        <translation>%1 lang, mit Ton, %2</translation>
+    </message>
+    <message>
+        <source>%1 long, %2</source>
+        <translation>%1 lang, %2</translation>
+    </message>
+    <message>
+        <source>The recording %1 is in use by another Vornic.</source>
+        <translation>Die Aufnahme %1 wird von einem anderen Vornic benutzt.</translation>
+    </message>
+    <message>
+        <source>The recording %1 cannot be read: its journal is missing or damaged.</source>
+        <translation>Die Aufnahme %1 kann nicht gelesen werden: Ihr Journal fehlt oder ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>The recording %1 cannot be read: its pictures are missing.</source>
+        <translation>Die Aufnahme %1 kann nicht gelesen werden: Ihre Bilder fehlen.</translation>
+    </message>
+    <message>
+        <source>There is no recording %1.</source>
+        <translation>Es gibt keine Aufnahme %1.</translation>
+    </message>
+    <message>
+        <source>The recording %1 could not be deleted: %2.</source>
+        <translation>Die Aufnahme %1 konnte nicht gelöscht werden: %2.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::ColorPanel</name>
@@ -254,16 +388,40 @@
         <translation>--%1 ist eine Option von „vornic record“.</translation>
     </message>
     <message>
-        <source>Unknown command &quot;%1&quot;; the commands are record and devices.</source>
-        <translation>Unbekannter Befehl „%1“; die Befehle sind record und devices.</translation>
-    </message>
-    <message>
         <source>&quot;vornic devices&quot; takes no arguments.</source>
         <translation>„vornic devices“ nimmt keine Argumente.</translation>
     </message>
     <message>
         <source>--record takes one FILE.mp4, not %1.</source>
         <translation>--record nimmt eine FILE.mp4, nicht %1.</translation>
+    </message>
+    <message>
+        <source>--%1 is an option of &quot;vornic recover&quot;.</source>
+        <translation>--%1 ist eine Option von „vornic recover“.</translation>
+    </message>
+    <message>
+        <source>--%1 cannot be used here.</source>
+        <translation>--%1 ist hier nicht möglich.</translation>
+    </message>
+    <message>
+        <source>--%1 needs the id of a recording.</source>
+        <translation>--%1 braucht die Kennung einer Aufnahme.</translation>
+    </message>
+    <message>
+        <source>--delete takes one ID and nothing else.</source>
+        <translation>--delete nimmt eine Kennung und nichts weiter.</translation>
+    </message>
+    <message>
+        <source>&quot;vornic recover&quot; takes one ID and one FILE.mp4.</source>
+        <translation>„vornic recover“ nimmt eine Kennung und eine DATEI.mp4.</translation>
+    </message>
+    <message>
+        <source>The id of the recording is empty.</source>
+        <translation>Die Kennung der Aufnahme ist leer.</translation>
+    </message>
+    <message>
+        <source>Unknown command &quot;%1&quot;; the commands are record, recover and devices.</source>
+        <translation>Unbekannter Befehl „%1“; es gibt record, recover und devices.</translation>
     </message>
 </context>
 <context>
@@ -744,6 +902,10 @@
         <source>End the recording and write the movie</source>
         <translation>Die Aufnahme beenden und den Film schreiben</translation>
     </message>
+    <message>
+        <source>Unfinished recordings…</source>
+        <translation>Unfertige Aufnahmen …</translation>
+    </message>
 </context>
 <context>
     <name>vornic::OptionsViewModel</name>
@@ -785,6 +947,25 @@
     <message>
         <source>The file %1 exists already.</source>
         <translation>Die Datei %1 gibt es schon.</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::Recovery</name>
+    <message>
+        <source>Delete the recording?</source>
+        <translation>Die Aufnahme löschen?</translation>
+    </message>
+    <message>
+        <source>Once deleted, it cannot be brought back.</source>
+        <translation>Gelöscht ist sie nicht wiederzubekommen.</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
     </message>
 </context>
 <context>
@@ -887,6 +1068,76 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     </message>
 </context>
 <context>
+    <name>vornic::UnfinishedLine</name>
+    <message>
+        <source>Make the movie</source>
+        <translation>Film machen</translation>
+    </message>
+    <message>
+        <source>Asks where the movie is kept, and writes it</source>
+        <translation>Fragt, wohin der Film soll, und schreibt ihn</translation>
+    </message>
+    <message>
+        <source>Show them…</source>
+        <translation>Zeigen …</translation>
+    </message>
+    <message>
+        <source>List them, to make their movies or to delete them</source>
+        <translation>Listet sie auf, um Filme daraus zu machen oder sie zu löschen</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Leave it for later: the menu Vornic leads back to it</source>
+        <translation>Für später liegen lassen: das Menü Vornic führt wieder dorthin</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete the recording, after a question</source>
+        <translation>Löscht die Aufnahme nach einer Frage</translation>
+    </message>
+    <message>
+        <source>A picture from the middle of the recording</source>
+        <translation>Ein Bild aus der Mitte der Aufnahme</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::UnfinishedSheet</name>
+    <message>
+        <source>Unfinished recordings</source>
+        <translation>Unfertige Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete the chosen recording, after a question</source>
+        <translation>Löscht die gewählte Aufnahme nach einer Frage</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Close the list and leave them all as they are; the menu Vornic leads back here</source>
+        <translation>Schließt die Liste und lässt alle, wie sie sind; das Menü Vornic führt wieder hierher</translation>
+    </message>
+    <message>
+        <source>Make the movie</source>
+        <translation>Film machen</translation>
+    </message>
+    <message>
+        <source>Asks where the movie of the chosen recording is kept, and writes it</source>
+        <translation>Fragt, wohin der Film der gewählten Aufnahme soll, und schreibt ihn</translation>
+    </message>
+</context>
+<context>
     <name>vornic::VNAlertFreeSpace</name>
     <message>
         <source>There is little free disk space</source>
@@ -961,6 +1212,14 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>%1 % – %2</source>
         <translation>%1 % – %2</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Keeps the recording: the main window leads back to it, also after the next start</source>
+        <translation>Behält die Aufnahme: das Hauptfenster führt wieder zu ihr, auch nach dem nächsten Start</translation>
     </message>
 </context>
 <context>
@@ -1087,6 +1346,18 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <source>Vornic is writing the movie: %1 %</source>
         <translation>Vornic schreibt den Film: %1 %</translation>
     </message>
+    <message>
+        <source>In memory: %1</source>
+        <translation>Im Arbeitsspeicher: %1</translation>
+    </message>
+    <message>
+        <source>On disk: %1</source>
+        <translation>Auf dem Datenträger: %1</translation>
+    </message>
+    <message>
+        <source>Little room is left for the recording</source>
+        <translation>Für die Aufnahme ist nur noch wenig Platz</translation>
+    </message>
 </context>
 <context>
     <name>vornic::WindowQuestions</name>
@@ -1103,20 +1374,8 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <translation>Unbenannt</translation>
     </message>
     <message>
-        <source>Give the recording up?</source>
-        <translation>Die Aufnahme aufgeben?</translation>
-    </message>
-    <message>
-        <source>It cannot be brought back.</source>
-        <translation>Sie ist dann verloren.</translation>
-    </message>
-    <message>
         <source>Save elsewhere</source>
         <translation>Woanders speichern</translation>
-    </message>
-    <message>
-        <source>Give up</source>
-        <translation>Aufgeben</translation>
     </message>
     <message>
         <source>No</source>
@@ -1149,6 +1408,14 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Record without sound</source>
         <translation>Ohne Ton aufnehmen</translation>
+    </message>
+    <message>
+        <source>The recording is kept</source>
+        <translation>Die Aufnahme bleibt erhalten</translation>
+    </message>
+    <message>
+        <source>The main window leads back to it and makes the movie later, also after the next start.</source>
+        <translation>Das Hauptfenster führt wieder zu ihr und macht den Film später, auch nach dem nächsten Start.</translation>
     </message>
 </context>
 </TS>
