@@ -6,7 +6,7 @@
 Starts a private virtual display of 1920 x 1080, shows a scene on it, and lets both builds record it at the high
 quality, in turns. Bytes are those of the spool's files when the capture has ended; processor time is that of the whole
 process while the screen is recorded, after a second to settle; frames are those of the movie. Each figure is the
-median of the turns.
+median of the turns. A build whose passes are shorter keeps more frames, so processor time is told by the frame, too.
 """
 import pathlib
 import signal
@@ -39,7 +39,7 @@ def spooled_bytes(cache):
 
 
 def record(program, folder, environment, seconds):
-    """MB spooled a second, cores used while recording, frames kept a second."""
+    """MB spooled a second, cores used while recording, milliseconds of them a frame, frames kept a second."""
     movie = f"{folder}/movie.mp4"
     process = subprocess.Popen([program, "record", "--overwrite", "--ignore-low-space", "--quality", "high", movie],
                                env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
@@ -57,7 +57,8 @@ def record(program, folder, environment, seconds):
     if process.returncode != 0:
         sys.exit(f"{program} failed with {process.returncode}")
     duration, packets = movie_facts(movie)
-    return spooled / duration / 1e6, used / passed, packets / duration
+    cores, rate = used / passed, packets / duration
+    return spooled / duration / 1e6, cores, cores / rate * 1000, rate
 
 
 def compare(scene, programs, show_scene, seconds, turns):
@@ -82,12 +83,12 @@ def main():
     programs, show_scene = sys.argv[1:3], sys.argv[3]
     seconds = float(sys.argv[4]) if len(sys.argv) > 4 else 10
     turns = int(sys.argv[5]) if len(sys.argv) > 5 else 3
-    print("| the screen | MB/s spooled, and by the other | cores, and by the other | frames a second, and by the other |")
-    print("|---|---|---|---|")
+    print("| the screen; each figure beside the other build's | MB/s spooled | cores | ms a frame | frames a second |")
+    print("|---|---|---|---|---|")
     for scene in sys.argv[6:] or SCENES:
         ours, others = compare(scene, programs, show_scene, seconds, turns)
-        print(f"| {SCENES[scene]} | {ours[0]:.2f}, {others[0]:.2f} | {ours[1]:.3f}, {others[1]:.3f} "
-              f"| {ours[2]:.1f}, {others[2]:.1f} |", flush=True)
+        cells = [f"{our:.{digits}f}, {other:.{digits}f}" for our, other, digits in zip(ours, others, [2, 3, 2, 1])]
+        print(f"| {SCENES[scene]} | {' | '.join(cells)} |", flush=True)
 
 
 if __name__ == "__main__":
