@@ -111,13 +111,13 @@ std::vector<QByteArrayView> JpegBands::pieces() const
     static constexpr std::string_view restarts
         = "\xFF\xD0\xFF\xD1\xFF\xD2\xFF\xD3\xFF\xD4\xFF\xD5\xFF\xD6\xFF\xD7";
     static constexpr std::string_view end = "\xFF\xD9";
-    static_assert(restarts.size() == 2 * (lastRestart - firstRestart + 1));
+    static_assert(restarts.size() == std::size_t { 2 } * (lastRestart - firstRestart + 1));
     std::vector<QByteArrayView> pieces { header };
     pieces.reserve(1 + 2 * bands.size());
     for (std::size_t i = 0; i < bands.size(); ++i) {
         const bool isLast = i + 1 == bands.size();
         pieces.push_back(bands[i]);
-        pieces.push_back(isLast ? end : restarts.substr(i % 8 * 2, 2));
+        pieces.emplace_back(isLast ? end : restarts.substr(i % 8 * 2, 2));
     }
     return pieces;
 }

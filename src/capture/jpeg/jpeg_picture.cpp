@@ -42,7 +42,7 @@ std::shared_ptr<const JpegPicture> JpegPicture::fromJpeg(const QByteArray &jpeg)
 std::shared_ptr<const JpegPicture>
 JpegPicture::fromJpeg(const QByteArray &jpeg, const JpegPicture &before, const std::vector<bool> &changed)
 {
-    const std::shared_ptr<const JpegPicture> now = fromJpeg(jpeg);
+    std::shared_ptr<const JpegPicture> now = fromJpeg(jpeg);
     if (!now || !now->isInBands() || now->m_size != before.m_size || now->m_header != before.m_header
         || now->m_bands.size() != before.m_bands.size() || now->m_bands.size() != changed.size())
         return now;
