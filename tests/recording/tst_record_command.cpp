@@ -150,7 +150,7 @@ TEST_P(EndingTest, ASignalLeavesACompleteMovie)
     EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
     EXPECT_GT(secondsOf(movie()), 0.5);
     EXPECT_EQ(entries(), (QStringList { "cache", "o.mp4" }));
-    EXPECT_TRUE(entries("cache/com.kavlor.vornic").isEmpty());
+    EXPECT_TRUE(entries("cache/com.kavlor.vornic/recordings").isEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, EndingTest, ::testing::Values(SIGINT, SIGTERM, SIGHUP));
