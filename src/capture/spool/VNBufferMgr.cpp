@@ -471,6 +471,9 @@ void VNBufferMgr::setMuxerContext(std::shared_ptr<const PKMuxerContext> context)
         _muxerContext = std::move(context);
     }
     describe();
+    // At once: should the program die while it writes the movie, the next one looks there for what is half written.
+    if (const Open open = opened(); open.journal)
+        static_cast<void>(open.journal->write());
 }
 
 std::shared_ptr<const PKMuxerContext> VNBufferMgr::muxerContext() const

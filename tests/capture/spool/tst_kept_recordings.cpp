@@ -8,6 +8,30 @@
 #include "kept_recording_fixture.h"
 #include "support/wait_until.h"
 
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <atomic>
+
+namespace {
+
+std::atomic<bool> writesAreHeld = false;
+std::atomic<bool> aWriteIsHeld = false;
+
+} // namespace
+
+/// Stands before the system's, so that a test can hold the spool's writes as a slow disk does.
+extern "C" ssize_t pwrite(int file, const void *bytes, std::size_t count, off_t offset)
+{
+    if (writesAreHeld) {
+        aWriteIsHeld = true;
+        writesAreHeld.wait(true);
+    }
+    using Function = ssize_t (*)(int, const void *, std::size_t, off_t);
+    static const auto systems = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pwrite"));
+    return systems(file, bytes, count, offset);
+}
+
 namespace vornic {
 namespace {
 
@@ -48,11 +72,31 @@ TEST_F(KeptRecordings, WhatIsPushedIsSoonInTheFilesWithoutAnEnd)
     EXPECT_TRUE(
         waitUntil([&] { return journalOf(id).video.size() == 1 && journalOf(id).audio.size() == 1; }));
     push(m_manager, 2, 3000);
-    EXPECT_TRUE(waitUntil([&] { return journalOf(id).video.size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return journalOf(id).video.size() == 2; }));
     const JournalContents contents = journalOf(id);
     EXPECT_TRUE(contents.description);
     EXPECT_EQ(QFile(m_manager.tempVideoPathfile()).size(),
               static_cast<qint64>(contents.video.back().offset() + contents.video.back().length()));
+}
+
+TEST_F(KeptRecordings, WhatIsOnItsWayToTheDiskCanBeRead)
+{
+    m_manager.readyToRecord();
+    describe(m_manager);
+    push(m_manager, 1, 0);
+    ASSERT_TRUE(waitUntil([&] { return journalOf(m_manager.recordingId()).video.size() == 1; }));
+    writesAreHeld = true;
+    push(m_manager, 2, 3000);
+    EXPECT_TRUE(waitUntil([] { return aWriteIsHeld.load(); }));
+    push(m_manager, 3, 6000);
+    m_manager.setExit(true);
+    EXPECT_EQ(popPictures(m_manager), (Timestamps { 0, 3000, 6000 }));
+    writesAreHeld = false;
+    writesAreHeld.notify_all();
+    m_manager.endVideoRecord();
+    m_manager.rewind();
+    EXPECT_EQ(popPictures(m_manager), (Timestamps { 0, 3000, 6000 }));
+    EXPECT_EQ(m_manager.skippedBlockCount(), 0U);
 }
 
 TEST_F(KeptRecordings, AreReadAsTheyWerePushed)
@@ -72,6 +116,14 @@ TEST_F(KeptRecordings, AreReadAsTheyWerePushed)
         m_manager.rewind();
     }
     EXPECT_EQ(m_manager.skippedBlockCount(), 0U);
+}
+
+TEST_F(KeptRecordings, TellAtOnceWhereTheirMovieIsWritten)
+{
+    const QString id = left();
+    ASSERT_TRUE(open(id));
+    m_manager.setMuxerContext(std::make_shared<PKMuxerContext>("/elsewhere/movie.mp4"));
+    EXPECT_EQ(journalOf(id).description->movie->filename(), "/elsewhere/movie.mp4");
 }
 
 TEST_F(KeptRecordings, StayWhenTheyAreKeptAndGoWhenTheyAreCleared)

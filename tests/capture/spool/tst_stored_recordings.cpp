@@ -3,6 +3,7 @@
 #include "capture/spool/spool_file.h"
 #include "capture/spool/stored_recordings.h"
 #include "kept_recording_fixture.h"
+#include "support/wait_until.h"
 
 namespace vornic {
 namespace {
@@ -142,7 +143,7 @@ TEST_F(StoredRecordings, ThereIsNoPictureOfWhatRunsOrIsNotThere)
     VNBufferMgr running(0);
     running.readyToRecord();
     push(running, 1, 0);
-    running.endVideoRecord();
+    ASSERT_TRUE(test::waitUntil([&] { return journalOf(running.recordingId()).video.size() == 1; }));
     EXPECT_FALSE(storedPicture(cache(), running.recordingId()));
 }
 
