@@ -121,6 +121,7 @@ class Cut(kill_recordings.Case):
     MOMENTS = ("recording", "starting", "recording", "stopping", "encoding", "finishing")
     LOSS = 2.0
     FINISH_PAUSE = 0.6
+    MAY_SKIP = True
     WHAT = "cuts"
 
     def __init__(self, workshop, seed, number):

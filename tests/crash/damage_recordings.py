@@ -159,6 +159,19 @@ def output_folder_removed(bench):
     return again
 
 
+def recovery_killed(bench):
+    others = set(os.listdir(bench.work + "/movies"))
+    environment = dict(bench.stage.environment, XDG_CACHE_HOME=bench.cache)
+    with subprocess.Popen([bench.programs.vornic, "recover", bench.id, bench.movie], env=environment,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as recovery:
+        crash.wait_until(lambda: set(os.listdir(bench.work + "/movies")) - others, "a movie was begun", poll=0.001)
+        recovery.kill()
+    expect(not os.path.exists(bench.movie), "the recovery was quicker than the kill")
+    expect(bench.recover_whole() == bench.numbers, "frames are lost")
+    expect(set(os.listdir(bench.work + "/movies")) - others == {os.path.basename(bench.movie)}, "half a movie is left")
+    return f"(all {len(bench.numbers)} frames in the end)"
+
+
 def cache_removed(bench):
     recorder = bench.record()
     shutil.rmtree(bench.cache + "/com.kavlor.vornic")
@@ -250,7 +263,9 @@ def two_at_once(bench):
     killed = first.kill()
     left = bench.listed()
     expect(len(left) == 1, f"listed are: {left}")
-    said = bench.refuse(os.path.basename(second.folder()), bench.movie)
+    status, said = bench.recover(os.path.basename(second.folder()), bench.movie)
+    expect(status == 1, f"recovery of what runs ends with {status}: {said}")
+    said = sentence(said)
     status, recovered = bench.recover(left[0].split()[0], bench.movie)
     expect(status == 0, recovered)
     crash.check_frames(crash.Movie(bench.movie), bench.stage, first.started, bench.stage.lateness(first.started, killed))
@@ -315,10 +330,10 @@ def link_in_place_of_all(bench):
     return sentence(said)
 
 
-TESTS = [output_full, output_folder_removed, cache_removed, spool_full, spool_truncated, bytes_turned_in_pictures,
-         bytes_turned_in_sound, bytes_turned_in_journal, journal_cut_off, journal_missing, pictures_missing,
-         sound_missing, two_at_once, three_hundred, link_in_place_of_pictures, pipe_in_place_of_pictures,
-         folder_in_place_of_pictures, link_in_place_of_recording, link_in_place_of_all]
+TESTS = [output_full, output_folder_removed, recovery_killed, cache_removed, spool_full, spool_truncated,
+         bytes_turned_in_pictures, bytes_turned_in_sound, bytes_turned_in_journal, journal_cut_off, journal_missing,
+         pictures_missing, sound_missing, two_at_once, three_hundred, link_in_place_of_pictures,
+         pipe_in_place_of_pictures, folder_in_place_of_pictures, link_in_place_of_recording, link_in_place_of_all]
 
 
 def run_test(bench, test):
