@@ -78,7 +78,9 @@ protected:
     static void answer(const QString &text, const std::function<void()> &ask)
     {
         bool wasAsked = false;
-        QTimer::singleShot(0, qApp, [&] {
+        QTimer timer;
+        timer.setSingleShot(true);
+        QObject::connect(&timer, &QTimer::timeout, [&] {
             auto *box = qobject_cast<AlertBox *>(QApplication::activeModalWidget());
             ASSERT_TRUE(box);
             wasAsked = true;
@@ -88,6 +90,7 @@ protected:
                     button->click();
             }
         });
+        timer.start(0);
         ask();
         EXPECT_TRUE(wasAsked);
     }
