@@ -118,7 +118,7 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
                 .problem;
     }
     std::optional<RecordQuality> quality;
-    if (const QString problem = readQuality(parser, quality); !problem.isEmpty())
+    if (QString problem = readQuality(parser, quality); !problem.isEmpty())
         return problem;
     line.quality = quality.value_or(RecordQuality::High);
     if (parser.isSet(QStringLiteral("duration"))) {
