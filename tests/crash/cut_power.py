@@ -11,7 +11,8 @@ and the folder of the movie are built anew from the store alone:
   not synced is there or not, by chance; a file is as long as it was synced or as it was written; each folder's list of
   names is the synced or the newest one.
 Every third recorder meets no cache folder at all, as a user's first one does. `vornic recover` then works on what was built. At most 2 s before the cut may be lost; where the movie is already
-durable at its name, it must be whole. The spool may not be gone before that.
+durable at its name, it must be whole. The spool may not be gone before that. What is not asked for: that the beginning
+of a movie is removed where the recording was too young for its journal, which tells of that file, to be on the disk.
 
 Why this is honest: the store knows nothing but what the program itself asked the system to make durable, while the
 system promises no less (POSIX: fsync and fdatasync return once the data, and what is needed to get at them, are on the

@@ -20,6 +20,7 @@ import glob
 import os
 import queue
 import random
+import re
 import shutil
 import sys
 import threading
@@ -113,7 +114,7 @@ class Case:
             first = os.stat(folder).st_mtime - time.time() + time.monotonic() + FIRST_FRAME[self.sound]
         self.after_kill()
         outcome, lost = self.look(killed, killed - first if first else 0, late)
-        self.check_rest(known)
+        self.check_rest(known, outcome)
         return Result(self.moment, self.sound, seconds, outcome, lost, late, "")
 
     def start(self):
@@ -139,23 +140,31 @@ class Case:
                 of_this = check_movie(path, self, killed, late)
                 if outcome == "nothing yet":
                     outcome, lost = "recovered", of_this
-            elif outcome != "nothing yet" or length > self.LOSS + 2 * late:
+            elif not self.may_be_useless(outcome, length, late):
                 raise Failure(f"recovery ends with {status}: {said}")
             else:
-                # The disk has a part of what is too young to be there: the user is rid of it with one command.
+                # The user is rid of it with one command.
                 self.recover("--delete", recording)
         if outcome == "nothing yet" and length > self.LOSS + 2 * late:
             raise Failure(f"nothing is left of a recording of {length:.2f} s: {self.recorder.said()}")
         return outcome, lost
 
+    def may_be_useless(self, outcome, length, late):
+        """What is left of the recording: too young to be on the disk, or left only because its removal was not yet."""
+        return length <= self.LOSS + 2 * late if outcome == "nothing yet" else self.MAY_SKIP
+
     def recover(self, *arguments):
         return crash.recover(self.workshop.programs, self.stage.environment, self.recorder.cache, *arguments)
 
-    def check_rest(self, known):
+    def check_rest(self, known, outcome):
         now = crash.fingerprint(self.work)
-        for made in ("movies/movie.mp4", "movies/recovered.mp4", "errors", *self.FOLDERS):
-            now.pop(made, None)
-            known.pop(made, None)
+        made = {"movies/movie.mp4", "movies/recovered.mp4", "errors", *self.FOLDERS}
+        if outcome == "nothing yet" and self.MAY_SKIP:
+            # The disk has the movie's beginning, but not the journal, which tells where that is.
+            made |= {path for path in now if re.fullmatch(r"movies/\.vornic-[-0-9a-f]{36}\.part", path)}
+        for path in made:
+            now.pop(path, None)
+            known.pop(path, None)
         if now != known:
             changed = sorted(path for path in known.keys() | now.keys() if known.get(path) != now.get(path))
             raise Failure("left behind, or changed: " + ", ".join(changed))
