@@ -249,10 +249,15 @@ void VNBufferMgr::syncSoon()
         return;
     m_syncer.after(syncDelay, [this] {
         m_syncsSoon = false;
-        const Open open = opened();
-        if (open.folder && !open.folder->sync())
-            m_syncFailed = true;
+        sync();
     });
+}
+
+void VNBufferMgr::sync()
+{
+    const Open open = opened();
+    if (open.folder && !open.folder->sync())
+        m_syncFailed = true;
 }
 
 // ---- in and out
@@ -472,8 +477,9 @@ void VNBufferMgr::setMuxerContext(std::shared_ptr<const PKMuxerContext> context)
     }
     describe();
     // At once: should the program die while it writes the movie, the next one looks there for what is half written.
-    if (const Open open = opened(); open.journal)
-        static_cast<void>(open.journal->write());
+    // On the disk too: without a description the rest of a recording is worth nothing.
+    if (const Open open = opened(); open.journal && open.journal->write())
+        m_syncer.async([this] { sync(); });
 }
 
 std::shared_ptr<const PKMuxerContext> VNBufferMgr::muxerContext() const

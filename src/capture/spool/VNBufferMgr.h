@@ -167,6 +167,7 @@ private:
     void writeSoon();
     void writeAll();
     void syncSoon();
+    void sync();
 
     SpoolStream m_video;
     SpoolStream m_audio;
