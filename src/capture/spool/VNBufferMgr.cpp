@@ -196,7 +196,7 @@ void VNBufferMgr::rewind()
 
 void VNBufferMgr::closeFolder()
 {
-    writeAll();
+    m_writer.sync([this] { writeAll(); });
     const std::lock_guard lock(m_mutex);
     m_open = {};
 }
@@ -233,10 +233,10 @@ void VNBufferMgr::writeSoon()
         m_writer.after(writeDelay, [this] { writeAll(); });
 }
 
+/// On the writer's thread only: the spools and their entries in the journal are written by one.
 void VNBufferMgr::writeAll()
 {
     m_writesSoon = false;
-    const std::lock_guard lock(m_writeMutex);
     m_video.writeBehind();
     m_audio.writeBehind();
     if (const Open open = opened(); open.journal && open.journal->write())

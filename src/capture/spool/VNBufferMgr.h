@@ -188,7 +188,6 @@ private:
     std::atomic<bool> m_writesSoon = false;
     std::atomic<bool> m_syncsSoon = false;
     std::atomic<bool> m_syncFailed = false;
-    std::mutex m_writeMutex;    ///< held over writes to the files
     mutable std::mutex m_mutex; ///< guards what follows; held for a copy only
     QRectF _recordRect;
     std::shared_ptr<const PKMuxerContext> _muxerContext;
