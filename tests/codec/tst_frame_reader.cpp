@@ -69,22 +69,24 @@ TEST(FrameReader, tellsWhatTheSourceThrewAfterTheFramesBefore)
 
 TEST(FrameReader, aStopEndsTheWaitForASourceThatIsBusy)
 {
-    std::binary_semaphore isBusy(0);
-    std::counting_semaphore<> mayReturn(0);
+    std::atomic_flag isBusy;
+    std::atomic_flag mayReturn; // for good: the source is asked until the queue is full
     std::stop_source stop;
     FrameReader reader(
         [&] {
-            isBusy.release();
-            mayReturn.acquire();
+            isBusy.test_and_set();
+            isBusy.notify_all();
+            mayReturn.wait(false);
             return frameAt(0);
         },
         stop.get_token());
     std::jthread stopper([&] {
-        isBusy.acquire();
+        isBusy.wait(false);
         stop.request_stop();
     });
     EXPECT_EQ(reader.next(), nullptr); // before the source has returned
-    mayReturn.release(2);              // it may have been asked once more
+    mayReturn.test_and_set();
+    mayReturn.notify_all();
 }
 
 TEST(FrameReader, aStopLeavesOutTheFramesThatWereReadAhead)
