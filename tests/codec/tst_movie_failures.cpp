@@ -2,45 +2,20 @@
 #include "codec/PKMuxerTask.h"
 #include "codec/movie_failure.h"
 #include "movie_test_support.h"
+#include "support/file_size_limit.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <functional>
 #include <random>
 #include <stdexcept>
 
 namespace vornic::testing {
 namespace {
-
-/// While it lives, no file of this process can grow beyond a size: what a file system of that limit does.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limited { bytes, m_before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-    rlimit m_before {};
-    void (*m_handler)(int);
-};
 
 class MovieFailuresTest : public ::testing::Test
 {
@@ -175,7 +150,7 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhilePicturesAreWritten)
     addNoise(120);
     TaskReport report;
     {
-        const FileSizeLimit limit(64 * 1024);
+        const test::FileSizeLimit limit(64 * 1024);
         report = runTask(videoContext(m_movie, { 320, 240 }), m_source);
     }
     expectFailure(report, fileError(ErrorKind::FileTooLarge, m_movie, "File too large"));
@@ -202,7 +177,7 @@ TEST_F(MovieFailuresTest, theFileCannotGrowWhileTheIndexIsPutInFront)
     TaskReport report;
     {
         // room for all the pictures and half of the index
-        const FileSizeLimit limit(static_cast<rlim_t>(movieBytes - indexBytes / 2));
+        const test::FileSizeLimit limit(static_cast<std::uint64_t>(movieBytes - indexBytes / 2));
         report = runTask(videoContext(m_movie, { 16, 16 }), again);
     }
     expectFailure(report, fileError(ErrorKind::FileTooLarge, m_movie, "File too large"));

@@ -7,7 +7,7 @@
 #include "capture/spool/recording_description.h"
 #include "capture/spool/spool_file.h"
 #include "display/display_backend.h"
-#include "file_size_limit.h"
+#include "support/file_size_limit.h"
 #include "support/test_pictures.h"
 
 #include <QFile>

@@ -4,8 +4,8 @@
 #include "capture/spool/pointer_shape_archive.h"
 #include "capture/spool/recording_description.h"
 #include "display/display_backend.h"
-#include "file_size_limit.h"
 #include "kept_recording_fixture.h"
+#include "support/file_size_limit.h"
 #include "support/wait_until.h"
 
 #include <dlfcn.h>

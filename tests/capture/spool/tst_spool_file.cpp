@@ -1,6 +1,6 @@
 #include "base/log.h"
 #include "capture/spool/spool_file.h"
-#include "file_size_limit.h"
+#include "support/file_size_limit.h"
 
 #include <QDir>
 #include <QFile>
