@@ -14,6 +14,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <functional>
 
 namespace vornic {
 
@@ -66,20 +67,26 @@ bool isWaste(const RecordingFolder &folder, const JournalContents &contents)
     return contents.isFinished || (sizeOf(folder.video()) == 0 && contents.video.empty());
 }
 
+/// Looks into each recording that can be opened, oldest first.
+void forEachRecording(const QString &cachePath,
+                      const std::function<void(RecordingFolder &, const JournalContents &)> &look)
+{
+    for (const QString &id : RecordingFolder::ids(cachePath)) {
+        RecordingFolder::Refusal refusal {};
+        if (const auto folder = RecordingFolder::open(cachePath, id, refusal))
+            look(*folder, readJournalOf(*folder));
+    }
+}
+
 } // namespace
 
 QList<StoredRecording> storedRecordings(const QString &cachePath)
 {
     QList<StoredRecording> recordings;
-    for (const QString &id : RecordingFolder::ids(cachePath)) {
-        RecordingFolder::Refusal refusal {};
-        const auto folder = RecordingFolder::open(cachePath, id, refusal);
-        if (!folder)
-            continue;
-        const JournalContents contents = readJournalOf(*folder);
-        if (!isWaste(*folder, contents))
-            recordings.push_back(storedRecording(*folder, contents));
-    }
+    forEachRecording(cachePath, [&](const RecordingFolder &folder, const JournalContents &contents) {
+        if (!isWaste(folder, contents))
+            recordings.push_back(storedRecording(folder, contents));
+    });
     return recordings;
 }
 
@@ -136,17 +143,12 @@ QStringList cleanUpStoredRecordings(const QString &cachePath)
 {
     RecordingFolder::removeHalfMade(cachePath);
     QStringList movieFolders;
-    for (const QString &id : RecordingFolder::ids(cachePath)) {
-        RecordingFolder::Refusal refusal {};
-        const auto folder = RecordingFolder::open(cachePath, id, refusal);
-        if (!folder)
-            continue;
-        const JournalContents contents = readJournalOf(*folder);
+    forEachRecording(cachePath, [&](RecordingFolder &folder, const JournalContents &contents) {
         if (contents.description && contents.description->movie)
             movieFolders += QFileInfo(contents.description->movie->filename()).absolutePath();
-        if (isWaste(*folder, contents))
-            folder->remove();
-    }
+        if (isWaste(folder, contents))
+            folder.remove();
+    });
     movieFolders.removeDuplicates();
     return movieFolders;
 }
