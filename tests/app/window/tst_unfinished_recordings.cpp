@@ -8,6 +8,27 @@
 #include <QPixmap>
 #include <QSignalSpy>
 
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+
+namespace {
+
+const pthread_t mainThread = pthread_self();
+std::atomic<int> locksOnMainThread = 0;
+std::atomic<int> locksElsewhere = 0;
+
+} // namespace
+
+/// Stands before the system's: whoever looks into a recording locks it, so that a test sees which thread does.
+extern "C" int flock(int file, int operation)
+{
+    ++(pthread_equal(pthread_self(), mainThread) != 0 ? locksOnMainThread : locksElsewhere);
+    return static_cast<int>(syscall(SYS_flock, file, operation));
+}
+
 namespace vornic {
 namespace {
 
@@ -73,9 +94,12 @@ TEST_F(UnfinishedRecordingsTest, ManyAreReadWhileTheWindowGoesOn)
     for (int number = 1; number < 300; ++number)
         test::copyRecording(first, QStringLiteral("20990101-000000-%1").arg(number, 4, 16, QChar('0')));
     const QSignalSpy changed(&recordings, &UnfinishedRecordings::changed);
+    locksOnMainThread = 0;
+    locksElsewhere = 0;
     recordings.read();
-    EXPECT_TRUE(recordings.all().isEmpty()) << "nothing is read on this thread";
     ASSERT_TRUE(waitUntil([&] { return !changed.isEmpty(); }));
+    EXPECT_EQ(locksOnMainThread, 0) << "the window stands still for nothing";
+    EXPECT_EQ(locksElsewhere, 300);
     EXPECT_EQ(recordings.all().size(), 300);
     EXPECT_EQ(recordings.all().first().id, first);
     EXPECT_EQ(recordings.find("20990101-000000-012b")->frames, 2U);
