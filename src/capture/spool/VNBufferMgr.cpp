@@ -211,11 +211,8 @@ void VNBufferMgr::keep()
 void VNBufferMgr::clear()
 {
     const Open open = opened();
-    if (open.journal) {
-        // Should this be all that becomes of it, the next start goes on here.
-        open.journal->addFinished();
-        static_cast<void>(open.journal->write());
-    }
+    if (open.journal)
+        open.journal->finish(); // should this be all that becomes of it, the next start goes on here
     m_video.queue().sync([this] { m_video.close(); });
     m_audio.queue().sync([this] { m_audio.close(); });
     if (open.folder && !open.folder->remove())

@@ -41,9 +41,11 @@ void Journal::add(SpoolKind spool, const std::vector<VNDataBlock> &blocks)
         append(JournalKind::Block, blockPayload(spool, block));
 }
 
-void Journal::addFinished()
+void Journal::finish()
 {
     append(JournalKind::Finished, {});
+    // Where that cannot be, the worst is that somebody is asked about an empty recording.
+    static_cast<void>(write() && m_file->sync());
 }
 
 bool Journal::write()

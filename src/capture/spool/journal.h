@@ -31,7 +31,9 @@ public:
     void add(std::uint64_t index, const CursorShape &shape);
     /// The bytes of \a blocks must be in the spool's file already.
     void add(SpoolKind spool, const std::vector<VNDataBlock> &blocks);
-    void addFinished();
+    /// The recording is no longer wanted. On the disk when this returns, so that what is left of it after a loss of power
+    /// is known to be nothing. Blocks until then.
+    void finish();
 
     /// Writes what was added; false where the file takes no more: it waits for the next call then.
     bool write();

@@ -130,9 +130,7 @@ bool deleteStoredRecording(const QString &cachePath, const QString &id, QString 
         whyNot = RecordingFolder::refusalText(refusal, id);
         return false;
     }
-    Journal journal(folder->journal());
-    journal.addFinished();
-    static_cast<void>(journal.write());
+    Journal(folder->journal()).finish();
     if (folder->remove())
         return true;
     whyNot = RecordingFolder::deletionFailedText(id);

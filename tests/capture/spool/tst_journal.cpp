@@ -330,8 +330,7 @@ TEST_F(JournalFile, HoldsWhatWasAddedOnceItIsWritten)
     EXPECT_EQ(understood(contents()), 4U);
     EXPECT_FALSE(contents().isFinished);
     journal.add(SpoolKind::Audio, { blockAt(0, 5) });
-    journal.addFinished();
-    EXPECT_TRUE(journal.write());
+    journal.finish();
     EXPECT_EQ(understood(contents()), 6U);
     EXPECT_TRUE(contents().isFinished);
 }
@@ -342,8 +341,7 @@ TEST_F(JournalFile, IsGoneOnWithWhereItEnds)
     first.add(someDescription());
     ASSERT_TRUE(first.write());
     Journal second(file(false));
-    second.addFinished();
-    ASSERT_TRUE(second.write());
+    second.finish();
     EXPECT_TRUE(contents().description);
     EXPECT_TRUE(contents().isFinished);
 }

@@ -23,9 +23,7 @@ protected:
         RecordingFolder::Refusal refusal {};
         const auto folder = RecordingFolder::open(cache(), id, refusal);
         ASSERT_TRUE(folder);
-        Journal journal(folder->journal());
-        journal.addFinished();
-        ASSERT_TRUE(journal.write());
+        Journal(folder->journal()).finish();
     }
     /// The seed of the noise that \a picture is nearest to, as left() numbers it; JPEG keeps the difference small.
     [[nodiscard]] static int seedOf(const std::shared_ptr<const BitmapImage> &picture)
