@@ -83,20 +83,38 @@ double DiskForecast::othersRate(Free volume) const
 
 double DiskForecast::spoolSeconds() const
 {
-    const double left = static_cast<double>(*m_samples.back().space.spoolFree) - m_keptFree;
-    return secondsUntil(left, spoolRate() + othersRate(&DiskSpace::spoolFree));
+    const DiskSpace &space = m_samples.back().space;
+    const double left = static_cast<double>(*space.spoolFree) - m_keptFree;
+    const double rate = spoolRate() + othersRate(&DiskSpace::spoolFree);
+    return space.isOneVolume ? secondsWithMovie(left, rate) : secondsUntil(left, rate);
 }
 
-/// Until the movie of what is recorded does not fit any more; of the two estimates of its size the smaller counts.
+/// Until the movie of what is recorded does not fit any more.
 double DiskForecast::movieSeconds() const
 {
+    const DiskSpace &space = m_samples.back().space;
+    const double others = othersRate(&DiskSpace::movieFree) + (space.isOneVolume ? spoolRate() : 0);
+    return secondsWithMovie(static_cast<double>(*space.movieFree), others);
+}
+
+/// Until the movie is as large as the rest of \a bytes, of which \a othersRate a second are taken by others; of the two
+/// estimates of its size the smaller counts.
+double DiskForecast::secondsWithMovie(double bytes, double othersRate) const
+{
     const Sample &now = m_samples.back();
-    const auto left = static_cast<double>(*now.space.movieFree);
-    const double others = othersRate(&DiskSpace::movieFree) + (now.space.isOneVolume ? spoolRate() : 0);
-    const double byBitRate
-        = secondsUntil(left - now.movieBytesPerSecond * now.movieSeconds, others + now.movieBytesPerSecond);
-    const double bySpool = secondsUntil(left - static_cast<double>(now.spooledBytes), others + spoolRate());
+    const double byBitRate = secondsUntil(bytes - now.movieBytesPerSecond * now.movieSeconds,
+                                          othersRate + now.movieBytesPerSecond);
+    const double bySpool
+        = secondsUntil(bytes - static_cast<double>(now.spooledBytes), othersRate + spoolRate());
     return std::max(byBitRate, bySpool);
+}
+
+std::uint64_t DiskForecast::movieBytesOnSpoolVolume() const
+{
+    if (m_samples.empty() || !m_samples.back().space.isOneVolume)
+        return 0;
+    const Sample &now = m_samples.back();
+    return std::min(static_cast<std::uint64_t>(now.movieBytesPerSecond * now.movieSeconds), now.spooledBytes);
 }
 
 } // namespace vornic

@@ -88,6 +88,7 @@ void DiskWatch::takeAnswer(double seconds, std::int64_t timestamp)
                      .movieSeconds = static_cast<double>(timestamp) / static_cast<double>(PKTimebase),
                      .movieBytesPerSecond = movieBytesPerSecond(*m_spool.muxerContext()),
                      .space = m_answer.get() });
+    m_spool.keepFreeForMovie(m_forecast.movieBytesOnSpoolVolume());
 }
 
 void DiskWatch::ask(double seconds)

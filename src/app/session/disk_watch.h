@@ -15,7 +15,8 @@ namespace vornic {
 class RecordingProgress;
 class VNBufferMgr;
 
-/// Looks once a second how much room a recording has, tells it, and warns once when it is little.
+/// Looks once a second how much room a recording has, tells it, warns once when it is little, and has the spool leave
+/// room for the movie.
 ///
 /// Owned by RecordingSession; main thread only. File systems are asked on a thread that nobody waits for, as one in the
 /// network may never answer; then the room is unknown.

@@ -58,6 +58,7 @@ void VNBufferMgr::readyToRecord()
     setMuxerContext(nullptr);
     mExit = false;
     m_spooledBytes = 0;
+    m_movieBytes = 0;
     m_skippedBlocks = 0;
     prepareFileHandle();
 }
@@ -424,7 +425,7 @@ bool VNBufferMgr::freespaceIsEough() const
 
 bool VNBufferMgr::cacheFull() const
 {
-    return freeBytes() < limitSpaceForRecord();
+    return freeBytes() < limitSpaceForRecord() + m_movieBytes;
 }
 
 bool VNBufferMgr::writeFailed() const

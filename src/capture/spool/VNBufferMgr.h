@@ -97,8 +97,10 @@ public:
 
     /// Whether a recording may start: freeSpaceRequired() bytes are free on the cache folder's file system.
     [[nodiscard]] bool freespaceIsEough() const;
-    /// Whether a recording must stop: fewer than limitSpaceForRecord() bytes are free.
+    /// Whether a recording must stop: fewer than limitSpaceForRecord() bytes are free, beside those of the movie.
     [[nodiscard]] bool cacheFull() const;
+    /// Bytes that the movie of this recording will take from the cache folder's file system. Any thread.
+    void keepFreeForMovie(std::uint64_t bytes) { m_movieBytes = bytes; }
     /// A spool or the journal could not be written; what was pushed is still in memory and can be popped.
     [[nodiscard]] bool writeFailed() const;
     /// Bytes.
@@ -181,6 +183,7 @@ private:
     std::optional<std::map<std::uint64_t, std::uint64_t>> m_shapesBack;
     std::function<std::uint64_t()> m_freeSpaceProbe;
     std::atomic<std::uint64_t> m_spooledBytes = 0;
+    std::atomic<std::uint64_t> m_movieBytes = 0; ///< still to come, on the spool's file system
     std::atomic<std::uint64_t> m_skippedBlocks = 0;
     std::atomic<bool> mExit = false;
     std::atomic<bool> _isRecordPart = false;

@@ -67,15 +67,18 @@ public:
     [[nodiscard]] static double truth(Disk disk)
     {
         const double begin = disk.now;
-        while (disk.spoolFree >= static_cast<double>(keptFree) && disk.movieFits())
+        while (disk.goesOn())
             disk.pass(1);
         return disk.now - begin;
     }
 
 private:
-    [[nodiscard]] bool movieFits() const
+    [[nodiscard]] bool goesOn() const
     {
-        return std::min(spooled, movieRate * recorded) <= (isOneVolume ? spoolFree : movieFree);
+        const double movie = std::min(spooled, movieRate * recorded);
+        if (isOneVolume)
+            return spoolFree >= static_cast<double>(keptFree) + movie;
+        return spoolFree >= static_cast<double>(keptFree) && movieFree >= movie;
     }
 };
 
@@ -245,20 +248,25 @@ TEST(DiskForecastTest, OnOneVolumeSpoolAndMovieCountTogether)
     disk.spoolFree = 20e9;
     disk.movieRate = 0.7 * megabyte;
     disk.rate = [](double) { return 1 * megabyte; };
+    EXPECT_EQ(disk.forecast.movieBytesOnSpoolVolume(), 0U);
     disk.pass(30);
-    EXPECT_EQ(disk.limit(), Limit::Movie);
+    EXPECT_EQ(disk.limit(), Limit::Spool);
+    EXPECT_EQ(disk.forecast.movieBytesOnSpoolVolume(), 21'000'000U);
     expectTruth(disk);
-    EXPECT_NEAR(disk.seconds(), (20e9 - 30 * 1.7e6) / 1.7e6, 20);
+    EXPECT_NEAR(disk.seconds(), (19e9 - 30 * 1.7e6) / 1.7e6, 20);
     disk.rate = [](double) { return 0.1 * megabyte; }; // the movie is at most as large again
-    disk.pass(30);
+    disk.pass(600);
     expectTruth(disk);
-    // With much spooled, what the movie needs is less than what is kept free.
+    EXPECT_EQ(disk.forecast.movieBytesOnSpoolVolume(), 90'000'000U);
     Disk large;
     large.isOneVolume = true;
     large.rate = [](double) { return 25 * megabyte; };
     large.pass(30);
     EXPECT_EQ(large.limit(), Limit::Spool);
     expectTruth(large);
+    large.isOneVolume = false;
+    large.pass(1);
+    EXPECT_EQ(large.forecast.movieBytesOnSpoolVolume(), 0U);
 }
 
 TEST(DiskForecastTest, WhatIsFullHasNoRoom)

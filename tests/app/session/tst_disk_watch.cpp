@@ -216,7 +216,24 @@ TEST_F(DiskWatchTest, TheFileSystemsAreAskedWhereNoTestIs)
     EXPECT_FALSE(roomOf("/none/such/movie.mp4").isForMovie);
     if (freeSpaceBytes(folder.path()) < 3 * VNBufferMgr::limitSpaceForRecord())
         GTEST_SKIP() << "where so little is free the spool ends it";
-    EXPECT_TRUE(roomOf(folder.filePath("movie.mp4")).isForMovie) << "on one volume with the spool";
+    EXPECT_FALSE(roomOf(folder.filePath("movie.mp4")).isForMovie) << "on one volume with the spool";
+}
+
+TEST_F(DiskWatchTest, TheSpoolLeavesRoomForTheMovieOnItsVolume)
+{
+    std::uint64_t freeBytes = VNBufferMgr::limitSpaceForRecord();
+    spool.setFreeSpaceProbe([&freeBytes] { return freeBytes; });
+    ASSERT_TRUE(passUntilKnown());
+    EXPECT_FALSE(spool.cacheFull()) << "the movie goes elsewhere";
+    volumes->set({ .spoolFree = gigabyte * 2, .movieFree = gigabyte * 2, .isOneVolume = true });
+    const int asked = volumes->timesAsked;
+    ASSERT_TRUE(test::waitUntil([&] {
+        spoolASecond();
+        return spool.cacheFull();
+    }));
+    EXPECT_GT(volumes->timesAsked, asked);
+    freeBytes += static_cast<std::uint64_t>(100'000 * (now - begun)); // the bit rate, for the time so far
+    EXPECT_FALSE(spool.cacheFull());
 }
 
 TEST_F(DiskWatchTest, WithoutAMovieItIsSilent)

@@ -313,6 +313,14 @@ TEST_F(BufferMgrTest, FreeSpaceRules)
     EXPECT_FALSE(m_manager.cacheFull());
     freeBytes = 1'073'741'823;
     EXPECT_TRUE(m_manager.cacheFull());
+    // and the movie, where it goes to the same file system
+    m_manager.keepFreeForMovie(5'000'000);
+    freeBytes = 1'073'741'824 + 5'000'000;
+    EXPECT_FALSE(m_manager.cacheFull());
+    --freeBytes;
+    EXPECT_TRUE(m_manager.cacheFull());
+    m_manager.readyToRecord();
+    EXPECT_FALSE(m_manager.cacheFull()) << "the next recording has no movie yet";
     EXPECT_EQ(VNBufferMgr::freeSpaceRequired(), 10'737'418'240U);
     EXPECT_EQ(VNBufferMgr::limitSpaceForRecord(), 1'073'741'824U);
     EXPECT_EQ(VNBufferMgr::descriptionOfFreeSpaceRequired(), "25GBytes");
