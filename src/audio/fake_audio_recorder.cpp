@@ -2,6 +2,7 @@
 
 #include "audio/PKAudioRecorderDelegate.h"
 #include "audio/fake_audio_control.h"
+#include "base/thread.h"
 
 #include <chrono>
 #include <cmath>
@@ -77,13 +78,14 @@ bool FakeAudioRecorder::startRecordWithFormat(const AudioStreamBasicDescription 
     if (!isDevice(m_deviceID) || !canBeRecorded(format))
         return false;
     m_format = format;
-    m_thread = std::jthread([this](const std::stop_token &stop) { deliverChunks(stop); });
+    m_stop = {};
+    m_thread = startThread("vornic fake", [this, stop = m_stop.get_token()] { deliverChunks(stop); });
     return true;
 }
 
 void FakeAudioRecorder::stopRecord()
 {
-    m_thread.request_stop();
+    m_stop.request_stop();
     if (m_thread.joinable())
         m_thread.join();
 }

@@ -39,7 +39,8 @@ private:
     std::atomic<std::uint32_t> m_deviceID;
     PKAudioRecorderDelegate *m_delegate = nullptr;
     AudioStreamBasicDescription m_format;
-    std::jthread m_thread;
+    std::stop_source m_stop;
+    std::thread m_thread;
 };
 
 } // namespace vornic

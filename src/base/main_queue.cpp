@@ -1,6 +1,7 @@
 #include "base/main_queue.h"
 
 #include "base/assertion.h"
+#include "base/thread.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -8,6 +9,7 @@
 #include <QThread>
 
 #include <chrono>
+#include <exception>
 #include <memory>
 #include <semaphore>
 #include <utility>
@@ -46,7 +48,7 @@ public:
     {
     }
 
-    void run() const { m_block(); }
+    void run() const { runGuarded("main", m_block); }
 
     static Type kind()
     {
@@ -105,16 +107,28 @@ void sync(const std::function<void()> &block, const std::stop_token &cancelled)
         block();
         return;
     }
-    // Released by the block, and by the request to stop.
-    const auto done = std::make_shared<std::counting_semaphore<2>>(0);
-    post(*application, [block, done, cancelled] {
-        if (!cancelled.stop_requested())
-            block();
-        done->release();
+    // Shared with the block, which may run when the waiter has gone.
+    struct Outcome {
+        std::counting_semaphore<2> done { 0 }; // released by the block, and by the request to stop
+        std::exception_ptr failure;
+    };
+    const auto outcome = std::make_shared<Outcome>();
+    post(*application, [block, outcome, cancelled] {
+        try {
+            if (!cancelled.stop_requested())
+                block();
+        } catch (...) {
+            outcome->failure = std::current_exception();
+        }
+        outcome->done.release();
     });
-    const std::stop_callback onCancel(cancelled, [done] { done->release(); });
+    const std::stop_callback onCancel(cancelled, [outcome] { outcome->done.release(); });
     // An application that has ended runs no more events, so that nobody may wait for one.
-    while (!done->try_acquire_for(std::chrono::milliseconds(100)) && QCoreApplication::instance()) { }
+    while (!outcome->done.try_acquire_for(std::chrono::milliseconds(100)))
+        if (!QCoreApplication::instance())
+            return;
+    if (!cancelled.stop_requested() && outcome->failure)
+        std::rethrow_exception(outcome->failure);
 }
 
 } // namespace vornic::main_queue

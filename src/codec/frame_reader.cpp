@@ -1,6 +1,6 @@
 #include "codec/frame_reader.h"
 
-#include <pthread.h>
+#include "base/thread.h"
 
 #include <utility>
 
@@ -9,7 +9,7 @@ namespace vornic {
 FrameReader::FrameReader(Source source, std::stop_token stop)
     : m_source(std::move(source))
     , m_stop(std::move(stop))
-    , m_thread([this] { run(); })
+    , m_thread(startThread("vornic-frames", [this] { run(); }))
 {
 }
 
@@ -43,7 +43,6 @@ std::shared_ptr<const PKVideoFrame2> FrameReader::next()
 
 void FrameReader::run()
 {
-    pthread_setname_np(pthread_self(), "vornic-frames");
     std::exception_ptr failure;
     try {
         while (readOne()) { }

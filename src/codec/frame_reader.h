@@ -22,7 +22,7 @@ public:
     using Source = std::function<std::shared_ptr<const PKVideoFrame2>()>;
 
     /// Starts calling \a source, on the reader's thread only, until it gives null or throws. A request to \a stop
-    /// ends the waits in next().
+    /// ends the waits in next(). Throws std::system_error where there is no thread to be had.
     explicit FrameReader(Source source, std::stop_token stop = {});
     /// Waits for the running call of the source; there is none afterwards.
     ~FrameReader();

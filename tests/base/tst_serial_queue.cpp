@@ -1,4 +1,5 @@
 #include "base/assertion.h"
+#include "base/log.h"
 #include "base/main_queue.h"
 #include "base/parallel.h"
 #include "base/serial_queue.h"
@@ -12,6 +13,7 @@
 #include <chrono>
 #include <future>
 #include <semaphore>
+#include <stdexcept>
 #include <stop_token>
 #include <thread>
 #include <vector>
@@ -32,6 +34,23 @@ public:
     ~FailureCounter() { setAssertionHandler({}); }
     FailureCounter(const FailureCounter &) = delete;
     FailureCounter &operator=(const FailureCounter &) = delete;
+    [[nodiscard]] int count() const { return m_count; }
+
+private:
+    std::atomic<int> m_count = 0;
+};
+
+/// Counts what is logged instead of printing it.
+class LogCounter
+{
+public:
+    LogCounter()
+    {
+        setLogSink([this](const QString &) { ++m_count; });
+    }
+    ~LogCounter() { setLogSink({}); }
+    LogCounter(const LogCounter &) = delete;
+    LogCounter &operator=(const LogCounter &) = delete;
     [[nodiscard]] int count() const { return m_count; }
 
 private:
@@ -95,6 +114,27 @@ TEST(SerialQueueTest, TheEndRunsWhatWasGivenAndDropsWhatIsDelayed)
     EXPECT_FALSE(late);
 }
 
+TEST(SerialQueueTest, GoesOnAfterABlockThatThrows)
+{
+    const LogCounter log;
+    SerialQueue queue("test");
+    std::promise<void> ran;
+    queue.async([] { throw std::runtime_error("async"); });
+    queue.after(1ms, [] { throw std::runtime_error("after"); });
+    queue.after(2ms, [&] { ran.set_value(); });
+    ran.get_future().get();
+    EXPECT_EQ(log.count(), 2);
+}
+
+TEST(SerialQueueTest, WhoWaitsGetsWhatTheBlockThrows)
+{
+    SerialQueue queue;
+    EXPECT_THROW(queue.sync([] { throw std::runtime_error("sync"); }), std::runtime_error);
+    bool ran = false;
+    queue.sync([&] { ran = true; });
+    EXPECT_TRUE(ran);
+}
+
 TEST(SerialQueueTest, ManyThreadsMayGiveBlocks)
 {
     SerialQueue queue;
@@ -147,6 +187,24 @@ TEST(MainQueueTest, WaitingForItselfIsAFailureNotADeadlock)
     EXPECT_EQ(failures.count(), 1);
 }
 
+TEST(MainQueueTest, GoesOnAfterABlockThatThrows)
+{
+    const LogCounter log;
+    bool ran = false;
+    besideTheMainLoop([&] {
+        main_queue::async([] { throw std::runtime_error("async"); });
+        main_queue::sync([&] { ran = true; });
+    });
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(log.count(), 1);
+}
+
+TEST(MainQueueTest, WhoWaitsGetsWhatTheBlockThrows)
+{
+    besideTheMainLoop(
+        [] { EXPECT_THROW(main_queue::sync([] { throw std::runtime_error("sync"); }), std::runtime_error); });
+}
+
 TEST(MainQueueTest, WithoutAnApplicationNothingRunsAndNobodyHangs)
 {
     bool ran = false;
@@ -189,6 +247,26 @@ TEST(ParallelTest, SmallWorkStaysOnOneThread)
     std::atomic<int> calls = 0;
     parallelRanges(7, 4, [&](int, int) { ++calls; });
     EXPECT_EQ(calls, 1);
+}
+
+TEST(ParallelTest, WhoCallsGetsWhatARangeThrows)
+{
+    for (int thrower = 0; thrower < 20; ++thrower) {
+        std::atomic<int> running = 0;
+        EXPECT_THROW(parallelRanges(20,
+                                    1,
+                                    [&](int first, int count) {
+                                        ++running;
+                                        if (thrower >= first && thrower < first + count) {
+                                            --running;
+                                            throw std::runtime_error("range");
+                                        }
+                                        std::this_thread::yield();
+                                        --running;
+                                    }),
+                     std::runtime_error);
+        EXPECT_EQ(running, 0);
+    }
 }
 
 TEST(ParallelTest, ManyCallersAtOnceAllEnd)

@@ -4,19 +4,17 @@
 #include "app/session/recording_room.h"
 #include "base/PKTimebase.h"
 #include "base/free_space.h"
+#include "base/thread.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/encoder_settings.h"
 
 #include <QFileInfo>
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <chrono>
 #include <memory>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace vornic {
@@ -93,16 +91,13 @@ void DiskWatch::takeAnswer(double seconds, std::int64_t timestamp)
 
 void DiskWatch::ask(double seconds)
 {
-    std::packaged_task<DiskSpace()> task(
+    const auto task = std::make_shared<std::packaged_task<DiskSpace()>>(
         [probe = m_probe, spool = m_spoolFolder, movie = movieFolder(*m_spool.muxerContext())] {
             return probe(spool, movie);
         });
-    std::future<DiskSpace> answer = task.get_future();
+    std::future<DiskSpace> answer = task->get_future();
     try {
-        std::thread([task = std::move(task)]() mutable {
-            pthread_setname_np(pthread_self(), "vornic-disk");
-            task();
-        }).detach();
+        startThread("vornic-disk", [task] { (*task)(); }).detach();
     } catch (const std::system_error &) {
         return; // too many threads: asked again in a second
     }
