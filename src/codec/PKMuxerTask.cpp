@@ -3,17 +3,18 @@
 #include "base/assertion.h"
 #include "base/error.h"
 #include "base/main_queue.h"
+#include "base/memory_reserve.h"
+#include "base/thread.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/av_support.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_writer.h"
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <stop_token>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -84,19 +85,41 @@ struct PKMuxerTask::Impl {
     ProgressBlock block; ///< called on the main thread
     std::stop_source stop;
     std::thread thread;
+    MemoryReserve reserve;
 
     void report(std::shared_ptr<PKMuxerTask> self, QLatin1StringView action, QVariant value) const
     {
         main_queue::async(
             [this, self = std::move(self), action, value = std::move(value)] { block(action, value); });
     }
-    void run(std::shared_ptr<PKMuxerTask> self);
+    void reportEnd(std::shared_ptr<PKMuxerTask> self, Outcome outcome);
+    void run(const std::shared_ptr<PKMuxerTask> &self);
+    void runToItsEnd(const std::shared_ptr<PKMuxerTask> &self);
 };
 
-/// The task's thread. The last report takes the reference that keeps the task alive with it.
-void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
+/// Takes the reference that keeps the task alive with it.
+void PKMuxerTask::Impl::reportEnd(std::shared_ptr<PKMuxerTask> self, Outcome outcome)
 {
-    pthread_setname_np(pthread_self(), "vornic-movie");
+    main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
+        if (thread.joinable())
+            thread.join();
+        block(outcome.action, outcome.value);
+    });
+}
+
+/// The task's thread. Its end is told also where there is no memory to tell anything else.
+void PKMuxerTask::Impl::run(const std::shared_ptr<PKMuxerTask> &self)
+{
+    try {
+        runToItsEnd(self);
+    } catch (...) {
+        reserve.giveBack();
+        reportEnd(self, failed({ ErrorKind::OutOfMemory, ErrorSubject::File, context->filename(), {} }));
+    }
+}
+
+void PKMuxerTask::Impl::runToItsEnd(const std::shared_ptr<PKMuxerTask> &self)
+{
     routeAvLog();
     report(self, PKMuxerTaskActionStart, 0.0);
     ProgressThrottle throttle;
@@ -104,11 +127,7 @@ void PKMuxerTask::Impl::run(std::shared_ptr<PKMuxerTask> self)
         if (throttle.accepts(percent))
             report(self, PKMuxerTaskActionProgress, static_cast<double>(throttle.step()));
     };
-    Outcome outcome = writeMovieToItsEnd(*context, *source, progress, stop.get_token());
-    main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
-        thread.join();
-        block(outcome.action, outcome.value);
-    });
+    reportEnd(self, writeMovieToItsEnd(*context, *source, progress, stop.get_token()));
 }
 
 std::shared_ptr<PKMuxerTask> PKMuxerTask::create(std::shared_ptr<const PKMuxerContext> context)
@@ -117,8 +136,12 @@ std::shared_ptr<PKMuxerTask> PKMuxerTask::create(std::shared_ptr<const PKMuxerCo
 }
 
 PKMuxerTask::PKMuxerTask(std::shared_ptr<const PKMuxerContext> context)
-    : m_impl(
-        new Impl { .context = std::move(context), .source = nullptr, .block = {}, .stop = {}, .thread = {} })
+    : m_impl(new Impl { .context = std::move(context),
+                        .source = nullptr,
+                        .block = {},
+                        .stop = {},
+                        .thread = {},
+                        .reserve = {} })
 {
 }
 
@@ -147,8 +170,17 @@ void PKMuxerTask::startMuxerWithBlock(ProgressBlock block)
         return;
     }
     m_impl->block = std::move(block);
-    m_impl->thread = std::thread(
-        [impl = m_impl.get(), self = shared_from_this()]() mutable { impl->run(std::move(self)); });
+    try {
+        m_impl->thread = startThread("vornic-movie",
+                                     [impl = m_impl.get(), self = shared_from_this()] { impl->run(self); });
+    } catch (const std::system_error &failure) {
+        m_impl->report(shared_from_this(), PKMuxerTaskActionStart, 0.0);
+        m_impl->reportEnd(shared_from_this(),
+                          failed({ ErrorKind::Failed,
+                                   ErrorSubject::File,
+                                   m_impl->context->filename(),
+                                   QString::fromStdString(failure.code().message()) }));
+    }
 }
 
 void PKMuxerTask::cancel()

@@ -1,6 +1,7 @@
 #include "codec/video_encoder.h"
 
 #include "base/PKTimebase.h"
+#include "base/thread.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/encoder_settings.h"
@@ -8,6 +9,7 @@
 #include "codec/planar_picture.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace vornic {
 
@@ -62,6 +64,14 @@ void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
         codec.level = encoder_settings::videoLevel;
 }
 
+/// How many threads the encoder is to take; 0 leaves the number to it. Where it lacks a single one of those that it
+/// wants, it fails; on the caller's alone it makes the same movie, later.
+int usefulThreads()
+{
+    const auto wanted = static_cast<int>(3 * std::max(1U, std::thread::hardware_concurrency()) / 2 + 1);
+    return areThreadsAvailable(wanted) ? 0 : 1;
+}
+
 } // namespace
 
 VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
@@ -71,7 +81,7 @@ VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     describePicture(*m_codec, context);
     describeRate(*m_codec, context);
     m_codec->max_b_frames = 0;
-    m_codec->thread_count = 0; // as many as the encoder finds useful
+    m_codec->thread_count = usefulThreads();
     m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     AVDictionary *options = nullptr;
     av_dict_set(&options, "preset", preset, 0);

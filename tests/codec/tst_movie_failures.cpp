@@ -3,6 +3,7 @@
 #include "codec/movie_failure.h"
 #include "movie_test_support.h"
 #include "support/file_size_limit.h"
+#include "support/thread_limit.h"
 
 #include <QDir>
 #include <QFile>
@@ -290,6 +291,26 @@ TEST_F(MovieFailuresTest, aSourceWithoutMemoryEndsTheTask)
     expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
                   fileError(ErrorKind::OutOfMemory, m_movie, ""));
     EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(MovieFailuresTest, aSystemWithoutThreadsToGive)
+{
+    m_source.addGreys({ 64, 48 }, 3);
+    for (const int threads : { 0, 1 }) { // the second would read the frames
+        const test::ThreadLimit limit(threads);
+        expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                      fileError(ErrorKind::Failed, m_movie, "Resource temporarily unavailable"));
+        EXPECT_TRUE(files().isEmpty());
+    }
+}
+
+TEST_F(MovieFailuresTest, anEncoderWithoutThreadsWorksOnTheOneThatItIsCalledOn)
+{
+    m_source.addGreys({ 640, 480 }, 3);
+    const test::ThreadLimit limit(2);
+    const TaskReport report = runTask(videoContext(m_movie, { 640, 480 }), m_source);
+    ASSERT_TRUE(report.isComplete()) << report.reason();
+    EXPECT_EQ(report.statistics().framesWritten, 3);
 }
 
 TEST_F(MovieFailuresTest, theFinalNameIsUntouchedUntilTheMovieIsComplete)
