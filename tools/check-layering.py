@@ -23,6 +23,10 @@ LIBRARIES = [
     ("a compressor", r"(lzo|LZO|lzo1\w|LZ4|LZ4F|snappy|fastlz)_\w+|snappy::\w+|z_stream|(de|in)flateInit\w*",
      r"lzo/|lz4|snappy|fastlz|zlib", r"compression/"),
     ("xxHash", r"XXH\w+", r"xxhash", r"display/|capture/spool/"),
+    ("a thread that nothing guards",
+     r"std::jthread|std::async|pthread_create|asio::thread_pool|QThread(?!::current)|QThreadPool|QtConcurrent|std::thread(?= \w+[({]|[({])",
+     r"(?!)", r"base/thread\."),
+    ("a bus that may be waited for", r"QDBusConnection::(session|system)Bus", r"(?!)", r"desktop/dbus_call\.cpp"),
     ("Wayland", r"(wl|WL)_\w+", r"wayland", r"(?!)"),
     ("PipeWire", r"(pw|PW|spa|SPA)_\w+", r"pipewire|spa/", r"(?!)"),
 ]

@@ -1,14 +1,30 @@
 #include "desktop/dbus_call.h"
 
+#include "base/thread.h"
+
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
 #include <QFileInfo>
 #include <QMetaObject>
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 namespace vornic {
+
+namespace {
+
+/// The toolkit makes a thread at its first connection, and where there is none to be had, waits for it for good.
+bool isBusThreadPossible()
+{
+    static std::atomic<bool> wasPossible = false;
+    if (!wasPossible)
+        wasPossible = areThreadsAvailable(1);
+    return wasPossible;
+}
+
+} // namespace
 
 QDBusConnection sessionBus()
 {
@@ -16,7 +32,12 @@ QDBusConnection sessionBus()
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     const bool isThere = !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
         || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus")));
-    return isThere ? QDBusConnection::sessionBus() : QDBusConnection(QString());
+    return isThere && isBusThreadPossible() ? QDBusConnection::sessionBus() : QDBusConnection(QString());
+}
+
+QDBusConnection systemBus()
+{
+    return isBusThreadPossible() ? QDBusConnection::systemBus() : QDBusConnection(QString());
 }
 
 void callLater(const QDBusConnection &bus,

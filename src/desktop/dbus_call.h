@@ -11,6 +11,8 @@ namespace vornic {
 
 /// The bus of the desktop session, or one that is not connected. No bus is started where there is none.
 [[nodiscard]] QDBusConnection sessionBus();
+/// The machine's bus, or one that is not connected.
+[[nodiscard]] QDBusConnection systemBus();
 
 /// A call that is given up only when the bus is lost or the service goes away.
 inline constexpr std::chrono::milliseconds waitForEver = std::chrono::milliseconds::max();

@@ -48,7 +48,7 @@ InhibitRequest powerManagement(const QString &reason)
 
 InhibitRequest loginManager(const QString &reason)
 {
-    return { QDBusConnection::systemBus(),
+    return { systemBus(),
              QStringLiteral("org.freedesktop.login1"),
              { QStringLiteral("/org/freedesktop/login1") },
              QStringLiteral("org.freedesktop.login1.Manager"),

@@ -112,6 +112,17 @@ class Layering(unittest.TestCase):
         self.assert_complains({"src/base/log.cpp": "#include <xcb/xcb.h>\n"},
                               "src/base/log.cpp:1: xcb/xcb.h is a header of XCB")
 
+    def test_a_thread_or_a_bus_beside_the_wrappers(self):
+        for code, name in (("std::thread worker([] {});", "std::thread"), ("x = std::thread([] {});", "std::thread"),
+                           ("std::jthread worker;", "std::jthread"), ("class T : QThread {};", "QThread")):
+            with self.subTest(code):
+                self.assert_complains({"src/base/log.cpp": code + "\n"},
+                                      f"src/base/log.cpp:1: {name} is a name of a thread that nothing guards")
+        self.assert_complains({"src/base/log.cpp": "auto bus = QDBusConnection::sessionBus();\n"}, "src/base/log.cpp:1: "
+                              "QDBusConnection::sessionBus is a name of a bus that may be waited for")
+        self.assertEqual(self.check(files={"src/base/log.cpp": "std::thread m_thread;\nstd::thread::id id;\n"
+                                           "auto now = QThread::currentThread();\n"}).stderr, "")
+
     def test_widgets_behind_the_command_line(self):
         self.assert_complains(
             {"src/codec/CMakeLists.txt": RIGHT["src/codec/CMakeLists.txt"].replace("vornic::base", "vornic::base Qt6::Widgets")},
