@@ -5,10 +5,12 @@
 #include "audio/PKAudioRecorderData.h"
 #include "audio/audio_control.h"
 #include "audio/audio_recorder.h"
+#include "base/exception_text.h"
 #include "base/log.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "codec/PKMuxerContext.h"
 
+#include <system_error>
 #include <utility>
 
 namespace vornic {
@@ -67,8 +69,12 @@ std::uint32_t AudioInput::currentAudioID()
 AudioRecorder *AudioInput::audioRecorder()
 {
     if (!m_recorder && m_control) {
-        m_recorder = m_control->createRecorder(currentAudioID());
-        m_recorder->setDelegate(this);
+        try {
+            m_recorder = m_control->createRecorder(currentAudioID());
+            m_recorder->setDelegate(this);
+        } catch (const std::system_error &) { // no thread to be had
+            logMessage(QStringLiteral("The sound cannot be recorded: %1").arg(textOfHandledException()));
+        }
     }
     return m_recorder.get();
 }

@@ -6,6 +6,7 @@
 #include "base/log.h"
 #include "base/main_queue.h"
 #include "base/serial_queue.h"
+#include "base/thread.h"
 #include "capture/VNCGDisplay.h"
 #include "capture/record/VNBufferDiscr.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -41,7 +42,21 @@ void CaptureLoop::run(double origin, const QRectF &rectangle, double frameRate)
     m_recording->clock.passBegins(origin);
     m_rectangle = rectangle;
     m_frameRate = frameRate;
-    pass();
+    passOrEnd();
+}
+
+/// Where memory is missing, what is spooled already becomes the movie.
+void CaptureLoop::passOrEnd()
+{
+    try {
+        pass();
+        return;
+    } catch (...) {
+        m_tools.spool.setExit(true);
+        m_reserve.giveBack();
+        logUnhandledException("the capture, which ends here");
+    }
+    end();
 }
 
 void CaptureLoop::pass()
@@ -70,7 +85,7 @@ void CaptureLoop::pass()
 
 void CaptureLoop::schedule(std::chrono::nanoseconds delay)
 {
-    m_tools.queue.after(delay, [self = shared_from_this()] { self->pass(); });
+    m_tools.queue.after(delay, [self = shared_from_this()] { self->passOrEnd(); });
 }
 
 /// False when there is no time origin yet: the frame is dropped.
@@ -102,8 +117,10 @@ void CaptureLoop::tellOfAudioWait()
 
 void CaptureLoop::end()
 {
-    m_tools.sound.endCapture();
-    m_tools.spool.endVideoRecord();
+    m_reserve.giveBack();
+    constexpr auto where = "the end of a capture";
+    runGuarded(where, [this] { m_tools.sound.endCapture(); });
+    runGuarded(where, [this] { m_tools.spool.endVideoRecord(); });
     tellSoon([self = shared_from_this()] { self->m_listener.captureEnded(*self); });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/memory_reserve.h"
+
 #include <QRectF>
 
 #include <chrono>
@@ -63,6 +65,7 @@ public:
     void abandon() { m_abandoned.request_stop(); }
 
 private:
+    void passOrEnd();
     void pass();
     void schedule(std::chrono::nanoseconds delay);
     [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image);
@@ -78,6 +81,7 @@ private:
     QRectF m_rectangle; ///< on the capture queue, as all below
     double m_frameRate = 30;
     int m_passesWithoutOrigin = 0;
+    MemoryReserve m_reserve; ///< for the end, where a pass finds no memory
 };
 
 } // namespace vornic

@@ -28,6 +28,7 @@
 #include <QFileInfo>
 #include <QPointer>
 
+#include <new>
 #include <utility>
 
 namespace vornic {
@@ -224,6 +225,14 @@ void RecordingSession::startRecorderAnyway()
         std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
     showStopRecordingBtn();
     m_spool->readyToRecord();
+    if (m_spool->recordingId().isEmpty()) {
+        // Space and permission were found good a moment ago; descriptors may be what is missing.
+        const QString reason = qt_error_string();
+        hideStopRecordingBtn();
+        m_frontEnd.questions.alertError(tr("The recording cannot be stored: %1.").arg(reason));
+        refuse();
+        return;
+    }
     setPhase(Phase::Capturing);
     m_frontEnd.desktop.inhibitIdle(true);
 
@@ -389,8 +398,12 @@ void RecordingSession::later()
 
 void RecordingSession::startWriting()
 {
-    m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
-    m_job->start([this](const QString &action, const QVariant &value) { muxerReported(action, value); });
+    try {
+        m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
+        m_job->start([this](const QString &action, const QVariant &value) { muxerReported(action, value); });
+    } catch (const std::bad_alloc &) {
+        muxerFailed({ ErrorKind::OutOfMemory, ErrorSubject::File, m_recording->path, {} });
+    }
 }
 
 void RecordingSession::muxerReported(const QString &action, const QVariant &value)

@@ -16,6 +16,7 @@
 
 #include <QFile>
 
+#include <cerrno>
 #include <chrono>
 #include <limits>
 #include <thread>
@@ -69,7 +70,8 @@ void VNBufferMgr::prepareFileHandle()
     open.folder = RecordingFolder::create(cachePath());
     if (open.folder)
         open.journal = std::make_shared<Journal>(open.folder->journal());
-    else
+    const int error = errno;
+    if (!open.folder)
         logMessage(QStringLiteral("Failed to create tmp file."));
     setOpened(open);
     m_video.queue().sync([&] {
@@ -85,6 +87,7 @@ void VNBufferMgr::prepareFileHandle()
         m_chunksBack.forget();
     });
     describe();
+    errno = error;
 }
 
 bool VNBufferMgr::openRecording(const QString &id, QString &whyNot)

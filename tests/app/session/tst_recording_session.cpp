@@ -4,9 +4,12 @@
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "base/PKTimebase.h"
+#include "base/log.h"
 #include "capture/spool/VNBufferMgr.h"
+#include "capture/spool/recording_folder.h"
 #include "display/fake_display.h"
 #include "movie_test_support.h"
+#include "support/thread_limit.h"
 #include "support/wait_until.h"
 
 #include <QCoreApplication>
@@ -18,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <new>
 
 namespace vornic {
 namespace {
@@ -300,6 +304,71 @@ TEST_F(RecordingSessionTest, ARecordingThatEndsBeforeTheScreenIsClearEndsAllTheS
     EXPECT_EQ(testing::numbersOf(testing::probe(folder.filePath("now.mp4")), "packets", "video", "pts"),
               QList<qint64> { 0 })
         << "one frame is a movie, none is a failure";
+}
+
+/// A fake display of 320 x 200 whose grabs find no memory any more, after the first few.
+class DisplayWithoutMemory final : public DisplayBackend
+{
+public:
+    explicit DisplayWithoutMemory(int grabs)
+        : m_grabsLeft(grabs)
+    {
+    }
+
+    [[nodiscard]] std::uint32_t mainDisplayId() const override { return m_display.mainDisplayId(); }
+    [[nodiscard]] QSize mainDisplaySize() const override { return m_display.mainDisplaySize(); }
+    [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) override
+    {
+        if (m_grabsLeft-- <= 0)
+            throw std::bad_alloc();
+        return m_display.grab(rectangle);
+    }
+    [[nodiscard]] QPoint pointerPosition() override { return m_display.pointerPosition(); }
+    [[nodiscard]] std::shared_ptr<const CursorShape> cursorShape() override
+    {
+        return m_display.cursorShape();
+    }
+
+private:
+    FakeDisplay m_display { QSize(320, 200) };
+    std::atomic<int> m_grabsLeft;
+};
+
+TEST_F(RecordingSessionTest, APassWithoutMemoryEndsTheRecordingAndWhatIsSpooledIsTheMovie)
+{
+    QStringList logged;
+    setLogSink([&](const QString &line) { logged += line; });
+    setMainDisplay(std::make_shared<DisplayWithoutMemory>(3));
+    makeSession();
+    session->recordNow(folder.filePath("now.mp4"));
+    EXPECT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    session.reset();
+    setLogSink({});
+    EXPECT_EQ(logged,
+              QStringList {
+                  "An error was not handled in the capture, which ends here: there is not enough memory" });
+    EXPECT_EQ(
+        testing::numbersOf(testing::probe(folder.filePath("now.mp4")), "packets", "video", "pts").size(), 3);
+}
+
+TEST_F(RecordingSessionTest, AMovieThatFindsNoThreadLeavesTheRecording)
+{
+    makeSession();
+    session->recordNow(folder.filePath("now.mp4"));
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    {
+        const test::ThreadLimit limit(0);
+        session->stopRecord();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    }
+    EXPECT_EQ(frontEnd.alerts,
+              QStringList { "Error|The movie could not be written to " + folder.filePath("now.mp4")
+                            + ": Resource temporarily unavailable." });
+    const QStringList kept = RecordingFolder::ids(VNBufferMgr::cachePath());
+    ASSERT_EQ(kept.size(), 1);
+    session->recover(kept.first(), folder.filePath("later.mp4"));
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_TRUE(QFile::exists(folder.filePath("later.mp4")));
 }
 
 TEST(NewMovieFile, IsNamedAfterTheTimeInTheFolderOfMovies)
