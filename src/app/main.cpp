@@ -6,7 +6,9 @@
 #include "app/session/unix_signals.h"
 #include "app/window/application_icon.h"
 #include "app/window/window_program.h"
+#include "base/exception_text.h"
 #include "base/log.h"
+#include "base/thread.h"
 #include "controls/skin_colors.h"
 #include "desktop/single_instance.h"
 #include "display/display_backend.h"
@@ -21,6 +23,47 @@
 namespace {
 
 using namespace vornic;
+
+/// Goes on with the next event when the handling of one throws: a recording that runs must not end by it.
+template<typename Application>
+class GuardedApplication final : public Application
+{
+public:
+    using Application::Application;
+
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        bool isHandled = false;
+        runGuarded("main", [&] { isHandled = Application::notify(receiver, event); });
+        return isHandled;
+    }
+};
+
+/// What \a task returns; where it throws, a sentence is said and the status is 1.
+template<typename Task>
+int statusOf(const Task &task)
+{
+    try {
+        return task();
+    } catch (...) {
+        logMessage(
+            QCoreApplication::translate("vornic", "Vornic has to end: %1.").arg(textOfHandledException()));
+        return 1;
+    }
+}
+
+/// Empty where a recording can have the threads that it always needs, the toolkit's and the encoder's among them.
+QString noThreadsReason()
+{
+    constexpr int neededThreads = 16;
+    return areThreadsAvailable(neededThreads)
+        ? QString()
+        : QCoreApplication::translate(
+              "vornic",
+              "Vornic needs %1 threads, and the system does not give it so many: the limit of "
+              "processes or of memory is reached.")
+              .arg(neededThreads);
+}
 
 /// Dark as the controls are, also where the toolkit paints.
 void setAppearance()
@@ -72,20 +115,24 @@ std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
 int runWindow(int &argc, char **argv, const CommandLine &line)
 {
     // Asked before the toolkit, which would end the program without a display.
-    if (const QString reason = noDisplayReason(); !reason.isEmpty()) {
-        logMessage(reason);
-        return 1;
+    for (const auto &reasonNotTo : { noThreadsReason, noDisplayReason }) {
+        if (const QString reason = reasonNotTo(); !reason.isEmpty()) {
+            logMessage(reason);
+            return 1;
+        }
     }
-    QApplication application(argc, argv);
+    GuardedApplication<QApplication> application(argc, argv);
     const Translations translations;
-    SingleInstance instance;
-    if (const std::optional<int> status = handOver(instance, line))
-        return *status;
-    QApplication::setQuitOnLastWindowClosed(false);
-    setAppearance();
-    const UnixSignals signalled;
-    WindowProgram program(application, signalled, instance);
-    return program.run(actionFor(line.task), movieFile(line));
+    return statusOf([&] {
+        SingleInstance instance;
+        if (const std::optional<int> status = handOver(instance, line))
+            return *status;
+        QApplication::setQuitOnLastWindowClosed(false);
+        setAppearance();
+        const UnixSignals signalled;
+        WindowProgram program(application, signalled, instance);
+        return program.run(actionFor(line.task), movieFile(line));
+    });
 }
 
 int printAndEnd(const QString &text, std::FILE *stream, int status)
@@ -94,17 +141,14 @@ int printAndEnd(const QString &text, std::FILE *stream, int status)
     return status;
 }
 
-/// Everything that needs no window, in the user's language.
-int runCommand(int &argc, char **argv, const QStringList &arguments)
+int runCommand(const CommandLine &line)
 {
-    const QCoreApplication application(argc, argv);
-    const Translations translations;
-    const CommandLine line = parseCommandLine(arguments);
     switch (line.action) {
     case CommandLine::Action::Record:
-        return runRecordCommand(line);
     case CommandLine::Action::Recover:
-        return runRecoverCommand(line);
+        if (const QString reason = noThreadsReason(); !reason.isEmpty())
+            return printAndEnd(QStringLiteral("vornic: %1\n").arg(reason), stderr, 1);
+        return line.action == CommandLine::Action::Record ? runRecordCommand(line) : runRecoverCommand(line);
     case CommandLine::Action::Devices:
         return runDevicesCommand();
     case CommandLine::Action::Help:
@@ -120,6 +164,14 @@ int runCommand(int &argc, char **argv, const QStringList &arguments)
     return printAndEnd(QStringLiteral("vornic: %1\n%2\n").arg(line.problem, hint), stderr, 2);
 }
 
+/// Everything that needs no window, in the user's language.
+int runWithoutWindow(int &argc, char **argv, const QStringList &arguments)
+{
+    const GuardedApplication<QCoreApplication> application(argc, argv);
+    const Translations translations;
+    return statusOf([&] { return runCommand(parseCommandLine(arguments)); });
+}
+
 int run(int &argc, char **argv)
 {
     QStringList arguments;
@@ -129,7 +181,7 @@ int run(int &argc, char **argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(VORNIC_VERSION));
     const CommandLine line = parseCommandLine(arguments);
     return line.action == CommandLine::Action::Window ? runWindow(argc, argv, line)
-                                                      : runCommand(argc, argv, arguments);
+                                                      : runWithoutWindow(argc, argv, arguments);
 }
 
 } // namespace
@@ -140,5 +192,5 @@ int main(int argc, char **argv)
     // the write fails, and what was spooled becomes a movie.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
-    return run(argc, argv);
+    return statusOf([&] { return run(argc, argv); });
 }
