@@ -170,8 +170,9 @@ void VornicAppDelegate::alertError(const QString &text)
 
 void VornicAppDelegate::helpScreenRecord()
 {
-    if (!m_helpDocument.isEmpty())
-        m_frontEnd.desktop.open(helpCopy(m_helpDocument));
+    const QString file = m_helpDocument.isEmpty() ? QString() : helpCopy(m_helpDocument);
+    if (!file.isEmpty())
+        m_frontEnd.desktop.open(file);
 }
 
 QColor VornicAppDelegate::attributeForChkTitle()

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace vornic {
@@ -12,9 +13,13 @@ QString helpCopy(const QString &document)
                       + QStringLiteral("/com.kavlor.vornic"));
     folder.mkpath(QStringLiteral("."));
     QString copy = folder.filePath(QStringLiteral("Help.pdf"));
-    if (!QFile::exists(copy))
+    // Whoever opens a named pipe waits for it.
+    const bool isDocument = QFileInfo(document).isFile();
+    if (isDocument && !QFileInfo::exists(copy))
         QFile::copy(document, copy);
-    return copy;
+    if (QFileInfo(copy).isFile())
+        return copy;
+    return isDocument ? document : QString();
 }
 
 } // namespace vornic

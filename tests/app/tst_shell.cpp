@@ -173,6 +173,29 @@ TEST_F(ShellTest, HelpIsCopiedOnceAndOpened)
     EXPECT_EQ(contents(copy), "first"); // never refreshed
 }
 
+TEST_F(ShellTest, HelpIsReadFromNoNamedPipe)
+{
+    const QString help = folder.filePath("share/Help.pdf");
+    const QString copy = folder.filePath("cache/com.kavlor.vornic/Help.pdf");
+    write(help, "help");
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(copy).path()));
+    shell->setHelpDocument(help);
+    {
+        test::NamedPipe pipe(copy);
+        ASSERT_TRUE(pipe.isMade());
+        shell->helpScreenRecord();
+        EXPECT_EQ(panels->told.last(), "open " + help);
+        EXPECT_FALSE(pipe.wasOpened());
+    }
+    ASSERT_TRUE(QFile::remove(copy) && QFile::remove(help));
+    panels->told.clear();
+    test::NamedPipe pipe(help);
+    ASSERT_TRUE(pipe.isMade());
+    shell->helpScreenRecord();
+    EXPECT_EQ(panels->told, QStringList());
+    EXPECT_FALSE(pipe.wasOpened());
+}
+
 TEST_F(ShellTest, SystemsAboveTheSixthOfTheTenth)
 {
     EXPECT_TRUE(VornicAppDelegate::osOverLion("12"));

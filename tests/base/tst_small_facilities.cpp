@@ -3,6 +3,7 @@
 #include "base/free_space.h"
 #include "base/log.h"
 #include "base/user_defaults.h"
+#include "support/named_pipe.h"
 #include "support/wait_until.h"
 
 #include <QDir>
@@ -152,6 +153,21 @@ TEST(UserDefaultsTest, ValuesReachTheFileOfTheProgram)
     EXPECT_TRUE(QFile::exists(home.filePath("kavlor/Vornic.conf")));
     user_defaults::remove("number");
     EXPECT_FALSE(user_defaults::value("number").isValid());
+
+    const QString stored = home.filePath("kavlor/Vornic.conf");
+    for (const QString &file : { stored, stored + ".lock", home.filePath("kavlor.conf") }) {
+        QFile::remove(stored);
+        {
+            test::NamedPipe pipe(file);
+            ASSERT_TRUE(pipe.isMade());
+            EXPECT_FALSE(user_defaults::value("bytes").isValid());
+            user_defaults::setValue("number", 8);
+            user_defaults::remove("bytes");
+            EXPECT_FALSE(user_defaults::synchronize());
+            EXPECT_FALSE(pipe.wasOpened()) << file.toStdString();
+        }
+        EXPECT_TRUE(QFile::remove(file));
+    }
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "app/window/help_document.h"
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QFileInfo>
 
 namespace vornic {
 
@@ -10,7 +10,7 @@ QString helpDocument()
     const QString folder = QCoreApplication::applicationDirPath();
     // Beside the installed program, and in the build folder, where programs stand in src/app.
     for (const char *place : { "/../share/vornic/Help.pdf", "/../../share/vornic/Help.pdf" }) {
-        if (QString path = folder + QLatin1String(place); QFile::exists(path))
+        if (QString path = folder + QLatin1String(place); QFileInfo(path).isFile())
             return path;
     }
     return {};
