@@ -47,12 +47,15 @@ void Notifier::listen()
     if (m_isListening || !bus.isConnected())
         return;
     m_isListening = true;
-    const auto connectTo = [&](const char *signal, const char *slot) {
-        bus.connect(service, path, service, QString::fromLatin1(signal), this, slot);
+    // The toolkit ends the program over a signal that holds something else than its slot takes: only those with the
+    // right signature may come so far.
+    const auto connectTo = [&](const char *signal, const char *signature, const char *slot) {
+        bus.connect(
+            service, path, service, QString::fromLatin1(signal), QString::fromLatin1(signature), this, slot);
     };
-    connectTo("ActionInvoked", SLOT(actionInvoked(uint, QString)));
-    connectTo("ActivationToken", SLOT(activationTokenGiven(uint, QString)));
-    connectTo("NotificationClosed", SLOT(notificationClosed(uint, uint)));
+    connectTo("ActionInvoked", "us", SLOT(actionInvoked(uint, QString)));
+    connectTo("ActivationToken", "us", SLOT(activationTokenGiven(uint, QString)));
+    connectTo("NotificationClosed", "uu", SLOT(notificationClosed(uint, uint)));
     // Whoever takes the service over gives the same numbers to the notifications of other programs.
     auto *watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForUnregistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] { m_shown.clear(); });

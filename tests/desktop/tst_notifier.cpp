@@ -134,6 +134,21 @@ TEST_F(NotifierTest, RunsNothingForTheNotificationsOfOthers)
     EXPECT_EQ(m_runs, 0);
 }
 
+TEST_F(NotifierTest, TakesNoSignalThatHoldsSomethingElse)
+{
+    const auto server = notificationServer({ "actions" });
+    Notifier notifier;
+    notifier.show(notification());
+    ASSERT_EQ(shown(*server).size(), 8);
+    for (const char *signal : { "ActionInvoked", "ActivationToken", "NotificationClosed" }) {
+        server->emitSignal(path, signal, {});
+        server->emitSignal(path, signal, { "7", 7U });
+        server->emitSignal(path, signal, { QVariantMap(), QVariantList { 7U } });
+    }
+    server->emitSignal(path, "ActionInvoked", { 7U, "default" });
+    EXPECT_TRUE(eventually([&] { return m_runs == 1; }));
+}
+
 TEST_F(NotifierTest, ForgetsAClosedNotification)
 {
     const auto server = notificationServer({ "actions" });
