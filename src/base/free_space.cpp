@@ -1,6 +1,6 @@
 #include "base/free_space.h"
 
-#include <QFile>
+#include "base/native_path.h"
 
 #include <linux/magic.h>
 #include <sys/stat.h>
@@ -15,7 +15,7 @@ std::optional<dev_t> volumeOf(const QString &path)
 {
     struct stat file {
     };
-    if (::stat(QFile::encodeName(path).constData(), &file) != 0)
+    if (::stat(nativePath(path).constData(), &file) != 0)
         return std::nullopt;
     return file.st_dev;
 }
@@ -26,7 +26,7 @@ std::optional<std::uint64_t> freeSpace(const QString &path)
 {
     struct statvfs volume {
     };
-    if (::statvfs(QFile::encodeName(path).constData(), &volume) != 0)
+    if (::statvfs(nativePath(path).constData(), &volume) != 0)
         return std::nullopt;
     return std::uint64_t { volume.f_bavail } * volume.f_frsize;
 }
@@ -46,7 +46,7 @@ bool liesInMemory(const QString &path)
 {
     struct statfs volume {
     };
-    if (::statfs(QFile::encodeName(path).constData(), &volume) != 0)
+    if (::statfs(nativePath(path).constData(), &volume) != 0)
         return false;
     const auto type = static_cast<std::uint32_t>(volume.f_type); // signed, of 32 bits on some processors
     return type == TMPFS_MAGIC || type == RAMFS_MAGIC;
