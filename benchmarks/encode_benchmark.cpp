@@ -102,6 +102,7 @@ public:
         m_next = 0;
         m_composer = std::make_unique<FrameComposer>();
         const auto context = std::make_shared<PKMuxerContext>(movie);
+        context->setReplacedFile(identityOfFile(movie)); // that of the run before
         context->setWidth(screenSize.width());
         context->setHeight(screenSize.height());
         context->setVideoCodecID(PKMuxerContext::videoCodecH264);

@@ -12,6 +12,8 @@ enum class ErrorKind {
     FolderMissing,    ///< another place may do
     DiskFull,         ///< another place may do
     FileTooLarge,     ///< for the file system: another place may do
+    NotAFile,         ///< what stands there is a pipe, a socket or a device: another place may do
+    OthersFile,       ///< what stands there only another user can replace: another place may do
     OutOfMemory,      ///< trying again later may help
     Incomplete,       ///< what was written does not hold what was put in: trying again may help
     Cancelled,        ///< as was asked for: it may be done later

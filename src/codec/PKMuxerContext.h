@@ -1,8 +1,11 @@
 #pragma once
 
+#include "codec/file_identity.h"
+
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 namespace vornic {
@@ -28,6 +31,10 @@ public:
 
     [[nodiscard]] const QString &filename() const { return m_filename; }
     void setFilename(QString filename) { m_filename = std::move(filename); }
+    /// The file that the movie may replace, at its end; anything else that stands there then keeps its name, and the
+    /// movie gets another one.
+    [[nodiscard]] const std::optional<FileIdentity> &replacedFile() const { return m_replacedFile; }
+    void setReplacedFile(const std::optional<FileIdentity> &file) { m_replacedFile = file; }
     [[nodiscard]] int format() const { return m_format; }
 
     /// The shown size in pixels. The movie stores it rounded up to even, repeating the last column or row.
@@ -58,6 +65,7 @@ public:
 
 private:
     QString m_filename;
+    std::optional<FileIdentity> m_replacedFile;
     int m_format;
     std::int32_t m_width = 0;
     std::int32_t m_height = 0;

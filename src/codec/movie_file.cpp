@@ -4,9 +4,6 @@
 #include "codec/movie_failure.h"
 #include "codec/movie_proof.h"
 
-#include <QDir>
-#include <QFileInfo>
-
 #include <cerrno>
 #include <new>
 #include <utility>
@@ -102,25 +99,28 @@ void MovieFile::mux(AVPacket &packet, int track, AVRational timeBase)
     checkWritten(m_format->pb->error);
 }
 
-void MovieFile::complete(const MovieContents &contents)
+QString MovieFile::complete(const MovieContents &contents, const std::optional<FileIdentity> &replaced)
 {
     checkWritten(av_write_trailer(m_format.get()));
     avio_flush(m_format->pb);
     checkWritten(m_format->pb->error);
     checkWritten(m_part.sync());
     checkStillThere();
-    MovieProof(m_part.path(), m_filename).check(contents);
+    MovieProof(m_part.borrowedDescriptor(), m_filename).check(contents);
     checkNotCancelled();
-    checkWritten(m_part.renameTo(m_filename));
+    checkWritten(m_part.finish(replaced));
+    checkStillThere();
+    return m_part.moviePath();
 }
 
-/// What is proven and renamed by its path is what was written.
+/// What is renamed by its name is what was written and proven, and it is where its user looks for it.
 void MovieFile::checkStillThere() const
 {
-    if (m_part.isAtItsPath())
+    const MoviePlace &place = m_part.place();
+    if (m_part.isAtItsPath() && place.folderIsAtItsPath())
         return;
     Error error = writingError(m_filename, AVERROR(ENOENT));
-    if (QFileInfo(m_filename).dir().exists())
+    if (place.folderIsThere() && place.folderIsAtItsPath())
         error.kind = ErrorKind::Incomplete;
     throw MovieFailure(error);
 }

@@ -33,8 +33,10 @@ public:
     /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.
     void mux(AVPacket &packet, int track, AVRational timeBase);
     /// Puts the index in front, syncs the file to the disk, proves that it holds \a contents, and renames it to its
-    /// final name, replacing a file of that name. Blocks for as long as that takes.
-    void complete(const MovieContents &contents);
+    /// final name, replacing \a replaced and no other file of that name. Blocks for as long as that takes. Returns the
+    /// movie's path, which is another one where something else has come to stand there.
+    [[nodiscard]] QString complete(const MovieContents &contents,
+                                   const std::optional<FileIdentity> &replaced);
 
     /// Throws once the stop is requested.
     void checkNotCancelled() const;

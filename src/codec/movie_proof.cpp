@@ -5,10 +5,9 @@
 #include "codec/movie_contents.h"
 #include "codec/movie_failure.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace vornic {
@@ -25,14 +24,16 @@ constexpr AVRational ticks { 1, static_cast<int>(PKTimebase) };
 
 } // namespace
 
-MovieProof::MovieProof(const QString &path, QString filename)
+/// Through the descriptor that it was written with, and not through the file's name: that may lead to another file.
+MovieProof::MovieProof(int borrowedDescriptor, QString filename)
     : m_filename(std::move(filename))
+    , m_stream(borrowedDescriptor, DescriptorStream::Mode::Read)
 {
-    AVFormatContext *format = nullptr;
-    // With the scheme, a file name that has a colon in it is not taken for a URL.
-    const QByteArray address = "file:" + QFile::encodeName(path);
-    const int result
-        = avformat_open_input(&format, address.constData(), av_find_input_format("mp4"), nullptr);
+    AVFormatContext *format = avformat_alloc_context();
+    if (!format)
+        throw std::bad_alloc();
+    format->pb = m_stream.context();
+    const int result = avformat_open_input(&format, nullptr, av_find_input_format("mp4"), nullptr);
     m_format.reset(format);
     require(result >= 0, QStringLiteral("no readable index (%1)").arg(avErrorText(result)));
 }

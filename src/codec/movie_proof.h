@@ -1,6 +1,7 @@
 #pragma once
 
 #include "codec/av_support.h"
+#include "codec/descriptor_stream.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -12,7 +13,7 @@ namespace vornic {
 
 struct MovieContents;
 
-/// A finished movie file that is opened again, to find in it what was put in: the recording that it was made from may
+/// A finished movie file that is read again, to find in it what was put in: the recording that it was made from may
 /// be deleted then, and not before.
 ///
 /// Made by a MovieFile on its thread. Reads the index and the last sample of each track, not the whole file. Every
@@ -20,8 +21,8 @@ struct MovieContents;
 class MovieProof
 {
 public:
-    /// Opens the file at \a path, which an error calls \a filename.
-    MovieProof(const QString &path, QString filename);
+    /// Reads the open file from its beginning; an error calls it \a filename.
+    MovieProof(int borrowedDescriptor, QString filename);
 
     void check(const MovieContents &contents);
 
@@ -43,6 +44,7 @@ private:
     };
 
     QString m_filename;
+    DescriptorStream m_stream;
     std::unique_ptr<AVFormatContext, Closer> m_format;
 };
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QString>
+
 #include <cstdint>
 
 namespace vornic {
 
-/// What went into a movie; a plain value.
+/// What went into a movie, and where it stands; a plain value.
 ///
 /// Made by the task that writes the movie, and told with PKMuxerTaskActionComplete.
 struct MovieStatistics {
@@ -14,6 +16,7 @@ struct MovieStatistics {
     std::int64_t framesSkipped = 0;
     double seconds = 0; ///< until the last picture's end
     double audioSeconds = 0;
+    QString file; ///< another than was asked for where something else has come to stand there
 };
 
 } // namespace vornic

@@ -80,6 +80,7 @@ public:
         , m_progress(progress)
         , m_stop(stop)
         , m_conformer({ context.width(), context.height() })
+        , m_replaced(context.replacedFile())
         , m_file(context.filename(), stop)
         , m_video(context)
         , m_videoTrack(m_file.addTrack(m_video.codec()))
@@ -105,7 +106,7 @@ public:
             m_statistics.audioSeconds = m_audio->seconds();
         }
         m_video.finish(m_videoSink);
-        m_file.complete(m_contents);
+        m_statistics.file = m_file.complete(m_contents, m_replaced);
         m_statistics.framesSkipped += m_framesUnusable;
         return m_statistics;
     }
@@ -200,6 +201,7 @@ private:
     std::stop_token m_stop;
     FrameConformer m_conformer; ///< reader's thread only
     std::atomic<std::int64_t> m_framesUnusable = 0;
+    std::optional<FileIdentity> m_replaced;
     MovieFile m_file;
     VideoEncoder m_video;
     std::optional<AudioEncoder> m_audio;

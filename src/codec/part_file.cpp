@@ -1,20 +1,19 @@
 #include "codec/part_file.h"
 
+#include "base/native_path.h"
 #include "codec/movie_failure.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include <QByteArrayList>
 #include <QRegularExpression>
 #include <QUuid>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 
 namespace vornic {
 
@@ -23,55 +22,29 @@ namespace {
 /// Names tried, each of which somebody removed before it could be locked.
 constexpr int maxAttempts = 100;
 
-QString newPathBeside(const QString &filename)
+QByteArray newName()
 {
-    return QStringLiteral("%1/.vornic-%2.part")
-        .arg(QFileInfo(filename).absolutePath(), QUuid::createUuid().toString(QUuid::WithoutBraces));
+    return QStringLiteral(".vornic-%1.part")
+        .arg(QUuid::createUuid().toString(QUuid::WithoutBraces))
+        .toLatin1();
 }
 
-bool isNameOfPartFile(const QString &name)
+bool isNameOfPartFile(const QByteArray &name)
 {
     static const QRegularExpression pattern(
         QStringLiteral(R"(\A\.vornic-[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\.part\z)"));
-    return pattern.match(name).hasMatch();
+    return pattern.match(QString::fromLatin1(name)).hasMatch();
 }
 
-/// What keeps \a filename from being replaced by a movie: told before the work, not when the finished movie is
-/// renamed.
-int errorOfFinalName(const QString &filename)
-{
-    struct stat existing {
-    };
-    if (::lstat(QFile::encodeName(filename).constData(), &existing) == 0)
-        return S_ISDIR(existing.st_mode) ? -EISDIR : 0;
-    return errno == ENOENT ? 0 : -errno;
-}
-
-/// Some file systems cannot sync a folder, or anything; what was written is still there.
-int syncDescriptor(int descriptor)
-{
-    const int error = ::fsync(descriptor) == 0 ? 0 : errno;
-    return error == EINVAL || error == ENOTSUP ? 0 : -error;
-}
-
-int syncFolder(const QString &folder)
-{
-    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return -errno;
-    const int result = syncDescriptor(descriptor);
-    ::close(descriptor);
-    return result;
-}
-
-bool leadsTo(const QByteArray &path, int descriptor)
+bool leadsTo(int folder, const QByteArray &name, int descriptor)
 {
     struct stat named {
     };
     struct stat opened {
     };
-    return ::lstat(path.constData(), &named) == 0 && ::fstat(descriptor, &opened) == 0
-        && named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+    return ::fstatat(folder, name.constData(), &named, AT_SYMLINK_NOFOLLOW) == 0
+        && ::fstat(descriptor, &opened) == 0 && named.st_dev == opened.st_dev
+        && named.st_ino == opened.st_ino;
 }
 
 bool isOwnRegularFile(const struct stat &file)
@@ -80,33 +53,42 @@ bool isOwnRegularFile(const struct stat &file)
 }
 
 /// The lock is kept while the file is removed, so that no writer takes it in between.
-bool removeIfStale(const QByteArray &path)
+bool removeIfStale(int folder, const QByteArray &name)
 {
     struct stat file {
     };
     // Not even opened where it is no file of ours: to open a pipe or a device can have effects.
-    if (::lstat(path.constData(), &file) != 0 || !isOwnRegularFile(file))
+    if (::fstatat(folder, name.constData(), &file, AT_SYMLINK_NOFOLLOW) != 0 || !isOwnRegularFile(file))
         return false;
-    const int descriptor = ::open(path.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const int descriptor = ::openat(folder, name.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     const bool isRemoved = ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::fstat(descriptor, &file) == 0
-        && isOwnRegularFile(file) && leadsTo(path, descriptor) && ::unlink(path.constData()) == 0;
+        && isOwnRegularFile(file) && leadsTo(folder, name, descriptor)
+        && ::unlinkat(folder, name.constData(), 0) == 0;
     ::close(descriptor);
     return isRemoved;
+}
+
+QByteArrayList namesIn(DIR *folder)
+{
+    QByteArrayList names;
+    while (const dirent *entry = ::readdir(folder))
+        names += QByteArray(entry->d_name);
+    return names;
 }
 
 } // namespace
 
 PartFile::PartFile(const QString &filename)
+    : m_place(filename)
 {
-    if (const int error = errorOfFinalName(filename); error < 0)
-        throw MovieFailure(writingError(filename, error));
     for (int attempt = 0; attempt < maxAttempts; ++attempt) {
-        m_path = newPathBeside(filename);
-        m_descriptor = ::open(QFile::encodeName(m_path).constData(),
-                              O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                              0666); // less the umask
+        m_name = newName();
+        m_descriptor = ::openat(m_place.borrowedFolder(),
+                                m_name.constData(),
+                                O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                0666); // less the umask
         if (m_descriptor < 0)
             throw MovieFailure(writingError(filename, -errno));
         if (lock())
@@ -131,36 +113,58 @@ bool PartFile::lock() const
 
 void PartFile::removeAndClose()
 {
-    if (isAtItsPath())
-        ::unlink(QFile::encodeName(m_path).constData());
+    if (!m_isFinished && isAtItsPath())
+        ::unlinkat(m_place.borrowedFolder(), m_name.constData(), 0);
     ::close(m_descriptor);
 }
 
 bool PartFile::isAtItsPath() const
 {
-    return leadsTo(QFile::encodeName(m_path), m_descriptor);
+    return leadsTo(m_place.borrowedFolder(), m_name, m_descriptor);
 }
 
 int PartFile::sync() const
 {
-    return syncDescriptor(m_descriptor);
+    // Some file systems cannot sync anything; what was written is still there.
+    const int error = ::fsync(m_descriptor) == 0 ? 0 : errno;
+    return error == EINVAL || error == ENOTSUP ? 0 : -error;
 }
 
-int PartFile::renameTo(const QString &filename)
+int PartFile::finish(const std::optional<FileIdentity> &replaced)
 {
-    const QByteArray from = QFile::encodeName(m_path);
-    if (std::rename(from.constData(), QFile::encodeName(filename).constData()) != 0)
-        return -errno;
-    return syncFolder(QFileInfo(filename).absolutePath());
+    QByteArray name;
+    if (const int result = m_place.moveInto(m_name, replaced, name); result < 0)
+        return result;
+    m_name = name;
+    m_isFinished = true;
+    return m_place.syncFolder();
+}
+
+QString PartFile::moviePath() const
+{
+    return m_name == m_place.name() ? m_place.filename() : path();
+}
+
+std::optional<Error> checkFinalName(const QString &filename)
+{
+    try {
+        const PartFile part(filename);
+    } catch (const MovieFailure &failure) {
+        return failure.error();
+    }
+    return std::nullopt;
 }
 
 int removeStalePartFiles(const QString &folder)
 {
-    const QDir directory(folder);
+    DIR *const directory = ::opendir(nativePath(folder).constData());
+    if (!directory)
+        return 0;
     int count = 0;
-    for (const QString &name : directory.entryList(QDir::Files | QDir::Hidden | QDir::System))
-        if (isNameOfPartFile(name) && removeIfStale(QFile::encodeName(directory.absoluteFilePath(name))))
+    for (const QByteArray &name : namesIn(directory))
+        if (isNameOfPartFile(name) && removeIfStale(::dirfd(directory), name))
             ++count;
+    ::closedir(directory);
     return count;
 }
 

@@ -127,7 +127,7 @@ std::string TaskReport::reason() const
 
 MovieStatistics TaskReport::statistics() const
 {
-    return isComplete() ? values.last().value<MovieStatistics>() : MovieStatistics { -1, -1, -1, -1 };
+    return isComplete() ? values.last().value<MovieStatistics>() : MovieStatistics { -1, -1, -1, -1, {} };
 }
 
 PKMuxerContext videoContext(const QString &filename, QSize size)

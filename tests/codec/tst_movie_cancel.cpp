@@ -67,6 +67,7 @@ protected:
     [[nodiscard]] PKMuxerContext context() const
     {
         auto result = videoContext(m_movie, { 64, 48 });
+        result.setReplacedFile(identityOfFile(m_movie));
         if (GetParam())
             result.setAudioCodecID(PKMuxerContext::audioCodecAac);
         return result;

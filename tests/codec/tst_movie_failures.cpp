@@ -232,6 +232,30 @@ TEST_F(MovieFailuresTest, aFolderThatIsRemovedWhileTheMovieIsWritten)
                   fileError(ErrorKind::FolderMissing, m_movie, "No such file or directory"));
 }
 
+TEST_F(MovieFailuresTest, aFolderThatIsRenamedWhileTheMovieIsWritten)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    const QTemporaryDir elsewhere;
+    const QString renamed = elsewhere.filePath(QStringLiteral("renamed"));
+    atFrame(20, [&] { EXPECT_TRUE(QDir().rename(m_folder.path(), renamed)); });
+    expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
+                  fileError(ErrorKind::FolderMissing, m_movie, "No such file or directory"));
+    EXPECT_EQ(QDir(renamed).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+TEST_F(MovieFailuresTest, aFileThatComesToStandUnderTheNameIsKept)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    atFrame(20, [this] { putFileAtFinalName(); });
+    const TaskReport report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
+    ASSERT_TRUE(report.isComplete()) << report.reason();
+    EXPECT_EQ(fileAtFinalName(), "what was there");
+    const QString other = m_folder.filePath(QStringLiteral("a 2.mp4"));
+    EXPECT_EQ(report.statistics().file, other);
+    EXPECT_EQ(boxesOf(other).first().name, u"ftyp");
+    EXPECT_EQ(files(), (QStringList { QStringLiteral("a 2.mp4"), QStringLiteral("a.mp4") }));
+}
+
 TEST_F(MovieFailuresTest, systemErrorsAreToldApartByTheirKind)
 {
     const auto kindOf = [](int number) { return writingError(QStringLiteral("/x/o.mp4"), number).kind; };
@@ -325,7 +349,9 @@ TEST_F(MovieFailuresTest, theFinalNameIsUntouchedUntilTheMovieIsComplete)
             EXPECT_TRUE(files().first().startsWith(u'.'));
         }
     };
-    ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
+    PKMuxerContext context = videoContext(m_movie, { 64, 48 });
+    context.setReplacedFile(identityOfFile(m_movie));
+    ASSERT_TRUE(runTask(context, m_source).isComplete());
     EXPECT_EQ(files(), QStringList { QStringLiteral("a.mp4") });
     EXPECT_EQ(boxesOf(m_movie).first().name, u"ftyp");
 }

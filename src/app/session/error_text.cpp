@@ -72,6 +72,13 @@ QString errorText(const Error &error)
                    "vornic",
                    "The movie is larger than the file system allows: it could not be written to %1.")
             .arg(error.name);
+    case ErrorKind::NotAFile:
+        return QCoreApplication::translate("vornic", "%1 is no ordinary file; the movie needs another name.")
+            .arg(error.name);
+    case ErrorKind::OthersFile:
+        return QCoreApplication::translate(
+                   "vornic", "%1 belongs to another user, and only that user can replace it in its folder.")
+            .arg(error.name);
     case ErrorKind::OutOfMemory:
         return QCoreApplication::translate("vornic", "There is not enough memory to write the movie.");
     case ErrorKind::Incomplete:
