@@ -81,6 +81,13 @@ bool isTaken(const QString &path)
     return ::lstat(nativePath(path).constData(), &file) == 0;
 }
 
+bool isThere(const QString &path)
+{
+    struct stat file {
+    };
+    return ::stat(nativePath(path).constData(), &file) == 0;
+}
+
 bool isFolder(const QString &path)
 {
     struct stat file {

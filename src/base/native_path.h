@@ -21,6 +21,8 @@ namespace vornic {
 
 /// Something stands at \a path, be it a link that leads nowhere.
 [[nodiscard]] bool isTaken(const QString &path);
+/// Something stands where \a path leads to, links followed.
+[[nodiscard]] bool isThere(const QString &path);
 /// A folder, or a link to one, stands at \a path.
 [[nodiscard]] bool isFolder(const QString &path);
 

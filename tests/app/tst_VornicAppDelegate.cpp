@@ -379,7 +379,7 @@ TEST_F(DelegateTest, AMissingOutputFolderIsToldBeforeTheRecording)
     EXPECT_TRUE(frontEnd.alerts.first().contains("does not exist"));
 }
 
-TEST_F(DelegateTest, AnExistingFileIsDeletedBeforeTheMovieIsWritten)
+TEST_F(DelegateTest, AnExistingFileIsReplacedByTheFinishedMovieOnly)
 {
     QFile old(moviePath());
     ASSERT_TRUE(old.open(QIODevice::WriteOnly));
@@ -387,10 +387,13 @@ TEST_F(DelegateTest, AnExistingFileIsDeletedBeforeTheMovieIsWritten)
     old.close();
     delegate->recorded();
     ASSERT_TRUE(runUntilGrabbed(1));
-    EXPECT_FALSE(QFile::exists(moviePath()));
+    frontEnd.onProgress = [&] { EXPECT_EQ(QFile(moviePath()).size(), 3); };
     delegate->stopRecord();
+    ASSERT_TRUE(runUntil([&] { return !frontEnd.percents.isEmpty(); }));
+    frontEnd.onProgress = {};
     ASSERT_TRUE(runUntilIdle());
     EXPECT_GT(QFile(moviePath()).size(), 500);
+    EXPECT_EQ(delegate->outfileName(), moviePath());
 }
 
 TEST_F(DelegateTest, AFailedJobEndsWithASentenceAndIdle)

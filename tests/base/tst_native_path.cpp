@@ -66,7 +66,9 @@ TEST(NativePath, WhatStandsAtOne)
     EXPECT_TRUE(isFolder(folder.path()));
     ASSERT_TRUE(QFile::link("/nowhere/at/all", folder.filePath("link")));
     EXPECT_TRUE(isTaken(folder.filePath("link")));
+    EXPECT_FALSE(isThere(folder.filePath("link")));
     EXPECT_FALSE(isFolder(folder.filePath("link")));
+    EXPECT_TRUE(isThere(folder.path()));
     ASSERT_TRUE(QFile::link(folder.path(), folder.filePath("self")));
     EXPECT_TRUE(isFolder(folder.filePath("self")));
 }

@@ -157,6 +157,13 @@ void CommandLineFrontEnd::recordingKept(const QString &id)
                    .arg(id));
 }
 
+void CommandLineFrontEnd::movieRenamed(const QString &meant, const QString &path)
+{
+    alertError(QCoreApplication::translate(
+                   "vornic", "Another file has come to stand in %1 and is kept; the movie is %2.")
+                   .arg(meant, path));
+}
+
 void CommandLineFrontEnd::inhibitIdle(bool inhibits)
 {
     m_idleInhibitor = inhibits

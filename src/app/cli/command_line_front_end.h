@@ -48,6 +48,7 @@ public:
     void setProgress(double percent) override;
     void endProgress() override;
     void recordingKept(const QString &id) override;
+    void movieRenamed(const QString &meant, const QString &path) override;
     void inhibitIdle(bool inhibits) override;
     void alert(const QString &message, const QString &informativeText) override;
     void alertError(const QString &sentence) override;

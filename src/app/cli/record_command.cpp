@@ -11,12 +11,12 @@
 #include "audio/audio_control.h"
 #include "base/PKTimebase.h"
 #include "base/free_space.h"
+#include "base/native_path.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "display/display_backend.h"
 #include "options/VNOption.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QTimer>
 
 #include <algorithm>
@@ -89,7 +89,7 @@ QString whyNotRecord(const CommandLine &line)
         return reason;
     if (QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
         return reason;
-    if (QFileInfo::exists(line.file) && !line.overwrite)
+    if (isThere(line.file) && !line.overwrite)
         return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
     if (QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
         return reason;

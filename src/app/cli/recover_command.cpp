@@ -7,12 +7,12 @@
 #include "app/session/recording_session.h"
 #include "app/session/time_text.h"
 #include "base/PKTimebase.h"
+#include "base/native_path.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/stored_recordings.h"
 #include "options/VNOption.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QLocale>
 
 #include <algorithm>
@@ -108,7 +108,7 @@ int makeMovie(const StoredRecording &recording, const CommandLine &line, Command
 {
     const QString file
         = line.file.isEmpty() ? movieFileFor(recording.movie, recording.start.toLocalTime()) : line.file;
-    if (QFileInfo::exists(file) && !line.overwrite)
+    if (isThere(file) && !line.overwrite)
         return fail(frontEnd,
                     QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(file));
     VNOption options;

@@ -1,5 +1,7 @@
 #include "app/session/new_movie_file.h"
 
+#include "base/native_path.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -12,7 +14,7 @@ namespace {
 QString freeName(const QString &folder, const QString &name)
 {
     QString path = QDir(folder).filePath(name + QStringLiteral(".mp4"));
-    for (int number = 2; QFileInfo::exists(path); ++number)
+    for (int number = 2; isTaken(path); ++number)
         path = QDir(folder).filePath(QStringLiteral("%1 %2.mp4").arg(name).arg(number));
     return path;
 }
@@ -33,7 +35,7 @@ QString newMovieFile(const QDateTime &time)
 QString movieFileFor(const QString &meant, const QDateTime &time)
 {
     const QFileInfo file(meant);
-    if (meant.isEmpty() || !QFileInfo(file.absolutePath()).isDir())
+    if (meant.isEmpty() || !isFolder(file.absolutePath()))
         return newMovieFile(time);
     return freeName(file.absolutePath(), file.completeBaseName());
 }

@@ -1,7 +1,10 @@
 #include "app/session/output_check.h"
 
+#include "app/session/error_text.h"
+#include "base/native_path.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/recording_folder.h"
+#include "codec/part_file.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -23,17 +26,23 @@ QString whyNotWritable(const QString &folder)
 
 QString whyNoMovieCanBeWritten(const QString &path)
 {
-    const QFileInfo file(path);
-    const QString folder = file.absolutePath();
-    if (file.isDir())
+    if (isFolder(path))
         return QCoreApplication::translate("vornic", "%1 is a folder; the movie needs a file name.")
             .arg(path);
-    if (!QFileInfo(folder).isDir())
+    const std::optional<Error> error = checkFinalName(path);
+    if (!error)
+        return {};
+    const QString folder = QFileInfo(path).absolutePath();
+    const ErrorKind kind = error->kind;
+    if (kind == ErrorKind::FolderMissing)
         return QCoreApplication::translate("vornic", "The folder %1 does not exist.").arg(folder);
-    const QString reason = whyNotWritable(folder);
-    return reason.isEmpty() ? QString()
-                            : QCoreApplication::translate("vornic", "The folder %1 cannot be written to: %2.")
-                                  .arg(folder, reason);
+    if (kind == ErrorKind::PermissionDenied || kind == ErrorKind::DiskFull)
+        return QCoreApplication::translate("vornic", "The folder %1 cannot be written to: %2.")
+            .arg(folder, error->reason);
+    if (kind == ErrorKind::Failed)
+        return QCoreApplication::translate("vornic", "No movie can be written to %1: %2.")
+            .arg(path, error->reason);
+    return errorText(*error);
 }
 
 QString whyNothingCanBeSpooled()

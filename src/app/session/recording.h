@@ -45,7 +45,7 @@ struct Recording {
     {
     }
 
-    QString path;        ///< of the movie; another one where it could not be written there
+    QString path;        ///< of the movie; another one where it could not be put there
     QRectF rectangle;    ///< screen coordinates (y up), device pixels
     bool isPart = false; ///< a rectangle, not the full display
     RecordQuality quality = RecordQuality::High;

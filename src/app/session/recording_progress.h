@@ -46,6 +46,8 @@ public:
     virtual void endProgress() { }
     /// There is no movie, but the recording \a id stays and can be made into one later.
     virtual void recordingKept(const QString & /*id*/) { }
+    /// The movie stands in \a path, because another file came to stand in \a meant while it was recorded.
+    virtual void movieRenamed(const QString & /*meant*/, const QString & /*path*/) { }
 
 protected:
     RecordingProgress() = default;

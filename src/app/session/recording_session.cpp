@@ -15,6 +15,7 @@
 #include "app/session/time_text.h"
 #include "base/error.h"
 #include "base/main_queue.h"
+#include "base/native_path.h"
 #include "base/serial_queue.h"
 #include "capture/VNCGDisplay.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -24,8 +25,6 @@
 #include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QPointer>
 
 #include <new>
@@ -109,14 +108,21 @@ void RecordingSession::recorded()
 void RecordingSession::recordNow(const QString &file)
 {
     beginAsking([this, file] {
-        m_chosenFile = file.isEmpty() ? newMovieFile() : file;
-        if (!QFileInfo::exists(m_chosenFile)) {
+        choose(file.isEmpty() ? newMovieFile() : file);
+        if (!isThere(m_chosenFile)) {
             countDown();
             return;
         }
         m_frontEnd.questions.alertError(tr("The file %1 exists already.").arg(m_chosenFile));
         refuse();
     });
+}
+
+/// With the choice its user agrees that the file is replaced that stands there now, and no other.
+void RecordingSession::choose(const QString &file)
+{
+    m_chosenFile = file;
+    m_replacedFile = identityOfFile(file);
 }
 
 /// Asks what every recording needs to know first, and goes on with \a next.
@@ -159,7 +165,7 @@ void RecordingSession::startRecordSelectOutFile()
                 refuse();
                 return;
             }
-            m_chosenFile = *path;
+            choose(*path);
             main_queue::async([this] { startRecorderWithHintWindow(); });
         });
 }
@@ -223,16 +229,15 @@ void RecordingSession::startRecorderAnyway()
     }
     adopt(
         std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
-    showStopRecordingBtn();
     m_spool->readyToRecord();
     if (m_spool->recordingId().isEmpty()) {
         // Space and permission were found good a moment ago; descriptors may be what is missing.
         const QString reason = qt_error_string();
-        hideStopRecordingBtn();
         m_frontEnd.questions.alertError(tr("The recording cannot be stored: %1.").arg(reason));
         refuse();
         return;
     }
+    showStopRecordingBtn();
     setPhase(Phase::Capturing);
     m_frontEnd.desktop.inhibitIdle(true);
 
@@ -264,8 +269,8 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
     const auto quality = static_cast<RecordQuality>(arguments.value(1).toInt());
     const bool audio = arguments.value(2).toInt() == 1;
 
-    QFile::remove(path);
     const auto context = std::make_shared<PKMuxerContext>(path, PKMuxerContext::formatMp4);
+    context->setReplacedFile(m_replacedFile);
     describePicture(*context, quality);
     if (audio)
         m_audio->start(*context);
@@ -382,6 +387,7 @@ void RecordingSession::recover(const QString &id, const QString &file, std::opti
     const auto context = description.movie ? std::make_shared<PKMuxerContext>(*description.movie)
                                            : std::make_shared<PKMuxerContext>(file);
     context->setFilename(file);
+    context->setReplacedFile(identityOfFile(file));
     describePicture(*context, recording->quality);
     m_spool->setMuxerContext(context);
     setPhase(Phase::Writing);
@@ -454,6 +460,7 @@ void RecordingSession::writeTo(const QString &path)
     m_recording->failure.clear();
     const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
     context->setFilename(path);
+    context->setReplacedFile(identityOfFile(path));
     m_spool->setMuxerContext(context);
     m_spool->rewind();
     startWriting();
@@ -462,6 +469,10 @@ void RecordingSession::writeTo(const QString &path)
 void RecordingSession::recordcomplete()
 {
     DesktopServices &desktop = m_frontEnd.desktop;
+    if (const QString &file = m_recording->movie.file; !file.isEmpty() && file != m_recording->path) {
+        m_frontEnd.progress.movieRenamed(m_recording->path, file);
+        m_recording->path = file;
+    }
     if (m_options.showInFinderWhenFinished())
         desktop.reveal(m_recording->path);
     if (m_options.openRecordedWhenFinished())

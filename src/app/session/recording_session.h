@@ -4,6 +4,7 @@
 #include "app/session/front_end.h"
 #include "app/session/recording_clock.h"
 #include "app/session/recording_counts.h"
+#include "codec/file_identity.h"
 #include "options/record_quality.h"
 
 #include <QObject>
@@ -121,6 +122,7 @@ private:
     void captureEnded(const CaptureLoop &loop) override;
 
     void setPhase(Phase phase);
+    void choose(const QString &file);
     void beginAsking(std::function<void()> next);
     void askAboutSound(const std::function<void()> &next);
     void countDown();
@@ -144,7 +146,8 @@ private:
     std::function<std::chrono::nanoseconds()> m_settlingTime;
     Phase m_phase = Phase::Idle;
     bool m_terminating = false;
-    QString m_chosenFile; ///< the save panel's answer
+    QString m_chosenFile;                       ///< the save panel's answer
+    std::optional<FileIdentity> m_replacedFile; ///< what stood there then, and may be replaced
     std::unique_ptr<VNBufferMgr> m_spool;
     std::unique_ptr<DiskWatch> m_diskWatch;
     std::unique_ptr<VNCGDisplay> m_display; ///< on the capture queue; null before the first pass

@@ -169,4 +169,13 @@ void WindowProgress::recordingKept(const QString & /*id*/)
         m_kept();
 }
 
+void WindowProgress::movieRenamed(const QString &meant, const QString &path)
+{
+    m_notifier->show(
+        { .title = tr("The movie has another name"),
+          .body = tr("Another file has come to stand in %1 and is kept; the movie is %2.").arg(meant, path),
+          .actionLabel = {},
+          .action = {} });
+}
+
 } // namespace vornic

@@ -53,6 +53,7 @@ public:
     void setProgress(double percent) override;
     void endProgress() override;
     void recordingKept(const QString &id) override;
+    void movieRenamed(const QString &meant, const QString &path) override;
 
 private:
     const MainWindowLink &m_main;

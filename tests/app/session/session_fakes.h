@@ -118,6 +118,10 @@ public:
             onProgress();
     }
     void endProgress() override { told += "endProgress"; }
+    void movieRenamed(const QString &meant, const QString &moved) override
+    {
+        told += "renamed " + meant + " " + moved;
+    }
     void alert(const QString &message, const QString &informativeText) override
     {
         told += "alert";

@@ -200,6 +200,46 @@ TEST_F(RecordingSessionTest, RecordingNowAsksWhereSpaceIsLow)
     EXPECT_EQ(session->phase(), Phase::Idle);
 }
 
+/// Puts a file at \a path, whose contents are "dear".
+void putFile(const QString &path)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("dear");
+}
+
+TEST_F(RecordingSessionTest, AFileThatComesWhileItRecordsIsKept)
+{
+    makeSession();
+    session->recordNow(folder.filePath("now.mp4"));
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    putFile(folder.filePath("now.mp4"));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->outfileName(), folder.filePath("now 2.mp4"));
+    EXPECT_GT(QFileInfo(folder.filePath("now 2.mp4")).size(), 500);
+    EXPECT_EQ(QFileInfo(folder.filePath("now.mp4")).size(), 4);
+    EXPECT_TRUE(
+        frontEnd.told.contains("renamed " + folder.filePath("now.mp4") + " " + folder.filePath("now 2.mp4")))
+        << frontEnd.told.join('\n').toStdString();
+    EXPECT_TRUE(frontEnd.told.contains("announce " + folder.filePath("now 2.mp4")));
+}
+
+TEST_F(RecordingSessionTest, AFileThatComesAfterTheQuestionsIsKept)
+{
+    makeSession();
+    frontEnd.holdsScreen = true;
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return static_cast<bool>(frontEnd.screenIsClear); }));
+    putFile(folder.filePath("movie.mp4"));
+    frontEnd.screenIsClear();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->outfileName(), folder.filePath("movie 2.mp4"));
+    EXPECT_EQ(QFileInfo(folder.filePath("movie.mp4")).size(), 4);
+}
+
 TEST_F(RecordingSessionTest, RecordingNowReplacesNoFile)
 {
     makeSession();
