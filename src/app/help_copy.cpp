@@ -9,9 +9,11 @@ namespace vornic {
 
 QString helpCopy(const QString &document)
 {
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
-                      + QStringLiteral("/com.kavlor.vornic"));
-    folder.mkpath(QStringLiteral("."));
+    const QDir caches(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
+    const QDir folder(caches.filePath(QStringLiteral("com.kavlor.vornic")));
+    // It also holds recordings, which are nobody else's business.
+    caches.mkpath(QStringLiteral("."));
+    caches.mkdir(folder.dirName(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QString copy = folder.filePath(QStringLiteral("Help.pdf"));
     // Whoever opens a named pipe waits for it.
     const bool isDocument = QFileInfo(document).isFile();

@@ -143,5 +143,68 @@ TEST_F(RecordFilesTest, ALinkIsFollowed)
     EXPECT_EQ(sizeOf(movie("disk/new.mp4")), QSize(64, 48));
 }
 
+TEST_F(RecordFilesTest, ACacheThatOthersCanWriteToIsRefused)
+{
+    const QString cache = movie("cache/com.kavlor.vornic");
+    ASSERT_TRUE(QDir().mkpath(cache));
+    ASSERT_EQ(::chmod(QFile::encodeName(cache).constData(), 0777), 0);
+    const QString sentence = "vornic: The folder " + cache
+        + ", where recordings are kept, belongs to another user, or others can write to it: it is not "
+          "used.\n";
+    const Result result = recordBriefly({});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, sentence);
+    EXPECT_EQ(files(), QStringList());
+    EXPECT_TRUE(vornic({ "recover" }).error.startsWith(sentence));
+}
+
+TEST_F(RecordFilesTest, WhatIsRecordedIsItsUsersAloneAndTheMovieIsAsTheUmaskSays)
+{
+    const auto process = start("sh",
+                               { "-c",
+                                 "umask 013; exec " + QStringLiteral(VORNIC_PROGRAM)
+                                     + " record --ignore-low-space --region 0,0,64,48 o.mp4" });
+    QString seen;
+    ASSERT_TRUE(waitForText(*process, "00:00:0", seen)) << seen.toStdString();
+    QString cache = movie("cache/com.kavlor.vornic");
+    const auto modeOf = [](const QString &path) {
+        struct stat file {
+        };
+        return ::stat(QFile::encodeName(path).constData(), &file) == 0 ? file.st_mode & 0777U : 0U;
+    };
+    EXPECT_EQ(modeOf(cache), 0700U);
+    EXPECT_EQ(modeOf(cache += "/recordings"), 0700U);
+    EXPECT_EQ(modeOf(cache += '/' + QDir(cache).entryList(QDir::NoDotAndDotDot | QDir::Dirs).value(0)),
+              0700U);
+    for (const QString &name : QDir(cache).entryList(QDir::Files))
+        EXPECT_EQ(modeOf(cache + '/' + name), 0600U) << name.toStdString();
+    EXPECT_EQ(end(*process).status, 0);
+    EXPECT_EQ(modeOf(movie()), 0664U);
+}
+
+TEST_F(RecordFilesTest, WhereNothingCanBeStoredNothingIsRecorded)
+{
+    if (QProcess::execute("unshare", { "-Urm", "sh", "-c", "mount -t tmpfs tmpfs /mnt" }) != 0)
+        GTEST_SKIP() << "this machine allows no mount namespaces";
+    ASSERT_TRUE(QDir(folder.path()).mkdir("volume"));
+    // Room for the folders and for one file in them, but not for the three of a recording.
+    const auto process
+        = start("unshare",
+                { "-Urm",
+                  "sh",
+                  "-c",
+                  "mount -t tmpfs -o size=2g,nr_inodes=6 tmpfs volume && XDG_CACHE_HOME=$PWD/volume "
+                      + QStringLiteral(VORNIC_PROGRAM)
+                      + " record --ignore-low-space --region 0,0,64,48 --duration 0.3 o.mp4" });
+    const Result result = finish(*process);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.error.endsWith("vornic: The recording needs the folder "
+                                      + movie("volume/com.kavlor.vornic/recordings")
+                                      + ", which cannot be written to: No space left on device.\n"))
+        << result.error.toStdString();
+    EXPECT_FALSE(result.error.contains("Recording for")) << result.error.toStdString();
+    EXPECT_FALSE(QFile::exists(movie()));
+}
+
 } // namespace
 } // namespace vornic

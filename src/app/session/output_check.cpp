@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <cerrno>
+
 namespace vornic {
 
 namespace {
@@ -20,6 +22,13 @@ QString whyNotWritable(const QString &folder)
 {
     QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".vornic-probe-XXXXXX")));
     return probe.open() ? QString() : probe.errorString();
+}
+
+QString cannotBeWrittenTo(const QString &folder, const QString &reason)
+{
+    return QCoreApplication::translate("vornic",
+                                       "The recording needs the folder %1, which cannot be written to: %2.")
+        .arg(folder, reason);
 }
 
 } // namespace
@@ -45,22 +54,34 @@ QString whyNoMovieCanBeWritten(const QString &path)
     return errorText(*error);
 }
 
+QString whyCacheIsRefused()
+{
+    const QString folder = VNBufferMgr::cachePath();
+    if (RecordingFolder::ownsCache(folder) || errno != EPERM)
+        return {};
+    return QCoreApplication::translate(
+               "vornic",
+               "The folder %1, where recordings are kept, belongs to another user, or "
+               "others can write to it: it is not used.")
+        .arg(folder);
+}
+
 QString whyNothingCanBeSpooled()
 {
-    QString folder = VNBufferMgr::cachePath();
-    QString reason = whyNotWritable(folder);
-    if (reason.isEmpty()) {
-        const bool isThere = RecordingFolder::prepare(folder);
-        reason = isThere ? QString() : qt_error_string();
-        folder = RecordingFolder::pathOfAll(folder);
-        if (isThere)
-            reason = whyNotWritable(folder);
-    }
-    return reason.isEmpty()
-        ? QString()
-        : QCoreApplication::translate("vornic",
-                                      "The recording needs the folder %1, which cannot be written to: %2.")
-              .arg(folder, reason);
+    if (QString reason = whyCacheIsRefused(); !reason.isEmpty())
+        return reason;
+    const QString folder = VNBufferMgr::cachePath();
+    if (const QString reason = whyNotWritable(folder); !reason.isEmpty())
+        return cannotBeWrittenTo(folder, reason);
+    if (!RecordingFolder::prepare(folder))
+        return nothingCanBeSpooledText(qt_error_string());
+    const QString reason = whyNotWritable(RecordingFolder::pathOfAll(folder));
+    return reason.isEmpty() ? QString() : nothingCanBeSpooledText(reason);
+}
+
+QString nothingCanBeSpooledText(const QString &reason)
+{
+    return cannotBeWrittenTo(RecordingFolder::pathOfAll(VNBufferMgr::cachePath()), reason);
 }
 
 } // namespace vornic

@@ -230,10 +230,8 @@ void RecordingSession::startRecorderAnyway()
     adopt(
         std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
     m_spool->readyToRecord();
-    if (m_spool->recordingId().isEmpty()) {
-        // Space and permission were found good a moment ago; descriptors may be what is missing.
-        const QString reason = qt_error_string();
-        m_frontEnd.questions.alertError(tr("The recording cannot be stored: %1.").arg(reason));
+    if (const QString &reason = m_spool->whyNothingIsStored(); !reason.isEmpty()) {
+        m_frontEnd.questions.alertError(nothingCanBeSpooledText(reason));
         refuse();
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "base/keyed_archive.h"
 #include "base/log.h"
+#include "base/native_path.h"
 #include "capture/jpeg/jpeg_codec.h"
 #include "capture/jpeg/jpeg_picture.h"
 #include "capture/record/cursor_table.h"
@@ -17,6 +18,8 @@
 #include <QDir>
 #include <QStandardPaths>
 #include <QUuid>
+
+#include <sys/stat.h>
 
 #include <bit>
 #include <limits>
@@ -160,7 +163,8 @@ QString VNBufferDiscr::cachePath()
     }
     QString path = base + QStringLiteral("/com.kavlor.vornic");
     errno = 0;
-    if (!QDir(path).exists() && !QDir().mkpath(path))
+    // What is recorded is its user's alone, whatever the umask says.
+    if (!isFolder(path) && (!QDir().mkpath(base) || ::mkdir(nativePath(path).constData(), 0700) != 0))
         logMessage(QStringLiteral("Failed to create cache path(%1), with error description:%2")
                        .arg(path, qt_error_string()));
     return path;
@@ -183,7 +187,7 @@ bool VNBufferDiscr::saveCGImage(const std::shared_ptr<const BitmapImage> &image,
 
 void VNBufferDiscr::saveCGImageForDebug(const std::shared_ptr<const BitmapImage> &image)
 {
-    saveCGImage(image, QUrl::fromLocalFile(QDir::temp().filePath(QStringLiteral("vornic-debug.png"))));
+    saveCGImage(image, QUrl::fromLocalFile(cachePath() + QStringLiteral("/vornic-debug.png")));
 }
 
 std::pair<double, double> VNBufferDiscr::calcMaxFitSize(std::int64_t width, std::int64_t hight)

@@ -86,7 +86,8 @@ public:
     [[nodiscard]] static QString uniqueFilename();
     /// Writes \a image as one PNG file; false for a null image or where no file can be made.
     static bool saveCGImage(const std::shared_ptr<const BitmapImage> &image, const QUrl &toFile);
-    /// Writes \a image to "vornic-debug.png" in the temporary folder; for developers, never called.
+    /// Writes \a image to "vornic-debug.png" in the cache folder, where no other user looks or puts a link; for
+    /// developers, never called.
     static void saveCGImageForDebug(const std::shared_ptr<const BitmapImage> &image);
     /// The size that a recording of \a width x \a hight pixels is encoded at: its own up to 1920 x 1080, else
     /// fitted into that with truncating divisions.

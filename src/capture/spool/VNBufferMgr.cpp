@@ -68,6 +68,7 @@ void VNBufferMgr::prepareFileHandle()
 {
     Open open;
     open.folder = RecordingFolder::create(cachePath());
+    m_whyNothingIsStored = open.folder ? QString() : qt_error_string();
     if (open.folder)
         open.journal = std::make_shared<Journal>(open.folder->journal());
     const int error = errno;

@@ -58,6 +58,8 @@ public:
     /// Of the recording that is open; empty when none is.
     [[nodiscard]] QString recordingId() const;
     [[nodiscard]] RecordingDescription description() const;
+    /// Why the recording that begins has no folder, in the system's words; empty where it has one.
+    [[nodiscard]] const QString &whyNothingIsStored() const { return m_whyNothingIsStored; }
     /// Deletes what is at \a path and makes an empty file there; false (and logged) when that fails.
     static bool createEmptyFile(const QString &path);
 
@@ -182,6 +184,7 @@ private:
     std::set<std::uint64_t> m_journaledShapes;
     std::optional<std::map<std::uint64_t, std::uint64_t>> m_shapesBack;
     std::function<std::uint64_t()> m_freeSpaceProbe;
+    QString m_whyNothingIsStored; ///< on the thread that calls readyToRecord()
     std::atomic<std::uint64_t> m_spooledBytes = 0;
     std::atomic<std::uint64_t> m_movieBytes = 0; ///< still to come, on the spool's file system
     std::atomic<std::uint64_t> m_skippedBlocks = 0;

@@ -1,12 +1,12 @@
 #include "capture/spool/recording_folder.h"
 
 #include "base/log.h"
+#include "base/native_path.h"
 #include "capture/spool/spool_file.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -22,6 +22,8 @@
 namespace vornic {
 
 namespace {
+
+constexpr const char *nameOfAll = "recordings";
 
 /// What a folder is called until all of its files are there.
 const QString halfMadePrefix = QStringLiteral(".new-");
@@ -57,12 +59,67 @@ int openFolder(int beneath, const QByteArray &name)
     return -1;
 }
 
+/// Those of the user's own group, which a usual umask lets write, are taken for the user, as they have been let in by
+/// nobody else.
+bool mayOthersWrite(const struct stat &folder)
+{
+    return (folder.st_mode & S_IWOTH) != 0
+        || ((folder.st_mode & S_IWGRP) != 0 && folder.st_gid != ::getegid());
+}
+
+/// The cache folder, which a link may lead to; -1, with errno set, where it is missing or not only this user's.
+int openCache(const QString &cachePath)
+{
+    const int descriptor = ::open(nativePath(cachePath).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    struct stat status {
+    };
+    if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
+        return -1;
+    const bool isOurs = status.st_uid == ::geteuid() && !mayOthersWrite(status);
+    if (isOurs && ((status.st_mode & 077) == 0 || ::fchmod(descriptor, 0700) == 0))
+        return descriptor;
+    ::close(descriptor);
+    errno = EPERM;
+    return -1;
+}
+
+int closeKeepingErrno(int descriptor)
+{
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return -1;
+}
+
+/// The folder of all recordings; -1, with errno set, where it is missing or refused.
+int openAll(const QString &cachePath)
+{
+    const int cache = openCache(cachePath);
+    if (cache < 0)
+        return -1;
+    const int all = openFolder(cache, nameOfAll);
+    closeKeepingErrno(cache);
+    return all;
+}
+
+/// The same, made where it is missing.
+int openOrMakeAll(const QString &cachePath)
+{
+    const int cache = openCache(cachePath);
+    if (cache < 0)
+        return -1;
+    if (::mkdirat(cache, nameOfAll, 0700) != 0 && errno != EEXIST)
+        return closeKeepingErrno(cache);
+    const int all = openFolder(cache, nameOfAll);
+    closeKeepingErrno(cache);
+    return all;
+}
+
 /// The names in \a folders survive a loss of power once this returns.
 void syncNames(const QStringList &folders)
 {
     for (const QString &folder : folders) {
-        const int descriptor
-            = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const int descriptor = ::open(nativePath(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (descriptor < 0 || ::fsync(descriptor) != 0)
             logMessage(QStringLiteral("Failed to sync the folder %1: %2").arg(folder, qt_error_string()));
         if (descriptor >= 0)
@@ -77,18 +134,11 @@ int makeFolder(int beneath, const QByteArray &name)
     return openFolder(beneath, name);
 }
 
-int openOrMake(const QString &path)
-{
-    const QByteArray name = QFile::encodeName(path);
-    if (::mkdir(name.constData(), 0700) != 0 && errno != EEXIST)
-        return -1;
-    return openFolder(AT_FDCWD, name);
-}
-
 } // namespace
 
-RecordingFolder::RecordingFolder(int descriptor, QString id, QString path)
-    : m_descriptor(descriptor)
+RecordingFolder::RecordingFolder(int above, int descriptor, QString id, QString path)
+    : m_above(above)
+    , m_descriptor(descriptor)
     , m_id(std::move(id))
     , m_path(std::move(path))
 {
@@ -96,19 +146,26 @@ RecordingFolder::RecordingFolder(int descriptor, QString id, QString path)
 
 RecordingFolder::~RecordingFolder()
 {
-    const int error = errno;
-    ::close(m_descriptor);
-    errno = error;
+    closeKeepingErrno(m_descriptor);
+    closeKeepingErrno(m_above);
 }
 
 QString RecordingFolder::pathOfAll(const QString &cachePath)
 {
-    return cachePath + QStringLiteral("/recordings");
+    return cachePath + u'/' + QLatin1StringView(nameOfAll);
+}
+
+bool RecordingFolder::ownsCache(const QString &cachePath)
+{
+    const int descriptor = openCache(cachePath);
+    if (descriptor >= 0)
+        ::close(descriptor);
+    return descriptor >= 0;
 }
 
 bool RecordingFolder::prepare(const QString &cachePath)
 {
-    const int descriptor = openOrMake(pathOfAll(cachePath));
+    const int descriptor = openOrMakeAll(cachePath);
     if (descriptor >= 0)
         ::close(descriptor);
     return descriptor >= 0;
@@ -117,31 +174,29 @@ bool RecordingFolder::prepare(const QString &cachePath)
 std::shared_ptr<RecordingFolder> RecordingFolder::create(const QString &cachePath)
 {
     const QString all = pathOfAll(cachePath);
-    const int above = openOrMake(all);
+    const int above = openOrMakeAll(cachePath);
     if (above < 0)
         return nullptr;
     const QString id = newId();
-    const QByteArray halfMade = QFile::encodeName(halfMadePrefix + id);
+    const QByteArray halfMade = (halfMadePrefix + id).toLatin1();
     const int descriptor = makeFolder(above, halfMade);
-    std::shared_ptr<RecordingFolder> folder;
-    if (descriptor >= 0) {
-        folder.reset(new RecordingFolder(descriptor, id, all + u'/' + id));
-        folder->m_journal = SpoolFile::create(descriptor, journalName);
-        // Locked before it bears its name: nobody takes it for one that a crash left.
-        // A file system without locks does not keep anybody from recording.
-        if (folder->m_journal)
-            static_cast<void>(folder->m_journal->lock());
-        folder->m_video = SpoolFile::create(descriptor, videoName);
-        folder->m_audio = SpoolFile::create(descriptor, audioName);
-        if (!folder->m_journal || !folder->m_video || !folder->m_audio
-            || ::renameat(above, halfMade.constData(), above, QFile::encodeName(id).constData()) != 0)
-            folder.reset();
-        else // of a first recording, the folders above are new as well
-            syncNames({ folder->path(), all, cachePath, QFileInfo(cachePath).absolutePath() });
+    if (descriptor < 0) {
+        closeKeepingErrno(above);
+        return nullptr;
     }
-    const int error = errno;
-    ::close(above);
-    errno = error;
+    std::shared_ptr<RecordingFolder> folder(new RecordingFolder(above, descriptor, id, all + u'/' + id));
+    folder->m_journal = SpoolFile::create(descriptor, journalName);
+    // Locked before it bears its name: nobody takes it for one that a crash left.
+    // A file system without locks does not keep anybody from recording.
+    if (folder->m_journal)
+        static_cast<void>(folder->m_journal->lock());
+    folder->m_video = SpoolFile::create(descriptor, videoName);
+    folder->m_audio = SpoolFile::create(descriptor, audioName);
+    if (!folder->m_journal || !folder->m_video || !folder->m_audio
+        || ::renameat(above, halfMade.constData(), above, id.toLatin1().constData()) != 0)
+        return nullptr;
+    // Of a first recording, the folders above are new as well.
+    syncNames({ folder->path(), all, cachePath, QFileInfo(cachePath).absolutePath() });
     return folder;
 }
 
@@ -151,13 +206,16 @@ RecordingFolder::open(const QString &cachePath, const QString &id, Refusal &refu
     refusal = Refusal::Missing;
     if (!isId(id))
         return nullptr;
-    const QString path = pathOfAll(cachePath) + u'/' + id;
-    const int descriptor = openFolder(AT_FDCWD, QFile::encodeName(path));
+    const int above = openAll(cachePath);
+    const int descriptor = above < 0 ? -1 : openFolder(above, id.toLatin1());
     if (descriptor < 0) {
         refusal = errno == ENOENT ? Refusal::Missing : Refusal::Unusable;
+        if (above >= 0)
+            ::close(above);
         return nullptr;
     }
-    std::shared_ptr<RecordingFolder> folder(new RecordingFolder(descriptor, id, path));
+    std::shared_ptr<RecordingFolder> folder(
+        new RecordingFolder(above, descriptor, id, pathOfAll(cachePath) + u'/' + id));
     folder->m_journal = SpoolFile::open(descriptor, journalName);
     // Where it is gone, an empty one keeps others away as well.
     if (!folder->m_journal && errno == ENOENT)
@@ -207,14 +265,19 @@ QStringList RecordingFolder::ids(const QString &cachePath)
 
 void RecordingFolder::removeHalfMade(const QString &cachePath)
 {
-    QDir all(pathOfAll(cachePath));
+    const QDir all(pathOfAll(cachePath));
     const QDateTime aMinuteAgo = QDateTime::currentDateTime().addSecs(-60);
     for (const QFileInfo &entry : all.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
-        if (!entry.fileName().startsWith(halfMadePrefix) || entry.lastModified() > aMinuteAgo)
+        const QString name = entry.fileName();
+        if (!name.startsWith(halfMadePrefix) || entry.lastModified() > aMinuteAgo)
             continue;
-        const int descriptor = openFolder(AT_FDCWD, QFile::encodeName(entry.filePath()));
-        if (descriptor >= 0)
-            RecordingFolder(descriptor, {}, entry.filePath()).remove();
+        const int above = openAll(cachePath);
+        if (above < 0)
+            return;
+        if (const int descriptor = openFolder(above, nativePath(name)); descriptor >= 0)
+            RecordingFolder(above, descriptor, name, entry.filePath()).remove();
+        else
+            ::close(above);
     }
 }
 
@@ -231,7 +294,7 @@ bool RecordingFolder::remove()
     for (const char *name : { videoName, audioName, journalName })
         if (::unlinkat(m_descriptor, name, 0) != 0 && errno != ENOENT)
             return false;
-    return ::rmdir(QFile::encodeName(m_path).constData()) == 0;
+    return ::unlinkat(m_above, nativePath(nameOfPath(m_path)).constData(), AT_REMOVEDIR) == 0;
 }
 
 } // namespace vornic

@@ -20,7 +20,11 @@ class RecordingFolder
 public:
     /// The folder that all of them are in.
     [[nodiscard]] static QString pathOfAll(const QString &cachePath);
-    /// Makes that where it is missing; false, with errno set, where it is none that only this user can change.
+    /// Closes the cache folder to other users; false, with errno set, where it is missing, and with EPERM where it
+    /// belongs to another user or others could have put something into it.
+    [[nodiscard]] static bool ownsCache(const QString &cachePath);
+    /// Makes the folder of all where it is missing; false, with errno set, where it is none that only this user can
+    /// change, or where the cache folder is none.
     [[nodiscard]] static bool prepare(const QString &cachePath);
     /// A new recording's, named by the date and time, locked from its first moment on. Null, with errno set, where it
     /// cannot be made.
@@ -69,8 +73,9 @@ public:
     static constexpr const char *journalName = "journal";
 
 private:
-    RecordingFolder(int descriptor, QString id, QString path);
+    RecordingFolder(int above, int descriptor, QString id, QString path);
 
+    int m_above;
     int m_descriptor;
     QString m_id;
     QString m_path;

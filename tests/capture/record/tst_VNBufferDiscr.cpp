@@ -11,6 +11,8 @@
 #include <QFile>
 #include <QUuid>
 
+#include <sys/stat.h>
+
 namespace vornic {
 namespace {
 
@@ -189,6 +191,25 @@ TEST_F(BufferDiscrTest, TheCachePathIsMadeWhereItIsMissing)
     EXPECT_TRUE(QDir(path).exists());
     EXPECT_EQ(VNBufferDiscr::cachePath(), path);
     EXPECT_TRUE(logged().isEmpty());
+}
+
+TEST_F(BufferDiscrTest, TheCacheIsItsUsersAloneWhateverTheUmaskSays)
+{
+    qputenv("XDG_CACHE_HOME", m_cacheHome.filePath("caches").toUtf8());
+    const mode_t before = ::umask(0);
+    const QString path = VNBufferDiscr::cachePath();
+    ::umask(before);
+    struct stat folder {
+    };
+    ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &folder), 0);
+    EXPECT_EQ(folder.st_mode & 07777U, 0700U);
+}
+
+TEST_F(BufferDiscrTest, ThePictureForDevelopersIsInTheCache)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 1);
+    VNBufferDiscr::saveCGImageForDebug(grabOf(picture));
+    EXPECT_EQ(largestDifference(QImage(VNBufferDiscr::cachePath() + "/vornic-debug.png"), picture), 0);
 }
 
 TEST_F(BufferDiscrTest, ACachePathThatCannotBeMadeIsLoggedAndGivenAllTheSame)

@@ -167,6 +167,71 @@ TEST_F(RecordingFolderTest, AnotherUsersIsRefused)
     EXPECT_FALSE(create());
 }
 
+TEST_F(RecordingFolderTest, ACacheThatOthersCanReadIsClosedToThem)
+{
+    const QString id = left();
+    const QByteArray cache = QFile::encodeName(m_cache.path());
+    // The user's own group is let in by a usual umask, and nobody else is in it.
+    for (const mode_t mode : { 0755U, 0775U, 0711U }) {
+        ASSERT_EQ(::chmod(cache.constData(), mode), 0);
+        EXPECT_TRUE(RecordingFolder::ownsCache(m_cache.path()));
+        EXPECT_EQ(modeOf(m_cache.path()), 0700U);
+        ASSERT_EQ(::chmod(cache.constData(), mode), 0);
+        EXPECT_EQ(refusalOf(id), Refusal::None);
+        EXPECT_EQ(modeOf(m_cache.path()), 0700U);
+        ASSERT_EQ(::chmod(cache.constData(), mode), 0);
+        EXPECT_TRUE(create());
+        EXPECT_EQ(modeOf(m_cache.path()), 0700U);
+    }
+}
+
+TEST_F(RecordingFolderTest, ACacheThatOthersCanWriteToIsRefused)
+{
+    const QString id = left();
+    const QByteArray cache = QFile::encodeName(m_cache.path());
+    const auto expectRefused = [&] {
+        EXPECT_FALSE(RecordingFolder::ownsCache(m_cache.path()));
+        EXPECT_EQ(errno, EPERM);
+        EXPECT_FALSE(create());
+        EXPECT_EQ(errno, EPERM);
+        EXPECT_FALSE(RecordingFolder::prepare(m_cache.path()));
+        EXPECT_EQ(refusalOf(id), Refusal::Unusable);
+        EXPECT_EQ(entries(all()), QStringList(id));
+    };
+    for (const mode_t mode : { 0777U, 01777U, 0702U }) {
+        ASSERT_EQ(::chmod(cache.constData(), mode), 0);
+        expectRefused();
+        EXPECT_EQ(modeOf(m_cache.path()), mode);
+    }
+    ASSERT_EQ(::chmod(cache.constData(), 0770), 0);
+    if (::chown(cache.constData(), ::geteuid(), 65534) != 0)
+        GTEST_SKIP() << "folders can be given away by root only";
+    expectRefused();
+    ASSERT_EQ(::chmod(cache.constData(), 0700), 0);
+    ASSERT_EQ(::chown(cache.constData(), 65534, ::getegid()), 0);
+    expectRefused();
+}
+
+TEST_F(RecordingFolderTest, ALinkMayLeadToTheCache)
+{
+    const QTemporaryDir elsewhere;
+    link(m_cache.path(), elsewhere.filePath("cache"));
+    const auto folder = RecordingFolder::create(elsewhere.filePath("cache"));
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(entries(all()), QStringList(folder->id()));
+    EXPECT_TRUE(folder->remove());
+}
+
+TEST_F(RecordingFolderTest, WhatIsPutInPlaceOfTheFolderOfAllIsNotWrittenTo)
+{
+    const auto folder = create();
+    ASSERT_TRUE(QDir().rename(all(), m_cache.filePath("before")));
+    ASSERT_TRUE(QDir().mkpath(pathOf(folder->id())));
+    EXPECT_TRUE(folder->remove());
+    EXPECT_EQ(entries(m_cache.filePath("before")), QStringList());
+    EXPECT_EQ(entries(all()), QStringList(folder->id()));
+}
+
 TEST_F(RecordingFolderTest, NoneIsMadeWhereALinkLeads)
 {
     ASSERT_TRUE(QDir(m_cache.path()).mkdir("elsewhere"));
