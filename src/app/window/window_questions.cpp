@@ -9,9 +9,9 @@
 #include "app/window/file_panel.h"
 #include "app/window/main_window_link.h"
 #include "app/window/movie_folder.h"
+#include "app/window/save_panel.h"
 #include "controls/dialog_skin.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
 
 #include <utility>
@@ -53,12 +53,9 @@ void WindowQuestions::openSavePanel(const QString &folder,
                                     const QString &type,
                                     std::function<void(std::optional<QString>)> answer)
 {
-    auto *panel = new QFileDialog(m_main.visible(), tr("Save the recording as"));
-    // The desktop's own panel is not kept above the overlay.
-    panel->setOption(QFileDialog::DontUseNativeDialog);
-    panel->setAcceptMode(QFileDialog::AcceptSave);
+    auto *panel = new SavePanel(m_main.visible(), type);
+    panel->setWindowTitle(tr("Save the recording as"));
     panel->setNameFilter(tr("Movies (*.%1)").arg(type));
-    panel->setDefaultSuffix(type);
     panel->setDirectory(folder);
     panel->selectFile(name);
     dressDialog(*panel);

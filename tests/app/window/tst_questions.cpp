@@ -11,6 +11,8 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QtTest>
@@ -88,6 +90,55 @@ TEST_F(QuestionsTest, TheProposedNameIsOneThatIsNotUsed)
     QFile::link(folder.filePath("gone.mp4"), folder.filePath("Untitled 3.mp4"));
     EXPECT_EQ(proposed({}), "Untitled 4");
     EXPECT_EQ(proposed("Other"), "Other");
+}
+
+TEST_F(QuestionsTest, ANameGetsTheSuffixOfTheMoviesWhateverItHas)
+{
+    movie_folder::setCurrent(folder.path());
+    for (const auto &[typed, file] : { std::pair("Talk v1.2", "Talk v1.2.mp4"),
+                                       std::pair("talk.avi", "talk.avi.mp4"),
+                                       std::pair("talk", "talk.mp4"),
+                                       std::pair("talk.", "talk..mp4"),
+                                       std::pair("Talk.MP4", "Talk.MP4") }) {
+        std::optional<QString> answer;
+        questions.runSavePanel("Untitled", "mp4", [&](const auto &path) { answer = path; });
+        panel()->findChild<QLineEdit *>()->setText(typed);
+        QTest::keyClick(panel(), Qt::Key_Return);
+        EXPECT_EQ(answer, folder.filePath(file));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+TEST_F(QuestionsTest, TheFileThatWouldBeReplacedIsTheOneThatIsAskedAbout)
+{
+    movie_folder::setCurrent(folder.path());
+    makeFile(folder.filePath("Talk v1.2.mp4"));
+    std::optional<QString> answer;
+    questions.runSavePanel("Untitled", "mp4", [&](const auto &path) { answer = path; });
+    panel()->findChild<QLineEdit *>()->setText("Talk v1.2");
+    QString asked;
+    QTimer::singleShot(0, qApp, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box);
+        asked = box->text();
+        box->button(QMessageBox::No)->click();
+    });
+    QTest::keyClick(panel(), Qt::Key_Return);
+    EXPECT_TRUE(asked.contains("Talk v1.2.mp4")) << asked.toStdString();
+    EXPECT_FALSE(answer);
+    panel()->reject();
+}
+
+TEST_F(QuestionsTest, TheNameOfAFolderLeadsIntoIt)
+{
+    movie_folder::setCurrent(folder.path());
+    ASSERT_TRUE(QDir(folder.path()).mkdir("talks"));
+    questions.runSavePanel("Untitled", "mp4", [](const auto &) {});
+    panel()->findChild<QLineEdit *>()->setText("talks");
+    QTest::keyClick(panel(), Qt::Key_Return);
+    ASSERT_TRUE(panel());
+    EXPECT_EQ(panel()->directory().absolutePath(), folder.filePath("talks"));
+    panel()->reject();
 }
 
 /// Runs \a ask, which shows a box, and \a look on the box.
