@@ -132,10 +132,9 @@ VNOption *VornicAppDelegate::options()
     return m_options.get();
 }
 
-void VornicAppDelegate::saveOptions()
+bool VornicAppDelegate::saveOptions()
 {
-    if (m_optionsAreStored && m_options)
-        storeOptions(*m_options);
+    return !m_optionsAreStored || !m_options || storeOptions(*m_options);
 }
 
 void VornicAppDelegate::setVideoQualiy(int index)

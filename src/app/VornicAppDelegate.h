@@ -43,10 +43,10 @@ public:
     /// Makes the session; before anything else is called but the above, options() and alertError().
     void applicationDidFinishLaunching();
     void terminate() { m_session->terminate(); }
-    /// Stores the options, if they are the user's stored ones.
-    void applicationWillTerminate() { saveOptions(); }
+    /// Stores the options, if they are the user's stored ones; false, and logged, where the disk does not take them.
+    bool applicationWillTerminate() { return saveOptions(); }
     /// Writes the options to the user defaults, and those to disk.
-    void saveOptions();
+    bool saveOptions();
 
     // shell
     /// Null once when the stored options cannot be read; the next call makes fresh ones.

@@ -71,4 +71,14 @@ bool synchronize()
     return settings.status() == QSettings::NoError;
 }
 
+bool isWritable()
+{
+    return store().isWritable();
+}
+
+QString location()
+{
+    return store().fileName();
+}
+
 } // namespace vornic::user_defaults

@@ -14,5 +14,9 @@ void setValue(const QString &key, const QVariant &value);
 void remove(const QString &key);
 /// Writes to disk now; false when that failed.
 bool synchronize();
+/// Whether that can be expected to work. Tries it without a change.
+[[nodiscard]] bool isWritable();
+/// The path of the file on disk, which may not be there yet.
+[[nodiscard]] QString location();
 
 } // namespace vornic::user_defaults

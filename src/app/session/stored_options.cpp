@@ -5,6 +5,8 @@
 #include "base/user_defaults.h"
 #include "options/VNOption.h"
 
+#include <QCoreApplication>
+
 #include <optional>
 
 namespace vornic {
@@ -13,6 +15,12 @@ namespace {
 
 const QString optionsKey = QStringLiteral("com.kavlor.options");
 const QString brokenKey = QStringLiteral("com.kavlor.options.broken");
+
+QString cannotBeStoredText()
+{
+    return QCoreApplication::translate("vornic", "The options cannot be saved: %1 cannot be written to.")
+        .arg(user_defaults::location());
+}
 
 } // namespace
 
@@ -31,10 +39,18 @@ std::unique_ptr<VNOption> loadOptions()
     return options;
 }
 
-void storeOptions(const VNOption &options)
+bool storeOptions(const VNOption &options)
 {
     user_defaults::setValue(optionsKey, archivedData(options));
-    user_defaults::synchronize();
+    if (user_defaults::synchronize())
+        return true;
+    logMessage(cannotBeStoredText());
+    return false;
+}
+
+QString whyOptionsCannotBeStored()
+{
+    return user_defaults::isWritable() ? QString() : cannotBeStoredText();
 }
 
 } // namespace vornic

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <memory>
 
 namespace vornic {
@@ -12,7 +14,10 @@ class VNOption;
 /// decoded: it is set aside under "com.kavlor.options.broken", so that the next call makes fresh ones.
 [[nodiscard]] std::unique_ptr<VNOption> loadOptions();
 
-/// Stores and writes to disk at once.
-void storeOptions(const VNOption &options);
+/// Stores and writes to disk at once; false, and logged, where the disk does not take it.
+bool storeOptions(const VNOption &options);
+
+/// Why the options will not be kept, one sentence for the user; empty where they can be expected to be.
+[[nodiscard]] QString whyOptionsCannotBeStored();
 
 } // namespace vornic

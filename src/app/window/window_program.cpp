@@ -1,6 +1,7 @@
 #include "app/window/window_program.h"
 
 #include "app/session/start_settings.h"
+#include "app/session/stored_options.h"
 #include "app/session/unix_signals.h"
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
@@ -108,11 +109,12 @@ int WindowProgram::run(const QString &action, const QString &file)
 {
     m_window->show();
     m_recovery->start();
+    if (const QString reason = whyOptionsCannotBeStored(); !reason.isEmpty())
+        m_window->showStatus(reason);
     if (!action.isEmpty())
         performOnceShown(action, file);
     const int status = QApplication::exec();
-    m_delegate.applicationWillTerminate();
-    return status;
+    return m_delegate.applicationWillTerminate() ? status : 1;
 }
 
 /// A window manager that does not know the window yet would not minimise it for the recording.

@@ -4,6 +4,8 @@
 #include "display/fake_display.h"
 #include "options/VNOption.h"
 
+#include <QDir>
+#include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -42,8 +44,24 @@ TEST_F(StoredOptionsTest, WhatIsStoredComesBack)
 {
     VNOption options;
     options.setRecordRegion(1);
-    storeOptions(options);
+    EXPECT_TRUE(storeOptions(options));
+    EXPECT_EQ(whyOptionsCannotBeStored(), QString());
     EXPECT_EQ(loadOptions()->recordRegion(), 1);
+}
+
+TEST_F(StoredOptionsTest, OnesThatCannotBeStoredAreTold)
+{
+    const VNOption options;
+    ASSERT_TRUE(storeOptions(options));
+    // A folder in the file's place stops the superuser too.
+    const QString file = user_defaults::location();
+    ASSERT_TRUE(QFile::remove(file) && QDir().mkpath(file + "/in/the/way"));
+    EXPECT_FALSE(storeOptions(options));
+    const QString sentence = "The options cannot be saved: " + file + " cannot be written to.";
+    EXPECT_EQ(m_logged, QStringList { sentence });
+    EXPECT_EQ(whyOptionsCannotBeStored(), sentence);
+    ASSERT_TRUE(QDir(file).removeRecursively());
+    EXPECT_TRUE(storeOptions(options));
 }
 
 TEST_F(StoredOptionsTest, BrokenOnesYieldNoneOnceAndAreSetAside)
