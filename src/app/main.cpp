@@ -8,6 +8,7 @@
 #include "app/window/window_program.h"
 #include "base/exception_text.h"
 #include "base/log.h"
+#include "base/native_path.h"
 #include "base/thread.h"
 #include "controls/skin_colors.h"
 #include "desktop/single_instance.h"
@@ -99,7 +100,9 @@ QString movieFile(const CommandLine &line)
 /// Leaves what \a line asks for to the window that runs already; the exit status, or nothing where none takes it.
 std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
 {
-    const QString file = movieFile(line);
+    const QString path = movieFile(line);
+    // The bus takes text only, and a path need be none.
+    const QString file = path.isValidUtf16() ? path : fileUri(path);
     const auto answer
         = instance.isOnly() ? SingleInstance::Answer::None : instance.handOver(actionFor(line.task), file);
     if (answer == SingleInstance::Answer::Taken)
@@ -176,7 +179,7 @@ int run(int &argc, char **argv)
 {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
-        arguments += QString::fromLocal8Bit(argv[i]);
+        arguments += pathFromNative(argv[i]);
     QCoreApplication::setApplicationName(QStringLiteral("vornic"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VORNIC_VERSION));
     const CommandLine line = parseCommandLine(arguments);

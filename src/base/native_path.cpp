@@ -11,6 +11,7 @@ namespace vornic {
 namespace {
 
 constexpr char16_t escapedBytes = 0xDC00;
+const QString fileScheme = QStringLiteral("file://");
 
 /// Of the UTF-8 character that \a bytes begins with; 0 where it begins with none.
 qsizetype lengthOfFirstCharacter(QByteArrayView bytes)
@@ -59,6 +60,18 @@ QByteArray nativePath(const QString &path)
         }
     }
     return bytes + path.sliced(begin).toUtf8();
+}
+
+QString fileUri(const QString &path)
+{
+    return fileScheme + QString::fromLatin1(nativePath(path).toPercentEncoding("/"));
+}
+
+QString pathFromFileUri(const QString &text)
+{
+    if (!text.startsWith(fileScheme))
+        return text;
+    return pathFromNative(QByteArray::fromPercentEncoding(text.sliced(fileScheme.size()).toUtf8()));
 }
 
 QString folderOfPath(const QString &path)

@@ -14,6 +14,10 @@ namespace vornic {
 [[nodiscard]] QString pathFromNative(QByteArrayView bytes);
 [[nodiscard]] QByteArray nativePath(const QString &path);
 
+/// An absolute path as a "file:" URI, for a way that takes only text; and back, where \a text is one, else itself.
+[[nodiscard]] QString fileUri(const QString &path);
+[[nodiscard]] QString pathFromFileUri(const QString &text);
+
 /// The folder that \a path names a file in, "." where it names none; without a slash at its end.
 [[nodiscard]] QString folderOfPath(const QString &path);
 /// What stands behind the last slash.

@@ -49,6 +49,14 @@ TEST(NativePath, EveryRowOfBytesComesBack)
     }
 }
 
+TEST(NativePath, AUriTakesEveryByteThroughText)
+{
+    const QString path = pathFromNative("/tmp/100% Gr\366\337e #1.mp4");
+    EXPECT_EQ(fileUri(path), "file:///tmp/100%25%20Gr%F6%DFe%20%231.mp4");
+    EXPECT_EQ(pathFromFileUri(fileUri(path)), path);
+    EXPECT_EQ(pathFromFileUri("/tmp/100%25.mp4"), "/tmp/100%25.mp4");
+}
+
 TEST(NativePath, FolderAndName)
 {
     EXPECT_EQ(folderOfPath("a.mp4"), ".");

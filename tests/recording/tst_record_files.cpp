@@ -1,3 +1,4 @@
+#include "base/native_path.h"
 #include "program_fixture.h"
 
 #include <sys/stat.h>
@@ -31,6 +32,13 @@ protected:
     {
         QFile file(movie(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// Of a file of the one recording that there is; 0 where there is none.
+    qint64 sizeInSpool(const QString &name) const
+    {
+        const QString recordings = QStringLiteral("cache/com.kavlor.vornic/recordings");
+        const QStringList ids = QDir(movie(recordings)).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        return QFileInfo(movie(recordings + u'/' + ids.value(0) + u'/' + name)).size();
     }
     QStringList files() const
     {
@@ -141,6 +149,47 @@ TEST_F(RecordFilesTest, ALinkIsFollowed)
     ASSERT_TRUE(QFile::link("disk/new.mp4", movie("n.mp4")));
     EXPECT_EQ(recordBriefly({}, "n.mp4").status, 0);
     EXPECT_EQ(sizeOf(movie("disk/new.mp4")), QSize(64, 48));
+}
+
+TEST_F(RecordFilesTest, ANameThatIsNotUtf8KeepsItsBytes)
+{
+    const QByteArray name = QFile::encodeName(folder.path()) + "/Gr\366\337e.mp4";
+    // No text could hand this name over.
+    const auto record = [this](const QString &rest) {
+        return start("sh",
+                     { "-c",
+                       QStringLiteral(VORNIC_PROGRAM) + " record --ignore-low-space --region 0,0,64,48 "
+                           + rest + " \"$PWD/$(printf 'Gr\\366\\337e.mp4')\"" });
+    };
+    const auto process = record("--duration 0.3");
+    ASSERT_TRUE(process->waitForFinished());
+    EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().toStdString();
+    EXPECT_EQ(process->readAllStandardOutput().trimmed().split('\n').last(), name);
+    EXPECT_EQ(::access(name.constData(), R_OK), 0);
+    const auto refused = record("--duration 0.3");
+    ASSERT_TRUE(refused->waitForFinished());
+    EXPECT_EQ(refused->exitCode(), 1);
+    // So does what is found again.
+    ASSERT_EQ(::unlink(name.constData()), 0);
+    const auto killed = start("sh",
+                              { "-c",
+                                "exec " + QStringLiteral(VORNIC_PROGRAM)
+                                    + " record --ignore-low-space --region 0,0,64,48"
+                                      " \"$PWD/$(printf 'Gr\\366\\337e.mp4')\"" });
+    QString seen;
+    ASSERT_TRUE(waitForText(*killed, "00:00:0", seen)) << seen.toStdString();
+    // The journal tells of a picture only once that is in the file.
+    ASSERT_TRUE(test::waitUntil([this] { return sizeInSpool("vornicvideo.tmp") > 0; }));
+    const qint64 journal = sizeInSpool("journal");
+    ASSERT_TRUE(test::waitUntil([&] { return sizeInSpool("journal") > journal; }));
+    killed->kill();
+    finish(*killed);
+    const QString id = vornic({ "recover" }).output.section(' ', 0, 0);
+    const auto recover = startVornic({ "recover", id });
+    ASSERT_TRUE(recover->waitForFinished());
+    EXPECT_EQ(recover->exitCode(), 0) << recover->readAllStandardError().toStdString();
+    EXPECT_EQ(recover->readAllStandardOutput().trimmed().split('\n').last(), name);
+    EXPECT_EQ(::unlink(name.constData()), 0);
 }
 
 TEST_F(RecordFilesTest, ACacheThatOthersCanWriteToIsRefused)

@@ -3,6 +3,7 @@
 #include "app/cli/command_line_front_end.h"
 #include "app/session/recording_session.h"
 #include "app/session/unix_signals.h"
+#include "base/native_path.h"
 
 #include <QCoreApplication>
 
@@ -49,7 +50,7 @@ int runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const s
         return 1;
     std::printf("%s\n%s\n",
                 describeCounts(counts).toUtf8().constData(),
-                session.outfileName().toLocal8Bit().constData());
+                nativePath(session.outfileName()).constData());
     return 0;
 }
 

@@ -9,6 +9,7 @@
 #include "app/window/window_placement.h"
 #include "audio/audio_backend.h"
 #include "base/log.h"
+#include "base/native_path.h"
 #include "desktop/global_key.h"
 #include "desktop/single_instance.h"
 #include "options/VNOption.h"
@@ -44,7 +45,10 @@ WindowProgram::WindowProgram(QApplication &application,
     launch();
     connect(&signalled, &UnixSignals::terminationAsked, &m_delegate, &VornicAppDelegate::terminate);
     connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
-    connect(&instance, &SingleInstance::actionAsked, this, &WindowProgram::perform);
+    connect(&instance,
+            &SingleInstance::actionAsked,
+            this,
+            [this](const QString &action, const QString &file) { perform(action, pathFromFileUri(file)); });
     instance.setActionCheck([this](const QString &action) { return canPerform(action); });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::startOrStop);
     listenForKey();

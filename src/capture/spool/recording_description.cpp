@@ -1,6 +1,7 @@
 #include "capture/spool/recording_description.h"
 
 #include "base/keyed_archive.h"
+#include "base/native_path.h"
 
 #include <QTimeZone>
 
@@ -32,7 +33,7 @@ constexpr QLatin1StringView sampleFormatKey("sampleFormat");
 
 void encodeMovie(const PKMuxerContext &movie, KeyedArchiver &archiver)
 {
-    archiver.encodeString(filenameKey, movie.filename());
+    archiver.encodeData(filenameKey, nativePath(movie.filename()));
     archiver.encodeInt32(formatKey, movie.format());
     archiver.encodeInt32(widthKey, movie.width());
     archiver.encodeInt32(heightKey, movie.height());
@@ -47,7 +48,10 @@ void encodeMovie(const PKMuxerContext &movie, KeyedArchiver &archiver)
 
 PKMuxerContext decodeMovie(const KeyedUnarchiver &unarchiver)
 {
-    PKMuxerContext movie(unarchiver.decodeString(filenameKey).value_or(QString()),
+    // Recordings of earlier versions have a text.
+    const std::optional<QByteArray> filename = unarchiver.decodeData(filenameKey);
+    PKMuxerContext movie(filename ? pathFromNative(*filename)
+                                  : unarchiver.decodeString(filenameKey).value_or(QString()),
                          unarchiver.decodeInt32(formatKey));
     movie.setWidth(unarchiver.decodeInt32(widthKey));
     movie.setHeight(unarchiver.decodeInt32(heightKey));
