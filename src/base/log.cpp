@@ -1,6 +1,8 @@
 #include "base/log.h"
 
-#include <cstdio>
+#include "base/error_stream.h"
+
+#include <cstdlib>
 #include <mutex>
 #include <utility>
 
@@ -31,17 +33,28 @@ public:
             ++m_repeats;
             return;
         }
-        if (const int repeats = std::exchange(m_repeats, 0); repeats > 0)
-            writeLine(QStringLiteral("(%1 more times)").arg(repeats));
+        writeRepeats();
         m_last = message;
         writeLine(message);
     }
 
+    /// No more lines are awaited.
+    void end()
+    {
+        const std::lock_guard lock(m_mutex);
+        writeRepeats();
+    }
+
 private:
+    void writeRepeats()
+    {
+        if (const int repeats = std::exchange(m_repeats, 0); repeats > 0)
+            writeLine(QStringLiteral("(%1 more times)").arg(repeats));
+    }
+
     static void writeLine(const QString &text)
     {
-        const QByteArray line = "vornic: " + text.toUtf8() + '\n';
-        std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
+        standardError().writeLine(QStringLiteral("vornic: ") + text);
     }
 
     std::mutex m_mutex;
@@ -51,8 +64,13 @@ private:
 
 StandardLog &standardLog()
 {
-    static StandardLog log;
-    return log;
+    // Never destroyed: other threads may log until the very end.
+    static StandardLog *const log = [] {
+        static_cast<void>(standardError()); // which is so written out behind the log
+        std::atexit([] { standardLog().end(); });
+        return new StandardLog;
+    }();
+    return *log;
 }
 
 } // namespace
