@@ -43,6 +43,7 @@ public:
     /// Makes the session; before anything else is called but the above, options() and alertError().
     void applicationDidFinishLaunching();
     void terminate() { m_session->terminate(); }
+    void leave() { m_session->leave(); }
     /// Stores the options, if they are the user's stored ones; false, and logged, where the disk does not take them.
     bool applicationWillTerminate() { return saveOptions(); }
     /// Writes the options to the user defaults, and those to disk.

@@ -54,6 +54,7 @@ struct Recording {
 
     bool isCaptured = false;         ///< passes run, or have run
     bool endsWithFirstFrame = false; ///< stopped before it was captured
+    bool isPutOff = false;           ///< its movie is made another time
     bool stopItemIsShown = false;
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete

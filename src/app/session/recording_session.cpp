@@ -350,6 +350,22 @@ void RecordingSession::stopRecord()
     m_spool->setExit(true);
 }
 
+void RecordingSession::stopWithAPicture()
+{
+    if (m_phase == Phase::Capturing && m_recording->framesGrabbed == 0) {
+        m_recording->endsWithFirstFrame = true;
+        beginCapture();
+        goOnWithoutSound();
+        return;
+    }
+    stopRecord();
+}
+
+bool RecordingSession::goesOnWithoutSound() const
+{
+    return m_recording->hasSound && !m_recording->clock.awaitsSound();
+}
+
 // ---- the movie
 
 void RecordingSession::executeStopRecord()
@@ -364,7 +380,10 @@ void RecordingSession::executeStopRecord()
     m_frontEnd.progress.setBusy(true);
     if (m_recording->hasSound)
         m_audio->stop();
-    startWriting();
+    if (m_recording->isPutOff)
+        muxerFailed({ .kind = ErrorKind::Cancelled, .name = m_recording->path, .reason = {} });
+    else
+        startWriting();
 }
 
 void RecordingSession::recover(const QString &id, const QString &file, std::optional<RecordQuality> quality)
@@ -523,6 +542,13 @@ void RecordingSession::terminate()
         later();
     else
         stopRecord();
+}
+
+void RecordingSession::leave()
+{
+    m_recording->isPutOff = true;
+    terminate();
+    later();
 }
 
 bool RecordingSession::mayQuit()

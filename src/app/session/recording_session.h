@@ -81,6 +81,10 @@ public:
     void later();
     /// Raises the exit flag; the next capture pass ends the recording.
     void stopRecord();
+    /// The same, but where no picture is kept yet, it ends with the first one, and sound is not waited for.
+    void stopWithAPicture();
+    /// No sound has come, and it is not waited for any more.
+    [[nodiscard]] bool goesOnWithoutSound() const;
     /// Writes the movie of the recording that is captured; no more than once.
     void executeStopRecord();
     void recordcomplete();
@@ -89,6 +93,8 @@ public:
     /// Ends a running recording normally: its movie is written, then the phase is Idle. Then, or at once when
     /// idle, readyToTerminate() is sent. A second call while the movie is written puts that off.
     void terminate();
+    /// The same, but the movie is put off: what is captured is kept, and recover() goes on with it.
+    void leave();
     /// True when the program may end; asks while a recording runs.
     [[nodiscard]] bool mayQuit();
 

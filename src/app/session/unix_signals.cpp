@@ -9,7 +9,19 @@ namespace vornic {
 
 namespace {
 
-constexpr std::array handledSignals { SIGINT, SIGTERM, SIGHUP };
+struct HandledSignal {
+    int number;
+    int flags;
+};
+
+constexpr std::array handledSignals {
+    HandledSignal { SIGINT, SA_RESTART },
+    HandledSignal { SIGTERM, SA_RESTART },
+    HandledSignal { SIGHUP, SA_RESTART },
+    HandledSignal { SIGQUIT, SA_RESTART | static_cast<int>(SA_RESETHAND) },
+};
+
+std::array<struct sigaction, handledSignals.size()> actionsBefore {};
 
 /// The handler may only do what is safe in a signal: it writes the number to the first socket.
 std::array<int, 2> sockets { -1, -1 };
@@ -29,18 +41,21 @@ UnixSignals::UnixSignals(QObject *parent)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(sockets[1], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &UnixSignals::readSignal);
-    struct sigaction action {
-    };
-    action.sa_handler = handleSignal;
-    action.sa_flags = SA_RESTART;
-    for (const int number : handledSignals)
-        ::sigaction(number, &action, nullptr);
+    for (std::size_t i = 0; i < handledSignals.size(); ++i) {
+        struct sigaction action {
+        };
+        action.sa_handler = handleSignal;
+        action.sa_flags = handledSignals[i].flags;
+        ::sigaction(handledSignals[i].number, nullptr, &actionsBefore[i]);
+        if (handledSignals[i].number != SIGHUP || actionsBefore[i].sa_handler != SIG_IGN)
+            ::sigaction(handledSignals[i].number, &action, nullptr);
+    }
 }
 
 UnixSignals::~UnixSignals()
 {
-    for (const int number : handledSignals)
-        std::signal(number, SIG_DFL);
+    for (std::size_t i = 0; i < handledSignals.size(); ++i)
+        ::sigaction(handledSignals[i].number, &actionsBefore[i], nullptr);
     m_notifier.reset();
     for (int &socket : sockets) {
         if (socket >= 0)
@@ -52,8 +67,12 @@ UnixSignals::~UnixSignals()
 void UnixSignals::readSignal()
 {
     unsigned char number = 0;
-    while (::read(sockets[1], &number, sizeof number) == 1)
-        emit terminationAsked(number);
+    while (::read(sockets[1], &number, sizeof number) == 1) {
+        if (number == SIGQUIT)
+            emit leaveAsked();
+        else
+            emit terminationAsked(number);
+    }
 }
 
 } // namespace vornic

@@ -8,9 +8,10 @@
 
 namespace vornic {
 
-/// SIGINT, SIGTERM and SIGHUP as a Qt signal on the main thread.
+/// SIGINT, SIGTERM, SIGHUP and SIGQUIT as Qt signals on the main thread.
 ///
-/// At most one exists; made by main after the application object and before any other thread.
+/// At most one exists; made by main after the application object. A SIGHUP that the program was started to ignore, as
+/// nohup does, stays ignored. Only the first SIGQUIT comes here: a second one ends the program at once.
 class UnixSignals : public QObject
 {
     Q_OBJECT
@@ -19,7 +20,10 @@ public:
     ~UnixSignals() override;
 
 signals:
+    /// To come to an end in an orderly way.
     void terminationAsked(int number);
+    /// To end now, and to leave the work for later.
+    void leaveAsked();
 
 private:
     void readSignal();

@@ -44,6 +44,7 @@ WindowProgram::WindowProgram(QApplication &application,
 {
     launch();
     connect(&signalled, &UnixSignals::terminationAsked, &m_delegate, &VornicAppDelegate::terminate);
+    connect(&signalled, &UnixSignals::leaveAsked, &m_delegate, &VornicAppDelegate::leave);
     connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
     connect(&instance,
             &SingleInstance::actionAsked,

@@ -47,6 +47,7 @@ public:
     QStringList told; ///< every call, in order
     double announcedSeconds = 0;
     QStringList titles; ///< of the stop item
+    QStringList kept;   ///< the ids of recordings
     QStringList alerts; ///< message and informative text
     QList<double> percents;
     QRectF recordedRegion; ///< that the stop item was told of
@@ -122,6 +123,7 @@ public:
     {
         told += "renamed " + meant + " " + moved;
     }
+    void recordingKept(const QString &id) override { kept += id; }
     void alert(const QString &message, const QString &informativeText) override
     {
         told += "alert";

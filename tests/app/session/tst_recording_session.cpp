@@ -293,6 +293,52 @@ TEST_F(RecordingSessionTest, WhereNoSoundComesTheUserMayGoOnWithout)
     EXPECT_EQ(session->phase(), Phase::Idle);
 }
 
+TEST_F(RecordingSessionTest, WhoseTimeIsOverBeforeSoundComesHoldsAPictureWithoutSound)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    EXPECT_FALSE(session->goesOnWithoutSound());
+    session->stopWithAPicture();
+    EXPECT_TRUE(session->goesOnWithoutSound());
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->failure(), "");
+    EXPECT_EQ(session->counts().framesWritten, 1U);
+    EXPECT_TRUE(testing::streamOf(testing::probe(*frontEnd.path), "audio").isEmpty());
+}
+
+TEST_F(RecordingSessionTest, OneThatHasPicturesEndsWithThemWhenItsTimeIsOver)
+{
+    makeSession();
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return session->counts().framesGrabbed >= 3; }));
+    session->stopWithAPicture();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_GE(session->counts().framesWritten, 3U);
+}
+
+TEST_F(RecordingSessionTest, WhoLeavesFindsTheRecordingAgain)
+{
+    makeSession();
+    int ready = 0;
+    QObject::connect(session.get(), &RecordingSession::readyToTerminate, [&ready] { ++ready; });
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return session->counts().framesGrabbed >= 3; }));
+    const QString id = session->bufferMgr().recordingId();
+    session->leave();
+    ASSERT_TRUE(waitUntil([&] { return ready == 1; }));
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_EQ(frontEnd.kept, QStringList { id });
+    EXPECT_FALSE(frontEnd.told.contains("beginProgress")) << "no movie is begun";
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    session->recover(id, *frontEnd.path);
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_GE(session->counts().framesWritten, 3U);
+}
+
 TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)
 {
     makeSession();
