@@ -1,14 +1,18 @@
+#include "app/cli/answer.h"
 #include "app/cli/command_line.h"
 #include "app/cli/devices_command.h"
+#include "app/cli/exit_status.h"
 #include "app/cli/record_command.h"
 #include "app/cli/recover_command.h"
 #include "app/session/translations.h"
 #include "app/session/unix_signals.h"
 #include "app/window/application_icon.h"
 #include "app/window/window_program.h"
+#include "base/error_stream.h"
 #include "base/exception_text.h"
 #include "base/log.h"
 #include "base/native_path.h"
+#include "base/standard_output.h"
 #include "base/thread.h"
 #include "controls/skin_colors.h"
 #include "desktop/single_instance.h"
@@ -18,7 +22,6 @@
 #include <QFileInfo>
 
 #include <csignal>
-#include <cstdio>
 #include <optional>
 
 namespace {
@@ -138,33 +141,30 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
     });
 }
 
-int printAndEnd(const QString &text, std::FILE *stream, int status)
-{
-    std::fputs(text.toLocal8Bit().constData(), stream);
-    return status;
-}
-
 int runCommand(const CommandLine &line)
 {
     switch (line.action) {
     case CommandLine::Action::Record:
     case CommandLine::Action::Recover:
-        if (const QString reason = noThreadsReason(); !reason.isEmpty())
-            return printAndEnd(QStringLiteral("vornic: %1\n").arg(reason), stderr, 1);
+        if (const QString reason = noThreadsReason(); !reason.isEmpty()) {
+            standardError().writeLine(QStringLiteral("vornic: %1").arg(reason));
+            return exit_status::failed;
+        }
         return line.action == CommandLine::Action::Record ? runRecordCommand(line) : runRecoverCommand(line);
     case CommandLine::Action::Devices:
         return runDevicesCommand();
     case CommandLine::Action::Help:
-        return printAndEnd(line.helpText, stdout, 0);
+        return answer(line.helpText.toUtf8(), exit_status::done, exit_status::failed);
     case CommandLine::Action::Version:
-        return printAndEnd(QStringLiteral("vornic " VORNIC_VERSION "\n"), stdout, 0);
+        return answer("vornic " VORNIC_VERSION "\n", exit_status::done, exit_status::failed);
     case CommandLine::Action::Window:
     case CommandLine::Action::WrongUsage:
         break;
     }
-    const QString hint
-        = QCoreApplication::translate("vornic", "vornic --help lists all commands and options.");
-    return printAndEnd(QStringLiteral("vornic: %1\n%2\n").arg(line.problem, hint), stderr, 2);
+    standardError().writeLine(QStringLiteral("vornic: %1").arg(line.problem));
+    standardError().writeLine(
+        QCoreApplication::translate("vornic", "vornic --help lists all commands and options."));
+    return exit_status::wrongUsage;
 }
 
 /// Everything that needs no window, in the user's language.
@@ -191,6 +191,7 @@ int run(int &argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    occupyClosedStandardDescriptors();
     // Neither a reader of the output that goes away may end a recording, nor a limit on the size of files:
     // the write fails, and what was spooled becomes a movie.
     std::signal(SIGPIPE, SIG_IGN);

@@ -108,13 +108,13 @@ TEST_P(RecordSoundTest, WhoWaitsForSoundIsToldSo)
         GetParam() == SoundServer::Kind::PipeWire)
         GTEST_SKIP() << "this server wakes a suspended device for whoever records it";
     const auto recorder = startVornic(QStringList { "record", "--ignore-low-space" } + small
-                                      + QStringList { "--audio", "--duration", "1", "o.mp4" });
+                                      + QStringList { "--audio", "--duration", "4", "o.mp4" });
     QString said;
     ASSERT_TRUE(waitForText(*recorder, "waiting for audio", said)) << said.toStdString();
     EXPECT_FALSE(said.contains("00:00:00"));
     sound->pactl({ "suspend-source", "speakers.monitor", "0" });
     EXPECT_EQ(finish(*recorder).status, 0);
-    EXPECT_NEAR(lengthOf(probe(movie()), "video"), 1, 0.3);
+    EXPECT_NEAR(lengthOf(probe(movie()), "video"), 4, 0.3) << "what was waited does not count";
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
 }
 
@@ -132,6 +132,61 @@ TEST_P(RecordSoundTest, SoundThatNeverComesLeavesNoMovieAndEndsWhenAsked)
     ::kill(static_cast<pid_t>(recorder->processId()), SIGINT);
     EXPECT_EQ(finish(*recorder).status, 1);
     EXPECT_FALSE(QFile::exists(movie()));
+}
+
+class SilentSoundTest : public RecordSoundTest
+{
+protected:
+    Result recordSilent(const char *duration)
+    {
+        startSound();
+        EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
+        sound->pactl({ "suspend-source", "speakers.monitor", "1" });
+        return record(small + QStringList { "--audio", "--duration", duration });
+    }
+    const QString missing = "vornic: The movie has no sound: none has come.\n";
+};
+
+// The other server wakes a suspended device for whoever records it.
+INSTANTIATE_TEST_SUITE_P(Servers,
+                         SilentSoundTest,
+                         ::testing::Values(SoundServer::Kind::PulseAudio),
+                         nameOfServer);
+
+TEST_P(SilentSoundTest, WithoutItTheRecordingGoesOnUntilItsTimeIsOver)
+{
+    const Result result = recordSilent("5");
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.error.toStdString(),
+                ::testing::HasSubstr(
+                    "vornic: No sound has come for some seconds: the recording goes on without it.\n"));
+    EXPECT_TRUE(result.error.endsWith(missing)) << result.error.toStdString();
+    EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
+    EXPECT_GT(lengthOf(probe(movie()), "video"), 0.5);
+    EXPECT_LT(lengthOf(probe(movie()), "video"), 4) << "the time counts from the start";
+    EXPECT_TRUE(testing::streamOf(probe(movie()), "audio").isEmpty());
+}
+
+TEST_P(SilentSoundTest, AShortRecordingHoldsAPictureAllTheSame)
+{
+    const Result result = recordSilent("0.5");
+    EXPECT_EQ(result.status, 3);
+    EXPECT_TRUE(result.error.endsWith(missing)) << result.error.toStdString();
+    EXPECT_GT(lengthOf(probe(movie()), "video"), 0);
+}
+
+TEST_P(SilentSoundTest, NamesWithControlCharactersAreListedOneALine)
+{
+    startSound();
+    EXPECT_FALSE(sound->addMicrophone("mic", "Desk\n\x1b[2Jmicrophone").isEmpty());
+    const Result devices = vornic({ "devices" });
+    EXPECT_EQ(devices.output.toStdString(), "Desk\\n\\x1b[2Jmicrophone\n");
+    EXPECT_EQ(record({ "--audio=Kitchen" }).error.toStdString(),
+              "vornic: There is no audio input device \"Kitchen\". Available devices:\n"
+              "  Desk\\n\\x1b[2Jmicrophone\n");
+    const QString asListed = devices.output.trimmed();
+    const Result result = record(small + QStringList { "--audio=" + asListed, "--duration", "0.5" });
+    EXPECT_EQ(result.status, 0) << result.error.toStdString();
 }
 
 } // namespace vornic

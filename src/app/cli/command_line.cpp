@@ -1,5 +1,7 @@
 #include "app/cli/command_line.h"
 
+#include "app/session/time_text.h"
+
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
@@ -50,7 +52,8 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
   vornic --help, --version
 
 The last line of standard output is the movie's path. Exit status: 0 the movie is complete, 1 it failed,
-2 wrong usage.
+2 wrong usage, 3 there is a movie, but it has no sound or is shorter than asked for, or its path could not be
+told.
 )");
 
 void addOptions(QCommandLineParser &parser)
@@ -126,8 +129,10 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
         bool isNumber = false;
         const double seconds = value.toDouble(&isNumber);
         if (!isNumber || !(seconds > 0) || seconds > maxSeconds)
-            return wrongValue(
-                       QStringLiteral("duration"), value, CommandLine::tr("a number of seconds above 0"))
+            return wrongValue(QStringLiteral("duration"),
+                              value,
+                              CommandLine::tr("a number of seconds above 0, %1 at most")
+                                  .arg(secondsText(maxSeconds)))
                 .problem;
         line.durationSeconds = seconds;
     }

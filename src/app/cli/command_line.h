@@ -18,7 +18,7 @@ public:
     enum class Action { Window, Record, Recover, Devices, Help, Version, WrongUsage };
 
     Action action = Action::Window;
-    QString problem;  ///< WrongUsage: one sentence, or more lines
+    QString problem;  ///< WrongUsage: one sentence
     QString helpText; ///< Help
 
     // Window

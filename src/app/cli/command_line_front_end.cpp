@@ -2,6 +2,7 @@
 
 #include "app/session/room_text.h"
 #include "app/session/time_text.h"
+#include "base/error_stream.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "desktop/idle_inhibitor.h"
@@ -10,18 +11,15 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <utility>
 
 namespace vornic {
 
 namespace {
 
-void writeError(const QString &text)
+void tell(const QString &line)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
-    std::fflush(stderr);
+    standardError().writeLine(line);
 }
 
 QString bar(int percent)
@@ -41,18 +39,6 @@ CommandLineFrontEnd::CommandLineFrontEnd(CommandLine line)
 
 CommandLineFrontEnd::~CommandLineFrontEnd() = default;
 
-void CommandLineFrontEnd::redraw(const QString &text)
-{
-    writeError(QStringLiteral("\r\x1b[K") + text);
-    m_lineIsOpen = true;
-}
-
-void CommandLineFrontEnd::endRedrawnLine()
-{
-    if (std::exchange(m_lineIsOpen, false))
-        writeError(QStringLiteral("\n"));
-}
-
 void CommandLineFrontEnd::askAboutFreeSpace(std::function<void(bool)> answer)
 {
     answer(m_line.ignoreLowSpace);
@@ -68,11 +54,11 @@ void CommandLineFrontEnd::runSavePanel(const QString & /*name*/,
 void CommandLineFrontEnd::showStopItem(const QString & /*title*/, const QRectF & /*recorded*/)
 {
     if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))
-        writeError(liesInMemoryText(folder) + u'\n');
-    writeError(m_line.durationSeconds
-                   ? QCoreApplication::translate("vornic", "Recording for %1 s; Ctrl-C stops it earlier.\n")
-                         .arg(*m_line.durationSeconds)
-                   : QCoreApplication::translate("vornic", "Recording; Ctrl-C stops it.\n"));
+        tell(liesInMemoryText(folder));
+    tell(m_line.durationSeconds
+             ? QCoreApplication::translate("vornic", "Recording for %1 s; Ctrl-C stops it earlier.")
+                   .arg(secondsText(*m_line.durationSeconds))
+             : QCoreApplication::translate("vornic", "Recording; Ctrl-C stops it."));
 }
 
 void CommandLineFrontEnd::setStopItemTitle(const QString &title)
@@ -81,9 +67,9 @@ void CommandLineFrontEnd::setStopItemTitle(const QString &title)
         return;
     const QString line = m_room.isEmpty() ? title : QStringLiteral("%1, %2").arg(title, m_room);
     if (m_isTerminal)
-        redraw(line);
+        standardError().redraw(line);
     else if (title.endsWith(u'0') || !title.front().isDigit())
-        writeError(line + u'\n');
+        tell(line);
 }
 
 void CommandLineFrontEnd::showRoom(const RecordingRoom &room)
@@ -96,9 +82,17 @@ void CommandLineFrontEnd::warnOfLittleRoom(const RecordingRoom &room)
     alertError(littleRoom(room));
 }
 
+/// Nobody is there to be asked, and a recording without sound is more than none.
+void CommandLineFrontEnd::soundIsMissing(const std::function<void()> &goOn)
+{
+    alertError(QCoreApplication::translate(
+        "vornic", "No sound has come for some seconds: the recording goes on without it."));
+    goOn();
+}
+
 void CommandLineFrontEnd::hideStopItem()
 {
-    endRedrawnLine();
+    standardError().endRedrawnLine();
 }
 
 void CommandLineFrontEnd::beginProgress(std::uint64_t /*frames*/)
@@ -109,10 +103,18 @@ void CommandLineFrontEnd::beginProgress(std::uint64_t /*frames*/)
     tellOfLater();
 }
 
-void CommandLineFrontEnd::signalCame()
+void CommandLineFrontEnd::endAsked()
+{
+    if (std::exchange(m_isAskedToEnd, true) && !m_isWriting)
+        tell(QCoreApplication::translate(
+            "vornic", "The recording is being ended, and its movie is next; Ctrl-\\ keeps it for later."));
+    tellOfLater();
+}
+
+void CommandLineFrontEnd::leaveAsked()
 {
     m_isAskedToEnd = true;
-    tellOfLater();
+    m_hasToldOfLater = true;
 }
 
 /// Once, to somebody who seems to be in a hurry.
@@ -120,8 +122,7 @@ void CommandLineFrontEnd::tellOfLater()
 {
     if (!m_isWriting || !m_isAskedToEnd || std::exchange(m_hasToldOfLater, true))
         return;
-    endRedrawnLine();
-    writeError(QCoreApplication::translate("vornic", "Writing the movie; Ctrl-C puts it off for later.\n"));
+    tell(QCoreApplication::translate("vornic", "Writing the movie; Ctrl-C puts it off for later."));
 }
 
 void CommandLineFrontEnd::setProgress(double percent)
@@ -133,28 +134,27 @@ void CommandLineFrontEnd::setProgress(double percent)
     const double left
         = whole > 0 ? static_cast<double>(m_encoding.elapsed()) * (100 - whole) / whole / 1000 : 0.0;
     if (m_isTerminal)
-        redraw(QCoreApplication::translate("vornic", "Writing the movie %1 %2 %, %3 left")
-                   .arg(bar(whole))
-                   .arg(whole, 3)
-                   .arg(minutesAndSeconds(left)));
+        standardError().redraw(QCoreApplication::translate("vornic", "Writing the movie %1 %2 %, %3 left")
+                                   .arg(bar(whole))
+                                   .arg(whole, 3)
+                                   .arg(minutesAndSeconds(left)));
     else if (whole / 10 != before / 10)
-        writeError(QCoreApplication::translate("vornic", "Writing the movie: %1 %, %2 left\n")
-                       .arg(whole)
-                       .arg(minutesAndSeconds(left)));
+        tell(QCoreApplication::translate("vornic", "Writing the movie: %1 %, %2 left")
+                 .arg(whole)
+                 .arg(minutesAndSeconds(left)));
 }
 
 void CommandLineFrontEnd::endProgress()
 {
     m_isWriting = false;
-    endRedrawnLine();
+    standardError().endRedrawnLine();
 }
 
 void CommandLineFrontEnd::recordingKept(const QString &id)
 {
-    endRedrawnLine();
-    writeError(QCoreApplication::translate(
-                   "vornic", "vornic: The recording is kept: vornic recover %1 makes the movie.\n")
-                   .arg(id));
+    tell(QCoreApplication::translate("vornic",
+                                     "vornic: The recording is kept: vornic recover %1 makes the movie.")
+             .arg(id));
 }
 
 void CommandLineFrontEnd::movieRenamed(const QString &meant, const QString &path)
@@ -173,14 +173,12 @@ void CommandLineFrontEnd::inhibitIdle(bool inhibits)
 
 void CommandLineFrontEnd::alert(const QString &message, const QString &informativeText)
 {
-    endRedrawnLine();
-    writeError(QStringLiteral("vornic: %1. %2.\n").arg(message, informativeText));
+    tell(QStringLiteral("vornic: %1. %2.").arg(message, informativeText));
 }
 
 void CommandLineFrontEnd::alertError(const QString &sentence)
 {
-    endRedrawnLine();
-    writeError(QStringLiteral("vornic: %1\n").arg(sentence));
+    tell(QStringLiteral("vornic: %1").arg(sentence));
 }
 
 } // namespace vornic

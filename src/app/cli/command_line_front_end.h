@@ -32,8 +32,14 @@ public:
 
     [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
 
-    /// The program was asked to end: tells how to end it while the movie is written, too.
-    void signalCame();
+    /// The program was asked to end: tells what is going on where it was asked before, and how to put the movie off
+    /// while it is written.
+    void endAsked();
+    /// The program was asked to leave everything for later.
+    void leaveAsked();
+    [[nodiscard]] bool isAskedToEnd() const { return m_isAskedToEnd; }
+    /// The user knows that to ask again puts the movie off.
+    [[nodiscard]] bool hasToldOfLater() const { return m_hasToldOfLater; }
 
     void askAboutFreeSpace(std::function<void(bool goOn)> answer) override;
     void runSavePanel(const QString &name,
@@ -44,6 +50,7 @@ public:
     void hideStopItem() override;
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;
+    void soundIsMissing(const std::function<void()> &goOn) override;
     void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;
@@ -54,13 +61,10 @@ public:
     void alertError(const QString &sentence) override;
 
 private:
-    void redraw(const QString &text);
-    void endRedrawnLine();
     void tellOfLater();
 
     CommandLine m_line;
     bool m_isTerminal;
-    bool m_lineIsOpen = false;
     QString m_lastTitle;
     QString m_room; ///< behind the clock; empty in the first second
     int m_lastPercent = -1;

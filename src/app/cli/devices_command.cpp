@@ -1,11 +1,13 @@
 #include "app/cli/devices_command.h"
 
+#include "app/cli/answer.h"
+#include "app/cli/exit_status.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
+#include "base/error_stream.h"
+#include "base/printable.h"
 
 #include <QCoreApplication>
-
-#include <cstdio>
 
 namespace vornic {
 
@@ -17,11 +19,13 @@ int runDevicesCommand()
         reason = QCoreApplication::translate("vornic",
                                              "There is no audio input device; is the sound server running?");
     if (!reason.isEmpty()) {
-        std::fprintf(stderr, "vornic: %s\n", reason.toLocal8Bit().constData());
-        return 1;
+        standardError().writeLine(QStringLiteral("vornic: ") + reason);
+        return exit_status::failed;
     }
-    std::printf("%s\n", names.join(u'\n').toLocal8Bit().constData());
-    return 0;
+    QString list;
+    for (const QString &name : names)
+        list += printable(name) + u'\n';
+    return answer(list.toUtf8(), exit_status::done, exit_status::failed);
 }
 
 } // namespace vornic

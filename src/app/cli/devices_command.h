@@ -2,7 +2,7 @@
 
 namespace vornic {
 
-/// Runs "vornic devices": the audio input devices, one a line; the exit status. Needs a QCoreApplication.
+/// Runs "vornic devices": the audio input devices, one a line; an exit_status. Needs a QCoreApplication.
 [[nodiscard]] int runDevicesCommand();
 
 } // namespace vornic

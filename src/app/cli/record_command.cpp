@@ -1,28 +1,30 @@
 #include "app/cli/record_command.h"
 
 #include "app/cli/command_line_front_end.h"
+#include "app/cli/exit_status.h"
+#include "app/cli/recording_deadline.h"
 #include "app/cli/run_session.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/left_behind.h"
 #include "app/session/output_check.h"
 #include "app/session/recording_session.h"
+#include "app/session/time_text.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
-#include "base/PKTimebase.h"
+#include "base/error_stream.h"
 #include "base/free_space.h"
 #include "base/native_path.h"
+#include "base/printable.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "display/display_backend.h"
 #include "options/VNOption.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <memory>
+#include <optional>
 
 namespace vornic {
 
@@ -63,11 +65,32 @@ QString whyNoSound(const CommandLine &line)
     if (devices.isEmpty())
         return QCoreApplication::translate("vornic",
                                            "There is no audio input device; is the sound server running?");
-    if (line.audioDevice.isEmpty() || devices.contains(line.audioDevice))
-        return {};
-    return QCoreApplication::translate("vornic",
-                                       "There is no audio input device \"%1\". Available devices:\n  %2")
-        .arg(line.audioDevice, devices.join(QStringLiteral("\n  ")));
+    return {};
+}
+
+/// Also by a name as "vornic devices" lists it, with its control characters written out; -1: it is not there.
+qsizetype indexOfDevice(const QStringList &names, const QString &wanted)
+{
+    if (const qsizetype index = names.indexOf(wanted); index >= 0)
+        return index;
+    const auto found = std::ranges::find(names, wanted, printable);
+    return found == names.end() ? -1 : found - names.begin();
+}
+
+bool isDeviceThere(const CommandLine &line)
+{
+    return !line.audio || line.audioDevice.isEmpty()
+        || indexOfDevice(mainAudioControl().inputDevicesName(), line.audioDevice) >= 0;
+}
+
+/// One a line.
+void tellOfDevices(const CommandLine &line, CommandLineFrontEnd &frontEnd)
+{
+    frontEnd.alertError(
+        QCoreApplication::translate("vornic", "There is no audio input device \"%1\". Available devices:")
+            .arg(line.audioDevice));
+    for (const QString &name : mainAudioControl().inputDevicesName())
+        standardError().writeLine(QStringLiteral("  ") + name);
 }
 
 /// Everything that can be known to go wrong before the recording starts.
@@ -111,26 +134,25 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
 void chooseAudioDevice(AudioInput &input, const CommandLine &line)
 {
     AudioDeviceList &list = input.devices();
-    const qsizetype index = list.titles().indexOf(line.audioDevice);
+    const qsizetype index = indexOfDevice(list.titles(), line.audioDevice);
     if (line.audio && index >= 0) {
         list.setIndexOfSelected(index);
         input.selAudioDevice();
     }
 }
 
-/// Stops \a session when the clock has run \a seconds: counted from the recording's origin, so that waiting
-/// for the sound does not eat into it.
-void stopAfter(RecordingSession &session, double seconds)
+/// What was asked for and is not in the movie, one sentence each.
+QStringList
+whatIsMissing(const CommandLine &line, const RecordingSession &session, bool ranOutOfTime, bool wasAskedToEnd)
 {
-    const auto startTimer = [&session, seconds](qint64 ticks) {
-        const double left = seconds - static_cast<double>(ticks) / static_cast<double>(PKTimebase);
-        QTimer::singleShot(std::chrono::milliseconds(static_cast<qint64>(std::max(0.0, left) * 1000)),
-                           Qt::PreciseTimer,
-                           &session,
-                           [&session] { session.stopRecord(); });
-    };
-    QObject::connect(
-        &session, &RecordingSession::clockTicked, &session, startTimer, Qt::SingleShotConnection);
+    QStringList sentences;
+    if (line.audio && session.counts().audioSeconds == 0)
+        sentences += QCoreApplication::translate("vornic", "The movie has no sound: none has come.");
+    if (line.durationSeconds && !ranOutOfTime && !wasAskedToEnd)
+        sentences += QCoreApplication::translate(
+                         "vornic", "The movie is shorter than %1 s: the recording ended earlier.")
+                         .arg(secondsText(*line.durationSeconds));
+    return sentences;
 }
 
 } // namespace
@@ -140,15 +162,27 @@ int runRecordCommand(const CommandLine &line)
     CommandLineFrontEnd frontEnd(line);
     if (const QString reason = whyNotRecord(line); !reason.isEmpty()) {
         frontEnd.alertError(reason);
-        return 1;
+        return exit_status::failed;
+    }
+    if (!isDeviceThere(line)) {
+        tellOfDevices(line, frontEnd);
+        return exit_status::failed;
     }
     cleanUpLeftBehind();
     const std::unique_ptr<VNOption> options = optionsFrom(line);
     RecordingSession session(frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
     chooseAudioDevice(session.audioInput(), line);
+    std::optional<RecordingDeadline> deadline;
     if (line.durationSeconds)
-        stopAfter(session, *line.durationSeconds);
-    return runSession(session, frontEnd, [&session] { session.recorded(); });
+        deadline.emplace(session, *line.durationSeconds);
+    const int status = runSession(session, frontEnd, [&session] { session.recorded(); });
+    if (status == exit_status::failed)
+        return status;
+    const QStringList missing
+        = whatIsMissing(line, session, deadline && deadline->isReached(), frontEnd.isAskedToEnd());
+    for (const QString &sentence : missing)
+        frontEnd.alertError(sentence);
+    return missing.isEmpty() ? status : exit_status::incomplete;
 }
 
 } // namespace vornic

@@ -5,7 +5,7 @@
 namespace vornic {
 
 /// Runs "vornic record": the same session as the window's, driven by flags. Needs a QCoreApplication on the
-/// calling thread and runs its loop. The exit status: 0 the movie is complete, 1 it failed.
+/// calling thread and runs its loop. An exit_status.
 [[nodiscard]] int runRecordCommand(const CommandLine &line);
 
 } // namespace vornic

@@ -1,13 +1,17 @@
 #include "app/cli/recover_command.h"
 
+#include "app/cli/answer.h"
 #include "app/cli/command_line_front_end.h"
+#include "app/cli/exit_status.h"
 #include "app/cli/run_session.h"
 #include "app/session/left_behind.h"
 #include "app/session/new_movie_file.h"
 #include "app/session/recording_session.h"
 #include "app/session/time_text.h"
 #include "base/PKTimebase.h"
+#include "base/error_stream.h"
 #include "base/native_path.h"
+#include "base/printable.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/stored_recordings.h"
 #include "options/VNOption.h"
@@ -16,21 +20,15 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace vornic {
 
 namespace {
 
-void print(const QString &line)
-{
-    std::printf("%s\n", line.toLocal8Bit().constData());
-}
-
 int fail(CommandLineFrontEnd &frontEnd, const QString &sentence)
 {
     frontEnd.alertError(sentence);
-    return 1;
+    return exit_status::failed;
 }
 
 QString sizeOf(const StoredRecording &recording)
@@ -61,16 +59,15 @@ QString listed(const StoredRecording &recording)
 
 int list(const QList<StoredRecording> &recordings)
 {
+    QString text;
     for (const StoredRecording &recording : recordings)
-        print(listed(recording));
+        text += printable(listed(recording)) + u'\n';
     // Not where a script reads the list.
     if (recordings.isEmpty())
-        std::fprintf(stderr,
-                     "vornic: %s\n",
-                     QCoreApplication::translate("vornic", "There is no unfinished recording.")
-                         .toLocal8Bit()
-                         .constData());
-    return 0;
+        standardError().writeLine(
+            QStringLiteral("vornic: ")
+            + QCoreApplication::translate("vornic", "There is no unfinished recording."));
+    return answer(text.toUtf8(), exit_status::done, exit_status::failed);
 }
 
 /// The recordings that \a line means: also by the beginning of an id, but what is deleted is called by its whole name.
@@ -96,12 +93,12 @@ int deleteRecording(const StoredRecording &recording, CommandLineFrontEnd &front
     QString whyNot;
     if (!deleteStoredRecording(VNBufferMgr::cachePath(), recording.id, whyNot))
         return fail(frontEnd, whyNot);
-    print(recording.isReadable
-              ? QCoreApplication::translate("vornic", "Deleted the recording %1: %2 from %3.")
-                    .arg(recording.id, lengthOf(recording), startOf(recording))
-              : QCoreApplication::translate("vornic", "Deleted the recording %1, which could not be read.")
-                    .arg(recording.id));
-    return 0;
+    const QString told = recording.isReadable
+        ? QCoreApplication::translate("vornic", "Deleted the recording %1: %2 from %3.")
+              .arg(recording.id, lengthOf(recording), startOf(recording))
+        : QCoreApplication::translate("vornic", "Deleted the recording %1, which could not be read.")
+              .arg(recording.id);
+    return answer(printable(told).toUtf8() + '\n', exit_status::done, exit_status::failed);
 }
 
 int makeMovie(const StoredRecording &recording, const CommandLine &line, CommandLineFrontEnd &frontEnd)

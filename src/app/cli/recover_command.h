@@ -5,7 +5,7 @@
 namespace vornic {
 
 /// Runs "vornic recover": lists the unfinished recordings, deletes one, or makes its movie. Needs a QCoreApplication
-/// on the calling thread, and no display. The exit status: 0 it is done, 1 it failed.
+/// on the calling thread, and no display. An exit_status.
 [[nodiscard]] int runRecoverCommand(const CommandLine &line);
 
 } // namespace vornic

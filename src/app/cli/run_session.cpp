@@ -1,13 +1,12 @@
 #include "app/cli/run_session.h"
 
+#include "app/cli/answer.h"
 #include "app/cli/command_line_front_end.h"
+#include "app/cli/exit_status.h"
 #include "app/session/recording_session.h"
 #include "app/session/unix_signals.h"
-#include "base/native_path.h"
 
 #include <QCoreApplication>
-
-#include <cstdio>
 
 namespace vornic {
 
@@ -23,15 +22,22 @@ QString describeCounts(const RecordingCounts &counts)
         .arg(counts.audioSeconds, 0, 'f', 1);
 }
 
-} // namespace
-
-int runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std::function<void()> &begin)
+void runLoop(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std::function<void()> &begin)
 {
     const UnixSignals signalled;
+    QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, [&session, &frontEnd] {
+        const bool knowsOfLater = frontEnd.hasToldOfLater();
+        frontEnd.endAsked();
+        if (session.phase() != RecordingSession::Phase::Writing)
+            session.terminate();
+        else if (knowsOfLater)
+            session.later();
+    });
+    QObject::connect(&signalled, &UnixSignals::leaveAsked, &session, [&session, &frontEnd] {
+        frontEnd.leaveAsked();
+        session.leave();
+    });
     const auto terminate = [&session] { session.terminate(); };
-    QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, terminate);
-    QObject::connect(
-        &signalled, &UnixSignals::terminationAsked, &session, [&frontEnd] { frontEnd.signalCame(); });
     QObject::connect(&session, &RecordingSession::recordingRefused, &session, terminate);
     QObject::connect(&session, &RecordingSession::stateChanged, &session, [&session] {
         if (!session.isRecording())
@@ -44,14 +50,20 @@ int runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const s
                      Qt::QueuedConnection);
     begin();
     QCoreApplication::exec();
+}
 
+} // namespace
+
+int runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std::function<void()> &begin)
+{
+    runLoop(session, frontEnd, begin);
     const RecordingCounts counts = session.counts();
     if (!session.failure().isEmpty() || counts.framesWritten == 0)
-        return 1;
-    std::printf("%s\n%s\n",
-                describeCounts(counts).toUtf8().constData(),
-                nativePath(session.outfileName()).constData());
-    return 0;
+        return exit_status::failed;
+    // Signals end the program again, should nobody read this.
+    return answer(describeCounts(counts).toUtf8() + '\n' + pathForAnswer(session.outfileName()) + '\n',
+                  exit_status::done,
+                  exit_status::incomplete);
 }
 
 } // namespace vornic

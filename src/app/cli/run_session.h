@@ -8,8 +8,8 @@ class CommandLineFrontEnd;
 class RecordingSession;
 
 /// Runs the main loop from \a begin until \a session has come to its end, and prints the movie that it has made. Signals
-/// end it earlier. Needs a QCoreApplication on the calling thread. The exit status: 0 the movie is complete, 1 there is
-/// none.
+/// end it earlier. Needs a QCoreApplication on the calling thread. An exit_status: done, failed, or incomplete where the
+/// movie could not be told of.
 [[nodiscard]] int
 runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std::function<void()> &begin);
 

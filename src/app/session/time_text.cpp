@@ -2,6 +2,8 @@
 
 #include "base/PKTimebase.h"
 
+#include <QLocale>
+
 namespace vornic {
 
 QString stringFromeTimestamp(std::int64_t timestamp)
@@ -13,6 +15,11 @@ QString stringFromeTimestamp(std::int64_t timestamp)
                              static_cast<long long>(hours),
                              static_cast<long long>(minutes),
                              static_cast<long long>(seconds - hours * 3600 - minutes * 60));
+}
+
+QString secondsText(double seconds)
+{
+    return QString::number(seconds, 'f', QLocale::FloatingPointShortest);
 }
 
 QString minutesAndSeconds(double seconds)

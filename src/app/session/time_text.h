@@ -9,6 +9,9 @@ namespace vornic {
 /// A time in PKTimebase ticks as hours, minutes and seconds, "00:00:00"; hours are not limited to two digits.
 [[nodiscard]] QString stringFromeTimestamp(std::int64_t timestamp);
 
+/// A number of seconds as it was given: "0.5", "31536000".
+[[nodiscard]] QString secondsText(double seconds);
+
 /// "1:05"; minutes are not limited.
 [[nodiscard]] QString minutesAndSeconds(double seconds);
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+
+namespace vornic {
+
+class RecordingSession;
+
+/// Ends a recording when its time is over, whatever becomes of it.
+///
+/// Made by "vornic record" for --duration; lives on the main thread. The time counts from the start of the recording,
+/// and once more from its first picture, so that waiting for the sound does not eat into it; but sound that never
+/// comes prolongs nothing.
+class RecordingDeadline : public QObject
+{
+public:
+    /// Borrows \a session for life.
+    RecordingDeadline(RecordingSession &session, double seconds);
+
+    /// The recording was as long as it was to be.
+    [[nodiscard]] bool isReached() const { return m_isReached; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void endAt(Clock::time_point time);
+    void look();
+
+    RecordingSession &m_session;
+    double m_seconds;
+    Clock::time_point m_end;
+    QTimer m_timer;
+    bool m_isReached = false;
+};
+
+} // namespace vornic

@@ -1,0 +1,108 @@
+#include "app/cli/recording_deadline.h"
+#include "app/session/recording_session.h"
+#include "app/session/session_fakes.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "display/fake_display.h"
+#include "support/wait_until.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace vornic {
+namespace {
+
+using test::waitUntil;
+
+/// A recording of a small fake display that is to end by itself.
+class RecordingDeadlineTest : public ::testing::Test
+{
+protected:
+    RecordingDeadlineTest()
+    {
+        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
+        setMainDisplay(display);
+        frontEnd.path = folder.filePath("movie.mp4");
+    }
+    ~RecordingDeadlineTest() override
+    {
+        deadline.reset();
+        session.reset();
+        setMainDisplay(nullptr);
+    }
+
+    void record(double seconds)
+    {
+        session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
+        session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
+        options.setEnableAudio(!audioControl.names.isEmpty());
+        deadline = std::make_unique<RecordingDeadline>(*session, seconds);
+        session->recorded();
+        ASSERT_TRUE(waitUntil([this] { return session->isRecording(); }));
+        sinceStart.start();
+    }
+    bool hasEnded()
+    {
+        return waitUntil([this] { return !session->isRecording(); });
+    }
+
+    int argc = 1;
+    char name[5] = "test";
+    char *argv[2] = { name, nullptr };
+    QCoreApplication application { argc, argv };
+    QTemporaryDir folder;
+    std::shared_ptr<FakeDisplay> display = std::make_shared<FakeDisplay>(QSize(64, 48));
+    FakeFrontEnd frontEnd;
+    VNOption options;
+    FakeAudioControl audioControl;
+    QElapsedTimer sinceStart;
+    std::unique_ptr<RecordingSession> session;
+    std::unique_ptr<RecordingDeadline> deadline;
+};
+
+TEST_F(RecordingDeadlineTest, ItEndsTheRecording)
+{
+    record(0.3);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(deadline->isReached());
+    EXPECT_GT(session->counts().framesWritten, 2U);
+}
+
+TEST_F(RecordingDeadlineTest, ItEndsARecordingThatWaitsForSoundToo)
+{
+    audioControl.names += "Microphone";
+    record(0.3);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(deadline->isReached());
+    EXPECT_EQ(session->counts().framesWritten, 1U);
+}
+
+TEST_F(RecordingDeadlineTest, WhatWasWaitedForSoundThatCameDoesNotCount)
+{
+    audioControl.names += "Microphone";
+    record(0.4);
+    ASSERT_TRUE(waitUntil([this] { return sinceStart.elapsed() >= 200; }));
+    const QByteArray samples(1920, '\0');
+    audioControl.recorder->deliver(samples.constData(), 1920);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_GE(sinceStart.elapsed(), 560) << "0.4 s from the first picture on";
+    EXPECT_GT(session->counts().framesWritten, 2U);
+}
+
+TEST_F(RecordingDeadlineTest, ARecordingThatEndedBeforeDidNotReachIt)
+{
+    // The movie is not ready before the time is over.
+    frontEnd.onProgress = [this] { waitUntil([this] { return sinceStart.elapsed() >= 700; }); };
+    record(0.5);
+    ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 2; }));
+    display->setRefusesGrabs(true);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_FALSE(deadline->isReached());
+}
+
+} // namespace
+} // namespace vornic
