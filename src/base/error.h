@@ -9,6 +9,7 @@ enum class ErrorKind {
     Unavailable,      ///< this system lacks it: trying again does not help
     Unsupported,      ///< there is no such thing: a mistake of the caller
     PermissionDenied, ///< another place may do
+    ReadOnlyVolume,   ///< another place may do
     FolderMissing,    ///< another place may do
     DiskFull,         ///< another place may do
     FileTooLarge,     ///< for the file system: another place may do

@@ -38,8 +38,8 @@ void releasePixels(void *opaque, std::uint8_t *)
 QString avErrorText(int error)
 {
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text {};
-    av_strerror(error, text.data(), text.size());
-    return QString::fromUtf8(text.data());
+    const bool isKnown = error != AVERROR_UNKNOWN && av_strerror(error, text.data(), text.size()) == 0;
+    return isKnown ? QString::fromUtf8(text.data()) : QString();
 }
 
 void routeAvLog()

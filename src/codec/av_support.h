@@ -34,7 +34,7 @@ struct AvDeleter {
 template<typename T>
 using AvPtr = std::unique_ptr<T, AvDeleter>;
 
-/// What the media libraries call one of their error numbers.
+/// What the media libraries call one of their error numbers; empty where they do not know either.
 [[nodiscard]] QString avErrorText(int error);
 
 /// Sends the errors that the media libraries report to our log, and drops their other messages.

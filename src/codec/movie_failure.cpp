@@ -18,8 +18,9 @@ ErrorKind kindOf(int number)
         return ErrorKind::FileTooLarge;
     case EACCES:
     case EPERM:
-    case EROFS:
         return ErrorKind::PermissionDenied;
+    case EROFS:
+        return ErrorKind::ReadOnlyVolume;
     case ENOENT:
     case ENOTDIR:
         return ErrorKind::FolderMissing;

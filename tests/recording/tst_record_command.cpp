@@ -256,6 +256,28 @@ TEST_F(RecordCommandTest, AServerThatDiesLeavesWhatWasRecorded)
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 0) << result.error.toStdString();
     EXPECT_GT(secondsOf(movie()), 0.4);
+    EXPECT_TRUE(
+        result.error.contains("vornic: Failed to shot screen buffer.\n"
+                              "vornic: The display is gone: the recording ends with what it holds.\n"))
+        << result.error.toStdString();
+}
+
+TEST_F(RecordCommandTest, ARecordingThatEndsBeforeItsTimeIsToldSo)
+{
+    startServer({ 320, 240 });
+    const auto process = startVornic({ "record", "--ignore-low-space", "--duration", "600", "o.mp4" });
+    QString error;
+    ASSERT_TRUE(waitForText(*process, "00:00:00", error));
+    letPass(std::chrono::milliseconds(300));
+    painter.reset();
+    server->kill();
+    const Result result = finish(*process);
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
+    EXPECT_TRUE(
+        result.error.endsWith("vornic: The movie is shorter than 600 s: the recording ended earlier.\n"))
+        << result.error.toStdString();
+    EXPECT_GT(secondsOf(movie()), 0.1);
 }
 
 } // namespace

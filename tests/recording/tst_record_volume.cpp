@@ -62,7 +62,7 @@ TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpool
     const Result result = inVolume(gibibyte + gibibyte / 128,
                                    "XDG_CACHE_HOME=$PWD/volume " + program
                                        + " record --ignore-low-space --duration 60 o.mp4");
-    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    ASSERT_EQ(result.status, 3) << result.error.toStdString();
     EXPECT_TRUE(result.error.contains("Disk free space is too low")) << result.error.toStdString();
     const double seconds = secondsOf(movie());
     EXPECT_GT(seconds, 0.3);
@@ -109,7 +109,10 @@ TEST_F(SmallVolumeTest, ASpoolThatCannotGrowEndsTheRecordingNormally)
         "sh",
         { "-c", "ulimit -f 20000; exec " + program + " record --ignore-low-space --duration 60 o.mp4" });
     const Result result = finish(*process);
-    EXPECT_EQ(result.status, 0) << result.error.toStdString();
+    EXPECT_EQ(result.status, 3) << result.error.toStdString();
+    EXPECT_TRUE(result.error.contains("disk space is insufficient. There is a limit on the size of files, "
+                                      "and the recording has reached it.\n"))
+        << result.error.toStdString();
     EXPECT_LT(secondsOf(movie()), 55.0);
     EXPECT_EQ(result.output.split(' ')[0], result.output.split(' ')[3]);
 }

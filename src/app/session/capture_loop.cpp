@@ -1,6 +1,7 @@
 #include "app/session/capture_loop.h"
 
 #include "app/session/audio_input.h"
+#include "app/session/end_text.h"
 #include "app/session/recording.h"
 #include "app/session/recording_settings.h"
 #include "base/log.h"
@@ -75,6 +76,7 @@ void CaptureLoop::pass()
         : m_tools.display().readPartScreen(m_rectangle);
     if (!image) {
         logMessage(QStringLiteral("Failed to shot screen buffer."));
+        logMessage(whyNoPicture(m_rectangle));
         spool.setExit(true);
     } else if (!keepFrame(std::move(image))) {
         schedule(audioWait);

@@ -3,6 +3,7 @@
 #include "base/error.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 namespace vornic {
@@ -29,22 +30,36 @@ QString unsupportedText(const Error &error)
         .arg(error.name);
 }
 
+/// Of the file, by a name that means something wherever it is read.
+QString folderOf(const Error &error)
+{
+    return QDir::cleanPath(QFileInfo(error.name).absolutePath());
+}
+
+/// The system, or a library, does not tell one every time.
+QString reasonOf(const Error &error)
+{
+    return error.reason.isEmpty() ? QCoreApplication::translate("vornic", "no reason was given")
+                                  : error.reason;
+}
+
 QString videoEncoderText(const Error &error)
 {
     if (error.name.isEmpty())
-        return QCoreApplication::translate("vornic", "The video encoder failed: %1.").arg(error.reason);
+        return QCoreApplication::translate("vornic", "The video encoder failed: %1.").arg(reasonOf(error));
     return QCoreApplication::translate("vornic", "The video encoder cannot make a movie of %1 pixels: %2.")
-        .arg(error.name, error.reason);
+        .arg(error.name, reasonOf(error));
 }
 
 QString failedText(const Error &error)
 {
     if (error.subject == ErrorSubject::AudioEncoder)
-        return QCoreApplication::translate("vornic", "The sound could not be encoded: %1.").arg(error.reason);
+        return QCoreApplication::translate("vornic", "The sound could not be encoded: %1.")
+            .arg(reasonOf(error));
     if (error.subject == ErrorSubject::VideoEncoder)
         return videoEncoderText(error);
     return QCoreApplication::translate("vornic", "The movie could not be written to %1: %2.")
-        .arg(error.name, error.reason);
+        .arg(error.name, reasonOf(error));
 }
 
 } // namespace
@@ -59,18 +74,21 @@ QString errorText(const Error &error)
     case ErrorKind::PermissionDenied:
         return QCoreApplication::translate("vornic",
                                            "You have no permission to write movies to the folder %1.")
-            .arg(QFileInfo(error.name).path());
+            .arg(folderOf(error));
+    case ErrorKind::ReadOnlyVolume:
+        return QCoreApplication::translate("vornic", "The folder %1 lies on a volume that can only be read.")
+            .arg(folderOf(error));
     case ErrorKind::FolderMissing:
-        return QCoreApplication::translate("vornic", "The folder %1 does not exist.")
-            .arg(QFileInfo(error.name).path());
+        return QCoreApplication::translate("vornic", "The folder %1 does not exist.").arg(folderOf(error));
     case ErrorKind::DiskFull:
         return QCoreApplication::translate("vornic",
                                            "The disk is full: the movie could not be written to %1.")
             .arg(error.name);
     case ErrorKind::FileTooLarge:
-        return QCoreApplication::translate(
-                   "vornic",
-                   "The movie is larger than the file system allows: it could not be written to %1.")
+        return QCoreApplication::translate("vornic",
+                                           "The movie is larger than the file system, or a limit of this "
+                                           "session, allows: it could not "
+                                           "be written to %1.")
             .arg(error.name);
     case ErrorKind::NotAFile:
         return QCoreApplication::translate("vornic", "%1 is no ordinary file; the movie needs another name.")

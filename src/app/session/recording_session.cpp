@@ -4,6 +4,7 @@
 #include "app/session/audio_input.h"
 #include "app/session/desktop_services.h"
 #include "app/session/disk_watch.h"
+#include "app/session/end_text.h"
 #include "app/session/error_text.h"
 #include "app/session/movie_job.h"
 #include "app/session/new_movie_file.h"
@@ -329,8 +330,11 @@ void RecordingSession::goOnWithoutSound()
 
 void RecordingSession::spoolFull()
 {
-    m_frontEnd.questions.alert(tr("Disk free space is too low"),
-                               tr("It will terminate recording because of disk space is insufficient"));
+    QString text = tr("It will terminate recording because of disk space is insufficient");
+    // It is not the space alone that keeps a file from growing.
+    if (const QString reason = whySpoolingFailed(m_spool->writeError()); !reason.isEmpty())
+        text += QStringLiteral(". ") + reason;
+    m_frontEnd.questions.alert(tr("Disk free space is too low"), text);
 }
 
 void RecordingSession::captureEnded(const CaptureLoop &loop)

@@ -439,6 +439,18 @@ bool VNBufferMgr::writeFailed() const
         || (open.journal && open.journal->writeFailed());
 }
 
+int VNBufferMgr::writeError() const
+{
+    const Open open = opened();
+    if (!open.folder)
+        return 0;
+    for (const auto &file : { open.folder->video(), open.folder->audio(), open.folder->journal() }) {
+        if (const int error = file ? file->firstError() : 0; error != 0)
+            return error;
+    }
+    return 0;
+}
+
 QString VNBufferMgr::descriptionOfFreeSpaceRequired()
 {
     return QStringLiteral("25GBytes");

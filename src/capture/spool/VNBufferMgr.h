@@ -105,6 +105,8 @@ public:
     void keepFreeForMovie(std::uint64_t bytes) { m_movieBytes = bytes; }
     /// A spool or the journal could not be written; what was pushed is still in memory and can be popped.
     [[nodiscard]] bool writeFailed() const;
+    /// Why, as the system's number; 0 where that is not known.
+    [[nodiscard]] int writeError() const;
     /// Bytes.
     [[nodiscard]] static std::uint64_t freeSpaceRequired() { return 10'737'418'240; }
     /// For the user; says more than is asked for.

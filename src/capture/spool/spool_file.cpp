@@ -61,7 +61,7 @@ bool SpoolFile::write(std::uint64_t offset, QByteArrayView bytes)
         if (written > 0) {
             done += written;
         } else if (written == 0 || errno != EINTR) {
-            logMessage(QStringLiteral("Failed to write the spool: %1").arg(qt_error_string()));
+            fail("write");
             if (::ftruncate(m_descriptor, static_cast<off_t>(offset)) != 0)
                 logMessage(QStringLiteral("Failed to cut the spool off: %1").arg(qt_error_string()));
             return false;
@@ -95,7 +95,15 @@ bool SpoolFile::sync()
     // Some file systems cannot sync; what was written is still there.
     if (::fdatasync(m_descriptor) == 0 || errno == EINVAL || errno == ENOTSUP)
         return true;
-    logMessage(QStringLiteral("Failed to sync the spool: %1").arg(qt_error_string()));
+    return fail("sync");
+}
+
+/// Always false; errno tells why.
+bool SpoolFile::fail(const char *what)
+{
+    int none = 0;
+    m_firstError.compare_exchange_strong(none, errno);
+    logMessage(QStringLiteral("Failed to %1 the spool: %2").arg(QLatin1StringView(what), qt_error_string()));
     return false;
 }
 

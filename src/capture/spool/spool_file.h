@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -36,6 +37,8 @@ public:
     [[nodiscard]] QByteArray read(std::uint64_t offset, std::uint64_t length) const;
     /// What was written survives a loss of power once this returns true. Blocks until the disk has it.
     [[nodiscard]] bool sync();
+    /// The number that the system gave for the first write() or sync() that failed; 0 where none has.
+    [[nodiscard]] int firstError() const { return m_firstError; }
     /// Keeps others from locking the file for as long as this object lives; false when another object holds it.
     [[nodiscard]] bool lock();
 
@@ -45,7 +48,10 @@ private:
     {
     }
 
+    bool fail(const char *what);
+
     int m_descriptor;
+    std::atomic<int> m_firstError = 0;
 };
 
 } // namespace vornic

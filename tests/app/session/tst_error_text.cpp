@@ -2,6 +2,7 @@
 #include "base/error.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QTranslator>
 
 #include <gtest/gtest.h>
@@ -34,11 +35,14 @@ const std::array rows {
           "There is no movie format with the number 2." },
     Row { { PermissionDenied, File, movie, reason },
           "You have no permission to write movies to the folder /x." },
+    Row { { ReadOnlyVolume, File, movie, reason }, "The folder /x lies on a volume that can only be read." },
     Row { { FolderMissing, File, movie, reason }, "The folder /x does not exist." },
     Row { { DiskFull, File, movie, reason },
           "The disk is full: the movie could not be written to /x/o.mp4." },
     Row { { FileTooLarge, File, movie, reason },
-          "The movie is larger than the file system allows: it could not be written to /x/o.mp4." },
+          "The movie is larger than the file system, or a limit of this session, allows: it could not be "
+          "written to "
+          "/x/o.mp4." },
     Row { { OutOfMemory, File, movie, {} }, "There is not enough memory to write the movie." },
     Row { { Incomplete, File, movie, QStringLiteral("30 of 31 frames") },
           "The movie that was written to /x/o.mp4 is not whole." },
@@ -46,6 +50,7 @@ const std::array rows {
     Row { { Empty, Recording, {}, {} }, "The recording holds no frames." },
     Row { { Failed, File, movie, reason },
           "The movie could not be written to /x/o.mp4: Input/output error." },
+    Row { { Failed, File, movie, {} }, "The movie could not be written to /x/o.mp4: no reason was given." },
     Row { { Failed, VideoEncoder, {}, reason }, "The video encoder failed: Input/output error." },
     Row { { Failed, VideoEncoder, QStringLiteral("0 x 48"), reason },
           "The video encoder cannot make a movie of 0 x 48 pixels: Input/output error." },
@@ -56,6 +61,16 @@ TEST(ErrorText, everyErrorHasItsSentence)
 {
     for (const Row &row : rows)
         EXPECT_EQ(errorText(row.error).toStdString(), row.sentence);
+}
+
+TEST(ErrorText, aFolderIsNamedSoThatItCanBeFound)
+{
+    const std::string above = QDir::cleanPath(QDir::current().absoluteFilePath("..")).toStdString();
+    for (const ErrorKind kind : { PermissionDenied, ReadOnlyVolume, FolderMissing }) {
+        const std::string sentence
+            = errorText({ kind, File, QStringLiteral("../o.mp4"), reason }).toStdString();
+        EXPECT_NE(sentence.find("he folder " + above), std::string::npos) << sentence;
+    }
 }
 
 TEST(ErrorText, everySentenceIsTranslated)
