@@ -1,6 +1,7 @@
 #include "app/window/alert_box.h"
 
 #include "app/window/headings.h"
+#include "base/printable.h"
 #include "controls/push_button.h"
 #include "controls/skin_colors.h"
 #include "controls/window_background.h"
@@ -8,6 +9,8 @@
 #include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace vornic {
 
@@ -28,7 +31,9 @@ QString withWholePaths(QString text)
 
 QLabel *makeLabel(const QString &text, bool isHeading)
 {
-    auto *label = new QLabel(withWholePaths(text));
+    QStringList lines = text.split(u'\n');
+    std::ranges::transform(lines, lines.begin(), printable);
+    auto *label = new QLabel(withWholePaths(lines.join(u'\n')));
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setMinimumWidth(textWidth);
@@ -76,7 +81,7 @@ AlertBox::AlertBox(QWidget *parent, Kind kind, const QString &message, const QSt
     : QDialog(parent)
 {
     const bool isFailure = kind == Kind::Failure;
-    setWindowTitle(isFailure ? whatFailed(informativeText) : QStringLiteral("Vornic"));
+    setWindowTitle(isFailure ? printable(whatFailed(informativeText)) : QStringLiteral("Vornic"));
     auto *background = new WindowBackground(this);
     auto *outer = new QVBoxLayout(this);
     outer->setContentsMargins({});

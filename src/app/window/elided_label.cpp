@@ -1,5 +1,7 @@
 #include "app/window/elided_label.h"
 
+#include "base/printable.h"
+
 #include <QPainter>
 
 namespace vornic {
@@ -13,8 +15,8 @@ ElidedLabel::ElidedLabel(QWidget *parent)
 
 void ElidedLabel::showText(const QString &text, const QString &details)
 {
-    m_details = details;
-    setText(text);
+    m_details = printable(details);
+    setText(printable(text));
     showToolTip();
 }
 
