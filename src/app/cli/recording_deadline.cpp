@@ -11,6 +11,8 @@ namespace {
 
 /// The toolkit's timers count their milliseconds in 32 bits.
 constexpr std::chrono::hours longestTimer(1);
+/// A device that has to wake up first takes a second or two.
+constexpr std::chrono::seconds timeForSound(3);
 
 std::chrono::steady_clock::duration durationOf(double seconds)
 {
@@ -22,23 +24,38 @@ std::chrono::steady_clock::duration durationOf(double seconds)
 
 RecordingDeadline::RecordingDeadline(RecordingSession &session, double seconds)
     : m_session(session)
-    , m_seconds(seconds)
+    , m_length(durationOf(seconds))
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &RecordingDeadline::look);
     connect(&session, &RecordingSession::stateChanged, this, [this] {
         if (m_session.isRecording())
-            endAt(Clock::now() + durationOf(m_seconds));
+            begin();
         else
             m_timer.stop();
     });
-    const auto firstPicture = [this](qint64 ticks) {
-        if (!m_session.goesOnWithoutSound())
-            endAt(Clock::now()
-                  + durationOf(m_seconds - static_cast<double>(ticks) / static_cast<double>(PKTimebase)));
-    };
-    connect(&session, &RecordingSession::clockTicked, this, firstPicture, Qt::SingleShotConnection);
+    connect(&session,
+            &RecordingSession::clockTicked,
+            this,
+            &RecordingDeadline::firstPictureIsKept,
+            Qt::SingleShotConnection);
+}
+
+void RecordingDeadline::begin()
+{
+    m_start = Clock::now();
+    m_beganWithSound = m_session.countsOnSound();
+    endAt(m_start + (m_beganWithSound ? std::max<Clock::duration>(m_length, timeForSound) : m_length));
+}
+
+void RecordingDeadline::firstPictureIsKept(qint64 timestamp)
+{
+    if (m_beganWithSound && !m_session.countsOnSound())
+        endAt(m_start + m_length);
+    else
+        endAt(Clock::now() + m_length
+              - durationOf(static_cast<double>(timestamp) / static_cast<double>(PKTimebase)));
 }
 
 /// Through the event loop even when it is past: the session may be in the middle of its start.

@@ -12,8 +12,8 @@ class RecordingSession;
 /// Ends a recording when its time is over, whatever becomes of it.
 ///
 /// Made by "vornic record" for --duration; lives on the main thread. The time counts from the start of the recording,
-/// and once more from its first picture, so that waiting for the sound does not eat into it; but sound that never
-/// comes prolongs nothing.
+/// and once more from its first picture, so that waiting for the sound does not eat into it. Sound that never comes
+/// prolongs nothing, but it has three seconds to come.
 class RecordingDeadline : public QObject
 {
 public:
@@ -26,12 +26,16 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void begin();
+    void firstPictureIsKept(qint64 timestamp);
     void endAt(Clock::time_point time);
     void look();
 
     RecordingSession &m_session;
-    double m_seconds;
+    Clock::duration m_length;
+    Clock::time_point m_start;
     Clock::time_point m_end;
+    bool m_beganWithSound = false;
     QTimer m_timer;
     bool m_isReached = false;
 };

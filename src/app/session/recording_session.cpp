@@ -365,9 +365,9 @@ void RecordingSession::stopWithAPicture()
     stopRecord();
 }
 
-bool RecordingSession::goesOnWithoutSound() const
+bool RecordingSession::countsOnSound() const
 {
-    return m_recording->hasSound && !m_recording->clock.awaitsSound();
+    return m_recording->clock.awaitsSound();
 }
 
 // ---- the movie

@@ -83,8 +83,8 @@ public:
     void stopRecord();
     /// The same, but where no picture is kept yet, it ends with the first one, and sound is not waited for.
     void stopWithAPicture();
-    /// No sound has come, and it is not waited for any more.
-    [[nodiscard]] bool goesOnWithoutSound() const;
+    /// There is sound, or it is still waited for.
+    [[nodiscard]] bool countsOnSound() const;
     /// Writes the movie of the recording that is captured; no more than once.
     void executeStopRecord();
     void recordcomplete();

@@ -79,6 +79,20 @@ TEST_F(RecordingDeadlineTest, ItEndsARecordingThatWaitsForSoundToo)
     ASSERT_TRUE(hasEnded());
     EXPECT_TRUE(deadline->isReached());
     EXPECT_EQ(session->counts().framesWritten, 1U);
+    EXPECT_GE(sinceStart.elapsed(), 2900) << "sound has some time to come";
+}
+
+TEST_F(RecordingDeadlineTest, SoundThatIsGivenUpProlongsNothing)
+{
+    audioControl.names += "Microphone";
+    record(6);
+    ASSERT_TRUE(waitUntil([this] { return static_cast<bool>(frontEnd.goOnWithoutSound); }));
+    const double waited = static_cast<double>(sinceStart.elapsed()) / 1000;
+    frontEnd.goOnWithoutSound();
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(deadline->isReached());
+    EXPECT_LT(static_cast<double>(session->counts().framesWritten), 30 * (6 - waited) + 10)
+        << "what was left of the six seconds, at 30 pictures a second";
 }
 
 TEST_F(RecordingDeadlineTest, WhatWasWaitedForSoundThatCameDoesNotCount)

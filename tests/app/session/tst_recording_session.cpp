@@ -300,9 +300,9 @@ TEST_F(RecordingSessionTest, WhoseTimeIsOverBeforeSoundComesHoldsAPictureWithout
     options.setEnableAudio(true);
     session->recorded();
     ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
-    EXPECT_FALSE(session->goesOnWithoutSound());
+    EXPECT_TRUE(session->countsOnSound());
     session->stopWithAPicture();
-    EXPECT_TRUE(session->goesOnWithoutSound());
+    EXPECT_FALSE(session->countsOnSound());
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_EQ(session->failure(), "");
     EXPECT_EQ(session->counts().framesWritten, 1U);
