@@ -105,6 +105,7 @@ public:
     void stopRecord() { m_session->stopRecord(); }
     void recover(const QString &id, const QString &file) { m_session->recover(id, file); }
     void later() { m_session->later(); }
+    [[nodiscard]] QString leaveRecording() { return m_session->leaveRecording(); }
     void executeStopRecord() { m_session->executeStopRecord(); }
     void recordcomplete() { m_session->recordcomplete(); }
     void showStopRecordingBtn() { m_session->showStopRecordingBtn(); }

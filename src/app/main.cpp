@@ -10,6 +10,7 @@
 #include "app/window/window_program.h"
 #include "base/error_stream.h"
 #include "base/exception_text.h"
+#include "base/exit_guard.h"
 #include "base/log.h"
 #include "base/native_path.h"
 #include "base/standard_output.h"
@@ -127,6 +128,7 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
             return 1;
         }
     }
+    ExitGuard guard;
     GuardedApplication<QApplication> application(argc, argv);
     const Translations translations;
     return statusOf([&] {
@@ -137,7 +139,10 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
         setAppearance();
         const UnixSignals signalled;
         WindowProgram program(application, signalled, instance);
-        return program.run(actionFor(line.task), movieFile(line));
+        guard.setLastWork([&program] { return program.endWithoutDisplay(); });
+        const int status = program.run(actionFor(line.task), movieFile(line));
+        guard.setLastWork([status] { return status; });
+        return status;
     });
 }
 

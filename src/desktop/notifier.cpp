@@ -34,6 +34,27 @@ QString bodyOf(const Notification &notification, const QStringList &capabilities
     return isMarkup ? notification.body.toHtmlEscaped() : notification.body;
 }
 
+QStringList capabilitiesIn(const QDBusMessage &answer)
+{
+    return isReply(answer) ? answer.arguments().value(0).toStringList() : QStringList();
+}
+
+QDBusMessage notifyCall(const Notification &notification, const QStringList &capabilities)
+{
+    constexpr uint replacesNothing = 0;
+    constexpr int defaultExpiry = -1;
+    QDBusMessage call = methodCall(QStringLiteral("Notify"));
+    call.setArguments({ QStringLiteral("Vornic"),
+                        replacesNothing,
+                        applicationId(),
+                        notification.title,
+                        bodyOf(notification, capabilities),
+                        actionsOf(notification, capabilities),
+                        QVariantMap { { QStringLiteral("desktop-entry"), applicationId() } },
+                        defaultExpiry });
+    return call;
+}
+
 } // namespace
 
 Notifier::Notifier(QObject *parent)
@@ -64,28 +85,27 @@ void Notifier::listen()
 void Notifier::show(const Notification &notification)
 {
     listen();
-    callLater(sessionBus(),
-              methodCall(QStringLiteral("GetCapabilities")),
-              this,
-              [this, notification](const QDBusMessage &answer) {
-                  send(notification,
-                       isReply(answer) ? answer.arguments().value(0).toStringList() : QStringList());
-              });
+    callLater(
+        sessionBus(),
+        methodCall(QStringLiteral("GetCapabilities")),
+        this,
+        [this, notification](const QDBusMessage &answer) { send(notification, capabilitiesIn(answer)); });
+}
+
+void Notifier::showBeforeExit(const Notification &notification)
+{
+    constexpr int timeoutMs = 1000;
+    const QDBusConnection bus = sessionBus();
+    if (!bus.isConnected())
+        return;
+    const QDBusMessage capabilities
+        = bus.call(methodCall(QStringLiteral("GetCapabilities")), QDBus::Block, timeoutMs);
+    bus.call(notifyCall(notification, capabilitiesIn(capabilities)), QDBus::Block, timeoutMs);
 }
 
 void Notifier::send(const Notification &notification, const QStringList &capabilities)
 {
-    constexpr uint replacesNothing = 0;
-    constexpr int defaultExpiry = -1;
-    QDBusMessage call = methodCall(QStringLiteral("Notify"));
-    call.setArguments({ QStringLiteral("Vornic"),
-                        replacesNothing,
-                        applicationId(),
-                        notification.title,
-                        bodyOf(notification, capabilities),
-                        actionsOf(notification, capabilities),
-                        QVariantMap { { QStringLiteral("desktop-entry"), applicationId() } },
-                        defaultExpiry });
+    const QDBusMessage call = notifyCall(notification, capabilities);
     callLater(sessionBus(), call, this, [this, action = notification.action](const QDBusMessage &answer) {
         if (isReply(answer) && action)
             m_shown.insert(answer.arguments().value(0).toUInt(), { action, QString() });

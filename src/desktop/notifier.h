@@ -31,6 +31,8 @@ public:
     explicit Notifier(QObject *parent = nullptr);
 
     void show(const Notification &notification);
+    /// For a process that ends with it: waits until the desktop has it, for two seconds at most. Its action is none.
+    static void showBeforeExit(const Notification &notification);
 
 private slots:
     // The signals of the desktop's service.

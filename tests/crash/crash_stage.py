@@ -68,7 +68,7 @@ class Stage:
         self._started = contextlib.ExitStack()
         self._line_rest = ""
         read, write = os.pipe()
-        self._start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{SIZE[0]}x{SIZE[1]}x24", "-nolisten", "tcp",
+        self.server = self._start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{SIZE[0]}x{SIZE[1]}x24", "-nolisten", "tcp",
                      "-noreset"], pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as number:
@@ -94,6 +94,8 @@ class Stage:
         process = subprocess.Popen(command, stderr=subprocess.DEVNULL, **options)
         self._started.callback(process.wait)
         self._started.callback(process.kill)
+        self._started.callback(process.send_signal, signal.SIGCONT)
+        return process
 
     def close(self):
         self._started.close()

@@ -555,6 +555,17 @@ void RecordingSession::leave()
     later();
 }
 
+QString RecordingSession::leaveRecording()
+{
+    if (!isRecording())
+        return {};
+    const QString id = m_recording->framesGrabbed > 0 ? m_spool->recordingId() : QString();
+    m_loop->abandon();
+    m_job->cancel(); // before the spool seems to be at its end
+    m_spool->keep();
+    return id;
+}
+
 bool RecordingSession::mayQuit()
 {
     if (!isRecording())

@@ -6,11 +6,13 @@
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
 #include "app/window/recovery.h"
+#include "app/window/recovery_process.h"
 #include "app/window/window_placement.h"
 #include "audio/audio_backend.h"
 #include "base/log.h"
 #include "base/native_path.h"
 #include "desktop/global_key.h"
+#include "desktop/notifier.h"
 #include "desktop/single_instance.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderWindow.h"
@@ -120,6 +122,23 @@ int WindowProgram::run(const QString &action, const QString &file)
         performOnceShown(action, file);
     const int status = QApplication::exec();
     return m_delegate.applicationWillTerminate() ? status : 1;
+}
+
+int WindowProgram::endWithoutDisplay()
+{
+    m_delegate.applicationWillTerminate();
+    const QString id = m_delegate.leaveRecording();
+    if (id.isEmpty()) {
+        logMessage(tr("The display is gone."));
+        return 1;
+    }
+    const QString title = tr("The display is gone");
+    const QString whatNext = recoverAfterThisProcess(id)
+        ? tr("The recording is kept, and its movie is being made.")
+        : tr("The recording is kept, and its movie can be made at the next start.");
+    logMessage(tr("%1. %2 (%3)").arg(title, whatNext, id));
+    Notifier::showBeforeExit({ .title = title, .body = whatNext, .actionLabel = {}, .action = {} });
+    return 1;
 }
 
 /// A window manager that does not know the window yet would not minimise it for the recording.

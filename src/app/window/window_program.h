@@ -34,6 +34,9 @@ public:
     /// Shows the window, carries out \a action, to \a file, unless they are empty, and returns with the exit status
     /// when the program ends.
     [[nodiscard]] int run(const QString &action, const QString &file);
+    /// The X server has gone, and the toolkit with it: stores the options, and leaves a recording that runs to a process
+    /// that makes its movie. Returns the exit status; nothing is called after it.
+    [[nodiscard]] int endWithoutDisplay();
 
 private:
     void launch();

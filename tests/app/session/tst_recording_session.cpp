@@ -457,6 +457,43 @@ TEST_F(RecordingSessionTest, AMovieThatFindsNoThreadLeavesTheRecording)
     EXPECT_TRUE(QFile::exists(folder.filePath("later.mp4")));
 }
 
+TEST_F(RecordingSessionTest, ARecordingThatIsLeftIsOnTheDiskForAnotherProcess)
+{
+    makeSession();
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    const std::uint64_t frames = session->counts().framesGrabbed;
+    const QString id = session->leaveRecording();
+    VNBufferMgr other(4);
+    QString whyNot;
+    ASSERT_TRUE(other.openRecording(id, whyNot)) << qPrintable(whyNot);
+    EXPECT_GE(other.recordBufferCount(), frames);
+    EXPECT_FALSE(QFile::exists(*frontEnd.path));
+}
+
+TEST_F(RecordingSessionTest, AMovieThatIsWrittenWhenTheProcessEndsIsNotTakenForWhole)
+{
+    makeSession();
+    frontEnd.onProgress = [this] {
+        frontEnd.onProgress = nullptr;
+        const QString id = session->leaveRecording();
+        EXPECT_FALSE(id.isEmpty());
+    };
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 40; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_FALSE(QFile::exists(*frontEnd.path)) << "its spool was closed under it";
+}
+
+TEST_F(RecordingSessionTest, WithoutARecordingNothingIsLeft)
+{
+    makeSession();
+    EXPECT_EQ(session->leaveRecording(), QString());
+    ASSERT_TRUE(record(1));
+    EXPECT_EQ(session->leaveRecording(), QString());
+}
+
 TEST(NewMovieFile, IsNamedAfterTheTimeInTheFolderOfMovies)
 {
     const QTemporaryDir home;
