@@ -44,6 +44,7 @@ class FaultStage:
         self.log = self.folder + "/log"
         self.movie = self.folder + "/movie.mp4"
         self.program = None
+        self.main_window = None
         self.started = None
 
     def start(self, command, **options):
@@ -68,8 +69,12 @@ class FaultStage:
             file.write(f"<busconfig><type>session</type><listen>unix:path={self.folder}/bus</listen>"
                        "<policy context='default'><allow send_destination='*'/><allow receive_sender='*'/>"
                        "<allow own='*'/></policy></busconfig>")
-        bus = self.start(["dbus-daemon", "--nofork", "--nosyslog", "--config-file=" + configuration])
-        wait_until(lambda: os.path.exists(self.folder + "/bus"), "the bus was there")
+        read, write = os.pipe()
+        bus = self.start(["dbus-daemon", "--nofork", "--nosyslog", "--config-file=" + configuration,
+                          f"--print-address={write}"], pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as address:
+            address.readline()  # it takes connections now
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.folder}/bus"
         calls = open(self.folder + "/calls", "w", encoding="ascii")
         self._ends.callback(calls.close)
@@ -96,6 +101,12 @@ class FaultStage:
         self.program = subprocess.Popen([self.programs.vornic, *arguments], env=self.environment, stdout=log, stderr=log,
                                         stdin=subprocess.DEVNULL, preexec_fn=crash.limiter(limit))
 
+    def hand_over(self, *arguments):
+        """A second start, which leaves what it asks for to the program that runs."""
+        done = subprocess.run([self.programs.vornic, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=30, check=False)
+        expect(done.returncode == 0, f"a second start ended with {done.returncode}: {done.stdout.decode().strip()}")
+
     def spool(self):
         folder = crash.recordings_folder(self.folder + "/cache")
         names = [name for name in crash.list_folder(folder) if not name.startswith(".")]
@@ -121,6 +132,22 @@ class FaultStage:
         wait_until(lambda: find() or self.program.poll() is not None, f"there was a window {title}", poll=0.05)
         expect(self.program.poll() is None, "the program ended: " + self.said())
         return find().split()[-1]
+
+    def windows(self):
+        """The names of the program's windows on the screen, by their numbers."""
+        numbers = self.xdotool("search", "--onlyvisible", "--pid", str(self.program.pid), "--name", ".").split()
+        return {number: self.xdotool("getwindowname", number) for number in numbers}
+
+    def wait_for_question(self, known=()):
+        """The number of a window that is neither the main window nor the stop bar, nor known."""
+        main = self.main_window
+
+        def find():
+            return [number for number, name in self.windows().items()
+                    if number != main and number not in known and name != "Stop recording"]
+        wait_until(lambda: find() or self.program.poll() is not None, "something was asked", poll=0.05)
+        expect(self.program.poll() is None, "the program ended: " + self.said())
+        return find()[-1]
 
     def xdotool(self, *arguments):
         return subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True, text=True,
@@ -155,10 +182,15 @@ class FaultStage:
                 return "com.kavlor.options=" in file.read()
         return False
 
-    def check_movie(self, end):
-        """The movie shows all that was on the screen up to the moment, but for a machine's lateness."""
+    def check_movie(self, end, is_frozen=False):
+        """The movie shows all that was on the screen up to the moment, but for a machine's lateness. A picture that was
+        taken just before the screen froze may have its time from when that was found out."""
         late = self.stage.lateness(self.started, end)
-        shown = crash.check_frames(crash.Movie(self.movie), self.stage, self.started, late)
+        movie = crash.Movie(self.movie)
+        if is_frozen and len(movie.numbers) > 1:
+            movie.numbers[-1] = movie.numbers[-2]
+            movie.times[-1] = movie.times[-2]
+        shown = crash.check_frames(movie, self.stage, self.started, late)
         lost = end - shown[-1]
         expect(lost < 0.4 + late, f"{lost:.2f} s are lost")
         return f"movie, {lost:.2f} s lost"

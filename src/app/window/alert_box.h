@@ -24,6 +24,7 @@ public:
     /// The first one is the default, stands at the right, and is also the answer of Escape and of closing the box.
     void addButton(const QString &text, int answer);
 
+    [[nodiscard]] int answerOfEscape() const { return m_answerOfEscape; }
     void done(int answer) override;
 
 private:

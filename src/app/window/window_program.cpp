@@ -45,8 +45,11 @@ WindowProgram::WindowProgram(QApplication &application,
     , m_key(GlobalKey::create())
 {
     launch();
-    connect(&signalled, &UnixSignals::terminationAsked, &m_delegate, &VornicAppDelegate::terminate);
-    connect(&signalled, &UnixSignals::leaveAsked, &m_delegate, &VornicAppDelegate::leave);
+    connect(&signalled, &UnixSignals::terminationAsked, this, &WindowProgram::endUnattended);
+    connect(&signalled, &UnixSignals::leaveAsked, this, [this] {
+        m_frontEnd.questions().end();
+        m_delegate.leave();
+    });
     connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
     connect(&instance,
             &SingleInstance::actionAsked,
@@ -108,8 +111,29 @@ void WindowProgram::followSession(QApplication &application)
             &application,
             &QCoreApplication::quit,
             Qt::QueuedConnection);
-    // The session ends: the window goes on until it is told to end, but the options are kept now.
-    connect(&application, &QGuiApplication::commitDataRequest, &m_delegate, &VornicAppDelegate::saveOptions);
+    // The session is about to end: the window goes on until it is told to end, as the user may think better of it, but
+    // the options are kept now, and a recording that waits for an answer is not held up.
+    connect(&application, &QGuiApplication::commitDataRequest, this, [this] {
+        m_delegate.saveOptions();
+        m_frontEnd.questions().dismiss();
+    });
+    application.installEventFilter(this);
+}
+
+/// Nobody is there to answer, or has the time: a signal came, or the session ends.
+void WindowProgram::endUnattended()
+{
+    m_frontEnd.questions().end();
+    m_delegate.terminate();
+}
+
+/// The end of the session comes as the application's own end does, which would ask while a recording runs.
+bool WindowProgram::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Quit || watched != QCoreApplication::instance() || !m_delegate.isRecording())
+        return QObject::eventFilter(watched, event);
+    endUnattended();
+    return true;
 }
 
 int WindowProgram::run(const QString &action, const QString &file)

@@ -38,9 +38,12 @@ public:
     /// that makes its movie. Returns the exit status; nothing is called after it.
     [[nodiscard]] int endWithoutDisplay();
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void launch();
     void followSession(QApplication &application);
+    void endUnattended();
     void performOnceShown(const QString &action, const QString &file);
     void perform(const QString &action, const QString &file);
     [[nodiscard]] bool canPerform(const QString &action) const;

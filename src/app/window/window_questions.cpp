@@ -10,6 +10,7 @@
 #include "app/window/main_window_link.h"
 #include "app/window/movie_folder.h"
 #include "app/window/save_panel.h"
+#include "base/log.h"
 #include "controls/dialog_skin.h"
 
 #include <QFileInfo>
@@ -53,12 +54,17 @@ void WindowQuestions::openSavePanel(const QString &folder,
                                     const QString &type,
                                     std::function<void(std::optional<QString>)> answer)
 {
+    if (m_hasEnded) {
+        answer(std::nullopt);
+        return;
+    }
     auto *panel = new SavePanel(m_main.visible(), type);
     panel->setWindowTitle(tr("Save the recording as"));
     panel->setNameFilter(tr("Movies (*.%1)").arg(type));
     panel->setDirectory(folder);
     panel->selectFile(name);
     dressDialog(*panel);
+    m_savePanel = panel;
     runFilePanel(*panel, [this, type, answer = std::move(answer)](const std::optional<QString> &path) {
         const QString reason = path ? whyNoMovieCanBeWritten(*path) : QString();
         if (!reason.isEmpty()) {
@@ -90,7 +96,7 @@ void WindowQuestions::askToRecordWithoutSound(std::function<void(bool)> answer)
                  tr("Sound is on, but there is no audio input."));
     box.addButton(tr("Cancel"), QDialog::Rejected);
     box.addButton(tr("Record without sound"), QDialog::Accepted);
-    answer(box.exec() == QDialog::Accepted);
+    answer(answerTo(box, {}) == QDialog::Accepted);
 }
 
 void WindowQuestions::countDown(std::function<void(bool)> answer)
@@ -127,7 +133,7 @@ void WindowQuestions::askForOtherFile(const QString &type, std::function<void(st
             tr("The main window leads back to it and makes the movie later, also after the next start."));
         box.addButton(tr("OK"), Later);
         box.addButton(tr("Save elsewhere"), SaveElsewhere);
-        if (box.exec() == Later)
+        if (answerTo(box, {}) == Later)
             answer(std::nullopt);
         else
             askForOtherFile(type, answer);
@@ -139,21 +145,51 @@ bool WindowQuestions::confirmQuit(const QString &message, const QString &informa
     AlertBox box(m_main.visible(), AlertBox::Kind::Question, message, informativeText);
     box.addButton(tr("No"), QDialog::Rejected);
     box.addButton(tr("Yes"), QDialog::Accepted);
-    return box.exec() == QDialog::Accepted;
+    return answerTo(box, {}) == QDialog::Accepted;
 }
 
 void WindowQuestions::alert(const QString &message, const QString &informativeText)
 {
     AlertBox box(m_main.visible(), AlertBox::Kind::Question, message, informativeText);
     box.addButton(tr("OK"), QDialog::Accepted);
-    box.exec();
+    static_cast<void>(answerTo(box, QStringLiteral("%1. %2.").arg(message, informativeText)));
 }
 
 void WindowQuestions::alertError(const QString &sentence)
 {
     AlertBox box(m_main.visible(), AlertBox::Kind::Failure, tr("Error"), sentence);
     box.addButton(tr("OK"), QDialog::Accepted);
-    box.exec();
+    static_cast<void>(answerTo(box, sentence));
+}
+
+int WindowQuestions::answerTo(AlertBox &box, const QString &sentence)
+{
+    if (m_hasEnded) {
+        if (!sentence.isEmpty())
+            logMessage(sentence);
+        return box.answerOfEscape();
+    }
+    m_boxes += &box;
+    const int answer = box.exec();
+    m_boxes.removeOne(&box);
+    return answer;
+}
+
+void WindowQuestions::dismiss()
+{
+    // One that is left may open another.
+    for (const QPointer<AlertBox> &box : QList(m_boxes)) {
+        if (box)
+            box->reject();
+    }
+    if (m_savePanel && m_savePanel->isVisible())
+        m_savePanel->reject();
+}
+
+void WindowQuestions::end()
+{
+    m_hasEnded = true;
+    dismiss();
 }
 
 } // namespace vornic

@@ -3,11 +3,16 @@
 #include "app/session/recording_questions.h"
 
 #include <QCoreApplication>
+#include <QList>
+#include <QPointer>
 
 #include <memory>
 
+class QFileDialog;
+
 namespace vornic {
 
+class AlertBox;
 class Countdown;
 struct MainWindowLink;
 
@@ -41,7 +46,14 @@ public:
     void alert(const QString &message, const QString &informativeText) override;
     void alertError(const QString &sentence) override;
 
+    /// Answers what a recording asks or tells now as if it had been left: the boxes, and the save panel.
+    void dismiss();
+    /// From here on nobody answers: the same, and all that comes then is answered so at once, and logged.
+    void end();
+
 private:
+    /// The answer to \a box; that of leaving it where nobody answers. \a sentence is logged then.
+    [[nodiscard]] int answerTo(AlertBox &box, const QString &sentence);
     void openSavePanel(const QString &folder,
                        const QString &name,
                        const QString &type,
@@ -49,6 +61,9 @@ private:
 
     const MainWindowLink &m_main;
     std::unique_ptr<Countdown> m_countdown; ///< null but while it is counted down
+    QList<QPointer<AlertBox>> m_boxes;      ///< that stand, one above the other
+    QPointer<QFileDialog> m_savePanel;
+    bool m_hasEnded = false; ///< nobody answers any more
 };
 
 } // namespace vornic

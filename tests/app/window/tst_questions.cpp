@@ -2,6 +2,7 @@
 #include "app/window/main_window_link.h"
 #include "app/window/movie_folder.h"
 #include "app/window/window_questions.h"
+#include "base/log.h"
 #include "base/user_defaults.h"
 #include "controls/push_button.h"
 #include "window_main.h"
@@ -234,6 +235,73 @@ TEST_F(QuestionsTest, ARecordingWithoutAMovieIsKeptAndTheWayOnIsTold)
                 QTest::keyClick(&box, Qt::Key_Escape);
             });
     EXPECT_EQ(answers, 1);
+}
+
+TEST_F(QuestionsTest, WhatStandsIsDismissedAsIfItHadBeenLeft)
+{
+    const auto dismissed = [this](AlertBox &box) {
+        questions.dismiss();
+        EXPECT_FALSE(box.isVisible());
+    };
+    withBox([&] { questions.alert("Disk free space is too low", "It stops."); }, dismissed);
+    withBox([&] { questions.alertError("The movie cannot be written."); }, dismissed);
+    bool quits = true;
+    withBox([&] { quits = questions.confirmQuit("Are you sure to quit it?", "It records."); }, dismissed);
+    EXPECT_FALSE(quits);
+    int answers = 0;
+    questions.askForOtherFile("mp4", [&](const auto &path) {
+        ++answers;
+        EXPECT_FALSE(path);
+    });
+    ASSERT_TRUE(panel());
+    withBox([&] { questions.dismiss(); }, dismissed); // the box that tells of the way on
+    EXPECT_EQ(answers, 1);
+    EXPECT_FALSE(panel());
+}
+
+/// Runs \a ask, and closes what it shows; how many boxes that were.
+template<typename Ask>
+int boxesShownBy(const Ask &ask)
+{
+    int boxes = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&boxes] {
+        auto *box = qobject_cast<AlertBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        ++boxes;
+        box->reject();
+    });
+    timer.start(0);
+    ask();
+    return boxes;
+}
+
+TEST_F(QuestionsTest, WhereNobodyAnswersNothingStandsAndWhatWasToBeToldIsLogged)
+{
+    QStringList logged;
+    setLogSink([&](const QString &line) { logged += line; });
+    int answers = 0;
+    const auto count = [&](const auto &path) {
+        ++answers;
+        EXPECT_FALSE(path);
+    };
+    questions.askForOtherFile("mp4", count);
+    ASSERT_TRUE(panel());
+    EXPECT_EQ(boxesShownBy([&] { questions.end(); }), 0) << "the panel is left without a further question";
+    EXPECT_EQ(answers, 1);
+    EXPECT_EQ(boxesShownBy([&] {
+                  questions.alert("Disk free space is too low", "It stops");
+                  questions.alertError("The movie cannot be written.");
+                  EXPECT_FALSE(questions.confirmQuit("Are you sure to quit it?", "It records."));
+                  questions.askForOtherFile("mp4", count);
+              }),
+              0);
+    EXPECT_EQ(answers, 2);
+    EXPECT_FALSE(panel());
+    EXPECT_EQ(logged,
+              QStringList({ "Disk free space is too low. It stops.", "The movie cannot be written." }));
+    setLogSink({});
 }
 
 } // namespace
