@@ -1,5 +1,6 @@
 #include "app/window/stop_item.h"
 
+#include "app/window/application_icon.h"
 #include "app/window/stop_bar.h"
 #include "desktop/full_screen_watch.h"
 
@@ -27,6 +28,7 @@ StopItem::StopItem(const QString &title, const QRect &recorded)
     connect(m_bar.get(), &StopBar::stopAsked, this, &StopItem::stopAsked);
     connect(m_bar.get(), &StopBar::goOnWithoutSoundAsked, this, &StopItem::goOnWithoutSound);
     connect(m_fullScreen.get(), &FullScreenWatch::changed, this, &StopItem::showBarWhereNeeded);
+    connect(&m_blinking, &QTimer::timeout, this, &StopItem::blink);
     setTitle(title);
 }
 
@@ -86,6 +88,25 @@ void StopItem::withdrawOffer()
         m_goOnAction->setVisible(false);
     m_bar->offerToGoOnWithoutSound(false);
     showBarWhereNeeded();
+}
+
+void StopItem::drawAttention()
+{
+    showBarWhereNeeded();
+    if (!m_trayIcon)
+        return;
+    constexpr int blinks = 12;
+    constexpr int blinkMs = 250;
+    m_blinksLeft = blinks + m_blinksLeft % 2;
+    m_blinking.start(blinkMs);
+}
+
+void StopItem::blink()
+{
+    --m_blinksLeft;
+    m_trayIcon->setIcon(m_blinksLeft % 2 == 0 ? stopIcon() : applicationIcon());
+    if (m_blinksLeft == 0)
+        m_blinking.stop();
 }
 
 void StopItem::goOnWithoutSound()

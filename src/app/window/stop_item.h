@@ -4,6 +4,7 @@
 #include <QRect>
 #include <QString>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -38,6 +39,8 @@ public:
     void offerToGoOnWithoutSound(std::function<void()> goOn);
     /// The sound has come, or is not waited for any more.
     void withdrawOffer();
+    /// For somebody who looks for it: the bar comes back, and the tray icon blinks for some seconds.
+    void drawAttention();
 
 signals:
     void stopAsked();
@@ -47,6 +50,7 @@ private:
     void showTexts();
     void showBarWhereNeeded();
     void goOnWithoutSound();
+    void blink();
 
     QString m_title;
     QString m_room;
@@ -56,6 +60,8 @@ private:
     std::unique_ptr<QSystemTrayIcon> m_trayIcon; ///< null where the desktop has no tray
     QAction *m_clock = nullptr;                  ///< in m_menu
     QAction *m_goOnAction = nullptr;             ///< in m_menu
+    QTimer m_blinking;
+    int m_blinksLeft = 0; ///< changes of the tray icon; an even number leaves the stop icon
     std::unique_ptr<StopBar> m_bar;
     std::unique_ptr<FullScreenWatch> m_fullScreen;
 };

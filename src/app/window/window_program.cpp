@@ -194,6 +194,11 @@ void WindowProgram::perform(const QString &action, const QString &file)
         m_delegate.stopRecord();
         return;
     }
+    if (m_delegate.isCapturing()) {
+        // The window would be in the movie.
+        m_frontEnd.progress().pointAtStopItem();
+        return;
+    }
     m_frontEnd.progress().bringMainWindowToFront();
     for (const char *recordAction : { recordFullAction, recordRectangleAction }) {
         if (action == QLatin1StringView(recordAction))

@@ -129,6 +129,12 @@ void WindowProgress::bringMainWindowToFront()
     m_main.window->activateWindow();
 }
 
+void WindowProgress::pointAtStopItem()
+{
+    if (m_stopItem)
+        m_stopItem->drawAttention();
+}
+
 void WindowProgress::setBusy(bool busy)
 {
     if (m_main.window)

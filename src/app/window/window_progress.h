@@ -47,6 +47,8 @@ public:
     void stepAside() override;
     void minimiseMainWindow() override;
     void bringMainWindowToFront() override;
+    /// Somebody looks for the program that records: shows where it is stopped.
+    void pointAtStopItem();
     void setBusy(bool busy) override;
     void reloadData() override;
     void beginProgress(std::uint64_t frames) override;

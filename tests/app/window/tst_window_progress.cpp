@@ -36,9 +36,10 @@ protected:
         qputenv("XDG_CACHE_HOME", folder.path().toUtf8());
         return VNBufferMgr::cachePath();
     }
-    void startRecording()
+    void startRecording() { showStopItem(QRectF(0, 0, 320, 240)); }
+    void showStopItem(const QRectF &recorded)
     {
-        progress().showStopItem("00:00:00", QRectF(0, 0, 320, 240));
+        progress().showStopItem("00:00:00", recorded);
         progress().whenScreenIsClear([] {});
     }
     static QAbstractButton *stopButton()
@@ -80,6 +81,22 @@ TEST_F(WindowProgressTest, TheRoomIsToldInTheWindowAndByTheBar)
         EXPECT_EQ(status(), "Something else.");
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+}
+
+TEST_F(WindowProgressTest, WhoLooksForTheProgramSeesTheBarThatHadHiddenItself)
+{
+    progress().pointAtStopItem(); // nothing records
+    EXPECT_FALSE(stopButton());
+    QCursor::setPos(700, 500); // at an edge it would call the bar
+    showStopItem(QRectF(0, 0, 1440, 900));
+    ASSERT_TRUE(stopButton());
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(test::waitUntil([] { return !stopButton(); })) << "it would be in the movie";
+    progress().pointAtStopItem();
+    EXPECT_TRUE(stopButton());
+    window->activateWindow();
+    EXPECT_TRUE(test::waitUntil([] { return !stopButton(); }));
 }
 
 TEST_F(WindowProgressTest, TheBarShowsItsToolTipThoughItNeverHasTheFocus)
