@@ -1,6 +1,11 @@
 #include "x11/x11_connection.h"
 
+#include "x11/x11_windows.h"
 #include "x11/xcb_reply.h"
+
+#include <QSet>
+
+#include <sys/socket.h>
 
 #include <cstdint>
 #include <utility>
@@ -15,6 +20,24 @@ const xcb_screen_t *screenWithNumber(xcb_connection_t *connection, int number)
     while (screens.rem > 1 && number-- > 0)
         xcb_screen_next(&screens);
     return screens.rem > 0 ? screens.data : nullptr;
+}
+
+/// All that there are; never destroyed, as threads may still close them while the process ends.
+struct Connections {
+    std::mutex mutex;
+    QSet<const X11Connection *> all;
+};
+
+Connections &connections()
+{
+    static auto *const made = new Connections;
+    return *made;
+}
+
+/// Those who read from it find its end; the descriptor stays, so that nobody else can get its number.
+void endExchange(xcb_connection_t *connection)
+{
+    ::shutdown(xcb_get_file_descriptor(connection), SHUT_RDWR);
 }
 
 } // namespace
@@ -35,6 +58,28 @@ X11Connection::X11Connection(Handle handle, const xcb_screen_t *screen, int scre
     , m_screen(screen)
     , m_screenNumber(screenNumber)
 {
+    const std::lock_guard lock(connections().mutex);
+    connections().all.insert(this);
+}
+
+X11Connection::~X11Connection()
+{
+    const std::lock_guard lock(connections().mutex);
+    connections().all.remove(this);
+}
+
+void X11Connection::close() const
+{
+    endExchange(get());
+}
+
+void X11Connection::closeAll()
+{
+    const std::lock_guard lock(connections().mutex);
+    for (const X11Connection *connection : std::as_const(connections().all))
+        connection->close();
+    if (xcb_connection_t *const toolkits = toolkitConnection())
+        endExchange(toolkits);
 }
 
 const xcb_query_extension_reply_t *X11Connection::extension(xcb_extension_t &extension) const

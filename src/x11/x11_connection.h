@@ -19,7 +19,7 @@ class X11Connection
 public:
     /// Connects to $DISPLAY; null without a server.
     [[nodiscard]] static std::unique_ptr<X11Connection> open();
-    ~X11Connection() = default;
+    ~X11Connection();
     X11Connection(const X11Connection &) = delete;
     X11Connection &operator=(const X11Connection &) = delete;
 
@@ -29,6 +29,10 @@ public:
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(m_handle.get()) == 0; }
+    /// From here on it is as if the server were gone: whoever waits for an answer gets none, on whatever thread.
+    void close() const;
+    /// The same for every connection that the process has, that of the toolkit too, which ends the process then.
+    static void closeAll();
 
     /// What the server says of \a extension; null where it has none. Blocks for one exchange at the first
     /// call for each.

@@ -32,7 +32,9 @@ QMargins decorationOf(const X11Connection &connection, xcb_window_t window)
 
 xcb_connection_t *toolkitConnection()
 {
-    const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    const auto *native
+        = application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     return native ? native->connection() : nullptr;
 }
 

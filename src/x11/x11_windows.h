@@ -13,7 +13,7 @@ namespace vornic {
 class X11Connection;
 
 /// The toolkit's own connection: what is sent through it keeps its order with what the toolkit sends. Null
-/// where the toolkit's windows are not those of an X server.
+/// where the toolkit has no windows, or they are not those of an X server.
 [[nodiscard]] xcb_connection_t *toolkitConnection();
 
 /// 0 for a window that the toolkit has not made yet.

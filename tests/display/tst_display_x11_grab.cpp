@@ -4,6 +4,7 @@
 #include <atomic>
 #include <limits>
 #include <map>
+#include <mutex>
 #include <random>
 #include <thread>
 #include <vector>
@@ -199,6 +200,28 @@ TEST_F(X11GrabTest, TheServerMayEndInTheMiddle)
     isStopping = true;
     grabber.join();
     EXPECT_FALSE(m_display->grab(QRect(0, 0, 900, 600)));
+}
+
+TEST_F(X11GrabTest, AFrozenServerCountsAsGoneUntilItAnswersAgain)
+{
+    std::mutex mutex;
+    QStringList logged;
+    setLogSink([&](const QString &line) {
+        const std::lock_guard lock(mutex);
+        logged += line;
+    });
+    ASSERT_FALSE(grabbed(wholeDisplay()).isNull());
+    m_server->setFrozen(true);
+    EXPECT_FALSE(m_display->grab({ 0, 0, 64, 64 })) << "another rectangle must be fetched";
+    EXPECT_EQ(m_display->mainDisplayId(), 0U);
+    EXPECT_TRUE(m_display->mainDisplaySize().isEmpty());
+    EXPECT_FALSE(m_display->grab({ 0, 0, 64, 64 }));
+    m_display->pointerPosition(); // as the one before, at once
+    m_server->setFrozen(false);
+    ASSERT_TRUE(waitUntil([this] { return m_display->mainDisplayId() != 0; }));
+    EXPECT_TRUE(isUpToDate());
+    const std::lock_guard lock(mutex);
+    EXPECT_EQ(logged, QStringList("The X server has not answered for two seconds."));
 }
 
 TEST_F(X11GrabTest, ManyThreadsMayAskAtOnce)

@@ -170,6 +170,11 @@ void XvfbServer::kill()
     m_process->stop(SIGKILL);
 }
 
+void XvfbServer::setFrozen(bool isFrozen)
+{
+    ::kill(m_process->pid(), isFrozen ? SIGSTOP : SIGCONT);
+}
+
 int XvfbServer::run(const QStringList &command) const
 {
     const auto process = startProgram(command);

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] const QString &displayName() const { return m_displayName; }
     /// Ends the server at once, as a crash would.
     void kill();
+    /// Stops it, so that it is there and answers nothing, or lets it go on.
+    void setFrozen(bool isFrozen);
 
     /// Runs a program on this display to its end; its exit status.
     int run(const QStringList &command) const;

@@ -1,22 +1,21 @@
 #pragma once
 
 #include "display/display_backend.h"
-#include "display/x11/x11_changes.h"
-#include "display/x11/x11_grabber.h"
-#include "display/x11/x11_main_monitor.h"
-#include "display/x11/x11_pointer.h"
-#include "x11/x11_connection.h"
+
+#include <memory>
 
 namespace vornic {
 
 /// The main display of an X11 desktop.
 ///
-/// Made by the table of backends. Errors of the server, and its end, give null images and no display.
+/// Made by the table of backends. Errors of the server, and its end, give null images and no display. A server that does
+/// not answer for two seconds counts as gone until it answers again: nobody waits for it longer than that.
 class X11Display final : public DisplayBackend
 {
 public:
     /// The display at $DISPLAY; null with one sentence for the user.
     [[nodiscard]] static std::unique_ptr<DisplayBackend> create(QString &whyNot);
+    ~X11Display() override;
 
     [[nodiscard]] std::uint32_t mainDisplayId() const override;
     [[nodiscard]] QSize mainDisplaySize() const override;
@@ -26,13 +25,12 @@ public:
     [[nodiscard]] std::shared_ptr<const CursorShape> cursorShape() override;
 
 private:
-    X11Display(std::unique_ptr<X11Connection> connection, X11PixelFormat format);
+    struct Server;
+    class Link;
 
-    std::unique_ptr<X11Connection> m_connection;
-    X11Changes m_changes;
-    mutable X11MainMonitor m_monitor;
-    X11Grabber m_grabber;
-    X11Pointer m_pointer;
+    explicit X11Display(std::shared_ptr<Link> link);
+
+    std::shared_ptr<Link> m_link; ///< shared with the thread that connects anew
 };
 
 } // namespace vornic
