@@ -1,0 +1,110 @@
+#include "app/session/unix_signals.h"
+#include "app/window/alert_box.h"
+#include "app/window/window_program.h"
+#include "capture/spool/VNBufferMgr.h"
+#include "capture/spool/stored_recordings.h"
+#include "desktop/single_instance.h"
+#include "support/wait_until.h"
+#include "window_main.h"
+
+#include <QDirIterator>
+#include <QPointer>
+#include <QSessionManager>
+#include <QTimer>
+
+#include <array>
+#include <cstddef>
+#include <functional>
+
+namespace vornic {
+namespace {
+
+/// The whole program with its window, without a window system.
+class WindowProgramTest : public testing::Test
+{
+protected:
+    ~WindowProgramTest() override
+    {
+        EXPECT_TRUE(storedRecordings(VNBufferMgr::cachePath()).isEmpty());
+        QCoreApplication::processEvents(); // an end that was asked for once more
+    }
+
+    /// From the program's start on, in its loop, looks again and again whether \a holds, and does \a next once it does.
+    void once(const std::function<bool()> &holds, const std::function<void()> &next)
+    {
+        auto *timer = new QTimer(&timers);
+        QObject::connect(timer, &QTimer::timeout, timer, [timer, holds, next] {
+            if (!holds())
+                return;
+            timer->stop();
+            next();
+        });
+        timer->start(20);
+    }
+    static bool isSpooled()
+    {
+        QDirIterator files(
+            VNBufferMgr::cachePath(), { "vornicvideo.tmp" }, QDir::Files, QDirIterator::Subdirectories);
+        return files.hasNext() && QFileInfo(files.next()).size() > 0;
+    }
+    static AlertBox *question() { return qobject_cast<AlertBox *>(QApplication::activeModalWidget()); }
+    /// As the session manager does when the session ends.
+    static void endSession()
+    {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    }
+
+    QTemporaryDir folder;
+    QString movie = folder.filePath("movie.mp4");
+    UnixSignals signalled;
+    SingleInstance instance;
+    QObject timers;
+    WindowProgram program { *qobject_cast<QApplication *>(qApp), signalled, instance };
+};
+
+TEST_F(WindowProgramTest, TheEndOfTheSessionEndsARecordingWithoutAQuestion)
+{
+    bool isAsked = false;
+    once(isSpooled, endSession);
+    once([] { return question() != nullptr; },
+         [&isAsked] {
+             isAsked = true;
+             question()->reject();
+             QCoreApplication::exit(1);
+         });
+    EXPECT_EQ(program.run(WindowProgram::recordFullAction, movie), 0);
+    EXPECT_FALSE(isAsked);
+    EXPECT_TRUE(QFile::exists(movie));
+}
+
+TEST_F(WindowProgramTest, WhatStandsWhenTheSessionPreparesItsEndIsDismissed)
+{
+    once(isSpooled, [] {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (qobject_cast<MainWindow *>(window))
+                window->close(); // asks, in a loop of its own
+        }
+    });
+    once([] { return question() != nullptr; },
+         [] {
+             const QPointer<AlertBox> box = question();
+             // Only the toolkit can make a session manager; who hears the signal does not use it.
+             alignas(QSessionManager) static std::array<std::byte, sizeof(QSessionManager)> memory;
+             emit qApp->commitDataRequest(reinterpret_cast<QSessionManager &>(memory));
+             EXPECT_FALSE(box && box->isVisible());
+             endSession();
+         });
+    EXPECT_EQ(program.run(WindowProgram::recordFullAction, movie), 0);
+    EXPECT_TRUE(QFile::exists(movie));
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    qputenv("VORNIC_AUDIO", "none");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    return vornic::runWindowTests(argc, argv);
+}
