@@ -16,6 +16,7 @@
 #include "base/standard_output.h"
 #include "base/thread.h"
 #include "controls/skin_colors.h"
+#include "desktop/silent_bus.h"
 #include "desktop/single_instance.h"
 #include "display/display_backend.h"
 
@@ -188,6 +189,8 @@ int run(int &argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("vornic"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VORNIC_VERSION));
     const CommandLine line = parseCommandLine(arguments);
+    if (line.action == CommandLine::Action::Window || line.action == CommandLine::Action::Record)
+        disregardSilentBuses();
     return line.action == CommandLine::Action::Window ? runWindow(argc, argv, line)
                                                       : runWithoutWindow(argc, argv, arguments);
 }

@@ -3,6 +3,7 @@
 #include "desktop/application_id.h"
 #include "desktop/dbus_call.h"
 
+#include <QDBusError>
 #include <QDBusServiceWatcher>
 #include <QVariantMap>
 
@@ -32,6 +33,13 @@ QString bodyOf(const Notification &notification, const QStringList &capabilities
 {
     const bool isMarkup = capabilities.contains(QStringLiteral("body-markup"));
     return isMarkup ? notification.body.toHtmlEscaped() : notification.body;
+}
+
+/// Nobody has answered, not even the bus.
+bool isSilence(const QDBusMessage &answer)
+{
+    const QDBusError::ErrorType error = QDBusError(answer).type();
+    return error == QDBusError::NoReply || error == QDBusError::TimedOut || error == QDBusError::Disconnected;
 }
 
 QStringList capabilitiesIn(const QDBusMessage &answer)
@@ -84,12 +92,16 @@ void Notifier::listen()
 
 void Notifier::show(const Notification &notification)
 {
-    listen();
-    callLater(
-        sessionBus(),
-        methodCall(QStringLiteral("GetCapabilities")),
-        this,
-        [this, notification](const QDBusMessage &answer) { send(notification, capabilitiesIn(answer)); });
+    callLater(sessionBus(),
+              methodCall(QStringLiteral("GetCapabilities")),
+              this,
+              [this, notification](const QDBusMessage &answer) {
+                  // What listening asks the bus is waited for, which must not be in vain.
+                  if (isSilence(answer))
+                      return;
+                  listen();
+                  send(notification, capabilitiesIn(answer));
+              });
 }
 
 void Notifier::showBeforeExit(const Notification &notification)

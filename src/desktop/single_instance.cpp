@@ -34,6 +34,16 @@ QVariantList parameter(const QString &file)
     return file.isEmpty() ? QVariantList() : QVariantList { file };
 }
 
+/// Whose answer nobody needs: the toolkit's own call would wait for it.
+QDBusMessage releaseName()
+{
+    const QString service = QStringLiteral("org.freedesktop.DBus");
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        service, QStringLiteral("/org/freedesktop/DBus"), service, QStringLiteral("ReleaseName"));
+    call.setArguments({ applicationId() });
+    return call;
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(QObject *parent)
@@ -49,7 +59,7 @@ SingleInstance::~SingleInstance()
     if (!bus.isConnected())
         return;
     if (m_isOnly)
-        bus.unregisterService(applicationId());
+        bus.send(releaseName());
     bus.unregisterObject(objectPath);
 }
 

@@ -4,6 +4,7 @@
 #include "app/session/room_text.h"
 #include "app/session/start_settings.h"
 #include "app/window/sheet.h"
+#include "app/window/stop_item.h"
 #include "base/free_space.h"
 #include "base/user_defaults.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -11,7 +12,6 @@
 
 #include <QDialog>
 #include <QKeySequence>
-#include <QSystemTrayIcon>
 
 #include <ui_VNHintWndCtroller.h>
 
@@ -64,7 +64,7 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
 {
     m_parent = parent;
     m_window = makeSheet<Ui::VNHintWndCtroller>(parent, [this](Ui::VNHintWndCtroller &ui) {
-        QString text = howToStop(QSystemTrayIcon::isSystemTrayAvailable(), start_settings::shortcut());
+        QString text = howToStop(StopItem::hasTray(), start_settings::shortcut());
         if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))
             text += QStringLiteral("\n\n") + liesInMemoryText(folder);
         ui.explanation->setText(text);

@@ -3,6 +3,7 @@
 #include "app/window/application_icon.h"
 #include "app/window/stop_bar.h"
 #include "desktop/full_screen_watch.h"
+#include "desktop/silent_bus.h"
 
 #include <QMenu>
 
@@ -23,7 +24,7 @@ StopItem::StopItem(const QString &title, const QRect &recorded)
     : m_bar(std::make_unique<StopBar>(recorded))
     , m_fullScreen(FullScreenWatch::create())
 {
-    if (QSystemTrayIcon::isSystemTrayAvailable())
+    if (hasTray())
         makeTrayIcon();
     connect(m_bar.get(), &StopBar::stopAsked, this, &StopItem::stopAsked);
     connect(m_bar.get(), &StopBar::goOnWithoutSoundAsked, this, &StopItem::goOnWithoutSound);
@@ -33,6 +34,11 @@ StopItem::StopItem(const QString &title, const QRect &recorded)
 }
 
 StopItem::~StopItem() = default;
+
+bool StopItem::hasTray()
+{
+    return sessionBusAnswers() && QSystemTrayIcon::isSystemTrayAvailable();
+}
 
 void StopItem::makeTrayIcon()
 {

@@ -29,6 +29,9 @@ public:
     StopItem(const QString &title, const QRect &recorded);
     ~StopItem() override;
 
+    /// Whether the desktop has a tray, and answers when it is asked for that.
+    [[nodiscard]] static bool hasTray();
+
     void setTitle(const QString &title);
     /// What is told behind the clock, in tool tips and the menu.
     void setRoom(const QString &room);

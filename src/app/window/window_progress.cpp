@@ -150,7 +150,7 @@ void WindowProgress::reloadData()
 void WindowProgress::beginProgress(std::uint64_t frames)
 {
     VNEncoderProgress::shareEncoderProgress().beginSheet(m_main.visible(), frames, m_later);
-    if (!QSystemTrayIcon::isSystemTrayAvailable())
+    if (!StopItem::hasTray())
         return;
     m_writingIcon = std::make_unique<QSystemTrayIcon>(applicationIcon());
     m_writingIcon->show();

@@ -1,0 +1,135 @@
+#!/usr/bin/env python3
+"""frozen_server.py: the X server, or the session bus, is stopped while it is recorded: it is there, and answers nothing.
+The recording must end and become a movie by itself, or on a signal; none of it may be lost.
+
+Needs what lost_display.py needs, and xdotool. Exit status: 0 all was as it must be, 1 something was not.
+"""
+import glob
+import os
+import signal
+import sys
+import time
+
+from fault_stage import Told, expect, run_all, wait_until
+
+SOON = 15  # seconds: two until the server is given up, the rest for a busy machine
+
+
+def freeze(process):
+    process.send_signal(signal.SIGSTOP)
+    return time.monotonic()
+
+
+def wait_for_movie(stage, seconds=SOON):
+    wait_until(lambda: os.path.exists(stage.movie) and not stage.unfinished(), "the movie was made", seconds)
+
+
+def check_command(stage, moment, statuses=(0,)):
+    status = stage.wait_for_end(SOON)
+    expect(status in statuses, f"the program ended with {status}")
+    return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
+
+
+def record_command(stage, *options):
+    stage.record("record", "--ignore-low-space", *options)
+
+
+def a_frozen_server_under_the_command(stage):
+    record_command(stage)
+    moment = freeze(stage.server)
+    told = check_command(stage, moment, (0, 1))
+    expect("The X server has not answered" in told.told, "nothing was said")
+    return told
+
+
+def a_frozen_server_and_a_signal(stage):
+    record_command(stage)
+    moment = freeze(stage.server)
+    stage.program.send_signal(signal.SIGINT)
+    return check_command(stage, moment, (0, 1))
+
+
+def a_frozen_server_and_a_duration(stage):
+    record_command(stage, "--duration", "3")
+    moment = freeze(stage.server)
+    return check_command(stage, moment, (0, 1))
+
+
+def a_server_that_freezes_for_a_while(stage):
+    """The window lives on, and records again."""
+    stage.run()
+    stage.main_window = stage.wait_for_window("^Vornic$")
+    stage.hand_over("--record=full", stage.movie)
+    stage.wait_for_pictures(200_000)
+    moment = freeze(stage.server)
+    wait_until(lambda: "The X server has not answered" in stage.said(), "the server was given up", SOON)
+    stage.server.send_signal(signal.SIGCONT)
+    wait_for_movie(stage)
+    kept = stage.check_movie(moment, is_frozen=True)
+    wait_until(lambda: stage.main_window in stage.windows(), "the main window came back", poll=0.05)
+    first, stage.movie = stage.movie, stage.folder + "/second.mp4"
+    stage.hand_over("--record=full", stage.movie)
+    stage.wait_for_pictures(200_000)
+    stage.hand_over("--stop")
+    wait_for_movie(stage)
+    stage.program.terminate()
+    expect(stage.wait_for_end() == 0, "the program did not end well")
+    return Told(stage.sentences(), f"{kept} ({os.path.basename(first)}), and a second movie")
+
+
+def a_frozen_server_under_the_window(stage):
+    """For good, and somebody asks the program to end."""
+    stage.record()
+    moment = freeze(stage.server)
+    stage.program.terminate()
+    status = stage.wait_for_end(SOON + 15)
+    expect(status in (0, 1), f"the program ended with {status}")
+    wait_for_movie(stage)
+    expect(stage.options_are_stored(), "the options are not stored")
+    return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
+
+
+def end_with_frozen_bus(stage, signal_number):
+    moment = time.monotonic()
+    stage.program.send_signal(signal_number)
+    status = stage.wait_for_end(SOON)
+    expect(status == 0, f"the program ended with {status}")
+    return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
+
+
+def a_frozen_bus_under_the_window(stage):
+    stage.record()
+    freeze(stage.bus)
+    return end_with_frozen_bus(stage, signal.SIGTERM)
+
+
+def a_bus_that_freezes_before_the_recording(stage):
+    stage.run()
+    stage.main_window = stage.wait_for_window("^Vornic$")
+    freeze(stage.bus)
+    stage.xdotool("key", "ctrl+alt+r")
+    stage.wait_for_pictures(200_000)
+    stage.program.send_signal(signal.SIGTERM)
+    moment = time.monotonic()
+    expect(stage.wait_for_end(SOON) == 0, "the program did not end well")
+    stage.movie = glob.glob(stage.folder + "/Recording *.mp4")[0]
+    return Told(stage.sentences(), stage.check_movie(moment))
+
+
+def a_bus_that_is_frozen_before_the_command(stage):
+    freeze(stage.bus)
+    record_command(stage)
+    return end_with_frozen_bus(stage, signal.SIGINT)
+
+
+def a_bus_that_is_frozen_before_the_window(stage):
+    freeze(stage.bus)
+    stage.record()
+    return end_with_frozen_bus(stage, signal.SIGTERM)
+
+
+if __name__ == "__main__":
+    sys.exit(run_all([a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
+                      a_server_that_freezes_for_a_while, a_frozen_server_under_the_window, a_frozen_bus_under_the_window,
+                      a_bus_that_freezes_before_the_recording, a_bus_that_is_frozen_before_the_command,
+                      a_bus_that_is_frozen_before_the_window], __doc__))
