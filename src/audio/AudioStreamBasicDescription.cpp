@@ -31,7 +31,23 @@ constexpr std::array fields {
 
 constexpr QLatin1StringView sampleRateKey("mSampleRate");
 
+constexpr std::uint32_t maxChannels = 32;
+constexpr double minSampleRate = 1'000;
+constexpr double maxSampleRate = 384'000;
+
 } // namespace
+
+bool AudioStreamBasicDescription::isUsable() const
+{
+    const bool hasDepth = mBitsPerChannel == 8 || mBitsPerChannel == 16;
+    return hasDepth && mChannelsPerFrame > 0 && mChannelsPerFrame <= maxChannels
+        && mSampleRate >= minSampleRate && mSampleRate <= maxSampleRate;
+}
+
+std::int64_t AudioStreamBasicDescription::bytesPerFrame() const
+{
+    return isUsable() ? std::int64_t { mBitsPerChannel } / 8 * mChannelsPerFrame : 0;
+}
 
 void AudioStreamBasicDescription::encodeWithCoder(KeyedArchiver &archiver) const
 {

@@ -25,6 +25,12 @@ struct AudioStreamBasicDescription {
     static constexpr std::uint32_t signedInteger = 4;      ///< a format flag
     static constexpr std::uint32_t packed = 8;             ///< a format flag
 
+    /// Whether sound of this layout can be encoded: samples of 8 or 16 bits, at most 32 channels, and a rate that
+    /// sound is recorded at. What was stored may say anything.
+    [[nodiscard]] bool isUsable() const;
+    /// By depth and channels; 0 where it is not usable.
+    [[nodiscard]] std::int64_t bytesPerFrame() const;
+
     void encodeWithCoder(KeyedArchiver &archiver) const;
     [[nodiscard]] static AudioStreamBasicDescription createWithCoder(const KeyedUnarchiver &unarchiver);
 

@@ -7,10 +7,34 @@
 
 namespace vornic {
 
+namespace {
+
+/// Many times what a recorder delivers at once.
+constexpr double maxDuration = 10;
+
+} // namespace
+
 PKAudioRecorderData::PKAudioRecorderData(QByteArray data, const AudioStreamBasicDescription &format)
     : m_data(std::move(data))
     , m_format(format)
 {
+}
+
+bool PKAudioRecorderData::isUsable() const
+{
+    const std::int64_t bytesPerFrame = m_format.bytesPerFrame();
+    return bytesPerFrame > 0
+        && static_cast<double>(m_data.size() / bytesPerFrame) <= maxDuration * m_format.mSampleRate;
+}
+
+std::int64_t PKAudioRecorderData::frameCount() const
+{
+    return isUsable() ? m_data.size() / m_format.bytesPerFrame() : 0;
+}
+
+double PKAudioRecorderData::duration() const
+{
+    return isUsable() ? static_cast<double>(frameCount()) / m_format.mSampleRate : 0;
 }
 
 void PKAudioRecorderData::encodeWithCoder(KeyedArchiver &archiver) const
@@ -26,7 +50,8 @@ std::optional<PKAudioRecorderData> PKAudioRecorderData::createWithCoder(const Ke
     const std::optional<KeyedUnarchiver> format = unarchiver.decodeObject(chunkFormatKey);
     if (!data || !format)
         return std::nullopt;
-    return PKAudioRecorderData(*std::move(data), AudioStreamBasicDescription::createWithCoder(*format));
+    PKAudioRecorderData chunk(*std::move(data), AudioStreamBasicDescription::createWithCoder(*format));
+    return chunk.isUsable() ? std::optional(std::move(chunk)) : std::nullopt;
 }
 
 } // namespace vornic

@@ -12,4 +12,7 @@ inline constexpr QLatin1StringView chunkFormatKey("dataFormat");
 /// chunks can tell.
 inline constexpr QLatin1StringView sameFormatKey("dataFormat.same");
 
+/// Where a chunk begins in the sound of its recording, seconds; missing where it is the first.
+inline constexpr QLatin1StringView chunkBeginKey("begin");
+
 } // namespace vornic

@@ -12,10 +12,19 @@ constexpr int chunksBetweenFormats = 100;
 
 } // namespace
 
+void ChunkSpooler::beginSpool()
+{
+    m_chunksWithFormat = 0;
+    m_seconds = 0;
+}
+
 void ChunkSpooler::encode(const PKAudioRecorderData &chunk, KeyedArchiver &archiver)
 {
     const bool isTold = m_chunksWithFormat > 0 && m_chunksWithFormat < chunksBetweenFormats
         && chunk.dataFormat() == m_format;
+    if (m_seconds > 0)
+        archiver.encodeDouble(chunkBeginKey, m_seconds);
+    m_seconds += chunk.duration();
     if (isTold) {
         archiver.encodeData(chunkDataKey, chunk.data());
         archiver.encodeInt64(sameFormatKey, checksumOf(m_format));

@@ -8,7 +8,7 @@
 
 namespace vornic {
 
-std::optional<PKAudioRecorderData> ChunkUnspooler::decode(const KeyedUnarchiver &unarchiver)
+std::optional<PKAudioRecorderData> ChunkUnspooler::decodeSamples(const KeyedUnarchiver &unarchiver)
 {
     if (!unarchiver.containsValueForKey(sameFormatKey)) {
         std::optional<PKAudioRecorderData> chunk = PKAudioRecorderData::createWithCoder(unarchiver);
@@ -19,7 +19,16 @@ std::optional<PKAudioRecorderData> ChunkUnspooler::decode(const KeyedUnarchiver 
     std::optional<QByteArray> data = unarchiver.decodeData(chunkDataKey);
     if (!data || !m_format || unarchiver.decodeInt64(sameFormatKey) != checksumOf(*m_format))
         return std::nullopt;
-    return PKAudioRecorderData(*std::move(data), *m_format);
+    PKAudioRecorderData chunk(*std::move(data), *m_format);
+    return chunk.isUsable() ? std::optional(std::move(chunk)) : std::nullopt;
+}
+
+std::optional<PKAudioRecorderData> ChunkUnspooler::decode(const KeyedUnarchiver &unarchiver)
+{
+    std::optional<PKAudioRecorderData> chunk = decodeSamples(unarchiver);
+    if (chunk)
+        chunk->setBegin(unarchiver.decodeDouble(chunkBeginKey));
+    return chunk;
 }
 
 } // namespace vornic

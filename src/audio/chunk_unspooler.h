@@ -16,12 +16,14 @@ class PKAudioRecorderData;
 class ChunkUnspooler
 {
 public:
-    /// No chunk where the samples are missing, or where their format is not known.
+    /// No chunk where the samples are missing, where their format is not known, or where it is none that can be encoded.
     [[nodiscard]] std::optional<PKAudioRecorderData> decode(const KeyedUnarchiver &unarchiver);
     /// Another spool is read, or this one from its start.
     void forget() { m_format.reset(); }
 
 private:
+    [[nodiscard]] std::optional<PKAudioRecorderData> decodeSamples(const KeyedUnarchiver &unarchiver);
+
     std::optional<AudioStreamBasicDescription> m_format; ///< of the chunk that was read last
 };
 

@@ -893,6 +893,35 @@ TEST_F(DelegateTest, SpooledChunksBecomeAnAacTrackFromTimeZero)
     EXPECT_NEAR(edges, 960, 4);
 }
 
+TEST_F(DelegateTest, AChunkThatIsLostOnTheDiskShiftsNoOther)
+{
+    FakeAudioRecorder &source = addAudioDevice();
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
+    QFile spool(delegate->bufferMgr().tempAudioPathfile());
+    const auto deliverAndWaitForDisk = [&](char value) {
+        const qint64 before = spool.size();
+        const QByteArray samples(19'200, value);
+        source.deliver(samples.constData(), 19'200);
+        EXPECT_TRUE(runUntil([&] { return spool.size() > before; }));
+    };
+    deliverAndWaitForDisk('a');
+    const qint64 second = spool.size();
+    deliverAndWaitForDisk('b');
+    ASSERT_TRUE(spool.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(spool.seek(second) && spool.write("damage") == 6);
+    spool.close();
+    deliverAndWaitForDisk('c');
+    delegate->stopRecord();
+    QByteArray heard;
+    while (const auto block = delegate->PKMuxerTaskGetAudioFrame())
+        heard += block->samples();
+    EXPECT_EQ(heard, QByteArray(19'200, 'a') + QByteArray(19'200, '\0') + QByteArray(19'200, 'c'));
+    ASSERT_TRUE(runUntilIdle());
+    EXPECT_EQ(delegate->counts().framesSkipped, 1U) << "the lost chunk is told";
+}
+
 // ---- stored options
 
 TEST_F(DelegateTest, OptionsSurviveTheProgram)

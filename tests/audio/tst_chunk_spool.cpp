@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
+#include <limits>
 #include <set>
 
 namespace vornic {
@@ -87,7 +89,7 @@ TEST_F(ChunkSpoolTest, WithoutItsFormatAChunkTakesLittleMoreThanItsSamples)
 {
     const QByteArray samples(3840, 's');
     archiveOf(samples);
-    EXPECT_LT(archiveOf(samples).size(), samples.size() + 40);
+    EXPECT_LT(archiveOf(samples).size(), samples.size() + 60);
 }
 
 TEST_F(ChunkSpoolTest, ALostChunkCostsNoOther)
@@ -136,6 +138,50 @@ TEST_F(ChunkSpoolTest, DamageGivesNothing)
     map.remove(chunkDataKey);
     EXPECT_FALSE(read(map.toCborValue().toCbor()));
     expectRead(second, "1");
+}
+
+TEST_F(ChunkSpoolTest, AFormatThatCannotBeEncodedGivesNothing)
+{
+    using Format = AudioStreamBasicDescription;
+    const auto expectNothing = [this](const auto &change) {
+        Format format = defaultAudioStreamBasicDescription();
+        change(format);
+        EXPECT_FALSE(read(archiveOf(QByteArray(400, 's'), format)));
+        EXPECT_FALSE(read(archiveOf(QByteArray(400, 's'), format))) << "nor told by its checksum";
+    };
+    for (const std::uint32_t depth : { 0U, 7U, 24U, 32U, 0x80000008U })
+        expectNothing([depth](Format &format) { format.mBitsPerChannel = depth; });
+    for (const std::uint32_t channels : { 0U, 33U, 0x20000001U })
+        expectNothing([channels](Format &format) { format.mChannelsPerFrame = channels; });
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    for (const double rate : { 0.0, 999.0, -48'000.0, 384'001.0, 1e300, infinite, std::nan("") })
+        expectNothing([rate](Format &format) { format.mSampleRate = rate; });
+    Format format = defaultAudioStreamBasicDescription();
+    format.mBitsPerChannel = 8;
+    format.mChannelsPerFrame = 32;
+    expectRead(archiveOf("8 bits, 32 channels", format), "8 bits, 32 channels", format);
+}
+
+TEST_F(ChunkSpoolTest, MoreThanARecorderGivesAtOnceIsNoChunk)
+{
+    const AudioStreamBasicDescription format = defaultAudioStreamBasicDescription();
+    EXPECT_TRUE(read(archiveOf(QByteArray(10 * 192'000, 's'))));
+    EXPECT_FALSE(read(archiveOf(QByteArray(10 * 192'000 + 4, 's'))));
+    EXPECT_EQ(PKAudioRecorderData(QByteArray(10 * 192'000 + 4, 's'), format).frameCount(), 0);
+}
+
+TEST_F(ChunkSpoolTest, AChunkTellsWhereItBegins)
+{
+    for (int i = 0; i < 250; ++i) {
+        const auto chunk = read(archiveOf(QByteArray(3840, 's')));
+        ASSERT_TRUE(chunk);
+        EXPECT_NEAR(chunk->begin(), 0.02 * i, 1e-9);
+    }
+    m_spooler.beginSpool();
+    archiveOf(QByteArray(4410 * 4, 's'), otherFormat());
+    const auto chunk = read(archiveOf("0"));
+    ASSERT_TRUE(chunk);
+    EXPECT_NEAR(chunk->begin(), 0.1, 1e-9);
 }
 
 TEST_F(ChunkSpoolTest, EveryFieldCountsInTheChecksum)

@@ -1,7 +1,6 @@
 #include "app/session/movie_job.h"
 
 #include "app/session/recording.h"
-#include "audio/PKAudioRecorderData.h"
 #include "base/PKTimebase.h"
 #include "base/log.h"
 #include "capture/record/VNBufferDiscr.h"
@@ -12,16 +11,23 @@
 #include "codec/PKMuxerTask.h"
 #include "codec/PKVideoFrame2.h"
 
-#include <optional>
 #include <utility>
 
 namespace vornic {
+
+namespace {
+
+/// How long sound may go on behind the last picture, seconds.
+constexpr double longestTail = 10;
+
+} // namespace
 
 MovieJob::MovieJob(std::shared_ptr<const Recording> recording, VNBufferMgr &spool, VNLogoContext *logo)
     : m_recording(std::move(recording))
     , m_spool(spool)
     , m_logo(logo)
     , m_composer(std::make_unique<FrameComposer>())
+    , m_sound([this] { return m_spool.popAudioBuffer(); })
 {
 }
 
@@ -57,6 +63,7 @@ std::shared_ptr<const PKVideoFrame2> MovieJob::PKMuxerTaskGetVideoFrame()
         const auto next = static_cast<std::uint64_t>(m_spool.nextBufferTimestamp());
         const bool hasSuccessor = next > record->timestamp();
         record->setDuration(hasSuccessor ? next - record->timestamp() : std::uint64_t { PKTimebase / 30 });
+        m_picturesEnd = static_cast<double>(record->timestamp()) / PKTimebase;
         if (auto frame = record->getVideoFrameWithLogoContext(m_logo, m_spool.recordRect(), m_composer.get()))
             return frame;
         // No frame means the end to the encoder; a damaged picture in the middle is not the end.
@@ -70,20 +77,7 @@ std::shared_ptr<const PKAudioFrame2> MovieJob::PKMuxerTaskGetAudioFrame()
 {
     if (!m_recording->clock.awaitsSound())
         return nullptr;
-    const std::optional<PKAudioRecorderData> chunk = m_spool.popAudioBuffer();
-    if (!chunk)
-        return nullptr;
-    const AudioStreamBasicDescription &format = chunk->dataFormat();
-    const std::uint32_t bytesPerFrame = format.mBitsPerChannel * format.mChannelsPerFrame / 8;
-    const auto bytes = static_cast<std::uint32_t>(chunk->data().size());
-    const std::uint32_t samples = bytesPerFrame == 0 ? 0 : bytes / bytesPerFrame;
-    return std::make_shared<const PKAudioFrame2>(format.mBitsPerChannel == 8
-                                                     ? PKMuxerContext::sampleFormatUnsigned8
-                                                     : PKMuxerContext::sampleFormatSigned16,
-                                                 static_cast<std::int32_t>(format.mChannelsPerFrame),
-                                                 static_cast<std::int32_t>(format.mSampleRate),
-                                                 static_cast<std::int32_t>(samples),
-                                                 chunk->data().constData());
+    return m_sound.next(m_picturesEnd + longestTail);
 }
 
 } // namespace vornic

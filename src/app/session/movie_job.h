@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/spooled_sound.h"
 #include "codec/PKMuxerTaskDataSource.h"
 
 #include <QString>
@@ -48,7 +49,9 @@ private:
     VNBufferMgr &m_spool;
     VNLogoContext *m_logo;
     std::unique_ptr<FrameComposer> m_composer;
-    std::weak_ptr<PKMuxerTask> m_task; ///< keeps itself alive until it has reported its end
+    SpooledSound m_sound;
+    std::atomic<double> m_picturesEnd = 0; ///< of those that were handed out, seconds
+    std::weak_ptr<PKMuxerTask> m_task;     ///< keeps itself alive until it has reported its end
     std::atomic<std::uint64_t> m_unusableFrames = 0;
     std::atomic<bool> m_isCancelled = false;
 };
