@@ -3,17 +3,15 @@
 #include "base/PKTimebase.h"
 #include "codec/PKAudioFrame2.h"
 #include "codec/PKMuxerContext.h"
-#include "codec/PKScaleContext.h"
 #include "codec/PKVideoFrame2.h"
 #include "codec/audio_encoder.h"
+#include "codec/frame_conformer.h"
 #include "codec/frame_reader.h"
 #include "codec/movie_contents.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_file.h"
 #include "codec/movie_proof.h"
 #include "codec/video_encoder.h"
-
-#include <QSize>
 
 #include <algorithm>
 #include <atomic>
@@ -27,46 +25,6 @@ using ConstFrame = std::shared_ptr<const PKVideoFrame2>;
 
 /// How long the last frame is shown where it does not say itself.
 constexpr std::int64_t defaultDuration = PKTimebase / 30;
-
-/// Makes frames of the movie's size and format from frames of any.
-///
-/// Made by a MovieWriter, used on the reader's thread.
-class FrameConformer
-{
-public:
-    explicit FrameConformer(QSize size)
-        : m_size(size)
-    {
-    }
-
-    /// The frame itself where it already fits; null where it holds no picture.
-    ConstFrame conform(const ConstFrame &frame)
-    {
-        const bool isYuv = frame->pixFormat() == PKPixelFormatYUV420P;
-        const QSize stored(frame->codeWidth(), frame->codeHeight());
-        const QSize shown
-            = isYuv ? QSize(frame->displayWidth(), frame->displayHeight()).boundedTo(stored) : stored;
-        if (shown.isEmpty() || (isYuv && shown == m_size))
-            return shown.isEmpty() ? nullptr : frame;
-        if (!m_scaler || m_shown != shown || m_format != frame->pixFormat()) {
-            m_shown = shown;
-            m_format = frame->pixFormat();
-            m_scaler.emplace(shown.width(),
-                             m_size.width(),
-                             shown.height(),
-                             m_size.height(),
-                             m_format,
-                             PKPixelFormatYUV420P);
-        }
-        return m_scaler->scaleFrame(*frame);
-    }
-
-private:
-    QSize m_size;
-    QSize m_shown;
-    PKPixelFormat m_format = PKPixelFormatRGB32;
-    std::optional<PKScaleContext> m_scaler; ///< for m_shown and m_format
-};
 
 /// Joins source, encoders and file for one movie; lives inside writeMovie() on its thread.
 class MovieWriter
