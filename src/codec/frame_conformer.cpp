@@ -2,7 +2,40 @@
 
 #include "codec/PKVideoFrame2.h"
 
+#include <algorithm>
+
 namespace vornic {
+
+namespace {
+
+/// Colour is stored for pairs of pixels: what is shorter than \a room is even, so that its neighbours stay black.
+int fittedLength(int length, int room)
+{
+    return length >= room ? room : std::min(std::max(2, length / 2 * 2), room);
+}
+
+/// \a shown in its own shape, as large as \a size allows. What is narrower than a bar of two pixels is a rounding.
+QSize fitted(QSize shown, QSize size)
+{
+    const QSize scaled = shown.scaled(size, Qt::KeepAspectRatio);
+    if (size.width() - scaled.width() < 2 && size.height() - scaled.height() < 2)
+        return size;
+    return { fittedLength(scaled.width(), size.width()), fittedLength(scaled.height(), size.height()) };
+}
+
+} // namespace
+
+std::shared_ptr<const PKVideoFrame2> FrameConformer::betweenBars(const PKVideoFrame2 &picture)
+{
+    const QSize rest = m_size - m_fitted;
+    const std::shared_ptr<PlanarPicture> canvas = m_pool->take(m_size.width(), m_size.height());
+    canvas->fillBlack();
+    canvas->put(*picture.planes(), rest.width() / 4 * 2, rest.height() / 4 * 2);
+    auto frame = std::make_shared<PKVideoFrame2>(canvas, m_size.width(), m_size.height());
+    frame->setTimeStamp(picture.timeStamp());
+    frame->setDuration(picture.duration());
+    return frame;
+}
 
 std::shared_ptr<const PKVideoFrame2>
 FrameConformer::conform(const std::shared_ptr<const PKVideoFrame2> &frame)
@@ -16,10 +49,16 @@ FrameConformer::conform(const std::shared_ptr<const PKVideoFrame2> &frame)
     if (!m_scaler || m_shown != shown || m_format != frame->pixFormat()) {
         m_shown = shown;
         m_format = frame->pixFormat();
-        m_scaler.emplace(
-            shown.width(), m_size.width(), shown.height(), m_size.height(), m_format, PKPixelFormatYUV420P);
+        m_fitted = fitted(shown, m_size);
+        m_scaler.emplace(shown.width(),
+                         m_fitted.width(),
+                         shown.height(),
+                         m_fitted.height(),
+                         m_format,
+                         PKPixelFormatYUV420P);
     }
-    return m_scaler->scaleFrame(*frame);
+    const std::shared_ptr<PKVideoFrame2> scaled = m_scaler->scaleFrame(*frame);
+    return scaled && m_fitted != m_size ? betweenBars(*scaled) : scaled;
 }
 
 } // namespace vornic

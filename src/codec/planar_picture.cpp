@@ -54,6 +54,29 @@ void PlanarPicture::repeatLumaEdges(int width, int height)
     }
 }
 
+void PlanarPicture::fillBlack()
+{
+    constexpr int blackLuma = 16;
+    constexpr int noColour = 128;
+    for (int plane = 0; plane < 3; ++plane)
+        std::memset(data(plane),
+                    plane == 0 ? blackLuma : noColour,
+                    static_cast<std::size_t>(stride(plane) * planeHeight(plane)));
+}
+
+void PlanarPicture::put(const PlanarPicture &picture, int x, int y)
+{
+    for (int plane = 0; plane < 3; ++plane) {
+        const int shrink = plane == 0 ? 1 : 2;
+        uchar *to = data(plane) + y / shrink * stride(plane) + x / shrink;
+        const uchar *from = picture.data(plane);
+        for (int row = 0; row < picture.planeHeight(plane); ++row)
+            std::memcpy(to + row * stride(plane),
+                        from + row * picture.stride(plane),
+                        static_cast<std::size_t>(picture.planeWidth(plane)));
+    }
+}
+
 std::shared_ptr<PlanarPicture> PlanarPicturePool::take(int width, int height)
 {
     std::unique_ptr<PlanarPicture> picture;

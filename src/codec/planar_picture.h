@@ -34,6 +34,10 @@ public:
     [[nodiscard]] std::shared_ptr<PlanarPicture> copy() const;
     /// Repeats column \a width - 1 and row \a height - 1 of the luma into what is stored beyond that size.
     void repeatLumaEdges(int width, int height);
+    /// Of the limited range.
+    void fillBlack();
+    /// Copies all of \a picture to where its upper left is at \a x, \a y, which are even; it must fit.
+    void put(const PlanarPicture &picture, int x, int y);
 
 private:
     friend class PlanarPicturePool;

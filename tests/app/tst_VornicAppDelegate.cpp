@@ -340,6 +340,27 @@ TEST_F(DelegateTest, ADisplayOfAnotherSizeIsFittedIntoTheMovieThatRuns)
             << end;
 }
 
+TEST_F(DelegateTest, ADisplayOfAnotherShapeIsShownBetweenBlackBars)
+{
+    delegate->recorded();
+    ASSERT_TRUE(runUntilGrabbed(1));
+    std::vector<std::uint64_t> ends;
+    for (const QSize size : { QSize(160, 200), QSize(640, 200) }) {
+        display->setPicture(quarteredPicture(size));
+        ASSERT_TRUE(runUntilGrabbed(delegate->counts().framesGrabbed + 3));
+        ends.push_back(delegate->counts().framesGrabbed);
+    }
+    delegate->stopRecord();
+    ASSERT_TRUE(runUntilIdle());
+    const auto shownAt = [&](std::uint64_t end) {
+        return decodedPicture(moviePath(), static_cast<int>(end) - 1, QSize(320, 200));
+    };
+    EXPECT_TRUE(isQuartered(shownAt(ends[0]).copy(80, 0, 160, 200)));
+    EXPECT_LT(qGray(shownAt(ends[0]).pixel(40, 100)), 5);
+    EXPECT_TRUE(isQuartered(shownAt(ends[1]).copy(0, 50, 320, 100)));
+    EXPECT_LT(qGray(shownAt(ends[1]).pixel(160, 25)), 5);
+}
+
 TEST_F(DelegateTest, ARectangleThatADisplayShrinksAwayFromIsRecordedAsFarAsItLiesOnIt)
 {
     delegate->options()->setRecordRegion(1);
