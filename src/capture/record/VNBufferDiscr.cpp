@@ -50,13 +50,19 @@ std::unique_ptr<VNBufferDiscr> VNBufferDiscr::createWithScreenImage(std::shared_
     std::unique_ptr<VNBufferDiscr> record(new VNBufferDiscr);
     record->mRecordRegion = std::move(image);
     record->mMouseLocation = pointerLocation();
-    record->_cursorIndex = indexOfCursor(mainDisplay()->cursorShape());
+    record->m_cursorShape = mainDisplay()->cursorShape();
+    record->_cursorIndex = indexOfCursor(*record->m_cursorShape);
     return record;
 }
 
 std::shared_ptr<const BitmapImage> VNBufferDiscr::recordImage() const
 {
     return m_picture ? m_picture->image() : mRecordRegion;
+}
+
+std::shared_ptr<const CursorShape> VNBufferDiscr::cursorShape() const
+{
+    return m_cursorShape ? *m_cursorShape : cusorAtIndex(_cursorIndex);
 }
 
 void VNBufferDiscr::encodeScalars(KeyedArchiver &archiver) const

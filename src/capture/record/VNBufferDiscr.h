@@ -51,8 +51,12 @@ public:
     /// The middle of the pixel under the hot spot, in screen coordinates (y up).
     [[nodiscard]] QPointF mouseLocation() const { return mMouseLocation; }
     [[nodiscard]] std::uint64_t cursorIndex() const { return _cursorIndex; }
-    /// For a record of another process, whose table was another.
-    void setCursorIndex(std::uint64_t index) { _cursorIndex = index; }
+    /// The pointer's shape, which a new record has with it; else what was set, or what the table has at cursorIndex().
+    /// Null for a hidden pointer, or where nobody knows the shape any more.
+    [[nodiscard]] std::shared_ptr<const CursorShape> cursorShape() const;
+    /// For a record that was read back: the table may have forgotten the shape, and that of another process was
+    /// another.
+    void setCursorShape(std::shared_ptr<const CursorShape> shape) { m_cursorShape = std::move(shape); }
 
     void encodeWithCoder(KeyedArchiver &archiver) const;
     [[nodiscard]] static std::unique_ptr<VNBufferDiscr> createWithCoder(const KeyedUnarchiver &unarchiver);
@@ -77,7 +81,7 @@ public:
         const VNLogoContext *logoContext, const QRectF &recordRegion, FrameComposer *composer = nullptr);
 
     [[nodiscard]] static std::uint64_t indexOfCursor(const std::shared_ptr<const CursorShape> &cursor);
-    /// Null when the table holds no shape at \a index.
+    /// Null when the table holds no shape at \a index, or no longer.
     [[nodiscard]] static std::shared_ptr<const CursorShape> cusorAtIndex(std::uint64_t index);
     /// The program's folder among the user's cache folders, made when missing.
     [[nodiscard]] static QString cachePath();
@@ -104,6 +108,7 @@ private:
     std::uint64_t _duration = 0;
     std::shared_ptr<PKVideoFrame2> _videoFrame;
     std::uint64_t _cursorIndex = 0;
+    std::optional<std::shared_ptr<const CursorShape>> m_cursorShape; ///< nothing: look in the table
     std::shared_ptr<const BitmapImage> mRecordRegion;
     std::shared_ptr<const JpegPicture> m_picture;
     QPointF mMouseLocation;

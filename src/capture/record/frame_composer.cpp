@@ -62,7 +62,7 @@ std::optional<FrameComposer::DrawnCursor> FrameComposer::cursorFor(const VNBuffe
     const QPointF mouse = record.mouseLocation();
     if (!region.isEmpty() && !contains(region, mouse))
         return std::nullopt;
-    const std::shared_ptr<const CursorShape> shape = VNBufferDiscr::cusorAtIndex(record.cursorIndex());
+    const std::shared_ptr<const CursorShape> shape = record.cursorShape();
     if (!shape || shape->picture.isNull())
         return std::nullopt;
     const QPointF offset

@@ -18,7 +18,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <limits>
 #include <thread>
 #include <utility>
 
@@ -32,9 +31,6 @@ constexpr double pollSeconds = 0.1;
 constexpr std::chrono::milliseconds writeDelay(200);
 /// A loss of power, what was written since the last sync, and the time that takes.
 constexpr std::chrono::milliseconds syncDelay(800);
-
-/// Which index stands for a shape that the journal does not have: the table never reaches it.
-constexpr std::uint64_t unknownShape = std::numeric_limits<std::uint64_t>::max();
 
 } // namespace
 
@@ -79,8 +75,8 @@ void VNBufferMgr::prepareFileHandle()
         m_video.open(open.folder ? open.folder->video() : nullptr, open.journal);
         m_pictures.beginSpool();
         m_picturesBack.forgetPicture();
-        m_journaledShapes.clear();
         m_shapesBack.reset();
+        m_lastShape = {};
     });
     m_audio.queue().sync([&] {
         m_audio.open(open.folder ? open.folder->audio() : nullptr, open.journal);
@@ -129,13 +125,10 @@ void VNBufferMgr::openLeft(const std::shared_ptr<RecordingFolder> &folder, const
         _muxerContext
             = description.movie ? std::make_shared<const PKMuxerContext>(*description.movie) : nullptr;
     }
-    std::map<std::uint64_t, std::uint64_t> shapes;
-    for (const auto &[index, shape] : contents.pointerShapes)
-        shapes.emplace(index, VNBufferDiscr::indexOfCursor(shape));
     m_video.queue().sync([&] {
         m_video.openLeft(folder->video(), contents.video);
         m_picturesBack.forgetPicture();
-        m_shapesBack = std::move(shapes);
+        m_shapesBack = contents.pointerShapes;
     });
     m_audio.queue().sync([&] {
         m_audio.openLeft(folder->audio(), contents.audio);
@@ -209,7 +202,11 @@ void VNBufferMgr::closeFolder()
 void VNBufferMgr::keep()
 {
     closeFolder();
-    m_video.queue().sync([this] { m_video.close(); });
+    m_video.queue().sync([this] {
+        m_video.close();
+        m_shapesBack.reset();
+        m_lastShape = {};
+    });
     m_audio.queue().sync([this] { m_audio.close(); });
 }
 
@@ -218,7 +215,11 @@ void VNBufferMgr::clear()
     const Open open = opened();
     if (open.journal)
         open.journal->finish(); // should this be all that becomes of it, the next start goes on here
-    m_video.queue().sync([this] { m_video.close(); });
+    m_video.queue().sync([this] {
+        m_video.close();
+        m_shapesBack.reset();
+        m_lastShape = {};
+    });
     m_audio.queue().sync([this] { m_audio.close(); });
     if (open.folder && !open.folder->remove())
         logMessage(
@@ -274,20 +275,36 @@ bool VNBufferMgr::createEmptyFile(const QString &path)
     return false;
 }
 
-/// Before the first record that shows a shape, the journal gets it: another process has another table.
-void VNBufferMgr::journalShape(std::uint64_t index)
+/// Before the first record that shows a shape, the journal gets it: another process has another table, and that of this
+/// one forgets.
+void VNBufferMgr::journalShape(const VNBufferDiscr &record)
 {
-    const auto shape = VNBufferDiscr::cusorAtIndex(index);
-    if (!shape || !m_journaledShapes.insert(index).second)
-        return;
-    if (const Open open = opened(); open.journal)
-        open.journal->add(index, *shape);
+    const auto shape = record.cursorShape();
+    if (const Open open = opened(); shape && open.journal)
+        open.journal->add(record.cursorIndex(), *shape);
+}
+
+/// Of a record that was read back. As long as it is the same shape, it is the same object.
+std::shared_ptr<const CursorShape> VNBufferMgr::shapeOf(const VNBufferDiscr &record)
+{
+    const std::uint64_t index = record.cursorIndex();
+    if (m_shapesBack) {
+        const auto shape = m_shapesBack->find(index);
+        return shape == m_shapesBack->end() ? nullptr : shape->second;
+    }
+    if (m_lastShape.second && m_lastShape.first == index)
+        return m_lastShape.second;
+    auto shape = VNBufferDiscr::cusorAtIndex(index);
+    if (const Open open = opened(); !shape && open.journal)
+        shape = open.journal->pointerShape(index);
+    m_lastShape = { index, shape };
+    return shape;
 }
 
 void VNBufferMgr::pushRecordBuffer(const VNBufferDiscr &record)
 {
     m_video.queue().sync([&] {
-        journalShape(record.cursorIndex());
+        journalShape(record);
         KeyedArchiver archiver;
         record.encodeWithCoder(archiver, m_pictures);
         const QByteArray stored = archiver.bytes();
@@ -330,10 +347,8 @@ VNBufferMgr::Taken<std::unique_ptr<VNBufferDiscr>> VNBufferMgr::takeRecord()
             taken.object = VNBufferDiscr::createWithCoder(*unarchiver, m_picturesBack);
         else
             m_picturesBack.forgetPicture();
-        if (taken.object && m_shapesBack) {
-            const auto shape = m_shapesBack->find(taken.object->cursorIndex());
-            taken.object->setCursorIndex(shape == m_shapesBack->end() ? unknownShape : shape->second);
-        }
+        if (taken.object)
+            taken.object->setCursorShape(shapeOf(*taken.object));
     });
     return taken;
 }

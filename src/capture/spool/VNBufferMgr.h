@@ -18,7 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
+#include <utility>
 
 namespace vornic {
 
@@ -27,6 +27,7 @@ class PKAudioRecorderData;
 class PKMuxerContext;
 class RecordingFolder;
 class VNBufferDiscr;
+struct CursorShape;
 struct JournalContents;
 struct RecordingDescription;
 
@@ -169,7 +170,8 @@ private:
     void describe();
     void openLeft(const std::shared_ptr<RecordingFolder> &folder, const JournalContents &contents);
     void closeFolder();
-    void journalShape(std::uint64_t index);
+    void journalShape(const VNBufferDiscr &record);
+    [[nodiscard]] std::shared_ptr<const CursorShape> shapeOf(const VNBufferDiscr &record);
     void writeSoon();
     void writeAll();
     void syncSoon();
@@ -181,10 +183,9 @@ private:
     PictureUnspooler m_picturesBack; ///< on the video queue
     ChunkSpooler m_chunks;           ///< on the audio queue
     ChunkUnspooler m_chunksBack;     ///< on the audio queue
-    /// On the video queue: the pointer shapes that the journal of this recording has, or the indexes that those of an
-    /// opened one have here.
-    std::set<std::uint64_t> m_journaledShapes;
-    std::optional<std::map<std::uint64_t, std::uint64_t>> m_shapesBack;
+    /// On the video queue: the pointer shapes of an opened recording, and the one that was read back last with its index.
+    std::optional<std::map<std::uint64_t, std::shared_ptr<const CursorShape>>> m_shapesBack;
+    std::pair<std::uint64_t, std::shared_ptr<const CursorShape>> m_lastShape;
     std::function<std::uint64_t()> m_freeSpaceProbe;
     QString m_whyNothingIsStored; ///< on the thread that calls readyToRecord()
     std::atomic<std::uint64_t> m_spooledBytes = 0;

@@ -12,17 +12,21 @@ namespace vornic {
 
 Journal::Journal(std::shared_ptr<SpoolFile> file)
     : m_file(std::move(file))
-    , m_end(m_file->size())
+    , m_addedEnd(m_file->size())
+    , m_end(m_addedEnd)
 {
 }
 
-void Journal::append(JournalKind kind, QByteArrayView payload)
+std::optional<Journal::Place> Journal::append(JournalKind kind, QByteArrayView payload)
 {
     if (payload.size() > maxJournalPayload)
-        return;
+        return std::nullopt;
     const QByteArray record = journalRecord(kind, payload);
     const std::lock_guard lock(m_addMutex);
+    const Place place { m_addedEnd, record.size() };
     m_added.append(record);
+    m_addedEnd += static_cast<std::uint64_t>(record.size());
+    return place;
 }
 
 void Journal::add(const RecordingDescription &description)
@@ -32,7 +36,43 @@ void Journal::add(const RecordingDescription &description)
 
 void Journal::add(std::uint64_t index, const CursorShape &shape)
 {
-    append(JournalKind::PointerShape, pointerShapeArchive(index, shape));
+    {
+        const std::lock_guard lock(m_addMutex);
+        if (m_shapes.contains(index))
+            return;
+    }
+    const std::optional<Place> place = append(JournalKind::PointerShape, pointerShapeArchive(index, shape));
+    const std::lock_guard lock(m_addMutex);
+    if (place)
+        m_shapes.emplace(index, *place);
+}
+
+QByteArray Journal::read(Place place)
+{
+    const std::lock_guard writing(m_writeMutex);
+    if (place.offset < m_end)
+        return m_file->read(place.offset, static_cast<std::uint64_t>(place.length));
+    const std::lock_guard lock(m_addMutex);
+    const auto position = static_cast<qsizetype>(place.offset - m_end);
+    const qsizetype before = m_beingWritten.size();
+    return position < before ? m_beingWritten.mid(position, place.length)
+                             : m_added.mid(position - before, place.length);
+}
+
+std::shared_ptr<const CursorShape> Journal::pointerShape(std::uint64_t index)
+{
+    Place place {};
+    {
+        const std::lock_guard lock(m_addMutex);
+        const auto found = m_shapes.find(index);
+        if (found == m_shapes.end())
+            return nullptr;
+        place = found->second;
+    }
+    const QByteArray bytes = read(place);
+    const std::optional<JournalRecord> record = nextJournalRecord(bytes, 0);
+    auto shape = record ? pointerShapeFromArchive(record->payload) : std::nullopt;
+    return shape ? std::move(shape->second) : nullptr;
 }
 
 void Journal::add(SpoolKind spool, const std::vector<VNDataBlock> &blocks)

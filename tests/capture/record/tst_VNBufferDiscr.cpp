@@ -88,6 +88,58 @@ TEST_F(BufferDiscrTest, NoCursorStandsBehindTheLastOne)
     EXPECT_FALSE(VNBufferDiscr::cusorAtIndex(count));
 }
 
+std::shared_ptr<const CursorShape> coloured(QRgb colour, int side = 4)
+{
+    QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(colour);
+    return std::make_shared<CursorShape>(CursorShape { picture, QPoint() });
+}
+
+TEST(CursorTable, ForgetsWhatHasNotBeenSeenForLongest)
+{
+    constexpr std::uint64_t shapes = 1000;
+    CursorTable table;
+    for (std::uint64_t i = 0; i < shapes; ++i) {
+        EXPECT_EQ(table.indexOf(coloured(static_cast<QRgb>(i) | 0xFF000000)), i);
+        EXPECT_EQ(table.indexOf(coloured(0xFF000000)), 0U) << "this one is seen all the time";
+    }
+    EXPECT_EQ(table.count(), shapes);
+    EXPECT_TRUE(table.at(0));
+    EXPECT_FALSE(table.at(1));
+    EXPECT_FALSE(table.at(shapes - CursorTable::maxShapes));
+    for (std::uint64_t i = shapes - CursorTable::maxShapes + 1; i < shapes; ++i) {
+        const auto kept = table.at(i);
+        ASSERT_TRUE(kept) << i;
+        EXPECT_EQ(*kept, *coloured(static_cast<QRgb>(i) | 0xFF000000));
+    }
+    EXPECT_EQ(table.indexOf(coloured(0xFF000001)), shapes) << "no index is given twice";
+}
+
+TEST(CursorTable, LargeShapesAreForgottenSooner)
+{
+    constexpr int side = 1024;
+    CursorTable table;
+    for (QRgb i = 0; i < 10; ++i)
+        static_cast<void>(table.indexOf(coloured(i | 0xFF000000, side)));
+    for (std::uint64_t i = 0; i < 10; ++i)
+        EXPECT_EQ(table.at(i) != nullptr, i >= 6) << i;
+    const std::uint64_t huge = table.indexOf(coloured(0xFFFFFFFF, 4096));
+    EXPECT_TRUE(table.at(huge));
+    EXPECT_FALSE(table.at(9));
+}
+
+TEST_F(BufferDiscrTest, ANewRecordKeepsAShapeThatTheTableForgets)
+{
+    m_display->setCursorShape(shape(0xffabcdef, { 3, 4 }));
+    const auto made = record();
+    ASSERT_TRUE(made);
+    for (QRgb i = 0; i < CursorTable::maxShapes; ++i)
+        static_cast<void>(VNBufferDiscr::indexOfCursor(coloured(i)));
+    EXPECT_FALSE(VNBufferDiscr::cusorAtIndex(made->cursorIndex()));
+    ASSERT_TRUE(made->cursorShape());
+    EXPECT_EQ(made->cursorShape()->hotSpot, QPoint(3, 4));
+}
+
 TEST_F(BufferDiscrTest, AHiddenPointerHasNoCursor)
 {
     EXPECT_FALSE(VNBufferDiscr::cusorAtIndex(VNBufferDiscr::indexOfCursor(nullptr)));

@@ -213,6 +213,20 @@ TEST_F(FrameCompositionTest, ACursorOfAnotherProcessIsLeftOut)
     EXPECT_TRUE(drawnCursor(foreign, QRectF()).isNull());
 }
 
+TEST_F(FrameCompositionTest, AShapeThatWasReadBackIsDrawnWhateverTheTableHas)
+{
+    QImage small(8, 8, QImage::Format_ARGB32_Premultiplied);
+    small.fill(Qt::white);
+    const auto record = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+    ASSERT_TRUE(record);
+    record->setCursorShape(std::make_shared<CursorShape>(CursorShape { small, QPoint() }));
+    EXPECT_EQ(drawnCursor(record, QRectF()), QRect(300, 292, 8, 8));
+    const auto hidden = recordAt({ 300, 300 }, { 640, 480 }, { 16, 16 }, { 0, 0 });
+    ASSERT_TRUE(hidden);
+    hidden->setCursorShape(nullptr);
+    EXPECT_TRUE(drawnCursor(hidden, QRectF()).isNull());
+}
+
 TEST_F(FrameCompositionTest, HostileMouseLocationsAreSurvived)
 {
     for (const double value : { 1e300, -1e300, std::nan(""), std::numeric_limits<double>::infinity() }) {

@@ -199,7 +199,7 @@ void feedRecording(const QString &id, const Files &files, Tally &tally)
     while (const auto record = manager.popRecordBuffer()) {
         if (record->recordImage())
             ++tally.pictures;
-        static_cast<void>(VNBufferDiscr::cusorAtIndex(record->cursorIndex()));
+        static_cast<void>(record->cursorShape());
     }
     while (manager.popAudioBuffer())
         ++tally.chunks;

@@ -3,6 +3,7 @@
 #include "base/keyed_archive.h"
 #include "capture/capture_fixture.h"
 #include "capture/record/VNBufferDiscr.h"
+#include "capture/record/cursor_table.h"
 #include "capture/record/picture_spooler.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/spool_file.h"
@@ -230,6 +231,47 @@ TEST_F(BufferMgrTest, AChunkKeepsItsFormat)
     const auto chunk = m_manager.getAudioBuffer();
     ASSERT_TRUE(chunk);
     EXPECT_EQ(chunk->dataFormat(), format);
+}
+
+/// A pointer of 4 x 4 pixels in a colour of its own.
+CursorShape pointerNumber(int number)
+{
+    QImage picture(4, 4, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(0xFF000000 | static_cast<QRgb>(number));
+    return { picture, QPoint(number % 4, 0) };
+}
+
+TEST_F(BufferMgrTest, EachFrameKeepsItsPointerHoweverManyThereAre)
+{
+    constexpr int frames = 2 * static_cast<int>(CursorTable::maxShapes) + 10;
+    for (int i = 0; i < frames; ++i) {
+        m_display->setCursorShape(pointerNumber(i));
+        push(noisePicture({ 16, 16 }, 1), static_cast<std::uint64_t>(i));
+    }
+    m_manager.setExit(true);
+    for (const bool again : { false, true }) {
+        if (again)
+            m_manager.rewind();
+        for (int i = 0; i < frames; ++i) {
+            const auto record = m_manager.popRecordBuffer();
+            ASSERT_TRUE(record);
+            ASSERT_TRUE(record->cursorShape()) << i;
+            EXPECT_EQ(*record->cursorShape(), pointerNumber(i)) << i;
+        }
+    }
+}
+
+TEST_F(BufferMgrTest, APointerThatStaysIsReadBackAsOneObject)
+{
+    m_display->setCursorShape(pointerNumber(0));
+    push(noisePicture({ 16, 16 }, 1), 0);
+    push(noisePicture({ 16, 16 }, 1), 1);
+    for (int i = 1; i <= static_cast<int>(CursorTable::maxShapes); ++i)
+        static_cast<void>(VNBufferDiscr::indexOfCursor(std::make_shared<CursorShape>(pointerNumber(i))));
+    const auto first = m_manager.popRecordBuffer();
+    const auto second = m_manager.popRecordBuffer();
+    ASSERT_TRUE(first && second && first->cursorShape());
+    EXPECT_EQ(first->cursorShape(), second->cursorShape()) << "the composer knows it by that";
 }
 
 TEST_F(BufferMgrTest, WithTheExitFlagUpAnEmptySpoolEndsWithoutAWait)

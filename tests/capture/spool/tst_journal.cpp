@@ -335,6 +335,46 @@ TEST_F(JournalFile, HoldsWhatWasAddedOnceItIsWritten)
     EXPECT_TRUE(contents().isFinished);
 }
 
+TEST_F(JournalFile, GivesPointerShapesBackWrittenOrNot)
+{
+    Journal first(file(true));
+    first.add(someDescription());
+    ASSERT_TRUE(first.write());
+    Journal journal(file(false));
+    const auto expectShapes = [&journal](std::uint32_t count) {
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const auto shape = journal.pointerShape(100 + i);
+            ASSERT_TRUE(shape) << i;
+            EXPECT_EQ(*shape, shapeOf({ 8, 8 }, i));
+        }
+        EXPECT_FALSE(journal.pointerShape(100 + count));
+    };
+    journal.add(100, shapeOf({ 8, 8 }, 0));
+    journal.add(SpoolKind::Video, { blockAt(0, 5) });
+    journal.add(101, shapeOf({ 8, 8 }, 1));
+    expectShapes(2);
+    ASSERT_TRUE(journal.write());
+    expectShapes(2);
+    journal.add(102, shapeOf({ 8, 8 }, 2));
+    {
+        const test::FileSizeLimit limit(file(false)->size() + 10);
+        EXPECT_FALSE(journal.write());
+        journal.add(103, shapeOf({ 8, 8 }, 3));
+        expectShapes(4);
+    }
+    EXPECT_TRUE(journal.write());
+    expectShapes(4);
+}
+
+TEST_F(JournalFile, WritesAPointerShapeOnce)
+{
+    Journal journal(file(true));
+    for (const std::uint32_t seed : { 1U, 2U })
+        journal.add(4, shapeOf({ 8, 8 }, seed));
+    ASSERT_TRUE(journal.write());
+    EXPECT_EQ(file(false)->size(), static_cast<std::uint64_t>(recordOf(4, shapeOf({ 8, 8 }, 1)).size()));
+}
+
 TEST_F(JournalFile, IsGoneOnWithWhereItEnds)
 {
     Journal first(file(true));

@@ -216,7 +216,7 @@ TEST_F(KeptRecordings, PointersHaveTheShapesOfTheProcessThatRecorded)
     for (int i = 0; i < 2; ++i) {
         const auto record = m_manager.popRecordBuffer();
         ASSERT_TRUE(record);
-        const auto shape = VNBufferDiscr::cusorAtIndex(record->cursorIndex());
+        const auto shape = record->cursorShape();
         ASSERT_TRUE(shape);
         EXPECT_EQ(*shape, theirs);
     }
@@ -239,7 +239,7 @@ TEST_F(KeptRecordings, APointerWhoseShapeIsLostHasNone)
     const auto record = m_manager.popRecordBuffer();
     ASSERT_TRUE(record);
     EXPECT_TRUE(record->recordImage());
-    EXPECT_FALSE(VNBufferDiscr::cusorAtIndex(record->cursorIndex()));
+    EXPECT_FALSE(record->cursorShape());
 }
 
 TEST_F(KeptRecordings, ATurnedByteCostsItsPicture)
