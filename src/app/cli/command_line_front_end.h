@@ -48,9 +48,9 @@ public:
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;
+    void soundIsMissing(const std::function<void()> &goOn) override;
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;
-    void soundIsMissing(const std::function<void()> &goOn) override;
     void beginProgress(std::uint64_t frames) override;
     void setProgress(double percent) override;
     void endProgress() override;

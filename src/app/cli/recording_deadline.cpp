@@ -76,7 +76,7 @@ void RecordingDeadline::look()
         return;
     }
     m_isReached = true;
-    m_session.stopWithAPicture();
+    m_session.stopRecord();
 }
 
 } // namespace vornic

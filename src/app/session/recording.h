@@ -53,7 +53,7 @@ struct Recording {
     RecordingClock clock { RecordingClock::Origin::FirstPass };
 
     bool isCaptured = false;         ///< passes run, or have run
-    bool endsWithFirstFrame = false; ///< stopped before it was captured
+    bool endsWithFirstFrame = false; ///< stopped before there was one
     bool isPutOff = false;           ///< its movie is made another time
     bool stopItemIsShown = false;
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool

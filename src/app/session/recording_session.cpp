@@ -305,7 +305,7 @@ void RecordingSession::soundAwaited()
     if (m_recording->stopItemIsShown)
         m_frontEnd.progress.setStopItemTitle(tr("waiting for audio"));
     if (m_recording->endsWithFirstFrame)
-        m_spool->setExit(true);
+        goOnWithoutSound();
 }
 
 void RecordingSession::soundMissing()
@@ -316,10 +316,16 @@ void RecordingSession::soundMissing()
     });
 }
 
+/// Sound is to give the recording its origin, and none has come yet.
+bool RecordingSession::awaitsOrigin() const
+{
+    return m_recording->clock.awaitsSound() && !m_recording->clock.timestamp();
+}
+
 /// What the device may still deliver is not wanted any more: the movie has no sound.
 void RecordingSession::goOnWithoutSound()
 {
-    if (!m_recording->clock.awaitsSound() || m_recording->clock.timestamp())
+    if (!awaitsOrigin() || !m_spool->muxerContext())
         return;
     m_audio->stop();
     const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
@@ -345,24 +351,13 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
 
 void RecordingSession::stopRecord()
 {
-    if (m_phase == Phase::Capturing && !m_recording->isCaptured) {
-        // While the screen is not clear yet: what there is to see becomes a movie of one frame.
-        m_recording->endsWithFirstFrame = true;
-        beginCapture();
-        return;
-    }
-    m_spool->setExit(true);
-}
-
-void RecordingSession::stopWithAPicture()
-{
-    if (m_phase == Phase::Capturing && m_recording->framesGrabbed == 0) {
-        m_recording->endsWithFirstFrame = true;
+    if (m_phase == Phase::Capturing && m_recording->framesGrabbed == 0
+        && !std::exchange(m_recording->endsWithFirstFrame, true)) {
         beginCapture();
         goOnWithoutSound();
         return;
     }
-    stopRecord();
+    m_spool->setExit(true);
 }
 
 bool RecordingSession::countsOnSound() const

@@ -79,10 +79,9 @@ public:
     void recover(const QString &id, const QString &file, std::optional<RecordQuality> quality = {});
     /// Puts off the movie that is written: the recording is kept, and recover() goes on with it.
     void later();
-    /// Raises the exit flag; the next capture pass ends the recording.
+    /// Raises the exit flag; the next capture pass ends the recording. Where no picture is kept yet, because the screen
+    /// is not clear or sound is waited for, it ends with the first one, and without sound; a second call does not wait.
     void stopRecord();
-    /// The same, but where no picture is kept yet, it ends with the first one, and sound is not waited for.
-    void stopWithAPicture();
     /// There is sound, or it is still waited for.
     [[nodiscard]] bool countsOnSound() const;
     /// Writes the movie of the recording that is captured; no more than once.
@@ -142,6 +141,7 @@ private:
     void describePicture(PKMuxerContext &context, RecordQuality quality) const;
     void adopt(std::shared_ptr<Recording> recording);
     void beginCapture();
+    [[nodiscard]] bool awaitsOrigin() const;
     void goOnWithoutSound();
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);

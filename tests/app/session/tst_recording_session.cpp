@@ -301,7 +301,7 @@ TEST_F(RecordingSessionTest, WhoseTimeIsOverBeforeSoundComesHoldsAPictureWithout
     session->recorded();
     ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
     EXPECT_TRUE(session->countsOnSound());
-    session->stopWithAPicture();
+    session->stopRecord();
     EXPECT_FALSE(session->countsOnSound());
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_EQ(session->failure(), "");
@@ -314,7 +314,7 @@ TEST_F(RecordingSessionTest, OneThatHasPicturesEndsWithThemWhenItsTimeIsOver)
     makeSession();
     session->recorded();
     ASSERT_TRUE(waitUntil([&] { return session->counts().framesGrabbed >= 3; }));
-    session->stopWithAPicture();
+    session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_GE(session->counts().framesWritten, 3U);
 }
@@ -337,6 +337,36 @@ TEST_F(RecordingSessionTest, WhoLeavesFindsTheRecordingAgain)
     session->recover(id, *frontEnd.path);
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_GE(session->counts().framesWritten, 3U);
+}
+
+TEST_F(RecordingSessionTest, AStopWhileSoundIsAwaitedKeepsAPictureAllTheSame)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_TRUE(session->failure().isEmpty()) << session->failure().toStdString();
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    const QJsonObject movie = testing::probe(*frontEnd.path);
+    EXPECT_EQ(testing::numbersOf(movie, "packets", "video", "pts"), QList<qint64> { 0 });
+    EXPECT_TRUE(testing::streamOf(movie, "audio").isEmpty());
+    EXPECT_EQ(session->counts().audioSeconds, 0) << "by which whoever asked for sound is told";
+}
+
+TEST_F(RecordingSessionTest, ARecordingThatIsStoppedBeforeScreenAndSoundAreThereEnds)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    frontEnd.holdsScreen = true;
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Capturing; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->counts().framesWritten, 1U);
 }
 
 TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)
