@@ -78,7 +78,7 @@ private:
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
         m_contents.begin = frame->timeStamp();
         while (frame) {
-            ConstFrame following = nextAfter(*frame, reader);
+            ConstFrame following = nextAfter(frame, reader);
             const std::int64_t own = frame->duration() > 0 ? frame->duration() : defaultDuration;
             const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
             encodeAudio(frame->timeStamp());
@@ -110,11 +110,14 @@ private:
         return frame;
     }
 
-    /// The next frame that is later than \a frame: no two can be shown at one time.
-    ConstFrame nextAfter(const PKVideoFrame2 &frame, FrameReader &reader)
+    /// The next frame that is later than \a frame: no two can be shown at one time. Of those of one time \a frame
+    /// becomes the newest.
+    ConstFrame nextAfter(ConstFrame &frame, FrameReader &reader)
     {
         ConstFrame following = nextFrame(reader);
-        while (following && following->timeStamp() <= frame.timeStamp()) {
+        while (following && following->timeStamp() <= frame->timeStamp()) {
+            if (following->timeStamp() == frame->timeStamp())
+                frame = following;
             ++m_statistics.framesSkipped;
             following = nextFrame(reader);
         }

@@ -147,6 +147,9 @@ TEST_F(PKMuxerTaskTest, framesOutOfOrderAreSkippedAndCounted)
     const auto probed = probe(m_movie);
     EXPECT_EQ(videoNumbers(probed, "packets", "pts"), (QList<qint64> { 0, 3000, 6000 }));
     EXPECT_EQ(videoNumbers(probed, "packets", "duration"), (QList<qint64> { 3000, 3000, 1500 }));
+    const QColor second = decodedPicture(m_movie, 1, { 64, 48 }).pixelColor(32, 24);
+    EXPECT_GT(second.blue(), 200) << "of two at one time the newer one is shown";
+    EXPECT_LT(second.green(), 50);
 }
 
 TEST_F(PKMuxerTaskTest, unusableFramesAreSkippedAndCounted)
