@@ -56,7 +56,7 @@ bool VNHintWndCtroller::showAgain() const
 
 void VNHintWndCtroller::setShowAgain(bool showAgain)
 {
-    user_defaults::setValue(showAgainKey, showAgain);
+    user_defaults::setValue(showAgainKey, showAgain ? 1 : 0); // stored as a number
     emit showAgainChanged();
 }
 
