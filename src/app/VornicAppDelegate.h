@@ -46,7 +46,8 @@ public:
     void leave() { m_session->leave(); }
     /// Stores the options, if they are the user's stored ones; false, and logged, where the disk does not take them.
     bool applicationWillTerminate() { return saveOptions(); }
-    /// Writes the options to the user defaults, and those to disk.
+    /// Writes the options to the user defaults, and those to disk. Called when the program terminates, and when the
+    /// desktop's session ends: the desktop may end the program then without another word.
     bool saveOptions();
 
     // shell
