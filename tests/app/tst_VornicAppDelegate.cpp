@@ -266,6 +266,18 @@ TEST_F(DelegateTest, ANegativeFractionalOriginIsCutOffTowardsZero)
     EXPECT_EQ(delegate->bufferMgr().recordRect(), QRectF(0, 0, 90, 30));
 }
 
+TEST_F(DelegateTest, ARectangleOnTheDisplayIsSpooledAsTheOptionsSayIt)
+{
+    const QRectF selected(10.5, 20.25, 100.75, 50.5);
+    delegate->options()->setRecordRegion(1);
+    delegate->options()->setSelectedRect(selected);
+    ASSERT_TRUE(record(2));
+    EXPECT_EQ(delegate->bufferMgr().recordRect(), selected);
+    const QJsonObject video = streamOf(probe(moviePath()), "video");
+    EXPECT_EQ(video["width"].toInt(), 100);
+    EXPECT_EQ(video["height"].toInt(), 50);
+}
+
 /// All zeros mean the whole display to the capture; a place without a size is none.
 TEST_F(DelegateTest, AnEmptyRectangleIsNotTheWholeDisplay)
 {
@@ -678,6 +690,18 @@ TEST_F(DelegateTest, ADeviceChangeToNothingLeavesTheListUntouched)
     EXPECT_FALSE(delegate->allowedAudioRecord());
 }
 
+TEST_F(DelegateTest, ADeviceChangeToNothingLeavesTheListAsUsableAsItWas)
+{
+    for (const bool sound : { true, false }) {
+        audioControl.names = QStringList { "Microphone" };
+        makeDelegate(std::make_unique<VNOption>());
+        delegate->options()->setEnableAudio(sound);
+        audioControl.names.clear();
+        delegate->audioControlInputDeviceChanged(audioControl);
+        EXPECT_EQ(delegate->audioDevicesView().isEnabled(), sound);
+    }
+}
+
 TEST_F(DelegateTest, TheRecorderIsMadeOnceAndSwitchedOnlyByTheUser)
 {
     audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
@@ -726,11 +750,17 @@ TEST_F(DelegateTest, TheDeviceListRestsWhileARecordingRuns)
     EXPECT_TRUE(delegate->audioDevicesView().isEnabled());
 }
 
-TEST_F(DelegateTest, TheDeviceListStaysDisabledAfterARecordingWithoutSound)
+TEST_F(DelegateTest, AfterARecordingTheDeviceListMayBeUsedWhereThereIsADevice)
 {
     addAudioDevice();
+    EXPECT_FALSE(delegate->audioDevicesView().isEnabled());
     ASSERT_TRUE(record(1));
     EXPECT_TRUE(delegate->allowedAudioRecord());
+    EXPECT_TRUE(delegate->audioDevicesView().isEnabled());
+    delegate->recordRegionChanged();
+    EXPECT_FALSE(delegate->audioDevicesView().isEnabled()) << "sound is switched off";
+    audioControl.names.clear();
+    ASSERT_TRUE(record(1));
     EXPECT_FALSE(delegate->audioDevicesView().isEnabled());
 }
 

@@ -46,7 +46,10 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
         m_options.setEnableAudio(false);
     enableAudioDevices();
     connect(&m_options, &VNOption::enableAudioChanged, this, &RecordingSession::enableAudioDevices);
-    connect(m_audio.get(), &AudioInput::devicesChanged, this, &RecordingSession::enableAudioDevices);
+    connect(m_audio.get(), &AudioInput::devicesChanged, this, [this] {
+        if (m_audio->hasDevices())
+            enableAudioDevices(); // an empty list stays as it is
+    });
 }
 
 RecordingSession::~RecordingSession()
@@ -90,7 +93,8 @@ void RecordingSession::setPhase(Phase phase)
     m_phase = phase;
     if (isRecording() == wasRecording)
         return;
-    enableAudioDevices();
+    // Whether sound is switched on counts only where it is switched, where the region changes, and at the launch.
+    m_audio->devices().setEnabled(!isRecording() && m_audio->hasDevices());
     emit stateChanged();
 }
 
@@ -209,6 +213,8 @@ bool RecordingSession::outputAndSpoolAreReady()
 
 // ---- the capture
 
+/// What the options say. Only a rectangle that reaches beyond the display is cut to what is on it, in whole pixels: the
+/// grab gives no more, and the movie has the size of its pictures.
 QRectF RecordingSession::regionToRecord() const
 {
     if (!m_options.recordsRectangle())
@@ -217,7 +223,8 @@ QRectF RecordingSession::regionToRecord() const
     const QRect pixels = truncatedRect(VNOption::convertScreenRectToQuartz(selected));
     const QRect visible = pixels & QRect(QPoint(0, 0), VNOption::screenFrame().size().toSize());
     // Where none of it is on the display, the grab finds that out and ends the recording.
-    return visible.isEmpty() ? selected : VNOption::convertScreenRectFromQuartz(QRectF(visible));
+    return visible.isEmpty() || visible == pixels ? selected
+                                                  : VNOption::convertScreenRectFromQuartz(QRectF(visible));
 }
 
 void RecordingSession::startRecorderAnyway()

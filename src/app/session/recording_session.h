@@ -111,7 +111,8 @@ public:
     [[nodiscard]] RecordingCounts counts() const;
     /// Empty when the last recording became a movie, else why it did not.
     [[nodiscard]] const QString &failure() const;
-    /// The device list may be used only while idle, with sound switched on.
+    /// The device list may be used only while idle, with sound switched on. After a recording it may be used until the
+    /// next call, whatever is switched on.
     void enableAudioDevices();
 
 signals:
