@@ -77,6 +77,16 @@ std::unique_ptr<AudioRecorder> PKAudioControl::createRecorder(std::uint32_t devi
     return std::make_unique<PKAudioRecorder>(deviceID, *this);
 }
 
+void PKAudioControl::addRecorder(PKAudioRecorder &recorder)
+{
+    m_recorders.push_back(&recorder);
+}
+
+void PKAudioControl::removeRecorder(PKAudioRecorder &recorder)
+{
+    std::erase(m_recorders, &recorder);
+}
+
 void PKAudioControl::serverChanged()
 {
     m_isReading = false;
@@ -144,6 +154,8 @@ void PKAudioControl::takeList()
     m_hasAnswer = true;
     if (m_table.update(std::exchange(m_arriving, {}), m_defaultSource))
         devicesChanged();
+    for (PKAudioRecorder *recorder : m_recorders)
+        recorder->devicesListed();
     m_connection->wake();
     m_isReading = false;
     if (m_readsAgain)

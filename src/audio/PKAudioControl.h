@@ -6,11 +6,13 @@
 #include <QByteArray>
 
 #include <memory>
+#include <vector>
 
 struct pa_source_info;
 
 namespace vornic {
 
+class PKAudioRecorder;
 class PulseConnection;
 
 /// The desktop's audio inputs: microphones, and the monitors of outputs, which give what the system plays.
@@ -36,6 +38,12 @@ public:
     /// The server's own name of a device, for PKAudioRecorder; empty when there is none. Under a Lock of
     /// connection().
     [[nodiscard]] QByteArray sourceOf(std::uint32_t deviceID) const { return m_table.sourceOf(deviceID); }
+    /// Whether the device is there now. Under a Lock of connection().
+    [[nodiscard]] bool isThere(std::uint32_t deviceID) const { return m_table.isThere(deviceID); }
+    /// Borrows a recorder, which is told whenever the list of devices has been read; until it is removed. Both under a
+    /// Lock of connection().
+    void addRecorder(PKAudioRecorder &recorder);
+    void removeRecorder(PKAudioRecorder &recorder);
     [[nodiscard]] PulseConnection &connection() { return *m_connection; }
 
 private:
@@ -54,6 +62,7 @@ private:
     AudioDeviceTable m_table;
     std::vector<AudioInputFacts> m_arriving; ///< of the answer that is coming in
     QByteArray m_defaultSource;
+    std::vector<PKAudioRecorder *> m_recorders;
     bool m_hasAnswer = false;
     bool m_isReading = false;
     bool m_readsAgain = false; ///< something changed while an answer was coming in

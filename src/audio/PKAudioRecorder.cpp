@@ -67,11 +67,15 @@ PKAudioRecorder::PKAudioRecorder(std::uint32_t deviceID, PKAudioControl &control
     , m_connection(control.connection())
     , m_deviceID(deviceID)
 {
+    const PulseConnection::Lock lock(m_connection);
+    m_control.addRecorder(*this);
 }
 
 PKAudioRecorder::~PKAudioRecorder()
 {
     PKAudioRecorder::stopRecord();
+    const PulseConnection::Lock lock(m_connection);
+    m_control.removeRecorder(*this);
 }
 
 void PKAudioRecorder::setDelegate(PKAudioRecorderDelegate *delegate)
@@ -97,6 +101,7 @@ bool PKAudioRecorder::startRecordWithFormat(const AudioStreamBasicDescription &f
     m_format = format;
     m_pending.clear();
     m_beginsSoon = false;
+    m_lossIsTold = false;
     m_timeline.emplace(format.mSampleRate);
     return openStream();
 }
@@ -118,6 +123,16 @@ void PKAudioRecorder::stopRecord()
 }
 
 bool PKAudioRecorder::openStream()
+{
+    const auto isDecided = [this] { return m_isLost || pa_stream_get_state(m_stream) == PA_STREAM_READY; };
+    if (connectStream() && m_connection.waitUntil(absoluteTimeSeconds() + openWait, isDecided) && !m_isLost)
+        return true;
+    closeStream();
+    return false;
+}
+
+/// Waits for nothing: streamChanged() hears whether the device starts.
+bool PKAudioRecorder::connectStream()
 {
     const std::optional<pa_sample_spec> spec = sampleSpecOf(m_format);
     const QByteArray source = m_control.sourceOf(m_deviceID);
@@ -144,12 +159,7 @@ bool PKAudioRecorder::openStream()
     buffer.fragsize = static_cast<std::uint32_t>(chunkBytes() * 3 / 2);
     // Without the second flag the server moves a recording to another device when its own is unplugged.
     const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
-    const auto isDecided = [this] { return m_isLost || pa_stream_get_state(m_stream) == PA_STREAM_READY; };
-    if (pa_stream_connect_record(m_stream, source.constData(), &buffer, flags) >= 0
-        && m_connection.waitUntil(absoluteTimeSeconds() + openWait, isDecided) && !m_isLost)
-        return true;
-    closeStream();
-    return false;
+    return pa_stream_connect_record(m_stream, source.constData(), &buffer, flags) >= 0;
 }
 
 void PKAudioRecorder::closeStream()
@@ -164,10 +174,33 @@ void PKAudioRecorder::closeStream()
 
 void PKAudioRecorder::streamChanged()
 {
-    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream)) && !std::exchange(m_isLost, true)
-        && m_timeline->hasStarted())
+    const pa_stream_state_t state = pa_stream_get_state(m_stream);
+    m_isLost = m_isLost || !PA_STREAM_IS_GOOD(state);
+    if (m_isLost && m_timeline->hasStarted() && !std::exchange(m_lossIsTold, true)) {
         logMessage(QStringLiteral("The audio input device is gone; the recording goes on without sound."));
+        tell(&PKAudioRecorderDelegate::soundWasLost);
+    } else if (state == PA_STREAM_READY && std::exchange(m_lossIsTold, false)) {
+        logMessage(QStringLiteral("The audio input device is back; its sound is recorded again."));
+        tell(&PKAudioRecorderDelegate::soundCameBack);
+    }
     m_connection.wake();
+}
+
+/// In its place between the chunks.
+void PKAudioRecorder::tell(void (PKAudioRecorderDelegate::*what)(AudioRecorder &))
+{
+    if (m_delegate)
+        m_deliveries.async([this, what, delegate = m_delegate] { (delegate->*what)(*this); });
+}
+
+/// A stream that has failed is replaced only where its device is there: otherwise the next list is waited for.
+void PKAudioRecorder::devicesListed()
+{
+    if (!m_stream || !m_isLost || !m_control.isThere(m_deviceID))
+        return;
+    closeStream();
+    if (!connectStream())
+        m_isLost = true;
 }
 
 void PKAudioRecorder::read()

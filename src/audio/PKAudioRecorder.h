@@ -20,7 +20,8 @@ class PulseConnection;
 /// Made through the control, which it may not outlive. Samples arrive on the connection's thread; chunks are
 /// delivered on a queue of the recorder's own, under no lock, so that a delegate that is slow or that asks the
 /// control something holds up no one. The first chunk is 20 ms of silence: it ends at the very moment at which
-/// it is delivered, and every frame after it stands where it was captured, whatever the server's latency.
+/// it is delivered, and every frame after it stands where it was captured, whatever the server's latency. A device
+/// that vanishes is recorded again when it is back.
 class PKAudioRecorder final : public AudioRecorder
 {
 public:
@@ -35,10 +36,15 @@ public:
     [[nodiscard]] AudioStreamBasicDescription currentDataFormat() const override;
     void stopRecord() override;
 
+    /// The control has read the list of devices: one that was lost may be back. On the connection's thread.
+    void devicesListed();
+
 private:
     [[nodiscard]] bool openStream();
+    [[nodiscard]] bool connectStream();
     void closeStream();
     void streamChanged();
+    void tell(void (PKAudioRecorderDelegate::*what)(AudioRecorder &));
     void read();
     void askForTiming(double now);
     void takeTiming();
@@ -58,6 +64,7 @@ private:
     AudioStreamBasicDescription m_format;
     pa_stream *m_stream = nullptr; ///< null: not recording
     bool m_isLost = false;         ///< the stream ended by itself
+    bool m_lossIsTold = false;     ///< the delegate was told of it, and not of the sound's return
     std::optional<CaptureTimeline> m_timeline;
     double m_askedForTiming = 0; ///< absolute clock; 0: not since the stream was opened
     bool m_awaitsTiming = false;

@@ -21,6 +21,10 @@ public:
                             const AudioStreamBasicDescription & /*format*/)
     {
     }
+    /// The input is gone: no sound comes until soundCameBack().
+    virtual void soundWasLost(AudioRecorder & /*recorder*/) { }
+    /// The same input is there again, and is recorded: what was missed is silence.
+    virtual void soundCameBack(AudioRecorder & /*recorder*/) { }
 
 protected:
     ~PKAudioRecorderDelegate() = default;

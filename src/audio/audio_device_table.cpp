@@ -58,4 +58,10 @@ QByteArray AudioDeviceTable::sourceOf(std::uint32_t id) const
     return found == m_ids.end() ? QByteArray() : found->first;
 }
 
+bool AudioDeviceTable::isThere(std::uint32_t id) const
+{
+    const QByteArray source = sourceOf(id);
+    return !source.isEmpty() && std::ranges::find(m_devices, source, &Device::source) != m_devices.end();
+}
+
 } // namespace vornic

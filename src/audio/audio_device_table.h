@@ -32,6 +32,8 @@ public:
     [[nodiscard]] std::uint32_t idOf(const QString &name) const;
     /// The server's name of an input that is or was there; empty for any other number.
     [[nodiscard]] QByteArray sourceOf(std::uint32_t id) const;
+    /// Whether the input is there now.
+    [[nodiscard]] bool isThere(std::uint32_t id) const;
 
 private:
     struct Device {

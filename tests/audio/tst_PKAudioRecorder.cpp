@@ -42,6 +42,9 @@ public:
         m_bytes.insert(m_bytes.end(), first, first + byteCount);
     }
 
+    void soundWasLost(AudioRecorder &) override { ++losses; }
+    void soundCameBack(AudioRecorder &) override { ++returns; }
+
     /// Seconds of sound so far.
     double seconds() const
     {
@@ -74,6 +77,8 @@ public:
     }
 
     std::atomic<bool> isStopped = false;
+    std::atomic<int> losses = 0;
+    std::atomic<int> returns = 0;
     AudioStreamBasicDescription format;
     std::vector<std::uint32_t> sizes;
     std::set<Qt::HANDLE> threads;
@@ -311,10 +316,43 @@ TEST_P(AudioRecorderTest, ADeviceThatVanishesIsLoggedOnceAndAnotherIsNotTakenFor
     EXPECT_TRUE(anotherIsServed());
     EXPECT_EQ(collector.seconds(), ended);
     EXPECT_EQ(logged().size(), 1);
+    EXPECT_EQ(collector.losses, 1);
+    EXPECT_EQ(collector.returns, 0);
     recorder->stopRecord();
     recorder->setDeviceID(control->deviceIDFromName("Desk microphone"));
     ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
     EXPECT_TRUE(delivers(0.3));
+}
+
+TEST_P(AudioRecorderTest, ADeviceThatComesBackIsRecordedAgainInItsTime)
+{
+    const auto recorder = recorderOf("Monitor of Speakers");
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.3));
+    for (const bool wholeServer : { false, true }) {
+        const int before = collector.losses;
+        if (wholeServer) {
+            server->kill();
+            ASSERT_TRUE(waitUntil([&] { return collector.losses > before; }));
+            ASSERT_TRUE(server->restart());
+        } else {
+            server->remove(speakers);
+            ASSERT_TRUE(waitUntil([&] { return collector.losses > before; }));
+        }
+        ASSERT_FALSE(server->addOutput("speakers", "Speakers").isEmpty());
+        ASSERT_TRUE(delivers(0.5)) << wholeServer;
+        EXPECT_EQ(collector.losses, before + 1);
+        EXPECT_EQ(collector.returns, before + 1);
+        const auto behind = [&] { return absoluteTimeSeconds() - collector.origin() - collector.seconds(); };
+        EXPECT_TRUE(waitUntil([&] { return behind() < 0.3; })) << "what was missed is silence";
+        EXPECT_GT(behind(), -0.1);
+    }
+    const auto player = playTone();
+    ASSERT_TRUE(player);
+    const double since = collector.seconds();
+    EXPECT_TRUE(waitUntil([&] { return collector.loudestSince(since) > 5000; }));
+    recorder->stopRecord();
+    collector.isStopped = true;
 }
 
 TEST_P(AudioRecorderTest, RecordsAgainWhenTheServerHasComeBack)

@@ -41,8 +41,11 @@ TEST(AudioDeviceTableTest, ADeviceKeepsItsNumber)
     table.update({ laptop }, "pci-1");
     EXPECT_EQ(table.idOf("USB Microphone"), 0U);
     EXPECT_EQ(table.sourceOf(id), "usb-1");
+    EXPECT_FALSE(table.isThere(id));
     table.update({ monitor, desk }, "out.monitor");
     EXPECT_EQ(table.idOf("USB Microphone"), id);
+    EXPECT_TRUE(table.isThere(id));
+    EXPECT_FALSE(table.isThere(0));
 }
 
 TEST(AudioDeviceTableTest, OnlyWhatShowsIsAChange)
