@@ -972,6 +972,8 @@ TEST_F(DelegateTest, AChunkThatIsLostOnTheDiskShiftsNoOther)
     EXPECT_EQ(heard, QByteArray(19'200, 'a') + QByteArray(19'200, '\0') + QByteArray(19'200, 'c'));
     ASSERT_TRUE(runUntilIdle());
     EXPECT_EQ(delegate->counts().framesSkipped, 1U) << "the lost chunk is told";
+    EXPECT_TRUE(frontEnd.announcedFlaws.endsWith("could not be used: 1."))
+        << frontEnd.announcedFlaws.toStdString();
 }
 
 // ---- stored options

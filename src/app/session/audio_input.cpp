@@ -150,4 +150,26 @@ void AudioInput::dataRecord(AudioRecorder & /*recorder*/,
         QByteArray(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount)), format));
 }
 
+void AudioInput::soundWasLost(AudioRecorder & /*recorder*/)
+{
+    tellOfLoss(true);
+}
+
+void AudioInput::soundCameBack(AudioRecorder & /*recorder*/)
+{
+    tellOfLoss(false);
+}
+
+/// Told on the main thread, unless another recording has begun by then.
+void AudioInput::tellOfLoss(bool isLost)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, isLost, told = recording()] {
+            if (told && told == recording())
+                emit soundIsLost(isLost);
+        },
+        Qt::QueuedConnection);
+}
+
 } // namespace vornic

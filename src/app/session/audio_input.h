@@ -23,8 +23,8 @@ struct Recording;
 
 /// The sound of the recordings: the list of devices, the recorder, and the chunks on their way into the spool.
 ///
-/// Owned by RecordingSession; lives on the main thread. dataRecord() runs on the recorder's thread, endCapture()
-/// on the capture queue.
+/// Owned by RecordingSession; lives on the main thread. what a recorder tells comes on the
+/// recorder's thread, endCapture() on the capture queue.
 class AudioInput : public QObject, public PKAudioControlDelegate, public PKAudioRecorderDelegate
 {
     Q_OBJECT
@@ -58,13 +58,18 @@ public:
                     const void *bytes,
                     std::uint32_t byteCount,
                     const AudioStreamBasicDescription &format) override;
+    void soundWasLost(AudioRecorder &recorder) override;
+    void soundCameBack(AudioRecorder &recorder) override;
 
 signals:
+    /// The input of the recording that runs is gone (true), or there again.
+    void soundIsLost(bool isLost);
     /// Devices have come or gone.
     void devicesChanged();
 
 private:
     void addDevices(const QStringList &names);
+    void tellOfLoss(bool isLost);
     [[nodiscard]] std::shared_ptr<Recording> recording() const;
 
     VNBufferMgr &m_spool;

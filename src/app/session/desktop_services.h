@@ -14,8 +14,9 @@ public:
     virtual void reveal(const QString & /*path*/) { }
     /// Opens a document with its program.
     virtual void open(const QString & /*path*/) { }
-    /// The movie is complete: \a seconds of it, in \a path.
-    virtual void announceMovie(const QString & /*path*/, double /*seconds*/) { }
+    /// The movie is complete: \a seconds of it, in \a path. \a flaws: sentences on what is missing in it; empty where
+    /// nothing is.
+    virtual void announceMovie(const QString & /*path*/, double /*seconds*/, const QString & /*flaws*/) { }
     /// Whether the desktop must stay awake now: while the screen is recorded, and the movie written.
     virtual void inhibitIdle(bool /*inhibits*/) { }
 

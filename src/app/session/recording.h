@@ -56,6 +56,7 @@ struct Recording {
     bool endsWithFirstFrame = false; ///< stopped before there was one
     bool isPutOff = false;           ///< its movie is made another time
     bool stopItemIsShown = false;
+    bool soundWasLost = false;                    ///< for a time, or to the end
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete
     QString failure;                              ///< why there is no movie; empty where there is one

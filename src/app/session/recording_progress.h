@@ -28,6 +28,9 @@ public:
     /// No sound has come for some seconds, and without it no picture is kept; \a goOn records without. \a goOn is
     /// called once at most, and only before hideStopItem().
     virtual void soundIsMissing(const std::function<void()> & /*goOn*/) { }
+    /// The sound's input is gone: pictures go on, and so does the sound once the input is there again, which is told with
+    /// false.
+    virtual void soundIsLost(bool /*isLost*/) { }
     /// Calls \a done once the screen shows nothing more of the windows that have just been hidden, at once or later.
     virtual void whenScreenIsClear(std::function<void()> done) { done(); }
     /// Puts the main window and the overlay behind what has just been opened.

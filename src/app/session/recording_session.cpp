@@ -6,6 +6,7 @@
 #include "app/session/disk_watch.h"
 #include "app/session/end_text.h"
 #include "app/session/error_text.h"
+#include "app/session/movie_flaws.h"
 #include "app/session/movie_job.h"
 #include "app/session/new_movie_file.h"
 #include "app/session/output_check.h"
@@ -50,6 +51,7 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
         if (m_audio->hasDevices())
             enableAudioDevices(); // an empty list stays as it is
     });
+    connect(m_audio.get(), &AudioInput::soundIsLost, this, &RecordingSession::soundIsLost);
 }
 
 RecordingSession::~RecordingSession()
@@ -341,6 +343,14 @@ void RecordingSession::goOnWithoutSound()
     m_recording->clock.goOnWithoutSound();
 }
 
+void RecordingSession::soundIsLost(bool isLost)
+{
+    if (m_phase != Phase::Capturing)
+        return;
+    m_recording->soundWasLost = true;
+    m_frontEnd.progress.soundIsLost(isLost);
+}
+
 void RecordingSession::spoolFull()
 {
     QString text = tr("It will terminate recording because of disk space is insufficient");
@@ -500,7 +510,7 @@ void RecordingSession::recordcomplete()
         desktop.reveal(m_recording->path);
     if (m_options.openRecordedWhenFinished())
         desktop.open(m_recording->path);
-    desktop.announceMovie(m_recording->path, m_recording->movie.seconds);
+    desktop.announceMovie(m_recording->path, m_recording->movie.seconds, movieFlaws(*m_recording, counts()));
     becomeIdle();
 }
 

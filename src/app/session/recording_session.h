@@ -144,6 +144,7 @@ private:
     void beginCapture();
     [[nodiscard]] bool awaitsOrigin() const;
     void goOnWithoutSound();
+    void soundIsLost(bool isLost);
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
     void muxerFailed(const Error &error);

@@ -381,10 +381,10 @@ void MainWindow::showClock(qint64 timestamp)
     m_ui->recordButton->setToolTip(tr("End the recording and write the movie"));
 }
 
-void MainWindow::showSaved(const QString &path, double seconds)
+void MainWindow::showSaved(const QString &path, double seconds, const QString &flaws)
 {
     m_tellsOfCover = false;
-    m_ui->statusLine->showSaved(path, seconds);
+    m_ui->statusLine->showSaved(path, seconds, flaws);
 }
 
 void MainWindow::showStatus(const QString &sentence)

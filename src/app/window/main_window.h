@@ -33,7 +33,7 @@ public:
     /// Enables the controls that may be used now, and makes the record button what it is now.
     void reloadData();
     /// Tells above the record button what was recorded, until the next recording begins.
-    void showSaved(const QString &path, double seconds);
+    void showSaved(const QString &path, double seconds, const QString &flaws = {});
     /// Tells \a sentence in the same place; empty: nothing.
     void showStatus(const QString &sentence);
     /// The line that tells of recordings that were not finished.

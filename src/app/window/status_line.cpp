@@ -49,20 +49,22 @@ void StatusLine::showSentence(const QString &sentence)
     setLine(sentence, {});
 }
 
-void StatusLine::showSaved(const QString &path, double seconds)
+void StatusLine::showSaved(const QString &path, double seconds, const QString &flaws)
 {
     const QFileInfo movie(path);
     const int decimals = movie.size() < oneMebibyte ? 0 : 1;
     const QString size = QLocale().formattedDataSize(movie.size(), decimals);
-    setLine(tr("Saved %1, %2, %3").arg(movie.fileName(), minutesAndSeconds(seconds), size), path);
+    const QString saved = tr("Saved %1, %2, %3").arg(movie.fileName(), minutesAndSeconds(seconds), size);
+    setLine(flaws.isEmpty() ? saved : flaws + u' ' + saved, path, flaws);
 }
 
-void StatusLine::setLine(const QString &text, const QString &path)
+/// The line may be too short for the flaws, but the tool tip holds them.
+void StatusLine::setLine(const QString &text, const QString &path, const QString &flaws)
 {
     m_path = path;
     m_openButton->setVisible(!path.isEmpty());
     m_revealButton->setVisible(!path.isEmpty());
-    m_label->showText(text, path);
+    m_label->showText(text, flaws.isEmpty() ? path : path + u'\n' + flaws);
 }
 
 } // namespace vornic

@@ -22,8 +22,8 @@ public:
     /// Empty when nothing is shown.
     [[nodiscard]] QString text() const;
     void showSentence(const QString &sentence);
-    /// The movie at \a path, which is there, and how long it runs.
-    void showSaved(const QString &path, double seconds);
+    /// The movie at \a path, which is there, and how long it runs. \a flaws: sentences on what is missing in it.
+    void showSaved(const QString &path, double seconds, const QString &flaws = {});
     void clear() { showSentence({}); }
 
 signals:
@@ -31,7 +31,7 @@ signals:
     void revealAsked(const QString &path);
 
 private:
-    void setLine(const QString &text, const QString &path);
+    void setLine(const QString &text, const QString &path, const QString &flaws = {});
 
     ElidedLabel *m_label;
     QPushButton *m_openButton;

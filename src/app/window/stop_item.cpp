@@ -128,7 +128,12 @@ void StopItem::setTitle(const QString &title)
     if (title == m_title)
         return;
     m_title = title;
-    m_bar->setTitle(title);
+    showTexts();
+}
+
+void StopItem::setSoundIsLost(bool isLost)
+{
+    m_soundIsLost = isLost;
     showTexts();
 }
 
@@ -143,9 +148,11 @@ void StopItem::setRoom(const QString &room)
 
 void StopItem::showTexts()
 {
+    const QString title = m_soundIsLost ? tr("%1, no sound").arg(m_title) : m_title;
+    m_bar->setTitle(title);
     if (!m_trayIcon)
         return;
-    const QString text = m_room.isEmpty() ? m_title : QStringLiteral("%1, %2").arg(m_title, m_room);
+    const QString text = m_room.isEmpty() ? title : QStringLiteral("%1, %2").arg(title, m_room);
     m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(text));
     m_clock->setText(tr("Recording: %1").arg(text));
 }

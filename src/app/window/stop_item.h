@@ -35,6 +35,8 @@ public:
     void setTitle(const QString &title);
     /// What is told behind the clock, in tool tips and the menu.
     void setRoom(const QString &room);
+    /// Told beside the clock, for as long as it is so.
+    void setSoundIsLost(bool isLost);
     /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
     /// the window manager would give it to the bar.
     void allowBar();
@@ -57,6 +59,7 @@ private:
 
     QString m_title;
     QString m_room;
+    bool m_soundIsLost = false;
     bool m_isBarAllowed = false;
     std::function<void()> m_goOn; ///< empty but while sound is missing
     std::unique_ptr<QMenu> m_menu;

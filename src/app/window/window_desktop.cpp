@@ -14,7 +14,7 @@ namespace vornic {
 
 WindowDesktop::WindowDesktop()
     : m_failed([](const QString &) {})
-    , m_saved([](const QString &, double) {})
+    , m_saved([](const QString &, double, const QString &) {})
     , m_notifier(std::make_unique<Notifier>())
 {
 }
@@ -43,17 +43,19 @@ void WindowDesktop::open(const QString &path)
     });
 }
 
-void WindowDesktop::announceMovie(const QString &path, double seconds)
+void WindowDesktop::announceMovie(const QString &path, double seconds, const QString &flaws)
 {
     const QFileInfo movie(path);
-    m_notifier->show(
-        { .title = tr("The recording is finished"),
-          .body
-          = tr("%1: %2 long, %3")
-                .arg(movie.fileName(), minutesAndSeconds(seconds), QLocale().formattedDataSize(movie.size())),
-          .actionLabel = tr("Show in folder"),
-          .action = [this, path](const QString &token) { revealWith(path, token); } });
-    m_saved(path, seconds);
+    const QString behind = flaws.isEmpty() ? QString() : u'\n' + flaws;
+    m_notifier->show({ .title = tr("The recording is finished"),
+                       .body = tr("%1: %2 long, %3")
+                                   .arg(movie.fileName(),
+                                        minutesAndSeconds(seconds),
+                                        QLocale().formattedDataSize(movie.size()))
+                           + behind,
+                       .actionLabel = tr("Show in folder"),
+                       .action = [this, path](const QString &token) { revealWith(path, token); } });
+    m_saved(path, seconds, flaws);
 }
 
 void WindowDesktop::inhibitIdle(bool inhibits)

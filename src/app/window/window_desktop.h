@@ -31,21 +31,21 @@ public:
         m_failed = std::move(failed);
     }
     /// Called with each movie that is complete.
-    void setMovieSaved(std::function<void(const QString &path, double seconds)> saved)
+    void setMovieSaved(std::function<void(const QString &path, double seconds, const QString &flaws)> saved)
     {
         m_saved = std::move(saved);
     }
 
     void reveal(const QString &path) override;
     void open(const QString &path) override;
-    void announceMovie(const QString &path, double seconds) override;
+    void announceMovie(const QString &path, double seconds, const QString &flaws) override;
     void inhibitIdle(bool inhibits) override;
 
 private:
     void revealWith(const QString &path, const QString &activationToken);
 
     std::function<void(const QString &)> m_failed; ///< never empty, as the one below
-    std::function<void(const QString &, double)> m_saved;
+    std::function<void(const QString &, double, const QString &)> m_saved;
     std::unique_ptr<IdleInhibitor> m_idleInhibitor; ///< null while the desktop may sleep
     std::unique_ptr<Notifier> m_notifier;
 };

@@ -17,9 +17,9 @@ void WindowFrontEnd::setWindow(MainWindow *window, std::function<void()> stop)
 {
     m_main.window = window;
     m_progress.setStop(std::move(stop));
-    m_desktop.setMovieSaved([this](const QString &path, double seconds) {
+    m_desktop.setMovieSaved([this](const QString &path, double seconds, const QString &flaws) {
         if (m_main.window)
-            m_main.window->showSaved(path, seconds);
+            m_main.window->showSaved(path, seconds, flaws);
     });
     m_desktop.setOpeningFailed([this](const QString &sentence) { m_questions.alertError(sentence); });
 }

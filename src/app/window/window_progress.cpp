@@ -88,6 +88,19 @@ void WindowProgress::soundIsMissing(const std::function<void()> &goOn)
                        .action = [goOn](const QString & /*token*/) { goOn(); } });
 }
 
+void WindowProgress::soundIsLost(bool isLost)
+{
+    if (!m_stopItem)
+        return;
+    m_stopItem->setSoundIsLost(isLost);
+    m_notifier->show({ .title = isLost ? tr("The audio input is gone") : tr("The audio input is back"),
+                       .body = isLost
+                           ? tr("The recording goes on without sound, and with it once the input is back.")
+                           : tr("Its sound is recorded again."),
+                       .actionLabel = {},
+                       .action = {} });
+}
+
 void WindowProgress::minimiseMainWindow()
 {
     if (!m_main.window)

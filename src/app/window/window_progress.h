@@ -43,6 +43,7 @@ public:
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;
     void soundIsMissing(const std::function<void()> &goOn) override;
+    void soundIsLost(bool isLost) override;
     void whenScreenIsClear(std::function<void()> done) override;
     void stepAside() override;
     void minimiseMainWindow() override;

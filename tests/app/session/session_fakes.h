@@ -46,6 +46,7 @@ public:
 
     QStringList told; ///< every call, in order
     double announcedSeconds = 0;
+    QString announcedFlaws;
     QStringList titles; ///< of the stop item
     QStringList kept;   ///< the ids of recordings
     QStringList alerts; ///< message and informative text
@@ -81,6 +82,7 @@ public:
         told += "soundIsMissing";
         goOnWithoutSound = goOn;
     }
+    void soundIsLost(bool isLost) override { told += isLost ? "soundIsLost" : "soundIsBack"; }
     void whenScreenIsClear(std::function<void()> done) override
     {
         if (holdsScreen)
@@ -139,10 +141,11 @@ public:
     }
     void reveal(const QString &revealed) override { told += "reveal " + revealed; }
     void open(const QString &opened) override { told += "open " + opened; }
-    void announceMovie(const QString &movie, double seconds) override
+    void announceMovie(const QString &movie, double seconds, const QString &flaws) override
     {
         told += "announce " + movie;
         announcedSeconds = seconds;
+        announcedFlaws = flaws;
     }
     void inhibitIdle(bool inhibits) override { told += inhibits ? "inhibit" : "release"; }
 };
@@ -179,6 +182,8 @@ public:
     {
         m_delegate->dataRecord(*this, bytes, byteCount, format);
     }
+    void lose() { m_delegate->soundWasLost(*this); }
+    void comeBack() { m_delegate->soundCameBack(*this); }
 
 private:
     PKAudioRecorderDelegate *m_delegate = nullptr;

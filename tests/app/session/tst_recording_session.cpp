@@ -354,6 +354,7 @@ TEST_F(RecordingSessionTest, AStopWhileSoundIsAwaitedKeepsAPictureAllTheSame)
     EXPECT_EQ(testing::numbersOf(movie, "packets", "video", "pts"), QList<qint64> { 0 });
     EXPECT_TRUE(testing::streamOf(movie, "audio").isEmpty());
     EXPECT_EQ(session->counts().audioSeconds, 0) << "by which whoever asked for sound is told";
+    EXPECT_EQ(frontEnd.announcedFlaws, "No sound came: the movie has none.");
 }
 
 TEST_F(RecordingSessionTest, ARecordingThatIsStoppedBeforeScreenAndSoundAreThereEnds)
@@ -367,6 +368,37 @@ TEST_F(RecordingSessionTest, ARecordingThatIsStoppedBeforeScreenAndSoundAreThere
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_EQ(session->counts().framesWritten, 1U);
+}
+
+TEST_F(RecordingSessionTest, SoundThatIsLostAndComesBackIsToldAtOnceAndAtTheEnd)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    for (const bool isLost : { true, false }) {
+        frontEnd.told.clear();
+        timestamps.clear();
+        session->recorded();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Capturing && audioControl.recorder; }));
+        const QByteArray samples(19'200, 'a');
+        audioControl.recorder->deliver(samples.constData(), 19'200);
+        ASSERT_TRUE(waitUntil([&] { return !timestamps.isEmpty(); }));
+        if (isLost) {
+            audioControl.recorder->lose();
+            ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains("soundIsLost"); }));
+            EXPECT_FALSE(frontEnd.told.contains("soundIsBack"));
+            audioControl.recorder->comeBack();
+            ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains("soundIsBack"); }));
+        }
+        session->stopRecord();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+        EXPECT_EQ(frontEnd.announcedFlaws.contains("was gone"), isLost)
+            << frontEnd.announcedFlaws.toStdString();
+        audioControl.recorder->lose(); // of a recording that is over
+        QCoreApplication::processEvents();
+        EXPECT_EQ(frontEnd.told.count("soundIsLost"), isLost ? 1 : 0);
+    }
+    EXPECT_EQ(frontEnd.announcedFlaws, QString());
 }
 
 TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)

@@ -52,6 +52,7 @@ TEST_F(HintTest, WithoutAStoredAnswerItIsShown)
     hint.setShowAgain(false);
     EXPECT_FALSE(hint.showAgain());
     EXPECT_EQ(user_defaults::value("VNShowHintWndAgain").toBool(), false);
+    EXPECT_EQ(user_defaults::value("VNShowHintWndAgain").toString(), "0") << "a number";
     hint.setShowAgain(true);
     EXPECT_TRUE(hint.showAgain());
 }

@@ -49,6 +49,14 @@ TEST_F(StatusLineTest, ItTellsWhatWasSavedAndOpensIt)
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&label())->text(QAccessible::Name), line.text());
 }
 
+TEST_F(StatusLineTest, WhatIsMissingInAMovieIsToldBesideIt)
+{
+    line.showSaved(path, 38.6, "No sound came.");
+    EXPECT_EQ(line.text(), "No sound came. Saved Untitled.mp4, 0:38, 142 KiB");
+    EXPECT_EQ(label().toolTip(), path + "\nNo sound came.");
+    EXPECT_TRUE(button("openSavedButton").isVisible());
+}
+
 TEST_F(StatusLineTest, ASentenceHasNoButtonsAndTheSameHeight)
 {
     const int height = line.height();

@@ -130,6 +130,44 @@ TEST_F(WindowProgressTest, LittleRoomIsANotification)
     EXPECT_EQ(told.value(4), littleRoom(room));
 }
 
+TEST_F(WindowProgressTest, SoundThatIsLostIsToldByTheBarAndANotification)
+{
+    test::FakeService server(*sessionBusOfTest, "org.freedesktop.Notifications");
+    server.setAnswer([](const QDBusMessage &call) {
+        return call.member() == "Notify" ? call.createReply(7U) : call.createReply(QStringList { "body" });
+    });
+    startRecording();
+    ASSERT_TRUE(stopButton());
+    EXPECT_EQ(stopButton()->text(), "00:00:00");
+    progress().soundIsLost(true);
+    EXPECT_EQ(stopButton()->text(), "00:00:00, no sound");
+    progress().setStopItemTitle("00:00:01");
+    EXPECT_EQ(stopButton()->text(), "00:00:01, no sound");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.calls("Notify").size() == 1; }, 20'000));
+    EXPECT_EQ(server.calls("Notify").front().arguments().value(3), "The audio input is gone");
+    progress().soundIsLost(false);
+    EXPECT_EQ(stopButton()->text(), "00:00:01");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.calls("Notify").size() == 2; }, 20'000));
+    EXPECT_EQ(server.calls("Notify").back().arguments().value(3), "The audio input is back");
+    progress().hideStopItem();
+    progress().soundIsLost(true); // behind the end
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST_F(WindowProgressTest, TheFinalNotificationTellsWhatIsMissing)
+{
+    test::FakeService server(*sessionBusOfTest, "org.freedesktop.Notifications");
+    server.setAnswer([](const QDBusMessage &call) {
+        return call.member() == "Notify" ? call.createReply(7U) : call.createReply(QStringList { "body" });
+    });
+    faces.frontEnd().desktop.announceMovie("/somewhere/movie.mp4", 61, "No sound came.");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !server.calls("Notify").empty(); }, 20'000));
+    const QString body = server.calls("Notify").front().arguments().value(4).toString();
+    EXPECT_TRUE(body.startsWith("movie.mp4: 1:01")) << body.toStdString();
+    EXPECT_TRUE(body.endsWith("\nNo sound came.")) << body.toStdString();
+    EXPECT_TRUE(status().startsWith("No sound came. Saved movie.mp4")) << status().toStdString();
+}
+
 TEST_F(WindowProgressTest, TheHintTellsThatTheCacheLiesInMemory)
 {
     for (const QString &place : { QDir::currentPath(), QStringLiteral("/dev/shm") }) {
