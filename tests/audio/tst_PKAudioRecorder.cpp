@@ -377,11 +377,11 @@ TEST_P(AudioRecorderTest, ASleepingDeviceLeavesSilenceAndTimeGoesOn)
     const auto recorder = recorderOf("Monitor of Speakers");
     ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
     ASSERT_TRUE(delivers(0.5));
-    server->pactl({ "suspend-source", "speakers.monitor", "1" });
+    server->pactl({ "suspend-sink", "speakers", "1" });
     // A device that sleeps this long is what is tested; nothing tells of the time that passes.
     const double end = absoluteTimeSeconds() + 1.5;
     waitUntil([end] { return absoluteTimeSeconds() >= end; });
-    server->pactl({ "suspend-source", "speakers.monitor", "0" });
+    server->pactl({ "suspend-sink", "speakers", "0" });
     ASSERT_TRUE(delivers(2));
     EXPECT_NEAR(collector.seconds(), absoluteTimeSeconds() - collector.origin(), 0.4);
 }

@@ -104,7 +104,7 @@ TEST_P(RecordSoundTest, WhoWaitsForSoundIsToldSo)
 {
     startSound();
     EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
-    if (sound->pactl({ "suspend-source", "speakers.monitor", "1" });
+    if (sound->pactl({ "suspend-sink", "speakers", "1" });
         GetParam() == SoundServer::Kind::PipeWire)
         GTEST_SKIP() << "this server wakes a suspended device for whoever records it";
     const auto recorder = startVornic(QStringList { "record", "--ignore-low-space" } + small
@@ -112,7 +112,7 @@ TEST_P(RecordSoundTest, WhoWaitsForSoundIsToldSo)
     QString said;
     ASSERT_TRUE(waitForText(*recorder, "waiting for audio", said)) << said.toStdString();
     EXPECT_FALSE(said.contains("00:00:00"));
-    sound->pactl({ "suspend-source", "speakers.monitor", "0" });
+    sound->pactl({ "suspend-sink", "speakers", "0" });
     EXPECT_EQ(finish(*recorder).status, 0);
     EXPECT_NEAR(lengthOf(probe(movie()), "video"), 4, 0.3) << "what was waited does not count";
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
