@@ -113,13 +113,17 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
                              "countDown",
                              "showStopItem",
                              "minimise",
+                             "reloadData",
                              "inhibit",
                              "hideStopItem",
+                             "toFront",
                              "busy",
                              "beginProgress",
                              "reveal " + moviePath(),
                              "announce " + moviePath(),
+                             "toFront",
                              "release",
+                             "reloadData",
                              "endProgress",
                              "stepAside" }));
     EXPECT_EQ(frontEnd.titles.first(), "00:00:00");

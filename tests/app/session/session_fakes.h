@@ -107,6 +107,8 @@ public:
     void showRoom(const RecordingRoom &room) override { rooms += room; }
     void warnOfLittleRoom(const RecordingRoom &room) override { warnings += room; }
     void minimiseMainWindow() override { told += "minimise"; }
+    void bringMainWindowToFront() override { told += "toFront"; }
+    void reloadData() override { told += "reloadData"; }
     void setBusy(bool busy) override { told += busy ? "busy" : "notBusy"; }
     void askForOtherFile(const QString &type, std::function<void(std::optional<QString>)> answer) override
     {

@@ -30,6 +30,7 @@ public:
     }
     void reloadData() override
     {
+        FakeFrontEnd::reloadData();
         if (window)
             window->reloadData();
     }

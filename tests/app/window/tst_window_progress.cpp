@@ -115,6 +115,27 @@ TEST_F(WindowProgressTest, TheBarShowsItsToolTipThoughItNeverHasTheFocus)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+TEST_F(WindowProgressTest, TheMainWindowIsMinimisedAndComesBackInFrontOfOthers)
+{
+    progress().minimiseMainWindow();
+    EXPECT_TRUE(window->isMinimized());
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(test::waitUntil([&] { return other.isActiveWindow(); }));
+    progress().bringMainWindowToFront();
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_TRUE(test::waitUntil([&] { return window->isActiveWindow(); }));
+}
+
+TEST_F(WindowProgressTest, TheMainWindowIsToldToReload)
+{
+    auto &button = control<QAbstractButton>("recordButton");
+    button.setText("Something else");
+    progress().reloadData();
+    EXPECT_EQ(button.text(), "&Record");
+}
+
 TEST_F(WindowProgressTest, LittleRoomIsANotification)
 {
     test::FakeService server(*sessionBusOfTest, "org.freedesktop.Notifications");
