@@ -397,6 +397,9 @@ TEST_F(DelegateTest, AFullCacheEndsTheRecordingWithAnAlert)
 {
     delegate->recorded();
     ASSERT_TRUE(runUntilGrabbed(3));
+    frontEnd.onAlert = [this] {
+        EXPECT_TRUE(delegate->bufferMgr().exit()) << "sound that comes while the alert stands is too late";
+    };
     freeBytes = 1'073'741'823;
     ASSERT_TRUE(runUntilIdle());
     EXPECT_EQ(frontEnd.alerts,
@@ -483,6 +486,20 @@ TEST_F(DelegateTest, WhenFinishedTheMovieIsRevealedAndOpenedAsChosen)
     EXPECT_TRUE(frontEnd.told.filter("reveal").isEmpty());
     EXPECT_TRUE(frontEnd.told.filter("open").isEmpty());
     EXPECT_FALSE(frontEnd.told.contains("stepAside")) << "nothing has been opened in front of which it stood";
+}
+
+TEST_F(DelegateTest, TheSpoolIsThereUntilTheMovieIsShown)
+{
+    delegate->options()->setOpenRecordedWhenFinished(true);
+    int shown = 0;
+    frontEnd.onShown = [&] {
+        ++shown;
+        EXPECT_TRUE(QFile::exists(delegate->bufferMgr().tempVideoPathfile()));
+        EXPECT_EQ(delegate->state(), 1);
+    };
+    ASSERT_TRUE(record(1));
+    EXPECT_EQ(shown, 2) << "in its folder, and opened";
+    EXPECT_FALSE(QFile::exists(delegate->bufferMgr().tempVideoPathfile()));
 }
 
 TEST_F(DelegateTest, QuittingIsAskedOnlyWhileRecording)

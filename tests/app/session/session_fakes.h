@@ -43,6 +43,7 @@ public:
     std::optional<QString> otherPath;
     std::function<void()> onAlert;
     std::function<void()> onProgress;
+    std::function<void()> onShown; ///< the movie, or its folder
 
     QStringList told; ///< every call, in order
     double announcedSeconds = 0;
@@ -141,8 +142,18 @@ public:
         told += "confirmQuit " + message + "|" + informativeText;
         return quits;
     }
-    void reveal(const QString &revealed) override { told += "reveal " + revealed; }
-    void open(const QString &opened) override { told += "open " + opened; }
+    void reveal(const QString &revealed) override
+    {
+        told += "reveal " + revealed;
+        if (onShown)
+            onShown();
+    }
+    void open(const QString &opened) override
+    {
+        told += "open " + opened;
+        if (onShown)
+            onShown();
+    }
     void announceMovie(const QString &movie, double seconds, const QString &flaws) override
     {
         told += "announce " + movie;
