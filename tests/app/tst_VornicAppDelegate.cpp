@@ -611,6 +611,17 @@ TEST_F(DelegateTest, AFrameLastsUntilTheNextOneAndTheLastAThirtieth)
     EXPECT_EQ(durations, (QList<qint64> { 4000, PKTimebase / 30, 4900, PKTimebase / 30 }));
 }
 
+TEST_F(DelegateTest, TimestampsThatWouldBeNegativeAreLargeOnes)
+{
+    constexpr std::uint64_t middle = std::uint64_t { 1 } << 63;
+    delegate->bufferMgr().readyToRecord();
+    spool({ middle - 100, middle + 100, 50 });
+    QList<qint64> durations;
+    while (const auto frame = delegate->PKMuxerTaskGetVideoFrame())
+        durations += frame->duration();
+    EXPECT_EQ(durations, (QList<qint64> { 200, PKTimebase / 30, PKTimebase / 30 }));
+}
+
 TEST_F(DelegateTest, ADamagedFrameInTheMiddleIsNotTheEnd)
 {
     delegate->bufferMgr().readyToRecord();
@@ -857,6 +868,16 @@ TEST_F(DelegateTest, AnUnsupportedBitDepthIsRecordedWithoutSound)
     EXPECT_GE(delegate->counts().framesWritten, 2U);
 }
 
+TEST_F(DelegateTest, ARecorderOfAnUnsupportedBitDepthIsStoppedAtOnce)
+{
+    FakeAudioRecorder &source = addAudioDevice();
+    source.format.mBitsPerChannel = 24;
+    delegate->options()->setEnableAudio(true);
+    delegate->startRecorder({ moviePath(), 0, 1 });
+    EXPECT_EQ(source.startCount, 1);
+    EXPECT_EQ(source.stops, 1);
+}
+
 TEST_F(DelegateTest, ARefusedFormatIsOnlyLogged)
 {
     FakeAudioRecorder &source = addAudioDevice();
@@ -917,12 +938,40 @@ TEST_F(DelegateTest, AChunkOf19200BytesYields4800Samples)
     ASSERT_TRUE(runUntilIdle());
 }
 
-TEST_F(DelegateTest, ChunksAfterTheStopAreNotSpooled)
+TEST_F(DelegateTest, AChunkOf8BitsIsHandedOnAsSuch)
+{
+    FakeAudioRecorder &source = addAudioDevice();
+    source.format = defaultAudioStreamBasicDescription();
+    source.format.mBitsPerChannel = 8;
+    source.format.mBytesPerFrame = 2;
+    source.format.mBytesPerPacket = 2;
+    delegate->options()->setEnableAudio(true);
+    delegate->recorded();
+    ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
+    const QByteArray samples(9'600, '\x70');
+    source.deliver(samples.constData(), 9'600);
+    delegate->stopRecord();
+    const auto frame = delegate->PKMuxerTaskGetAudioFrame();
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->sampleFormat(), 0);
+    EXPECT_EQ(frame->numberOfSamples(), 4800);
+    EXPECT_EQ(frame->numberOfChannel(), 2);
+    EXPECT_EQ(frame->samples(), samples);
+    ASSERT_TRUE(runUntilIdle());
+}
+
+TEST_F(DelegateTest, AChunkAfterTheStopIsNotSpooledAndEndsTheSpool)
 {
     FakeAudioRecorder &source = addAudioDevice();
     delegate->bufferMgr().readyToRecord();
+    const QByteArray samples(3840, 'a');
+    source.deliver(samples.constData(), 3840);
     delegate->bufferMgr().setExit(true);
     source.deliver("abcd", 4);
+    EXPECT_GT(QFileInfo(delegate->bufferMgr().tempAudioPathfile()).size(), 0) << "nothing stays in memory";
+    const auto spooled = delegate->bufferMgr().getAudioBuffer();
+    ASSERT_TRUE(spooled);
+    EXPECT_EQ(spooled->data(), samples);
     EXPECT_FALSE(delegate->bufferMgr().getAudioBuffer());
 }
 

@@ -112,6 +112,12 @@ TEST_F(RecordingSessionTest, TheFirstSoundIsTheOrigin)
     ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
     EXPECT_EQ(timestamps[0], PKTimebase / 10);
     EXPECT_EQ(timestamps[1], PKTimebase / 10 + PKTimebase / 4);
+    // What comes later moves nothing.
+    audioControl.recorder->deliver(samples.constData(), 19'200);
+    const qsizetype before = timestamps.size();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= before + 2; }));
+    for (qsizetype i = 0; i < timestamps.size(); ++i)
+        EXPECT_EQ(timestamps[i], PKTimebase / 10 + i * PKTimebase / 4);
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
 }
