@@ -178,6 +178,7 @@ public:
     std::atomic<int> stops = 0;
     std::uint32_t deviceID;
     std::function<void()> onStart;
+    std::function<void()> onStop;
 
     void setDelegate(PKAudioRecorderDelegate *newDelegate) override { m_delegate = newDelegate; }
     void setDeviceID(std::uint32_t newID) override { deviceID = newID; }
@@ -190,7 +191,12 @@ public:
         return starts;
     }
     AudioStreamBasicDescription currentDataFormat() const override { return format; }
-    void stopRecord() override { ++stops; }
+    void stopRecord() override
+    {
+        ++stops;
+        if (onStop)
+            onStop();
+    }
     void deliver(const void *bytes, std::uint32_t byteCount)
     {
         m_delegate->dataRecord(*this, bytes, byteCount, format);
