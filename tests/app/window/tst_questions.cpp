@@ -1,3 +1,4 @@
+#include "app/window/VNHintWndCtroller.h"
 #include "app/window/alert_box.h"
 #include "app/window/main_window_link.h"
 #include "app/window/movie_folder.h"
@@ -18,6 +19,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace vornic {
 namespace {
 
@@ -33,6 +36,13 @@ protected:
                 return found;
         }
         return nullptr;
+    }
+    static bool isHintShown()
+    {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        return std::ranges::any_of(windows, [](const QWidget *window) {
+            return window->isVisible() && window->findChild<QWidget *>("chkShowAgain");
+        });
     }
     static void makeFile(const QString &path)
     {
@@ -208,6 +218,24 @@ TEST_F(QuestionsTest, TheQuitQuestionIsAnsweredNoUnlessYesIsPressed)
         }
     });
     EXPECT_TRUE(quits);
+}
+
+TEST_F(QuestionsTest, TheHintIsShownUnlessItIsSwitchedOff)
+{
+    VNHintWndCtroller &hint = VNHintWndCtroller::shareHintWndCtroller();
+    QList<int> answers;
+    const auto note = [&answers](int response) { answers += response; };
+    hint.setShowAgain(false);
+    questions.showHint(note);
+    EXPECT_EQ(answers, QList<int> { RecordingQuestions::responseContinue });
+    EXPECT_FALSE(isHintShown());
+    hint.setShowAgain(true);
+    questions.showHint(note);
+    EXPECT_EQ(answers.size(), 1) << "it is asked";
+    EXPECT_TRUE(isHintShown());
+    hint.cancelAction();
+    EXPECT_EQ(answers.last(), RecordingQuestions::responseStop);
+    user_defaults::remove("VNShowHintWndAgain");
 }
 
 TEST_F(QuestionsTest, ARecordingWithoutAMovieIsKeptAndTheWayOnIsTold)
