@@ -140,6 +140,7 @@ TEST_P(RecordOverlayTest, TheMovieHoldsTheLogoAndNothingElseOfTheOverlay)
                                     QPoint(300, 350) })
             EXPECT_TRUE(isBackground(picture.pixel(point))) << point.x() << "," << point.y();
     }
+    endProgram();
 }
 
 } // namespace
