@@ -1,9 +1,9 @@
 #include "base/error_stream.h"
 
 #include "base/printable.h"
+#include "base/thread.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -41,16 +41,18 @@ ErrorStream::ErrorStream(int descriptor)
     : m_descriptor(descriptor)
 {
     try {
-        m_thread = std::jthread([this](const std::stop_token &stop) {
-            pthread_setname_np(pthread_self(), "vornic errors");
-            writeAll(stop);
-        });
+        m_thread = startThread("vornic errors", [this] { writeAll(m_stop.get_token()); });
     } catch (const std::system_error &) {
         // Without a thread whoever tells something writes it.
     }
 }
 
-ErrorStream::~ErrorStream() = default;
+ErrorStream::~ErrorStream()
+{
+    m_stop.request_stop();
+    if (m_thread.joinable())
+        m_thread.join();
+}
 
 void ErrorStream::writeLine(const QString &line)
 {

@@ -53,7 +53,8 @@ private:
     qsizetype m_waitingBytes = 0;
     bool m_isWriting = false;
     bool m_lineIsOpen = false; ///< once all that waits is written
-    std::jthread m_thread;     ///< last: it ends before what it uses; none where the system has no more
+    std::stop_source m_stop;
+    std::thread m_thread; ///< last: it uses all of it; none where the system has no more
 };
 
 /// The process's standard error. What was told is written before a process ends that calls exit(), if somebody takes it

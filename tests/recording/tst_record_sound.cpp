@@ -104,8 +104,7 @@ TEST_P(RecordSoundTest, WhoWaitsForSoundIsToldSo)
 {
     startSound();
     EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
-    if (sound->pactl({ "suspend-sink", "speakers", "1" });
-        GetParam() == SoundServer::Kind::PipeWire)
+    if (sound->pactl({ "suspend-sink", "speakers", "1" }); GetParam() == SoundServer::Kind::PipeWire)
         GTEST_SKIP() << "this server wakes a suspended device for whoever records it";
     const auto recorder = startVornic(QStringList { "record", "--ignore-low-space" } + small
                                       + QStringList { "--audio", "--duration", "4", "o.mp4" });

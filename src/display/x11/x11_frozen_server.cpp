@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/main_queue.h"
+#include "base/thread.h"
 #include "x11/x11_connection.h"
 
 #include <QCoreApplication>
@@ -23,16 +24,11 @@ using namespace std::chrono_literals;
 constexpr auto maxAbsence = 10s;
 constexpr auto betweenLooks = 500ms;
 
-/// On a thread that nobody waits for. Where there can be none, or none more that \a work needs, it is left undone.
+/// On a thread that nobody waits for. Where there can be none, \a work is left undone.
 void runApart(std::function<void()> work)
 {
     try {
-        std::thread([work = std::move(work)] {
-            try {
-                work();
-            } catch (const std::system_error &) {
-            }
-        }).detach();
+        startThread("vornic frozen X", std::move(work)).detach();
     } catch (const std::system_error &) {
     }
 }

@@ -1,6 +1,7 @@
 #include "display/x11/x11_patience.h"
 
 #include "base/log.h"
+#include "base/thread.h"
 #include "x11/x11_connection.h"
 
 #include <QCoreApplication>
@@ -28,8 +29,14 @@ X11Patience::Waiting::~Waiting()
 X11Patience::X11Patience(X11Connection &connection, std::function<void()> closed)
     : m_connection(connection)
     , m_closed(std::move(closed))
-    , m_thread([this](const std::stop_token &stop) { watch(stop); })
+    , m_thread(startThread("vornic patience", [this] { watch(m_stop.get_token()); }))
 {
+}
+
+X11Patience::~X11Patience()
+{
+    m_stop.request_stop();
+    m_thread.join();
 }
 
 void X11Patience::watch(const std::stop_token &stop)

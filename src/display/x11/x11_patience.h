@@ -38,7 +38,7 @@ public:
 
     /// Borrows \a connection for life. \a closed is called once it was closed, on the own thread.
     X11Patience(X11Connection &connection, std::function<void()> closed);
-    ~X11Patience() = default;
+    ~X11Patience();
     X11Patience(const X11Patience &) = delete;
     X11Patience &operator=(const X11Patience &) = delete;
 
@@ -62,7 +62,8 @@ private:
     bool m_wasAsked = false; ///< since the last look
     MainThreadWatch m_main;  ///< since nobody has asked any more
     bool m_isAsleep = false;
-    std::jthread m_thread; ///< last: it ends before what it uses
+    std::stop_source m_stop;
+    std::thread m_thread; ///< last: it uses all of it
 };
 
 } // namespace vornic
