@@ -133,15 +133,38 @@ protected:
         });
         return found.value(0);
     }
-    /// The window that has the keyboard and is none of \a others, once there is one; empty after 20 s.
-    static QString waitForActiveWindowBut(const QStringList &others)
+    /// The window that has the keyboard and is none of \a others, once there is one; empty after \a timeout.
+    static QString waitForActiveWindowBut(const QStringList &others,
+                                          std::chrono::milliseconds timeout = std::chrono::seconds(20))
     {
         QString active;
-        const bool isThere = test::waitUntil([&] {
-            active = xdotool({ "getactivewindow" });
-            return !active.isEmpty() && !others.contains(active);
-        });
+        const bool isThere = test::waitUntil(
+            [&] {
+                active = xdotool({ "getactivewindow" });
+                return !active.isEmpty() && !others.contains(active);
+            },
+            timeout);
         return isThere ? active : QString();
+    }
+    /// Activates \a window.
+    static void activate(const QString &window)
+    {
+        EXPECT_TRUE(test::waitUntil([&] {
+            xdotool({ "windowactivate", window });
+            return xdotool({ "getactivewindow" }) == window;
+        }));
+    }
+    /// Presses the window manager's key for closing in \a window and gives the question that comes. The manager may
+    /// not act on a key that comes just when it has brought a window back, so that it is pressed again.
+    static QString closeUntilAsked(const QString &window)
+    {
+        QString question;
+        for (int presses = 0; presses < 4 && question.isEmpty(); ++presses) {
+            activate(window);
+            xdotool({ "key", "--clearmodifiers", "alt+F4" });
+            question = waitForActiveWindowBut({ window }, std::chrono::seconds(5));
+        }
+        return question;
     }
     /// Something that moves all over the screen.
     std::unique_ptr<QProcess> startScene() const

@@ -307,9 +307,7 @@ TEST_F(RecordSelectionTest, TheQuestionWhetherToQuitIsNotInTheMovie)
     xdotool({ "mousemove", "1000", "700", "key", "ctrl+alt+r" });
     ASSERT_FALSE(waitForWindow("^Stop recording$").isEmpty());
     letPass(std::chrono::milliseconds(500));
-    xdotool({ "windowactivate", "--sync", window });
-    xdotool({ "key", "alt+F4" });
-    const QString question = waitForActiveWindowBut({ window });
+    const QString question = closeUntilAsked(window);
     ASSERT_FALSE(question.isEmpty());
     EXPECT_TRUE(waitUntil([&] {
         const QRect place = placeOf(question);

@@ -49,15 +49,11 @@ TEST_F(RecordWindowTest, QuitWhileRecordingAsksAndLeavesACompleteMovie)
     letPass(std::chrono::milliseconds(1000));
     // "No" is what Enter and Escape mean.
     for (const char *answer : { "Escape", "Return" }) {
-        xdotool({ "windowactivate", "--sync", window });
-        xdotool({ "key", "--clearmodifiers", "alt+F4" });
-        key(waitForActiveWindowBut({ window }), answer);
+        key(closeUntilAsked(window), answer);
         EXPECT_FALSE(program->waitForFinished(300));
         EXPECT_FALSE(QFile::exists(movie("window.mp4")));
     }
-    xdotool({ "windowactivate", "--sync", window });
-    xdotool({ "key", "--clearmodifiers", "alt+F4" });
-    const QString question = waitForActiveWindowBut({ window });
+    const QString question = closeUntilAsked(window);
     ASSERT_FALSE(question.isEmpty());
     key(question, "Tab");
     key(question, "space");
