@@ -9,7 +9,7 @@ import shutil
 import signal
 import sys
 
-from fault_stage import Told, expect, run_all, wait_until
+from fault_stage import Told, expect, run_all
 
 
 def start(stage, limit=None):
@@ -67,17 +67,5 @@ def another_file_is_asked_for(stage):
     return check_kept(stage)
 
 
-def whether_to_quit_is_asked(stage):
-    start(stage)
-    stage.xdotool("windowactivate", "--sync", stage.main_window)
-    stage.xdotool("key", "alt+F4")
-    stage.wait_for_question()
-    check_end(stage, signal.SIGTERM)
-    expect(not stage.unfinished(), "the recording is left")
-    wait_until(lambda: os.path.exists(stage.movie), "the movie was there")
-    return Told(stage.sentences(), "movie")
-
-
 if __name__ == "__main__":
-    sys.exit(run_all([the_disk_is_full, the_movie_cannot_be_written, another_file_is_asked_for, whether_to_quit_is_asked],
-                     __doc__))
+    sys.exit(run_all([the_disk_is_full, the_movie_cannot_be_written, another_file_is_asked_for], __doc__))

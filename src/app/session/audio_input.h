@@ -23,7 +23,7 @@ struct Recording;
 
 /// The sound of the recordings: the list of devices, the recorder, and the chunks on their way into the spool.
 ///
-/// Owned by RecordingSession; lives on the main thread. what a recorder tells comes on the
+/// Owned by RecordingSession; lives on the main thread. What a recorder tells comes on the
 /// recorder's thread, endCapture() on the capture queue.
 class AudioInput : public QObject, public PKAudioControlDelegate, public PKAudioRecorderDelegate
 {
