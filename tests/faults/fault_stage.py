@@ -101,10 +101,17 @@ class FaultStage:
         self.program = subprocess.Popen([self.programs.vornic, *arguments], env=self.environment, stdout=log, stderr=log,
                                         stdin=subprocess.DEVNULL, preexec_fn=crash.limiter(limit))
 
+    def second_start(self, *arguments):
+        return subprocess.run([self.programs.vornic, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=30, check=False)
+
+    def stop_if_recording(self):
+        """Returns once it was stopped, or had ended."""
+        expect(self.second_start("--stop").returncode in (0, 1), "the program does not answer")
+
     def hand_over(self, *arguments):
         """A second start, which leaves what it asks for to the program that runs."""
-        done = subprocess.run([self.programs.vornic, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=30, check=False)
+        done = self.second_start(*arguments)
         expect(done.returncode == 0, f"a second start ended with {done.returncode}: {done.stdout.decode().strip()}")
 
     def spool(self):
