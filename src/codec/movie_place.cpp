@@ -3,6 +3,8 @@
 #include "base/native_path.h"
 #include "codec/movie_failure.h"
 
+#include <QDir>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -216,6 +218,15 @@ int MoviePlace::syncFolder() const
     const int error = ::fsync(descriptor) == 0 ? 0 : errno;
     ::close(descriptor);
     return error == EINVAL || error == ENOTSUP ? 0 : -error;
+}
+
+QString folderOfMovie(const QString &filename)
+{
+    int error = 0;
+    const QByteArray folder = folderOf(followed(nativePath(filename), error));
+    if (folder.startsWith('/'))
+        return pathFromNative(folder);
+    return folder == "." ? QDir::currentPath() : QDir::currentPath() + u'/' + pathFromNative(folder);
 }
 
 } // namespace vornic

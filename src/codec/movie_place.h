@@ -51,4 +51,7 @@ private:
     int m_folder = -1;
 };
 
+/// The path of the folder that the movie of a name is made in, links followed; it need not be there.
+[[nodiscard]] QString folderOfMovie(const QString &filename);
+
 } // namespace vornic

@@ -73,6 +73,7 @@ bool removeIfStale(int folder, const QByteArray &name)
 QByteArrayList namesIn(DIR *folder)
 {
     QByteArrayList names;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread reads this stream
     while (const dirent *entry = ::readdir(folder))
         names += QByteArray(entry->d_name);
     return names;

@@ -237,7 +237,10 @@ TEST_F(MovieFailuresTest, aFolderThatIsRenamedWhileTheMovieIsWritten)
     m_source.addGreys({ 64, 48 }, 30);
     const QTemporaryDir elsewhere;
     const QString renamed = elsewhere.filePath(QStringLiteral("renamed"));
-    atFrame(20, [&] { EXPECT_TRUE(QDir().rename(m_folder.path(), renamed)); });
+    atFrame(20, [&] {
+        EXPECT_TRUE(QDir().rename(m_folder.path(), renamed));
+        EXPECT_TRUE(QDir().mkdir(m_folder.path()));
+    });
     expectFailure(runTask(videoContext(m_movie, { 64, 48 }), m_source),
                   fileError(ErrorKind::FolderMissing, m_movie, "No such file or directory"));
     EXPECT_EQ(QDir(renamed).entryList(QDir::Files | QDir::Hidden), QStringList());

@@ -11,14 +11,33 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
 #include <optional>
 #include <thread>
+
+namespace {
+
+bool renamingKnowsFlags = true;
+
+} // namespace
+
+/// Replaces the system's, which it calls. Some file systems cannot rename without replacing; which ones a machine has
+/// differs.
+extern "C" int renameat2(int from, const char *name, int to, const char *newName, unsigned flags) noexcept
+{
+    if (flags != 0 && !renamingKnowsFlags) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_renameat2, from, name, to, newName, flags));
+}
 
 namespace vornic::testing {
 namespace {
@@ -195,6 +214,17 @@ TEST_F(PartFileTest, moviesOfOneNameAreNumberedInTheOrderOfTheirEnds)
         (QStringList { QStringLiteral("a 2.mp4"), QStringLiteral("a 3.mp4"), QStringLiteral("a.mp4") }));
 }
 
+TEST_F(PartFileTest, nothingIsReplacedWhereTheFileSystemCannotRefuseTo)
+{
+    renamingKnowsFlags = false;
+    EXPECT_EQ(finishMovie(m_movie, {}, "first"), m_movie);
+    EXPECT_EQ(finishMovie(m_movie, {}, "second"), pathOf(QStringLiteral("a 2.mp4")));
+    renamingKnowsFlags = true;
+    EXPECT_EQ(contentsOf(QStringLiteral("a.mp4")), "first");
+    EXPECT_EQ(contentsOf(QStringLiteral("a 2.mp4")), "second");
+    EXPECT_EQ(entries(), (QStringList { QStringLiteral("a 2.mp4"), QStringLiteral("a.mp4") }));
+}
+
 TEST_F(PartFileTest, onlyTheFileThatWasMeantIsReplaced)
 {
     putFile(QStringLiteral("a.mp4"));
@@ -231,6 +261,15 @@ TEST_F(PartFileTest, aLinkIsFollowedAndStays)
     EXPECT_TRUE(QFileInfo(m_movie).isSymLink());
     EXPECT_EQ(finishMovie(m_movie, {}), pathOf(QStringLiteral("disk/target 2.mp4")));
     EXPECT_EQ(contentsOf(QStringLiteral("disk/target.mp4")), "newer");
+}
+
+TEST_F(PartFileTest, theFolderOfAMovieIsTheOneThatItIsMadeIn)
+{
+    EXPECT_EQ(folderOfMovie(m_movie), m_folder.path());
+    EXPECT_EQ(folderOfMovie(QStringLiteral("a.mp4")), QDir::currentPath());
+    EXPECT_EQ(folderOfMovie(QStringLiteral("b/a.mp4")), QDir::currentPath() + QStringLiteral("/b"));
+    ASSERT_EQ(::symlink("/disk/there.mp4", nativePathOf(QStringLiteral("a.mp4")).constData()), 0);
+    EXPECT_EQ(folderOfMovie(m_movie), u"/disk");
 }
 
 TEST_F(PartFileTest, linksThatLeadNowhereEndAreRefused)

@@ -8,8 +8,7 @@
 #include "capture/spool/VNBufferMgr.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/encoder_settings.h"
-
-#include <QFileInfo>
+#include "codec/movie_place.h"
 
 #include <algorithm>
 #include <chrono>
@@ -43,7 +42,7 @@ double movieBytesPerSecond(const PKMuxerContext &movie)
 
 QString movieFolder(const PKMuxerContext &movie)
 {
-    return QFileInfo(movie.filename()).absolutePath();
+    return folderOfMovie(movie.filename());
 }
 
 } // namespace

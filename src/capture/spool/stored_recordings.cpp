@@ -9,9 +9,8 @@
 #include "capture/spool/journal_contents.h"
 #include "capture/spool/recording_folder.h"
 #include "capture/spool/spool_file.h"
+#include "codec/movie_place.h"
 #include "display/bitmap_image.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 #include <functional>
@@ -143,7 +142,7 @@ QStringList cleanUpStoredRecordings(const QString &cachePath)
     QStringList movieFolders;
     forEachRecording(cachePath, [&](RecordingFolder &folder, const JournalContents &contents) {
         if (contents.description && contents.description->movie)
-            movieFolders += QFileInfo(contents.description->movie->filename()).absolutePath();
+            movieFolders += folderOfMovie(contents.description->movie->filename());
         if (isWaste(folder, contents))
             folder.remove();
     });
