@@ -142,15 +142,18 @@ TEST_P(RecordSoundTest, SoundThatNeverComesCostsNoMoreThanTheSound)
 class SilentSoundTest : public RecordSoundTest
 {
 protected:
+    /// A pipe that nobody writes to.
+    QString loadSilentDevice() const
+    {
+        return sound->pactl({ "load-module", "module-pipe-source", "file=" + folder.filePath("sound") });
+    }
     Result recordSilent(const char *duration)
     {
         startSound();
-        // Nobody writes to it.
-        const QString pipe = "file=" + folder.filePath("sound");
-        EXPECT_FALSE(sound->pactl({ "load-module", "module-pipe-source", pipe }).isEmpty());
+        EXPECT_FALSE(loadSilentDevice().isEmpty());
         return record(small + QStringList { "--audio", "--duration", duration });
     }
-    const QString missing = "vornic: The movie has no sound: none has come.\n";
+    const QString missing = "vornic: No sound came: the movie has none.\n";
 };
 
 // Only this server has a device that gives nothing, and one of any name.
@@ -164,8 +167,7 @@ TEST_P(SilentSoundTest, WithoutItTheRecordingGoesOnUntilItsTimeIsOver)
     const Result result = recordSilent("5");
     EXPECT_EQ(result.status, 3);
     EXPECT_THAT(result.error.toStdString(),
-                ::testing::HasSubstr(
-                    "vornic: No sound has come for some seconds: the recording goes on without it.\n"));
+                ::testing::HasSubstr("vornic: No sound has come; the recording goes on without it.\n"));
     EXPECT_TRUE(result.error.endsWith(missing)) << result.error.toStdString();
     EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
     EXPECT_GT(lengthOf(probe(movie()), "video"), 0.5);
@@ -178,6 +180,19 @@ TEST_P(SilentSoundTest, AShortRecordingHoldsAPictureAllTheSame)
     const Result result = recordSilent("0.5");
     EXPECT_EQ(result.status, 3);
     EXPECT_TRUE(result.error.endsWith(missing)) << result.error.toStdString();
+    EXPECT_GT(lengthOf(probe(movie()), "video"), 0);
+}
+
+TEST_P(SilentSoundTest, AStopWhileItIsWaitedForKeepsAPicture)
+{
+    startSound();
+    EXPECT_FALSE(loadSilentDevice().isEmpty());
+    const auto recorder = startVornic(QStringList { "record", "--ignore-low-space", "--audio" } + small
+                                      + QStringList { "o.mp4" });
+    QString said;
+    ASSERT_TRUE(waitForText(*recorder, "waiting for audio", said)) << said.toStdString();
+    ::kill(static_cast<pid_t>(recorder->processId()), SIGINT);
+    EXPECT_EQ(finish(*recorder).status, 3);
     EXPECT_GT(lengthOf(probe(movie()), "video"), 0);
 }
 

@@ -1,6 +1,8 @@
 #include "program_fixture.h"
 #include "support/pseudo_terminal.h"
 
+#include <QFileInfo>
+
 #include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -57,8 +59,19 @@ protected:
 
 TEST_F(RecordStreamsTest, ClosedDescriptorsAreNotThoseOfTheRecording)
 {
-    const Result result = inShell("exec <&- >&- 2>&-; ", recording({ "--duration", "0.5" }));
-    EXPECT_EQ(result.status, 3) << "the movie is there, and its name could not be told";
+    const auto process = startInShell("exec <&- >&- 2>&-; ", recording({}));
+    const QString folders = "cache/com.kavlor.vornic/recordings";
+    ASSERT_TRUE(test::waitUntil([&] {
+        process->waitForFinished(10);
+        const QString journal = folders + '/' + entries(folders).value(0) + "/journal";
+        return QFileInfo(folder.filePath(journal)).size() > 200;
+    }));
+    for (const char *descriptor : { "0", "1", "2" })
+        EXPECT_EQ(
+            QFile::symLinkTarget(QStringLiteral("/proc/%1/fd/%2").arg(process->processId()).arg(descriptor)),
+            "/dev/null");
+    signal(*process, SIGTERM);
+    EXPECT_EQ(finish(*process).status, 3) << "the movie is there, and its name could not be told";
     EXPECT_GT(secondsOf(movie()), 0);
     EXPECT_TRUE(unfinished().isEmpty());
 }

@@ -82,11 +82,10 @@ void CommandLineFrontEnd::warnOfLittleRoom(const RecordingRoom &room)
     alertError(littleRoom(room));
 }
 
-/// Nobody is there to be asked, and a recording without sound is more than none.
+/// Nobody may sit there who could be asked.
 void CommandLineFrontEnd::soundIsMissing(const std::function<void()> &goOn)
 {
-    alertError(QCoreApplication::translate(
-        "vornic", "No sound has come for some seconds: the recording goes on without it."));
+    alertError(QCoreApplication::translate("vornic", "No sound has come; the recording goes on without it."));
     goOn();
 }
 

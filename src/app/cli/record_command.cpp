@@ -147,7 +147,7 @@ whatIsMissing(const CommandLine &line, const RecordingSession &session, bool ran
 {
     QStringList sentences;
     if (line.audio && session.counts().audioSeconds == 0)
-        sentences += QCoreApplication::translate("vornic", "The movie has no sound: none has come.");
+        sentences += QCoreApplication::translate("vornic", "No sound came: the movie has none.");
     if (line.durationSeconds && !ranOutOfTime && !wasAskedToEnd)
         sentences += QCoreApplication::translate(
                          "vornic", "The movie is shorter than %1 s: the recording ended earlier.")

@@ -11,8 +11,8 @@ namespace {
 
 /// The toolkit's timers count their milliseconds in 32 bits.
 constexpr std::chrono::hours longestTimer(1);
-/// A device that has to wake up first takes a second or two.
-constexpr std::chrono::seconds timeForSound(3);
+/// Sound that is waited for takes a second or two where its device has to wake up.
+constexpr std::chrono::seconds timeForFirstPicture(3);
 
 std::chrono::steady_clock::duration durationOf(double seconds)
 {
@@ -46,7 +46,7 @@ void RecordingDeadline::begin()
 {
     m_start = Clock::now();
     m_beganWithSound = m_session.countsOnSound();
-    endAt(m_start + (m_beganWithSound ? std::max<Clock::duration>(m_length, timeForSound) : m_length));
+    endAt(m_start + std::max<Clock::duration>(m_length, timeForFirstPicture));
 }
 
 void RecordingDeadline::firstPictureIsKept(qint64 timestamp)

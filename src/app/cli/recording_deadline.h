@@ -13,7 +13,7 @@ class RecordingSession;
 ///
 /// Made by "vornic record" for --duration; lives on the main thread. The time counts from the start of the recording,
 /// and once more from its first picture, so that waiting for the sound does not eat into it. Sound that never comes
-/// prolongs nothing, but it has three seconds to come.
+/// prolongs nothing, but it has three seconds to come, and so has the first picture.
 class RecordingDeadline : public QObject
 {
 public:

@@ -110,9 +110,11 @@ TEST_F(RecordingDeadlineTest, WhatWasWaitedForSoundThatCameDoesNotCount)
 TEST_F(RecordingDeadlineTest, ARecordingThatEndedBeforeDidNotReachIt)
 {
     // The movie is not ready before the time is over.
-    frontEnd.onProgress = [this] { waitUntil([this] { return sinceStart.elapsed() >= 700; }); };
-    record(0.5);
-    ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 2; }));
+    QElapsedTimer sincePicture;
+    frontEnd.onProgress = [&] { waitUntil([&] { return sincePicture.elapsed() >= 2500; }); };
+    record(2);
+    ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 1; }));
+    sincePicture.start();
     display->setRefusesGrabs(true);
     ASSERT_TRUE(hasEnded());
     EXPECT_FALSE(deadline->isReached());
