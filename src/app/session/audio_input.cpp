@@ -24,6 +24,7 @@ AudioInput::AudioInput(VNBufferMgr &spool, AudioControl *control)
 
 AudioInput::~AudioInput()
 {
+    stop(); // before what the recorder's thread works with is gone
     if (m_control)
         m_control->setDelegate(nullptr);
 }
