@@ -23,8 +23,8 @@ PKAudioRecorderData::PKAudioRecorderData(QByteArray data, const AudioStreamBasic
 bool PKAudioRecorderData::isUsable() const
 {
     const std::int64_t bytesPerFrame = m_format.bytesPerFrame();
-    return bytesPerFrame > 0
-        && static_cast<double>(m_data.size() / bytesPerFrame) <= maxDuration * m_format.mSampleRate;
+    const std::int64_t frames = bytesPerFrame > 0 ? m_data.size() / bytesPerFrame : 0;
+    return bytesPerFrame > 0 && static_cast<double>(frames) <= maxDuration * m_format.mSampleRate;
 }
 
 std::int64_t PKAudioRecorderData::frameCount() const

@@ -2,6 +2,7 @@
 
 #include "base/keyed_archive.h"
 #include "capture/spool/VNDataBlock.h"
+#include "capture/spool/journal_contents.h"
 #include "capture/spool/pointer_shape_archive.h"
 #include "capture/spool/recording_description.h"
 #include "capture/spool/spool_file.h"
@@ -69,10 +70,8 @@ std::shared_ptr<const CursorShape> Journal::pointerShape(std::uint64_t index)
             return nullptr;
         place = found->second;
     }
-    const QByteArray bytes = read(place);
-    const std::optional<JournalRecord> record = nextJournalRecord(bytes, 0);
-    auto shape = record ? pointerShapeFromArchive(record->payload) : std::nullopt;
-    return shape ? std::move(shape->second) : nullptr;
+    const auto shapes = readJournal(read(place)).pointerShapes;
+    return shapes.empty() ? nullptr : shapes.begin()->second;
 }
 
 void Journal::add(SpoolKind spool, const std::vector<VNDataBlock> &blocks)

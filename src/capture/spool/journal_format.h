@@ -31,9 +31,9 @@ inline constexpr qsizetype maxJournalPayload = 1'048'576;
 [[nodiscard]] QByteArray journalRecord(JournalKind kind, QByteArrayView payload);
 
 struct JournalRecord {
-    JournalKind kind;
+    JournalKind kind = JournalKind::Description;
     QByteArrayView payload; ///< in the bytes that were read
-    qsizetype end;          ///< of the record in those bytes
+    qsizetype end = 0;      ///< of the record in those bytes
 };
 /// The first whole record of \a journal at or behind \a position; nothing when there is none.
 [[nodiscard]] std::optional<JournalRecord> nextJournalRecord(QByteArrayView journal, qsizetype position);
