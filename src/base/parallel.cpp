@@ -38,7 +38,7 @@ public:
             m_threads.reserve(static_cast<std::size_t>(processorCount()));
             for (int i = 1; i < processorCount(); ++i)
                 m_threads.push_back(startThread("vornic helper", [this] { m_context.run(); }));
-        } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): those that there are must do
+        } catch (const std::exception &) { // those that there are must do
         }
     }
     ~Helpers()

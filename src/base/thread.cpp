@@ -25,7 +25,7 @@ void logUnhandledException(std::string_view where) noexcept
         logMessage(QStringLiteral("An error was not handled in %1: %2")
                        .arg(QString::fromUtf8(where.data(), static_cast<qsizetype>(where.size())),
                             textOfHandledException()));
-    } catch (...) { // NOLINT(bugprone-empty-catch): nobody can be told
+    } catch (...) { // nobody can be told
     }
 }
 
@@ -46,7 +46,7 @@ bool areThreadsAvailable(int count)
         threads.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
             threads.push_back(startThread({}, [&release] { release.wait(); }));
-    } catch (const std::exception &) { // NOLINT(bugprone-empty-catch): as many as there are
+    } catch (const std::exception &) { // as many as there are
     }
     release.count_down();
     for (std::thread &thread : threads)
