@@ -2,19 +2,18 @@
 #include "base/serial_queue.h"
 
 #include <dlfcn.h>
-#include <sys/timerfd.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The longest wait that a thread has set a timer to. Timers of a minute and more are those of a queue that has
-/// nothing to wait for.
+/// The longest wait of a thread that had an end.
 struct Waits {
-    static constexpr std::chrono::nanoseconds none = 1min;
     std::atomic<std::chrono::nanoseconds> longest = 0ns;
 };
 
@@ -24,15 +23,22 @@ thread_local Waits *waitsOfThisThread = nullptr;
 } // namespace
 
 /// Stands before the system's, so that a test can see for how long a queue means to wait, without measuring time.
-extern "C" int timerfd_settime(int timer, int flags, const itimerspec *asked, itimerspec *before) noexcept
+extern "C" int pthread_cond_clockwait(pthread_cond_t *condition,
+                                      pthread_mutex_t *mutex,
+                                      clockid_t clock,
+                                      const timespec *until)
 {
-    const std::chrono::nanoseconds wait
-        = std::chrono::seconds(asked->it_value.tv_sec) + std::chrono::nanoseconds(asked->it_value.tv_nsec);
-    if (waitsOfThisThread && (flags & TFD_TIMER_ABSTIME) == 0 && wait < Waits::none)
-        waitsOfThisThread->longest = std::max(waitsOfThisThread->longest.load(), wait);
-    using Function = int (*)(int, int, const itimerspec *, itimerspec *);
-    static const auto systems = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "timerfd_settime"));
-    return systems(timer, flags, asked, before);
+    const auto nanoseconds = [](const timespec &time) {
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    };
+    timespec now {};
+    clock_gettime(clock, &now);
+    if (waitsOfThisThread)
+        waitsOfThisThread->longest
+            = std::max(waitsOfThisThread->longest.load(), nanoseconds(*until) - nanoseconds(now));
+    using Function = int (*)(pthread_cond_t *, pthread_mutex_t *, clockid_t, const timespec *);
+    static const auto systems = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_cond_clockwait"));
+    return systems(condition, mutex, clock, until);
 }
 
 namespace vornic {
@@ -53,8 +59,8 @@ protected:
     {
         delegate->imgCaptureQueue().sync([this] { waitsOfThisThread = &pauses; });
     }
-    /// A timer is set to what is left of a pause, a little less each time: sooner or later to nearly all of it, and
-    /// never to more.
+    /// What is left of a pause when the wait begins is a little less each time: sooner or later nearly all of it, and
+    /// never more.
     void expectPausesOf(std::chrono::nanoseconds pause)
     {
         EXPECT_TRUE(runUntil([&] { return pauses.longest.load() > pause - 300us; }))
