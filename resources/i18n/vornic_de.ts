@@ -12,26 +12,8 @@
         <translation>es ist keine gewöhnliche Datei</translation>
     </message>
     <message>
-        <source>Recording for %1 s; Ctrl-C stops it earlier.
-</source>
-        <translation>Aufnahme für %1 s; Strg-C beendet sie früher.
-</translation>
-    </message>
-    <message>
-        <source>Recording; Ctrl-C stops it.
-</source>
-        <translation>Aufnahme läuft; Strg-C beendet sie.
-</translation>
-    </message>
-    <message>
         <source>Writing the movie %1 %2 %, %3 left</source>
         <translation>Film wird geschrieben %1 %2 %, noch %3</translation>
-    </message>
-    <message>
-        <source>Writing the movie: %1 %, %2 left
-</source>
-        <translation>Film wird geschrieben: %1 %, noch %2
-</translation>
     </message>
     <message>
         <source>Recording the screen</source>
@@ -92,10 +74,6 @@
     <message>
         <source>The disk is full: the movie could not be written to %1.</source>
         <translation>Der Datenträger ist voll: Der Film konnte nicht nach %1 geschrieben werden.</translation>
-    </message>
-    <message>
-        <source>The movie is larger than the file system allows: it could not be written to %1.</source>
-        <translation>Der Film ist größer, als das Dateisystem erlaubt: Er konnte nicht nach %1 geschrieben werden.</translation>
     </message>
     <message>
         <source>You have no permission to write movies to the folder %1.</source>
@@ -174,12 +152,6 @@
         <translation>Der X-Server verweigert Bilder seines Bildschirms.</translation>
     </message>
     <message>
-        <source>There is no audio input device &quot;%1&quot;. Available devices:
-  %2</source>
-        <translation>Es gibt kein Audio-Eingabegerät „%1“. Vorhandene Geräte:
-  %2</translation>
-    </message>
-    <message>
         <source>Vornic is not recording.</source>
         <translation>Vornic nimmt gerade nicht auf.</translation>
     </message>
@@ -202,18 +174,6 @@
     <message>
         <source>it has %1 × %2 pixels, which is too many</source>
         <translation>es hat %1 × %2 Pixel, das sind zu viele</translation>
-    </message>
-    <message>
-        <source>Writing the movie; Ctrl-C puts it off for later.
-</source>
-        <translation>Der Film wird geschrieben; Strg-C verschiebt das auf später.
-</translation>
-    </message>
-    <message>
-        <source>vornic: The recording is kept: vornic recover %1 makes the movie.
-</source>
-        <translation>vornic: Die Aufnahme bleibt erhalten: vornic recover %1 macht den Film.
-</translation>
     </message>
     <message>
         <source>%1  %2  cannot be read</source>
@@ -337,6 +297,138 @@
         <source>The recording %1 could not be deleted: %2.</source>
         <translation>Die Aufnahme %1 konnte nicht gelöscht werden: %2.</translation>
     </message>
+    <message>
+        <source>Standard output could not be written: %1.</source>
+        <translation>Auf die Standardausgabe konnte nicht geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>Recording for %1 s; Ctrl-C stops it earlier.</source>
+        <translation>Aufnahme über %1 s; Strg-C beendet sie früher.</translation>
+    </message>
+    <message>
+        <source>Recording; Ctrl-C stops it.</source>
+        <translation>Aufnahme läuft; Strg-C beendet sie.</translation>
+    </message>
+    <message>
+        <source>No sound has come; the recording goes on without it.</source>
+        <translation>Es ist kein Ton gekommen; die Aufnahme geht ohne ihn weiter.</translation>
+    </message>
+    <message>
+        <source>The recording is being ended, and its movie is next; Ctrl-\ keeps it for later.</source>
+        <translation>Die Aufnahme wird beendet, danach folgt ihr Film; Strg-\ hebt sie für später auf.</translation>
+    </message>
+    <message>
+        <source>Writing the movie; Ctrl-C puts it off for later.</source>
+        <translation>Der Film wird geschrieben; Strg-C verschiebt das auf später.</translation>
+    </message>
+    <message>
+        <source>Writing the movie: %1 %, %2 left</source>
+        <translation>Der Film wird geschrieben: %1 %, noch %2</translation>
+    </message>
+    <message>
+        <source>vornic: The recording is kept: vornic recover %1 makes the movie.</source>
+        <translation>vornic: Die Aufnahme bleibt erhalten: vornic recover %1 macht den Film.</translation>
+    </message>
+    <message>
+        <source>Another file has come to stand in %1 and is kept; the movie is %2.</source>
+        <translation>Unter %1 steht inzwischen eine andere Datei, die erhalten bleibt; der Film ist %2.</translation>
+    </message>
+    <message>
+        <source>There is no audio input device &quot;%1&quot;. Available devices:</source>
+        <translation>Es gibt kein Audio-Eingabegerät „%1“. Vorhandene Geräte:</translation>
+    </message>
+    <message>
+        <source>No sound came: the movie has none.</source>
+        <translation>Es kam kein Ton: Der Film hat keinen.</translation>
+    </message>
+    <message>
+        <source>The movie is shorter than %1 s: the recording ended earlier.</source>
+        <translation>Der Film ist kürzer als %1 s: die Aufnahme endete früher.</translation>
+    </message>
+    <message>
+        <source>Vornic has to end: %1.</source>
+        <translation>Vornic muss sich beenden: %1.</translation>
+    </message>
+    <message>
+        <source>Vornic needs %1 threads, and the system does not give it so many: the limit of processes or of memory is reached.</source>
+        <translation>Vornic braucht %1 Threads, und das System gibt nicht so viele her: Die Grenze für Prozesse oder für Speicher ist erreicht.</translation>
+    </message>
+    <message>
+        <source>The display is gone: the recording ends with what it holds.</source>
+        <translation>Der Bildschirm ist nicht mehr da: die Aufnahme endet mit dem, was sie enthält.</translation>
+    </message>
+    <message>
+        <source>The display gives no picture any more: the recording ends with what it holds.</source>
+        <translation>Der Bildschirm liefert kein Bild mehr: die Aufnahme endet mit dem, was sie enthält.</translation>
+    </message>
+    <message>
+        <source>The display has %1x%2 pixels now, and the recorded rectangle lies off it: the recording ends with what it holds.</source>
+        <translation>Der Bildschirm hat jetzt %1x%2 Pixel, und das aufgenommene Rechteck liegt außerhalb: die Aufnahme endet mit dem, was sie enthält.</translation>
+    </message>
+    <message>
+        <source>There is a limit on the size of files, and the recording has reached it</source>
+        <translation>Für die Größe von Dateien gibt es eine Grenze, und die Aufnahme hat sie erreicht</translation>
+    </message>
+    <message>
+        <source>The recording could not be written to the disk: %1</source>
+        <translation>Die Aufnahme konnte nicht auf den Datenträger geschrieben werden: %1</translation>
+    </message>
+    <message>
+        <source>no reason was given</source>
+        <translation>ein Grund wurde nicht genannt</translation>
+    </message>
+    <message>
+        <source>The folder %1 lies on a volume that can only be read.</source>
+        <translation>Der Ordner %1 liegt auf einem Datenträger, der nur gelesen werden kann.</translation>
+    </message>
+    <message>
+        <source>The movie is larger than the file system, or a limit of this session, allows: it could not be written to %1.</source>
+        <translation>Der Film ist größer, als das Dateisystem oder eine Grenze dieser Sitzung erlaubt: er konnte nicht nach %1 geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>%1 is no ordinary file; the movie needs another name.</source>
+        <translation>%1 ist keine gewöhnliche Datei; der Film braucht einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>%1 belongs to another user, and only that user can replace it in its folder.</source>
+        <translation>%1 gehört einem anderen Benutzer, und nur dieser kann die Datei in ihrem Ordner ersetzen.</translation>
+    </message>
+    <message>
+        <source>The audio input was gone for a time: the movie has no sound of it.</source>
+        <translation>Der Toneingang war zeitweise nicht da: Für diese Zeit hat der Film keinen Ton.</translation>
+    </message>
+    <message>
+        <source>Pictures or pieces of sound that could not be used: %1.</source>
+        <translation>Bilder oder Tonstücke, die nicht zu verwenden waren: %1.</translation>
+    </message>
+    <message>
+        <source>No movie can be written to %1: %2.</source>
+        <translation>Nach %1 kann kein Film geschrieben werden: %2.</translation>
+    </message>
+    <message>
+        <source>The folder %1, where recordings are kept, belongs to another user, or others can write to it: it is not used.</source>
+        <translation>Der Ordner %1, in dem Aufnahmen liegen, gehört einem anderen Benutzer, oder andere können hineinschreiben: Er wird nicht benutzt.</translation>
+    </message>
+    <message>
+        <source>The options cannot be saved: %1 cannot be written to.</source>
+        <translation>Die Einstellungen können nicht gespeichert werden: %1 ist nicht beschreibbar.</translation>
+    </message>
+    <message>
+        <source>there is not enough memory</source>
+        <translation>der Speicher reicht nicht</translation>
+    </message>
+    <message>
+        <source>The message bus %1 does not answer.</source>
+        <translation>Der Nachrichtenbus %1 antwortet nicht.</translation>
+    </message>
+    <message>
+        <source>The X server has not answered the window for ten seconds; it is closed.</source>
+        <translation>Der X-Server hat dem Fenster zehn Sekunden lang nicht geantwortet; es wird geschlossen.</translation>
+    </message>
+    <message>
+        <source>The X server has not answered for two seconds.</source>
+        <translation>Der X-Server hat zwei Sekunden lang nicht geantwortet.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::ColorPanel</name>
@@ -358,10 +450,6 @@
     <message>
         <source>high or medium</source>
         <translation>high oder medium</translation>
-    </message>
-    <message>
-        <source>a number of seconds above 0</source>
-        <translation>eine Zahl von Sekunden über 0</translation>
     </message>
     <message>
         <source>full or rectangle</source>
@@ -422,6 +510,10 @@
     <message>
         <source>Unknown command &quot;%1&quot;; the commands are record, recover and devices.</source>
         <translation>Unbekannter Befehl „%1“; es gibt record, recover und devices.</translation>
+    </message>
+    <message>
+        <source>a number of seconds above 0, %1 at most</source>
+        <translation>eine Zahl von Sekunden über 0, höchstens %1</translation>
     </message>
 </context>
 <context>
@@ -1066,6 +1158,10 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <source>Go on without sound</source>
         <translation>Ohne Ton weiter</translation>
     </message>
+    <message>
+        <source>%1, no sound</source>
+        <translation>%1, kein Ton</translation>
+    </message>
 </context>
 <context>
     <name>vornic::UnfinishedLine</name>
@@ -1323,6 +1419,26 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <source>This desktop does not let programs have such a key.</source>
         <translation>Auf diesem Desktop bekommen Programme kein solches Kürzel.</translation>
     </message>
+    <message>
+        <source>The display is gone.</source>
+        <translation>Die Anzeige ist weg.</translation>
+    </message>
+    <message>
+        <source>The display is gone</source>
+        <translation>Die Anzeige ist weg</translation>
+    </message>
+    <message>
+        <source>The recording is kept, and its movie is being made.</source>
+        <translation>Die Aufnahme ist aufgehoben, und ihr Film wird erstellt.</translation>
+    </message>
+    <message>
+        <source>The recording is kept, and its movie can be made at the next start.</source>
+        <translation>Die Aufnahme ist aufgehoben, und ihr Film lässt sich beim nächsten Start erstellen.</translation>
+    </message>
+    <message>
+        <source>%1. %2 (%3)</source>
+        <translation>%1. %2 (%3)</translation>
+    </message>
 </context>
 <context>
     <name>vornic::WindowProgress</name>
@@ -1357,6 +1473,30 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Little room is left for the recording</source>
         <translation>Für die Aufnahme ist nur noch wenig Platz</translation>
+    </message>
+    <message>
+        <source>The audio input is gone</source>
+        <translation>Der Toneingang ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>The audio input is back</source>
+        <translation>Der Toneingang ist wieder da</translation>
+    </message>
+    <message>
+        <source>The recording goes on without sound, and with it once the input is back.</source>
+        <translation>Die Aufnahme geht ohne Ton weiter, und mit Ton, sobald der Eingang wieder da ist.</translation>
+    </message>
+    <message>
+        <source>Its sound is recorded again.</source>
+        <translation>Sein Ton wird wieder aufgenommen.</translation>
+    </message>
+    <message>
+        <source>The movie has another name</source>
+        <translation>Der Film hat einen anderen Namen</translation>
+    </message>
+    <message>
+        <source>Another file has come to stand in %1 and is kept; the movie is %2.</source>
+        <translation>Unter %1 steht inzwischen eine andere Datei, die erhalten bleibt; der Film ist %2.</translation>
     </message>
 </context>
 <context>
