@@ -15,7 +15,10 @@ ElidedLabel::ElidedLabel(QWidget *parent)
 
 void ElidedLabel::showText(const QString &text, const QString &details)
 {
-    m_details = printable(details);
+    QStringList lines = details.split(u'\n');
+    for (QString &line : lines)
+        line = printable(line);
+    m_details = lines.join(u'\n');
     setText(printable(text));
     showToolTip();
 }

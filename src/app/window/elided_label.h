@@ -14,7 +14,7 @@ class ElidedLabel : public QLabel
 public:
     explicit ElidedLabel(QWidget *parent = nullptr);
 
-    /// \a details is the tool tip; without, it is the text where that does not fit.
+    /// \a details, of one line or more, is the tool tip; without, it is the text where that does not fit.
     void showText(const QString &text, const QString &details = {});
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
