@@ -1,5 +1,8 @@
 #include "base/exit_guard.h"
 
+#include "base/error_stream.h"
+
+#include <chrono>
 #include <cstdlib>
 #include <utility>
 
@@ -7,13 +10,20 @@ namespace vornic {
 
 namespace {
 
+/// What was told is written first, if somebody takes it.
+[[noreturn]] void end(int status)
+{
+    standardError().flush(std::chrono::seconds(2));
+    std::_Exit(status);
+}
+
 /// exit() destroys the objects of its own thread before all that are static, whenever these were made.
 struct LastWork {
     LastWork() = default;
     ~LastWork()
     {
         if (work)
-            std::_Exit(std::exchange(work, nullptr)());
+            end(std::exchange(work, nullptr)());
     }
     LastWork(const LastWork &) = delete;
     LastWork &operator=(const LastWork &) = delete;
