@@ -7,20 +7,42 @@
 #include <QFileInfo>
 #include <QMetaObject>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 namespace vornic {
 
 namespace {
 
-/// The toolkit makes a thread at its first connection, and where there is none to be had, waits for it for good.
+/// Whether the process can open \a count more files.
+bool areDescriptorsAvailable(std::size_t count)
+{
+    std::vector<int> opened;
+    while (opened.size() < count) {
+        const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (descriptor < 0)
+            break;
+        opened.push_back(descriptor);
+    }
+    for (const int descriptor : opened)
+        ::close(descriptor);
+    return opened.size() == count;
+}
+
+/// The toolkit makes a thread at its first connection: where there is none to be had, it waits for it for good, and where
+/// that thread finds no descriptors for its loop, it ends the process.
 bool isBusThreadPossible()
 {
+    constexpr std::size_t neededDescriptors = 8;
     static std::atomic<bool> wasPossible = false;
     if (!wasPossible)
-        wasPossible = areThreadsAvailable(1);
+        wasPossible = areThreadsAvailable(1) && areDescriptorsAvailable(neededDescriptors);
     return wasPossible;
 }
 
