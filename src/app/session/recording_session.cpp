@@ -368,7 +368,8 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
 
 void RecordingSession::stopRecord()
 {
-    if (m_phase == Phase::Capturing && m_recording->framesGrabbed == 0
+    const bool hasNoPicture = !m_recording->isCaptured || awaitsOrigin();
+    if (m_phase == Phase::Capturing && hasNoPicture
         && !std::exchange(m_recording->endsWithFirstFrame, true)) {
         beginCapture();
         goOnWithoutSound();
