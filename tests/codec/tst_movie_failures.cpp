@@ -266,7 +266,7 @@ TEST_F(MovieFailuresTest, systemErrorsAreToldApartByTheirKind)
     EXPECT_EQ(kindOf(-EDQUOT), ErrorKind::DiskFull);
     EXPECT_EQ(kindOf(-EACCES), ErrorKind::PermissionDenied);
     EXPECT_EQ(kindOf(-EPERM), ErrorKind::PermissionDenied);
-    EXPECT_EQ(kindOf(-EROFS), ErrorKind::PermissionDenied);
+    EXPECT_EQ(kindOf(-EROFS), ErrorKind::ReadOnlyVolume);
     EXPECT_EQ(kindOf(-EIO), ErrorKind::Failed);
     EXPECT_EQ(writingError(QStringLiteral("/x/o.mp4"), -EIO).reason, u"Input/output error");
 }
