@@ -13,11 +13,11 @@ ElidedLabel::ElidedLabel(QWidget *parent)
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
-void ElidedLabel::showText(const QString &text, const QString &details)
+void ElidedLabel::showText(const QString &text, const QStringList &details)
 {
-    QStringList lines = details.split(u'\n');
-    for (QString &line : lines)
-        line = printable(line);
+    QStringList lines;
+    for (const QString &line : details)
+        lines += printable(line);
     m_details = lines.join(u'\n');
     setText(printable(text));
     showToolTip();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QStringList>
 
 namespace vornic {
 
@@ -14,8 +15,8 @@ class ElidedLabel : public QLabel
 public:
     explicit ElidedLabel(QWidget *parent = nullptr);
 
-    /// \a details, of one line or more, is the tool tip; without, it is the text where that does not fit.
-    void showText(const QString &text, const QString &details = {});
+    /// \a details are the lines of the tool tip; without, it is the text where that does not fit.
+    void showText(const QString &text, const QStringList &details = {});
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 

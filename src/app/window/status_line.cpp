@@ -2,7 +2,6 @@
 
 #include "app/session/time_text.h"
 #include "app/window/elided_label.h"
-#include "base/printable.h"
 #include "controls/push_button.h"
 
 #include <QFileInfo>
@@ -65,7 +64,7 @@ void StatusLine::setLine(const QString &text, const QString &path, const QString
     m_path = path;
     m_openButton->setVisible(!path.isEmpty());
     m_revealButton->setVisible(!path.isEmpty());
-    m_label->showText(text, flaws.isEmpty() ? path : printable(path) + u'\n' + flaws);
+    m_label->showText(text, flaws.isEmpty() ? QStringList { path } : QStringList { path, flaws });
 }
 
 } // namespace vornic

@@ -36,9 +36,9 @@ TEST(AlertBoxTest, ATextMayHaveLines)
 TEST(ElidedLabelTest, ControlCharactersOfNamesAreWrittenOut)
 {
     ElidedLabel label;
-    label.showText("Saved " + name, "in\n" + name);
+    label.showText("Saved " + name, { "in\n" + name, "and more" });
     EXPECT_EQ(label.text(), "Saved " + shown);
-    EXPECT_EQ(label.toolTip(), "in\\n" + shown);
+    EXPECT_EQ(label.toolTip(), "in\\n" + shown + "\nand more");
 }
 
 } // namespace
