@@ -24,9 +24,9 @@ constexpr std::chrono::nanoseconds audioWait(25'000'000);
 
 } // namespace
 
-CaptureLoop::CaptureLoop(std::shared_ptr<Recording> recording, const Tools &tools, Listener &listener)
+CaptureLoop::CaptureLoop(std::shared_ptr<Recording> recording, Tools tools, Listener &listener)
     : m_recording(std::move(recording))
-    , m_tools(tools)
+    , m_tools(std::move(tools))
     , m_listener(listener)
 {
 }

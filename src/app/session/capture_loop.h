@@ -54,7 +54,7 @@ public:
         AudioInput &sound;
     };
 
-    CaptureLoop(std::shared_ptr<Recording> recording, const Tools &tools, Listener &listener);
+    CaptureLoop(std::shared_ptr<Recording> recording, Tools tools, Listener &listener);
 
     /// Queues the first pass in \a delay, at \a frameRate passes a second. A null \a rectangle is the full
     /// display.

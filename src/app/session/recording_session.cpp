@@ -572,7 +572,7 @@ QString RecordingSession::leaveRecording()
 {
     if (!isRecording())
         return {};
-    const QString id = m_recording->framesGrabbed > 0 ? m_spool->recordingId() : QString();
+    QString id = m_recording->framesGrabbed > 0 ? m_spool->recordingId() : QString();
     m_loop->abandon();
     m_job->cancel(); // before the spool seems to be at its end
     m_spool->keep();

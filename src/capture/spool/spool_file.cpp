@@ -107,7 +107,7 @@ bool SpoolFile::fail(const char *what)
     return false;
 }
 
-bool SpoolFile::lock()
+bool SpoolFile::lock() const
 {
     return ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0;
 }

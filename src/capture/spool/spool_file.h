@@ -40,7 +40,7 @@ public:
     /// The number that the system gave for the first write() or sync() that failed; 0 where none has.
     [[nodiscard]] int firstError() const { return m_firstError; }
     /// Keeps others from locking the file for as long as this object lives; false when another object holds it.
-    [[nodiscard]] bool lock();
+    [[nodiscard]] bool lock() const;
 
 private:
     explicit SpoolFile(int descriptor)
