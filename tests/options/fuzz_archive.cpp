@@ -63,26 +63,10 @@ QByteArray withForeignHeads(QByteArray bytes, FuzzRandom &random)
 QByteArray damaged(QByteArray bytes, FuzzRandom &random)
 {
     for (int times = 1 + random.below(4); times > 0 && !bytes.isEmpty(); --times) {
-        const int at = random.below(bytes.size());
-        switch (random.below(6)) {
-        case 0:
-            bytes[at] = static_cast<char>(random.below(256));
-            break;
-        case 1:
-            bytes[at] = static_cast<char>(bytes[at] ^ (1 << random.below(8)));
-            break;
-        case 2:
-            bytes.truncate(at);
-            break;
-        case 3:
-            bytes.remove(at, 1 + random.below(8));
-            break;
-        case 4:
-            bytes.insert(at, bytes.mid(random.below(bytes.size()), random.below(64)));
-            break;
-        default:
+        if (random.below(6) == 0)
             bytes = withForeignHeads(bytes, random);
-        }
+        else
+            random.damage(bytes, random.below(bytes.size()));
     }
     return bytes;
 }

@@ -43,28 +43,10 @@ QList<QByteArray> wholePictures()
 
 QByteArray damaged(QByteArray bytes, FuzzRandom &random)
 {
-    for (int times = random.below(5); times > 0 && !bytes.isEmpty(); --times) {
-        // Where formats tell their sizes, more often.
-        const int at
-            = random.below(random.below(2) == 0 ? std::min<qsizetype>(bytes.size(), 64) : bytes.size());
-        switch (random.below(5)) {
-        case 0:
-            bytes[at] = static_cast<char>(random.below(256));
-            break;
-        case 1:
-            bytes[at] = static_cast<char>(bytes[at] ^ (1 << random.below(8)));
-            break;
-        case 2:
-            bytes.truncate(at);
-            break;
-        case 3:
-            bytes.insert(at, bytes.mid(random.below(bytes.size()), random.below(32)));
-            break;
-        default:
-            bytes.replace(
-                at, random.below(4), QByteArray(1 + random.below(4), random.below(2) == 0 ? '\xff' : '\0'));
-        }
-    }
+    // Where formats tell their sizes, more often.
+    for (int times = random.below(5); times > 0 && !bytes.isEmpty(); --times)
+        random.damage(
+            bytes, random.below(random.below(2) == 0 ? std::min<qsizetype>(bytes.size(), 64) : bytes.size()));
     return bytes;
 }
 

@@ -37,6 +37,39 @@ QByteArray FuzzRandom::bytes(int maxSize)
     return bytes;
 }
 
+void FuzzRandom::damage(QByteArray &bytes, int place)
+{
+    switch (below(7)) {
+    case 0:
+        bytes[place] = static_cast<char>(bytes[place] ^ (1 << below(8)));
+        break;
+    case 1:
+        bytes[place] = static_cast<char>(below(256));
+        break;
+    case 2:
+        bytes.replace(place, below(4), QByteArray(1 + below(4), below(2) == 0 ? '\xff' : '\0'));
+        break;
+    case 3:
+        bytes.truncate(place);
+        break;
+    case 4:
+        bytes.insert(place, this->bytes(8));
+        break;
+    case 5:
+        bytes.insert(below(bytes.size()), bytes.mid(place, 1 + below(200)));
+        break;
+    default:
+        bytes.remove(place, 1 + below(40));
+    }
+}
+
+QByteArray FuzzRandom::damaged(QByteArray bytes, int maxChanges)
+{
+    for (int changes = 1 + below(maxChanges); changes > 0 && !bytes.isEmpty(); --changes)
+        damage(bytes, below(bytes.size()));
+    return bytes;
+}
+
 FuzzRun::FuzzRun(int argc, char **argv, int defaultCount)
     : m_count(argument(argc, argv, 1, defaultCount))
     , m_random(argument(argc, argv, 2, 1U))

@@ -21,6 +21,10 @@ public:
     int below(qsizetype limit);
     /// Up to \a maxSize bytes.
     QByteArray bytes(int maxSize);
+    /// Turns, replaces, cuts off, inserts, doubles or removes bytes at \a place of \a bytes, which are not empty.
+    void damage(QByteArray &bytes, int place);
+    /// \a bytes after one to \a maxChanges of these anywhere.
+    QByteArray damaged(QByteArray bytes, int maxChanges);
 
 private:
     std::mt19937 m_engine;

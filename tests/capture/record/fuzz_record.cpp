@@ -64,37 +64,13 @@ std::vector<QByteArray> validArchives()
     return archives;
 }
 
-QByteArray damaged(QByteArray bytes, test::FuzzRandom &random)
-{
-    for (int changes = 1 + random.below(4); changes > 0 && !bytes.isEmpty(); --changes) {
-        const int place = random.below(bytes.size());
-        switch (random.below(5)) {
-        case 0:
-            bytes[place] = static_cast<char>(bytes[place] ^ (1 << random.below(8)));
-            break;
-        case 1:
-            bytes[place] = static_cast<char>(random.below(256));
-            break;
-        case 2:
-            bytes.truncate(place);
-            break;
-        case 3:
-            bytes.insert(place, random.bytes(8));
-            break;
-        default:
-            bytes.remove(place, 1 + random.below(8));
-        }
-    }
-    return bytes;
-}
-
 /// Damages only the picture in an archive, which stays one.
 QByteArray damagedInside(const QByteArray &archive, test::FuzzRandom &random)
 {
     QCborMap map = QCborValue::fromCbor(archive).toMap();
     for (const QLatin1StringView key : { pictureKey, changedBandsKey, newBandsKey }) {
         if (map.contains(key))
-            map[key] = damaged(map[key].toByteArray(), random);
+            map[key] = random.damaged(map[key].toByteArray(), 4);
     }
     return map.toCborValue().toCbor();
 }
@@ -144,7 +120,7 @@ QByteArray input(const QByteArray &whole, test::FuzzRandom &random)
     case 6:
         return damagedInside(whole, random);
     default:
-        return damaged(whole, random);
+        return random.damaged(whole, 4);
     }
 }
 

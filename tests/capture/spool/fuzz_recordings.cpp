@@ -88,33 +88,6 @@ QString recorded(std::uint32_t seed)
     return id;
 }
 
-QByteArray damaged(QByteArray bytes, test::FuzzRandom &random)
-{
-    for (int changes = 1 + random.below(3); changes > 0 && !bytes.isEmpty(); --changes) {
-        const int place = random.below(bytes.size());
-        switch (random.below(6)) {
-        case 0:
-            bytes[place] = static_cast<char>(bytes[place] ^ (1 << random.below(8)));
-            break;
-        case 1:
-            bytes[place] = static_cast<char>(random.below(2) == 0 ? 0xFF : random.below(256));
-            break;
-        case 2:
-            bytes.truncate(place);
-            break;
-        case 3:
-            bytes.insert(place, random.bytes(8));
-            break;
-        case 4:
-            bytes.insert(random.below(bytes.size()), bytes.mid(place, 1 + random.below(200)));
-            break;
-        default:
-            bytes.remove(place, 1 + random.below(40));
-        }
-    }
-    return bytes;
-}
-
 /// Records are left out, doubled, swapped and damaged; a damaged one may get its checksum anew.
 QByteArray damagedJournal(const QByteArray &journal, test::FuzzRandom &random)
 {
@@ -124,7 +97,7 @@ QByteArray damagedJournal(const QByteArray &journal, test::FuzzRandom &random)
         QByteArray payload = record->payload.toByteArray();
         const int fate = random.below(12);
         if (fate == 0)
-            payload = damaged(payload, random);
+            payload = random.damaged(payload, 3);
         if (fate != 1)
             records.push_back(journalRecord(record->kind, payload));
         if (fate == 2)
@@ -136,7 +109,7 @@ QByteArray damagedJournal(const QByteArray &journal, test::FuzzRandom &random)
     QByteArray result;
     for (const QByteArray &record : records)
         result += record;
-    return random.below(2) == 0 ? result : damaged(result, random);
+    return random.below(2) == 0 ? result : random.damaged(result, 3);
 }
 
 Files damaged(const Files &files, const Files &others, test::FuzzRandom &random)
@@ -145,9 +118,9 @@ Files damaged(const Files &files, const Files &others, test::FuzzRandom &random)
     if (random.below(2) == 0)
         result.journal = damagedJournal(files.journal, random);
     if (random.below(2) == 0)
-        result.video = damaged(files.video, random);
+        result.video = random.damaged(files.video, 3);
     if (random.below(4) == 0)
-        result.audio = damaged(files.audio, random);
+        result.audio = random.damaged(files.audio, 3);
     switch (random.below(10)) {
     case 0:
         std::swap(result.video, result.audio);
