@@ -171,6 +171,13 @@ check_desktop()
   say 'desktop file, icons, manual, help and completions are in place'
 }
 
+check_hardening()
+{
+  python3 -B "$(dirname "$script")/../tests/packaging/tst_hardening.py" --program "$root/usr/bin/vornic" \
+    >"$root.log" 2>&1 || { cat "$root.log" >&2; fail 'the program lacks a protection'; }
+  say 'the program has its protections'
+}
+
 # The desktop starts the program through its bus, and the window comes.
 check_activation()
 {
@@ -207,6 +214,7 @@ inside()
   install_package "$2"
   check_desktop
   check_version
+  check_hardening
   start_display
   check_recording
   check_activation

@@ -197,11 +197,11 @@ void SoundServer::rename(const QString &name, const QString &description)
         const QByteArray line = QStringLiteral("update-source-proplist %1 device.description=\"%2\"\n")
                                     .arg(name, description)
                                     .toUtf8();
-        static_cast<void>(::write(socketNumber, line.constData(), static_cast<std::size_t>(line.size())));
         // It does not say when it has done so.
-        static_cast<void>(waitUntil([&] {
-            return pactl({ "list", "sources" }).contains("Description: " + description);
-        }));
+        if (::write(socketNumber, line.constData(), static_cast<std::size_t>(line.size())) == line.size())
+            static_cast<void>(waitUntil([&] {
+                return pactl({ "list", "sources" }).contains("Description: " + description);
+            }));
     }
     ::close(socketNumber);
 }
