@@ -1,5 +1,7 @@
 #include "record_sound_fixture.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -14,9 +16,9 @@ using testing::streamOf;
 
 /// What a steady tone has become in a movie.
 struct RecordedTone {
-    double largestStep = 0; ///< of the phase from one 10 ms to the next, radians
-    double quietest = 0;    ///< dB, against the tone that was played
-    double loudest = 0;     ///< dB
+    double largestStep = std::numbers::pi; ///< of the phase from one 10 ms to the next, radians
+    double quietest = 0;                   ///< dB, against the tone that was played
+    double loudest = 0;                    ///< dB
 
     /// A lost millisecond would turn the phase by a whole circle's part, and dent the level of its window.
     [[nodiscard]] bool isUnbroken() const { return largestStep < 0.05 && quietest > -1; }
@@ -33,11 +35,12 @@ struct Distances {
 
 /// Measures sound against time. On a machine that is busy with other things a server's thread comes late and drops
 /// sound, or no picture is taken for a while, which no recorder can undo: what is measured is the best of three
-/// recordings.
+/// recordings, and one in which the server's own recorder misses sound too does not count.
 class RecordSyncTest : public RecordSoundTest
 {
 protected:
     static constexpr int attempts = 3;
+    static constexpr int maxTurns = 7;
 
     void recordTenSeconds() const
     {
@@ -45,15 +48,35 @@ protected:
         ASSERT_EQ(result.status, 0) << result.error.toStdString();
     }
 
-    RecordedTone recordedTone() const
+    /// What the server's own recorder makes of the sound, in the same seconds.
+    std::unique_ptr<QProcess> startReference() const
+    {
+        return start(
+            "parec",
+            { "--device=speakers.monitor", "--rate=48000", "--channels=2", "--format=s16le", reference() });
+    }
+    QString reference() const { return folder.filePath("reference.raw"); }
+
+    std::vector<std::int16_t> referenceSound() const
+    {
+        QFile file(reference());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        std::vector<std::int16_t> samples(static_cast<std::size_t>(file.size()) / sizeof(std::int16_t));
+        file.read(reinterpret_cast<char *>(samples.data()),
+                  static_cast<qint64>(samples.size() * sizeof(std::int16_t)));
+        return samples;
+    }
+
+    static RecordedTone toneOf(const char *recorder, const std::vector<std::int16_t> &samples)
     {
         constexpr double played = 0.25;
-        std::vector<HeardTone> tones = tonesIn(decodedSound(movie()), 1000);
-        EXPECT_GT(tones.size(), 900U);
+        std::vector<HeardTone> tones = tonesIn(samples, 1000);
+        if (tones.size() < 900)
+            return { .largestStep = std::numbers::pi, .quietest = -1000, .loudest = 0 };
         // The lead-in is silent, and the encoder's first and last block fade.
         tones.resize(tones.size() - 8);
         tones.erase(tones.begin(), tones.begin() + 8);
-        RecordedTone tone;
+        RecordedTone tone { .largestStep = 0, .quietest = 0, .loudest = 0 };
         for (std::size_t i = 1; i < tones.size(); ++i) {
             const double step = std::remainder(tones[i].phase - tones[i - 1].phase, 2 * std::numbers::pi);
             const double level = 20 * std::log10(tones[i].amplitude / played);
@@ -61,7 +84,8 @@ protected:
             tone.quietest = std::min(tone.quietest, level);
             tone.loudest = std::max(tone.loudest, level);
         }
-        std::printf("largest phase step %.4f rad, level %.2f to %.2f dB\n",
+        std::printf("%s: largest phase step %.4f rad, level %.2f to %.2f dB\n",
+                    recorder,
                     tone.largestStep,
                     tone.quietest,
                     tone.loudest);
@@ -101,12 +125,20 @@ TEST_P(RecordSyncTest, AToneIsInTheMovieAsItWasPlayed)
     constexpr int quantum = 8192;
     startSound(quantum);
     ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
-    const auto player = play({ "tone", "120", "1000", "0.25" });
+    const auto player = play({ "tone", "200", "1000", "0.25" });
     RecordedTone tone;
-    for (int attempt = 0; attempt < attempts && (attempt == 0 || !tone.isUnbroken()); ++attempt) {
+    int failures = 0;
+    for (int turn = 0; turn < maxTurns && failures < attempts && !tone.isUnbroken(); ++turn) {
+        const auto other = startReference();
         ASSERT_NO_FATAL_FAILURE(recordTenSeconds());
-        tone = recordedTone();
+        other->terminate();
+        ASSERT_TRUE(other->waitForFinished());
+        tone = toneOf("movie", decodedSound(movie()));
+        if (!tone.isUnbroken() && toneOf("the server's own recorder", referenceSound()).isUnbroken())
+            ++failures;
     }
+    if (!tone.isUnbroken() && failures == 0)
+        GTEST_SKIP() << "this server drops sound all the time on this machine, for its own recorder too";
     EXPECT_TRUE(tone.isUnbroken());
     EXPECT_LT(tone.loudest, 1);
 
