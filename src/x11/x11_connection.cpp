@@ -1,5 +1,6 @@
 #include "x11/x11_connection.h"
 
+#include "base/thread.h"
 #include "x11/x11_windows.h"
 #include "x11/xcb_reply.h"
 
@@ -7,12 +8,17 @@
 
 #include <sys/socket.h>
 
+#include <chrono>
 #include <cstdint>
+#include <semaphore>
+#include <system_error>
 #include <utility>
 
 namespace vornic {
 
 namespace {
+
+constexpr std::chrono::seconds maxWait { 2 };
 
 const xcb_screen_t *screenWithNumber(xcb_connection_t *connection, int number)
 {
@@ -42,7 +48,27 @@ void endExchange(xcb_connection_t *connection)
 
 } // namespace
 
+/// By a thread that goes on waiting when nobody does any more. Nothing else ends the wait: while the server has not
+/// answered there is no connection yet that could be closed.
 std::unique_ptr<X11Connection> X11Connection::open()
+{
+    struct Attempt {
+        std::unique_ptr<X11Connection> connection;
+        std::binary_semaphore hasEnded { 0 };
+    };
+    const auto attempt = std::make_shared<Attempt>();
+    try {
+        startThread("vornic connect", [attempt] {
+            attempt->connection = await();
+            attempt->hasEnded.release();
+        }).detach();
+    } catch (const std::system_error &) { // no thread is to be had
+        return await();
+    }
+    return attempt->hasEnded.try_acquire_for(maxWait) ? std::move(attempt->connection) : nullptr;
+}
+
+std::unique_ptr<X11Connection> X11Connection::await()
 {
     int number = 0;
     Handle handle(xcb_connect(nullptr, &number));

@@ -17,8 +17,10 @@ namespace vornic {
 class X11Connection
 {
 public:
-    /// Connects to $DISPLAY; null without a server.
+    /// Connects to $DISPLAY; null without a server, and without one that answers within two seconds.
     [[nodiscard]] static std::unique_ptr<X11Connection> open();
+    /// The same, but waits for a server that is there and does not answer, however long that takes.
+    [[nodiscard]] static std::unique_ptr<X11Connection> await();
     ~X11Connection();
     X11Connection(const X11Connection &) = delete;
     X11Connection &operator=(const X11Connection &) = delete;

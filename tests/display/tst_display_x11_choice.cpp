@@ -89,6 +89,15 @@ TEST_F(X11ChoiceTest, TheServerInsideAWaylandSessionIsRefused)
     EXPECT_THAT(reason(), HasSubstr("Wayland"));
 }
 
+TEST_F(X11ChoiceTest, AServerThatIsFrozenIsNotWaitedFor)
+{
+    const auto server = XvfbServer::start();
+    ASSERT_TRUE(server);
+    server->setFrozen(true);
+    expectNoDisplay();
+    EXPECT_THAT(reason(), HasSubstr("Cannot connect"));
+}
+
 TEST_F(X11ChoiceTest, ADisplayOfAnotherMachineIsRefused)
 {
     // Only what the connection runs over tells, so one over TCP to this machine stands for all.

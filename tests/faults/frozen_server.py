@@ -91,6 +91,22 @@ def a_frozen_server_under_the_window(stage):
     return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
 
 
+def a_server_that_is_frozen_before(stage, *arguments):
+    freeze(stage.server)
+    stage.run(*arguments, stage.movie)
+    expect(stage.wait_for_end(SOON) == 1, "the program did not end as one without a display")
+    expect("Cannot connect to the X11 display" in stage.said(), "nothing was said")
+    return Told(stage.sentences(), "nothing was begun")
+
+
+def a_server_that_is_frozen_before_the_command(stage):
+    return a_server_that_is_frozen_before(stage, "record", "--ignore-low-space")
+
+
+def a_server_that_is_frozen_before_the_window(stage):
+    return a_server_that_is_frozen_before(stage, "--record=full")
+
+
 def end_with_frozen_bus(stage, signal_number):
     moment = time.monotonic()
     stage.program.send_signal(signal_number)
@@ -132,6 +148,8 @@ def a_bus_that_is_frozen_before_the_window(stage):
 
 if __name__ == "__main__":
     sys.exit(run_all([a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
-                      a_server_that_freezes_for_a_while, a_frozen_server_under_the_window, a_frozen_bus_under_the_window,
+                      a_server_that_freezes_for_a_while, a_frozen_server_under_the_window,
+                      a_server_that_is_frozen_before_the_command, a_server_that_is_frozen_before_the_window,
+                      a_frozen_bus_under_the_window,
                       a_bus_that_freezes_before_the_recording, a_bus_that_is_frozen_before_the_command,
                       a_bus_that_is_frozen_before_the_window], __doc__))

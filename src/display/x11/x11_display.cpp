@@ -66,6 +66,7 @@ bool X11Display::Link::connect(QString &whyNot)
     if (!format)
         return false;
     const auto reconnect = [link = weak_from_this()] {
+        static_cast<void>(X11Connection::await());
         QString whyNotAgain;
         if (const std::shared_ptr<Link> kept = link.lock())
             static_cast<void>(kept->connect(whyNotAgain));

@@ -82,7 +82,7 @@ void closeAllIfFrozen()
 {
     const auto hasAnswered = std::make_shared<std::binary_semaphore>(0);
     runApart([hasAnswered] {
-        const auto connection = X11Connection::open();
+        const auto connection = X11Connection::await();
         hasAnswered->release();
     });
     if (!hasAnswered->try_acquire_for(2s))
