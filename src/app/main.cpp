@@ -143,6 +143,7 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
         guard.setLastWork([&program] { return program.endWithoutDisplay(); });
         const int status = program.run(actionFor(line.task), movieFile(line));
         guard.setLastWork([status] { return status; });
+        leaveSilentDisplay();
         return status;
     });
 }

@@ -4,6 +4,7 @@
 #include "display/null_display.h"
 #ifdef VORNIC_X11
 #    include "display/x11/x11_display.h"
+#    include "display/x11/x11_frozen_server.h"
 #endif
 
 #include <QCoreApplication>
@@ -113,6 +114,13 @@ QString noDisplayReason()
     const auto display = mainDisplay();
     const auto *none = dynamic_cast<const NullDisplay *>(display.get());
     return none ? none->reason() : QString();
+}
+
+void leaveSilentDisplay()
+{
+#ifdef VORNIC_X11
+    leaveFrozenServer();
+#endif
 }
 
 void setMainDisplay(std::shared_ptr<DisplayBackend> display)

@@ -74,6 +74,10 @@ struct DisplayBackendEntry {
 /// Why there is no display, one sentence for the user; empty while there is one.
 [[nodiscard]] QString noDisplayReason();
 
+/// To be called before the toolkit takes leave of the display, which it would wait for: a server that does not answer
+/// within two seconds is given up.
+void leaveSilentDisplay();
+
 /// Puts a display in place of the chosen one (for tests); null makes the next call choose again.
 void setMainDisplay(std::shared_ptr<DisplayBackend> display);
 

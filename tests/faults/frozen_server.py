@@ -91,6 +91,17 @@ def a_frozen_server_under_the_window(stage):
     return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
 
 
+def a_frozen_server_under_a_window_that_does_nothing(stage):
+    stage.run()
+    stage.wait_for_window("^Vornic$")
+    freeze(stage.server)
+    stage.program.terminate()
+    expect(stage.wait_for_end(SOON) == 0, "the program did not end well")
+    expect(stage.options_are_stored(), "the options are not stored")
+    expect("ten seconds" not in stage.said(), "the server was waited for")
+    return Told(stage.sentences(), "options")
+
+
 def a_server_that_is_frozen_before(stage, *arguments):
     freeze(stage.server)
     stage.run(*arguments, stage.movie)
@@ -149,7 +160,7 @@ def a_bus_that_is_frozen_before_the_window(stage):
 if __name__ == "__main__":
     sys.exit(run_all([a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
                       a_server_that_freezes_for_a_while, a_frozen_server_under_the_window,
-                      a_server_that_is_frozen_before_the_command, a_server_that_is_frozen_before_the_window,
-                      a_frozen_bus_under_the_window,
+                      a_frozen_server_under_a_window_that_does_nothing, a_server_that_is_frozen_before_the_command,
+                      a_server_that_is_frozen_before_the_window, a_frozen_bus_under_the_window,
                       a_bus_that_freezes_before_the_recording, a_bus_that_is_frozen_before_the_command,
                       a_bus_that_is_frozen_before_the_window], __doc__))

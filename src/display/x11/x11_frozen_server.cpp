@@ -33,6 +33,17 @@ void runApart(std::function<void()> work)
     }
 }
 
+/// Whether it is there, and takes no new connection.
+bool isFrozen()
+{
+    const auto hasAnswered = std::make_shared<std::binary_semaphore>(0);
+    runApart([hasAnswered] {
+        static_cast<void>(X11Connection::await());
+        hasAnswered->release();
+    });
+    return !hasAnswered->try_acquire_for(2s);
+}
+
 void closeAll()
 {
     logMessage(QCoreApplication::translate(
@@ -80,13 +91,14 @@ bool MainThreadWatch::isBack()
 
 void closeAllIfFrozen()
 {
-    const auto hasAnswered = std::make_shared<std::binary_semaphore>(0);
-    runApart([hasAnswered] {
-        const auto connection = X11Connection::await();
-        hasAnswered->release();
-    });
-    if (!hasAnswered->try_acquire_for(2s))
+    if (isFrozen())
         closeAll();
+}
+
+void leaveFrozenServer()
+{
+    if (isFrozen())
+        X11Connection::closeAll();
 }
 
 } // namespace vornic

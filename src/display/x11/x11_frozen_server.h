@@ -31,4 +31,7 @@ private:
 /// Closes all connections, the toolkit's too, where the server takes no new one within two seconds.
 void closeAllIfFrozen();
 
+/// The same, at the end of a program: the toolkit takes leave of the server and waits for an answer.
+void leaveFrozenServer();
+
 } // namespace vornic
