@@ -30,7 +30,9 @@ def check_end(stage, signal_number):
 
 
 def check_kept(stage):
-    expect(len(stage.unfinished()) == 1, "the recording is not kept")
+    kept = stage.unfinished()
+    expect(len(kept) == 1, "the recording is not kept")
+    expect(f"The recording is kept: vornic recover {kept[0]}" in stage.said(), "it was not told what is kept")
     return Told(stage.sentences(), "the recording")
 
 

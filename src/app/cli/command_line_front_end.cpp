@@ -1,5 +1,6 @@
 #include "app/cli/command_line_front_end.h"
 
+#include "app/session/end_text.h"
 #include "app/session/room_text.h"
 #include "app/session/time_text.h"
 #include "base/error_stream.h"
@@ -151,9 +152,7 @@ void CommandLineFrontEnd::endProgress()
 
 void CommandLineFrontEnd::recordingKept(const QString &id)
 {
-    tell(QCoreApplication::translate("vornic",
-                                     "vornic: The recording is kept: vornic recover %1 makes the movie.")
-             .arg(id));
+    tell(recordingKeptLine(id));
 }
 
 void CommandLineFrontEnd::movieRenamed(const QString &meant, const QString &path)

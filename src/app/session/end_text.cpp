@@ -39,4 +39,11 @@ QString whySpoolingFailed(int error)
         .arg(qt_error_string(error));
 }
 
+QString recordingKeptLine(const QString &id)
+{
+    return QCoreApplication::translate("vornic",
+                                       "vornic: The recording is kept: vornic recover %1 makes the movie.")
+        .arg(id);
+}
+
 } // namespace vornic

@@ -13,5 +13,7 @@ namespace vornic {
 /// What \a error, a number of the system's, means for the recording's files: one sentence without a full stop. Empty for 0
 /// and where it is the space.
 [[nodiscard]] QString whySpoolingFailed(int error);
+/// How to go on with the recording \a id, which has no movie: a whole line of the program's.
+[[nodiscard]] QString recordingKeptLine(const QString &id);
 
 } // namespace vornic

@@ -1,5 +1,6 @@
 #include "app/window/window_progress.h"
 
+#include "app/session/end_text.h"
 #include "app/session/room_text.h"
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/application_icon.h"
@@ -7,6 +8,7 @@
 #include "app/window/main_window_link.h"
 #include "app/window/screen_settling.h"
 #include "app/window/stop_item.h"
+#include "base/error_stream.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "desktop/notifier.h"
@@ -182,8 +184,9 @@ void WindowProgress::endProgress()
     m_writingIcon.reset();
 }
 
-void WindowProgress::recordingKept(const QString & /*id*/)
+void WindowProgress::recordingKept(const QString &id)
 {
+    standardError().writeLine(recordingKeptLine(id)); // the window may be about to go
     if (m_kept)
         m_kept();
 }
