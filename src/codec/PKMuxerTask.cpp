@@ -13,6 +13,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
 #include <stop_token>
 #include <system_error>
 #include <thread>
@@ -86,6 +89,9 @@ struct PKMuxerTask::Impl {
     std::stop_source stop;
     std::thread thread;
     MemoryReserve reserve;
+    std::mutex mutex;
+    std::condition_variable ended;
+    std::optional<bool> hasMovie; ///< guarded; nothing before the end
 
     void report(std::shared_ptr<PKMuxerTask> self, QLatin1StringView action, QVariant value) const
     {
@@ -100,6 +106,12 @@ struct PKMuxerTask::Impl {
 /// Takes the reference that keeps the task alive with it.
 void PKMuxerTask::Impl::reportEnd(std::shared_ptr<PKMuxerTask> self, Outcome outcome)
 {
+    {
+        const std::lock_guard lock(mutex);
+        if (!hasMovie)
+            hasMovie = outcome.action == PKMuxerTaskActionComplete;
+    }
+    ended.notify_all();
     main_queue::async([this, self = std::move(self), outcome = std::move(outcome)] {
         if (thread.joinable())
             thread.join();
@@ -141,7 +153,10 @@ PKMuxerTask::PKMuxerTask(std::shared_ptr<const PKMuxerContext> context)
                         .block = {},
                         .stop = {},
                         .thread = {},
-                        .reserve = {} })
+                        .reserve = {},
+                        .mutex = {},
+                        .ended = {},
+                        .hasMovie = {} })
 {
 }
 
@@ -186,6 +201,13 @@ void PKMuxerTask::startMuxerWithBlock(ProgressBlock block)
 void PKMuxerTask::cancel()
 {
     m_impl->stop.request_stop();
+}
+
+bool PKMuxerTask::waitForMovie(std::chrono::nanoseconds longest)
+{
+    std::unique_lock lock(m_impl->mutex);
+    m_impl->ended.wait_for(lock, longest, [this] { return m_impl->hasMovie.has_value(); });
+    return m_impl->hasMovie.value_or(false);
 }
 
 } // namespace vornic

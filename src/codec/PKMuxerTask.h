@@ -4,6 +4,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -42,6 +43,9 @@ public:
     /// Any thread, at any time: the task fails as ErrorKind::Cancelled as soon as the running calls of its data source
     /// have returned. Does nothing once the movie stands under its name.
     void cancel();
+    /// Waits until the work has ended, reported or not, for \a longest at most. Whether the movie stands under its name.
+    /// Any thread.
+    [[nodiscard]] bool waitForMovie(std::chrono::nanoseconds longest);
 
 private:
     explicit PKMuxerTask(std::shared_ptr<const PKMuxerContext> context);

@@ -11,6 +11,7 @@
 #include "codec/PKMuxerTask.h"
 #include "codec/PKVideoFrame2.h"
 
+#include <chrono>
 #include <utility>
 
 namespace vornic {
@@ -19,6 +20,8 @@ namespace {
 
 /// How long sound may go on behind the last picture, seconds.
 constexpr double longestTail = 10;
+
+constexpr std::chrono::seconds longestWait { 2 };
 
 } // namespace
 
@@ -47,6 +50,12 @@ void MovieJob::cancel()
     if (const std::shared_ptr<PKMuxerTask> task = m_task.lock())
         task->cancel();
     m_isCancelled = true;
+}
+
+bool MovieJob::hasMovie() const
+{
+    const std::shared_ptr<PKMuxerTask> task = m_task.lock();
+    return task && task->waitForMovie(longestWait);
 }
 
 std::int64_t MovieJob::PKMuxerTaskLength()

@@ -36,6 +36,9 @@ public:
 
     /// Ends the writing soon; the task still reports its end. Nothing where it has ended. Main thread.
     void cancel();
+    /// Whether the movie stands under its name, also where that has not been reported yet. After cancel(); waits for what
+    /// still runs, two seconds at most.
+    [[nodiscard]] bool hasMovie() const;
 
     /// Frames that hold no readable picture.
     [[nodiscard]] std::uint64_t unusableFrameCount() const { return m_unusableFrames; }

@@ -575,6 +575,10 @@ QString RecordingSession::leaveRecording()
     QString id = m_recording->framesGrabbed > 0 ? m_spool->recordingId() : QString();
     m_loop->abandon();
     m_job->cancel(); // before the spool seems to be at its end
+    if (m_job->hasMovie()) {
+        m_spool->clear();
+        return {};
+    }
     m_spool->keep();
     return id;
 }

@@ -95,7 +95,8 @@ public:
     /// The same, but the movie is put off: what is captured is kept, and recover() goes on with it.
     void leave();
     /// The process ends at once, and the recording that runs is kept: it is all on disk when this returns, and another
-    /// process can open it. Its id; empty where there is none, or one without a picture. Nothing is called after this.
+    /// process can open it. Its id; empty where there is none, or one without a picture, or one whose movie is whole.
+    /// Nothing is called after this.
     [[nodiscard]] QString leaveRecording();
     /// True when the program may end; asks while a recording runs.
     [[nodiscard]] bool mayQuit();

@@ -559,6 +559,23 @@ TEST_F(RecordingSessionTest, AMovieThatIsWrittenWhenTheProcessEndsIsNotTakenForW
     EXPECT_FALSE(QFile::exists(*frontEnd.path)) << "its spool was closed under it";
 }
 
+TEST_F(RecordingSessionTest, AMovieThatWasWrittenIsNotMadeAgainWhenTheProcessEndsBeforeItHearsOfIt)
+{
+    makeSession();
+    frontEnd.onProgress = [this] {
+        frontEnd.onProgress = nullptr;
+        while (!QFile::exists(*frontEnd.path))
+            std::this_thread::yield();
+        EXPECT_EQ(session->leaveRecording(), QString());
+        EXPECT_EQ(RecordingFolder::ids(VNBufferMgr::cachePath()), QStringList());
+    };
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_TRUE(QFile::exists(*frontEnd.path));
+}
+
 TEST_F(RecordingSessionTest, WithoutARecordingNothingIsLeft)
 {
     makeSession();
