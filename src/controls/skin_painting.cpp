@@ -23,11 +23,35 @@ double onPixelRow(const QPainter &painter, double y)
     return (std::round(y * toDevice.m22() + toDevice.dy()) - toDevice.dy()) / toDevice.m22();
 }
 
+/// What is drawn one behind the other: the underlined letter of a mnemonic is drawn by itself, and so are the letters
+/// around it, without kerning between them.
+QStringList piecesOf(const SkinText &text)
+{
+    constexpr QLatin1Char mark('&');
+    QStringList pieces { QString() };
+    for (qsizetype i = 0; i < text.text.size(); ++i) {
+        const bool isMarked = text.text[i] == mark && i + 1 < text.text.size();
+        if (isMarked)
+            ++i;
+        if (isMarked && text.text[i] != mark)
+            pieces += { text.text[i], QString() };
+        else
+            pieces.last() += text.text[i];
+    }
+    return pieces;
+}
+
 } // namespace
 
 double skinTextWidth(const SkinText &text)
 {
-    return std::ceil(QFontMetricsF(text.font).size(text.flags | Qt::TextSingleLine, text.text).width());
+    const QFontMetricsF metrics(text.font);
+    if (!(text.flags & Qt::TextShowMnemonic))
+        return std::ceil(metrics.size(text.flags | Qt::TextSingleLine, text.text).width());
+    double width = 0;
+    for (const QString &piece : piecesOf(text))
+        width += metrics.horizontalAdvance(piece);
+    return std::ceil(width);
 }
 
 bool isSkinTextElided(const SkinText &text, double width)

@@ -27,10 +27,17 @@ SkinText titleOf(const QAbstractButton &button)
              .flags = Qt::AlignLeft | mnemonicFlag(button) };
 }
 
+/// How far the last letter leans over its end, as an "f" does.
+double overhang(const QAbstractButton &button)
+{
+    const double bearing = QFontMetricsF(button.font()).rightBearing(button.text().back());
+    return std::ceil(std::max(-bearing, 0.0));
+}
+
 double contentsWidth(const QAbstractButton &button, const ToggleSkin &skin)
 {
     const double titleWidth = skinTextWidth(titleOf(button));
-    return titleWidth > 0 ? skin.pictureSide + gap + titleWidth : skin.pictureSide;
+    return titleWidth > 0 ? skin.pictureSide + gap + titleWidth + overhang(button) : skin.pictureSide;
 }
 
 } // namespace

@@ -149,6 +149,26 @@ TEST_P(ToggleCells, TheTitleBeginsFourPointsAfterThePicture)
     }
 }
 
+/// In a wider cell nothing of the title is seen where the cell that it asks for has ended.
+TEST_P(ToggleCells, ATitleIsWholeInTheSizeThatItAsksFor)
+{
+    for (int pixelSize = 9; pixelSize < 24; ++pixelSize) {
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPixelSize(pixelSize);
+        check.setFont(font);
+        for (const char *title :
+             { "A&VATAR", "&AVATAR", "&Te", "So&und", "Show the movie in its fol&der", "T&of" }) {
+            check.setText(QString::fromLatin1(title));
+            const int width = check.sizeHint().width();
+            check.resize(width + 10, 30);
+            const QImage image = painted(check, GetParam());
+            for (int x = width; x < width + 10; ++x)
+                for (int y = 0; y < 30; ++y)
+                    ASSERT_EQ(at(image, x, y), garish) << title << " of " << pixelSize << " at " << x;
+        }
+    }
+}
+
 TEST_P(ToggleCells, ATitleThatIsTooLongEndsWithinTheCell)
 {
     auto *holder = new QWidget;
@@ -239,7 +259,8 @@ TEST(ToggleInput, MnemonicsAreKeptAndNotPartOfTheTitle)
 {
     VNCheckCell plain(QStringLiteral("Text logo"));
     VNCheckCell marked(QStringLiteral("&Text logo"));
-    EXPECT_EQ(plain.sizeHint(), marked.sizeHint());
+    const VNCheckCell shown(QStringLiteral("&&Text logo"));
+    EXPECT_LT(marked.sizeHint().width(), shown.sizeHint().width()) << "the mark is not seen";
     EXPECT_FALSE(marked.shortcut().isEmpty());
     EXPECT_EQ(plain.sizeHint(), plain.minimumSizeHint());
     EXPECT_GE(plain.sizeHint().height(), 20);
