@@ -40,6 +40,8 @@ PaintedControlAccess::PaintedControlAccess(QWidget *control, QAccessible::Role r
 
 QString PaintedControlAccess::shownText() const
 {
+    if (const auto *view = qobject_cast<VNComboboxView *>(widget()))
+        return view->shownTitle();
     return widget()->property("stringValue").toString();
 }
 

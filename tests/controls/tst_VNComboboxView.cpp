@@ -77,6 +77,9 @@ TEST_F(ComboboxView, AHintStandsWhereThereIsNoItemAndIsNone)
     EXPECT_EQ(view.shownTitle(), "Nothing to choose");
     EXPECT_EQ(view.stringValue(), QString());
     EXPECT_EQ(view.numberOfMenuItems(), 0);
+    QAccessibleInterface *access = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->text(QAccessible::Value), "Nothing to choose") << "who hears the screen hears it, too";
     const QImage hinted = view.grab().toImage();
     view.setPlaceholderText({});
     EXPECT_NE(view.grab().toImage(), hinted);
