@@ -57,11 +57,13 @@ void X11GlobalKey::eventRead(const xcb_generic_event_t &event)
     }
 }
 
+/// The server tells of a change when another keyboard is used than before, too. A key that is the same stays grabbed: it
+/// may be pressed at this very moment.
 void X11GlobalKey::keyboardChanged(const xcb_mapping_notify_event_t &event)
 {
     auto changed = event;
     xcb_refresh_keyboard_mapping(m_symbols.get(), &changed);
-    if (event.request != XCB_MAPPING_POINTER)
+    if (event.request != XCB_MAPPING_POINTER && grabsFor(m_key) != m_grabs)
         static_cast<void>(listenFor(m_key));
 }
 

@@ -31,6 +31,8 @@ private:
     struct Grab {
         xcb_keycode_t code = 0;
         std::uint16_t modifiers = 0;
+
+        bool operator==(const Grab &) const = default;
     };
     struct FreeSymbols {
         void operator()(xcb_key_symbols_t *symbols) const { xcb_key_symbols_free(symbols); }

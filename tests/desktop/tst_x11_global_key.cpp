@@ -5,8 +5,12 @@
 #include <QCoreApplication>
 
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
+#include <cstdlib>
 #include <memory>
+#include <stop_token>
+#include <thread>
 
 namespace vornic {
 namespace {
@@ -110,6 +114,48 @@ TEST_F(X11GlobalKeyTest, FollowsAnotherLayoutOfTheKeyboard)
         m_server->xdotool({ "key", "ctrl+y" });
         return listener.count > 0;
     }));
+}
+
+/// A program that takes F9 as soon as nobody has it.
+class Rival
+{
+public:
+    Rival()
+        : m_thread([](const std::stop_token &stop) {
+            constexpr xcb_keycode_t f9 = 75;
+            xcb_connection_t *const connection = xcb_connect(nullptr, nullptr);
+            const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+            while (!stop.stop_requested()) {
+                constexpr auto mode = XCB_GRAB_MODE_ASYNC;
+                std::free(xcb_request_check(connection,
+                                            xcb_grab_key_checked(connection, 0, root, 0, f9, mode, mode)));
+            }
+            xcb_disconnect(connection);
+        })
+    {
+    }
+
+private:
+    std::jthread m_thread;
+};
+
+/// The server tells of a change when another keyboard is used than before, too, and the key may be pressed just then.
+TEST_F(X11GlobalKeyTest, IsNeverLetGoWhileTheKeyboardKeepsIt)
+{
+    Listener listener;
+    ASSERT_EQ(listener.key->listenFor("F9"), Answer::Heard);
+    const Rival rival;
+    xcb_connection_t *const connection = xcb_connect(nullptr, nullptr);
+    for (xcb_keysym_t i = 0; i < 200; ++i) {
+        constexpr xcb_keycode_t unused = 250;
+        const xcb_keysym_t symbol = 0x61 + i % 2; // "a" or "b"
+        EXPECT_FALSE(xcb_request_check(
+            connection, xcb_change_keyboard_mapping_checked(connection, 1, unused, 1, &symbol)));
+        QCoreApplication::processEvents();
+    }
+    xcb_disconnect(connection);
+    m_server->xdotool({ "key", "F9" });
+    EXPECT_TRUE(waitUntil([&] { return listener.count == 1; }));
 }
 
 TEST_F(X11GlobalKeyTest, WhatTheKeyboardDoesNotHaveIsTold)
