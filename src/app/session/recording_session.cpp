@@ -368,14 +368,19 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
 
 void RecordingSession::stopRecord()
 {
+    if (!endWithFirstFrame())
+        m_spool->setExit(true);
+}
+
+/// False where a picture is kept already, or this was asked for before.
+bool RecordingSession::endWithFirstFrame()
+{
     const bool hasNoPicture = !m_recording->isCaptured || awaitsOrigin();
-    if (m_phase == Phase::Capturing && hasNoPicture
-        && !std::exchange(m_recording->endsWithFirstFrame, true)) {
-        beginCapture();
-        goOnWithoutSound();
-        return;
-    }
-    m_spool->setExit(true);
+    if (m_phase != Phase::Capturing || !hasNoPicture || std::exchange(m_recording->endsWithFirstFrame, true))
+        return false;
+    beginCapture();
+    goOnWithoutSound();
+    return true;
 }
 
 bool RecordingSession::countsOnSound() const
@@ -557,7 +562,7 @@ void RecordingSession::terminate()
         emit readyToTerminate();
     else if (isInsisted && m_phase == Phase::Writing)
         later();
-    else
+    else if (isInsisted || !m_recording->endsWithFirstFrame)
         stopRecord();
 }
 
@@ -591,7 +596,7 @@ bool RecordingSession::mayQuit()
         tr("Are you sure to quit it?"),
         tr("The application is recording video, video recording will stop if it quit."));
     // The recording may have ended while the question stood.
-    if (quits && isRecording())
+    if (quits && isRecording() && !endWithFirstFrame())
         executeStopRecord();
     return quits;
 }

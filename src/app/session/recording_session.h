@@ -144,6 +144,7 @@ private:
     void adopt(std::shared_ptr<Recording> recording);
     void beginCapture();
     [[nodiscard]] bool awaitsOrigin() const;
+    bool endWithFirstFrame();
     void goOnWithoutSound();
     void soundIsLost(bool isLost);
     void startWriting();

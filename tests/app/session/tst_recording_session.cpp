@@ -364,6 +364,23 @@ TEST_F(RecordingSessionTest, AStopWhileSoundIsAwaitedKeepsAPictureAllTheSame)
     EXPECT_EQ(frontEnd.announcedFlaws, "No sound came: the movie has none.");
 }
 
+TEST_F(RecordingSessionTest, WhoQuitsWhileSoundIsAwaitedFindsAPicture)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    int ready = 0;
+    QObject::connect(session.get(), &RecordingSession::readyToTerminate, [&ready] { ++ready; });
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    EXPECT_TRUE(session->mayQuit());
+    session->terminate(); // the window has closed
+    ASSERT_TRUE(waitUntil([&] { return ready == 1; }));
+    EXPECT_EQ(session->failure(), "");
+    EXPECT_TRUE(frontEnd.alerts.isEmpty());
+    EXPECT_EQ(session->counts().framesWritten, 1U);
+}
+
 TEST_F(RecordingSessionTest, ARecordingThatIsStoppedBeforeScreenAndSoundAreThereEnds)
 {
     audioControl.names += "Microphone";
