@@ -92,6 +92,11 @@ public:
     // recording session
     [[nodiscard]] bool isRecording() const { return m_session && m_session->isRecording(); }
     [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
+    /// Neither a recording nor the questions before one.
+    [[nodiscard]] bool isIdle() const
+    {
+        return m_session && m_session->phase() == RecordingSession::Phase::Idle;
+    }
     /// Passes run: what is to be stopped.
     [[nodiscard]] bool isCapturing() const
     {

@@ -210,6 +210,26 @@ TEST_F(RecordDeskTest, AfterACountdownItRecords)
     endProgram();
 }
 
+/// The folder cannot be shown, which is told; whoever has heard of it or not records again.
+TEST_F(RecordDeskTest, WhatOnlyTellsDoesNotHoldUpTheKey)
+{
+    QFile launcher(folder.filePath("bin/xdg-open"));
+    ASSERT_TRUE(launcher.open(QIODevice::WriteOnly));
+    launcher.write("#!/bin/sh\nexit 3\n");
+    launcher.close();
+    for (int movies = 1; movies <= 2; ++movies) {
+        xdotool({ "key", "ctrl+alt+r" });
+        ASSERT_FALSE(callStopBar().isEmpty());
+        xdotool({ "key", "ctrl+alt+r" });
+        EXPECT_TRUE(waitUntil([&] { return isShown("could not be shown"); }));
+        EXPECT_EQ(QDir(folder.path()).entryList({ "*.mp4" }).size(), movies);
+    }
+    xdotool({ "windowactivate", "--sync", waitForWindow("could not be shown") });
+    xdotool({ "key", "Return" });
+    EXPECT_TRUE(waitUntil([&] { return !isShown("could not be shown"); }));
+    endProgram();
+}
+
 TEST_F(RecordDeskTest, NoPixelOfTheWindowIsInTheMovie)
 {
     constexpr QRgb background = 0xff3070a0;

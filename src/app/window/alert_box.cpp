@@ -121,6 +121,11 @@ void AlertBox::addButton(const QString &text, int answer)
     button->setFocus();
 }
 
+bool AlertBox::onlyTells() const
+{
+    return m_buttons->count() == 2; // a stretch and one button
+}
+
 void AlertBox::done(int /*answer*/)
 {
     // Escape, or the window manager.

@@ -24,6 +24,8 @@ public:
     /// The first one is the default, stands at the right, and is also the answer of Escape and of closing the box.
     void addButton(const QString &text, int answer);
 
+    /// There is nothing to choose.
+    [[nodiscard]] bool onlyTells() const;
     [[nodiscard]] int answerOfEscape() const { return m_answerOfEscape; }
     void done(int answer) override;
 

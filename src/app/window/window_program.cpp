@@ -212,7 +212,15 @@ void WindowProgram::startOrStop()
         m_delegate.stopRecord();
     else if (m_frontEnd.questions().isCountingDown())
         m_frontEnd.questions().cancelCountdown();
-    else if (!m_selection && !QApplication::activeModalWidget())
+    else if (!m_selection && m_delegate.isIdle())
+        recordWithoutQuestion();
+}
+
+/// What only tells something is not in the way of the key, and must not be in the movie; what asks is.
+void WindowProgram::recordWithoutQuestion()
+{
+    m_frontEnd.questions().dismissTold();
+    if (!QApplication::activeModalWidget())
         m_delegate.recordNow();
 }
 

@@ -52,6 +52,7 @@ private:
     void selectOnScreen();
     void endSelection();
     void startOrStop();
+    void recordWithoutQuestion();
 
     WindowFrontEnd m_frontEnd;
     VornicAppDelegate m_delegate;

@@ -186,6 +186,14 @@ void WindowQuestions::dismiss()
         m_savePanel->reject();
 }
 
+void WindowQuestions::dismissTold()
+{
+    for (const QPointer<AlertBox> &box : QList(m_boxes)) {
+        if (box && box->onlyTells())
+            box->reject();
+    }
+}
+
 void WindowQuestions::end()
 {
     m_hasEnded = true;

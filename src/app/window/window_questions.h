@@ -48,6 +48,8 @@ public:
 
     /// Answers what a recording asks or tells now as if it had been left: the boxes, and the save panel.
     void dismiss();
+    /// Takes as read what only tells something.
+    void dismissTold();
     /// From here on nobody answers: the same, and all that comes then is answered so at once, and logged.
     void end();
 

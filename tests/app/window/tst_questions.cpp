@@ -202,6 +202,20 @@ TEST_F(QuestionsTest, AnAlertHasOneButtonWhichEveryKeyPresses)
     }
 }
 
+TEST_F(QuestionsTest, WhatOnlyTellsCanBeTakenAsReadAndAQuestionStands)
+{
+    withBox([&] { questions.alertError("The folder could not be shown."); },
+            [&](const AlertBox &box) {
+                questions.dismissTold();
+                EXPECT_FALSE(box.isVisible());
+            });
+    withBox([&] { EXPECT_FALSE(questions.confirmQuit("Are you sure to quit it?", "It records.")); },
+            [&](const AlertBox &box) {
+                questions.dismissTold();
+                EXPECT_TRUE(box.isVisible());
+            });
+}
+
 TEST_F(QuestionsTest, TheQuitQuestionIsAnsweredNoUnlessYesIsPressed)
 {
     bool quits = true;
