@@ -74,9 +74,10 @@ void Countdown::end(bool goOn)
 void Countdown::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
+    // A line that is drawn around something lies half outside it where a point has several pixels.
+    painter.fillRect(rect(), palette().brightText());
+    painter.fillRect(rect().adjusted(1, 1, -1, -1), palette().window());
     painter.setPen(palette().color(QPalette::BrightText));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
     QFont digits = font();
     digits.setPixelSize(digitPixels);
     digits.setBold(true);

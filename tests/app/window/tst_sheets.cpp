@@ -4,6 +4,7 @@
 #include "app/window/VNEncoderProgress.h"
 #include "app/window/VNHintWndCtroller.h"
 #include "app/window/alert_box.h"
+#include "app/window/countdown.h"
 #include "app/window/main_window_link.h"
 #include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
@@ -373,6 +374,24 @@ TEST_F(SheetTest, NothingIsCutOffOrOverlaps)
         box.addButton("Give up", 1);
         box.show();
         expectNothingCutOff(box);
+    }
+}
+
+TEST(CountdownTest, ItsEdgeIsOnePointWideOnAllSidesAtEveryScale)
+{
+    Countdown countdown(10, [](bool) {});
+    for (const int ratio : { 1, 2 }) {
+        QImage image(countdown.size() * ratio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        countdown.render(&image);
+        const QRgb edge = countdown.palette().color(QPalette::BrightText).rgb();
+        const QPoint middle(image.width() / 2, ratio + 1);
+        for (const QTransform &side :
+             { QTransform(), QTransform().rotate(90), QTransform().rotate(180), QTransform().rotate(270) }) {
+            const QImage turned = image.transformed(side);
+            for (int y = 0; y <= middle.y(); ++y)
+                EXPECT_EQ(turned.pixel(middle.x(), y) == edge, y < ratio) << y << " at " << ratio;
+        }
     }
 }
 
