@@ -19,6 +19,8 @@ INSIDE = "VORNIC_TEST_SESSION"
 def run_inside(size="1280x800", services=()):
     """Returns inside the session only; outside, ends with the exit status of the script inside."""
     if INSIDE in os.environ:
+        if "openbox" in services:
+            wait(has_window_manager)
         return
     with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as started:
         read, write = os.pipe()
@@ -52,6 +54,12 @@ def run_inside(size="1280x800", services=()):
                                   env=environment)
         started.callback(end, inside)
         sys.exit(inside.wait(timeout=150))
+
+
+def has_window_manager():
+    """A window that is there before its manager gets no keyboard."""
+    return "window id" in subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], capture_output=True, text=True,
+                                         check=False).stdout
 
 
 def bus_configuration(folder):
