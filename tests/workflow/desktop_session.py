@@ -4,6 +4,7 @@ A test calls run_inside() first: it starts the session, and the same script agai
 controls are found over the accessibility bus, as a screen reader finds them, and worked with xdotool, as a person
 does.
 """
+import atexit
 import contextlib
 import os
 import shutil
@@ -19,10 +20,16 @@ INSIDE = "VORNIC_TEST_SESSION"
 def run_inside(size="1280x800", services=()):
     """Returns inside the session only; outside, ends with the exit status of the script inside."""
     if INSIDE in os.environ:
-        if "openbox" in services:
+        start_xfce(services)
+        if {"openbox", "xfwm4"} & set(services):
             wait(has_window_manager)
         return
-    with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as started:
+    if "xfwm4" in services and not (shutil.which("xfwm4") and shutil.which("xfce4-panel")
+                                    and os.path.exists(service_file("org.xfce.Xfconf"))):
+        sys.exit(77)  # nobody who builds the program needs Xfce
+    with contextlib.ExitStack() as started:
+        folder = tempfile.mkdtemp()
+        started.callback(remove, folder)
         read, write = os.pipe()
         # A server that resets turns away who comes just when another was the last to leave.
         server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24",
@@ -50,8 +57,8 @@ def run_inside(size="1280x800", services=()):
             if service in services:
                 started.callback(end, subprocess.Popen([service], env=environment, stdout=subprocess.DEVNULL,
                                                        stderr=subprocess.DEVNULL))
-        inside = subprocess.Popen(["dbus-run-session", "--config-file", bus_configuration(folder), "--", sys.executable] + sys.argv,
-                                  env=environment)
+        inside = subprocess.Popen(["dbus-run-session", "--config-file", bus_configuration(folder, services), "--",
+                                   sys.executable] + sys.argv, env=environment)
         started.callback(end, inside)
         sys.exit(inside.wait(timeout=150))
 
@@ -62,12 +69,18 @@ def has_window_manager():
                                          check=False).stdout
 
 
-def bus_configuration(folder):
-    """A session bus that starts nothing but the accessibility bus: this machine may have a file manager, a
-    notification server, and more that would take part."""
+def service_file(name):
+    """What tells a bus how to start the service."""
+    return f"/usr/share/dbus-1/services/{name}.service"
+
+
+def bus_configuration(folder, wanted):
+    """A session bus that starts nothing but the accessibility bus, and what Xfce keeps its settings with: this machine
+    may have a file manager, a notification server, and more that would take part."""
     services = folder + "/services"
     os.mkdir(services)
-    shutil.copy("/usr/share/dbus-1/services/org.a11y.Bus.service", services)
+    for name in ("org.a11y.Bus",) + (("org.xfce.Xfconf",) if "xfwm4" in wanted else ()):
+        shutil.copy(service_file(name), services)
     path = folder + "/bus.conf"
     with open(path, "w", encoding="utf-8") as file:
         file.write(f"""<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -86,6 +99,37 @@ def bus_configuration(folder):
     return path
 
 
+PANEL = """<channel name="xfce4-panel" version="1.0">
+ <property name="configver" type="int" value="2"/>
+ <property name="panels" type="array"><value type="int" value="1"/>
+  <property name="panel-1" type="empty">
+   <property name="position" type="string" value="p=8;x=0;y=0"/>
+   <property name="position-locked" type="bool" value="true"/>
+   <property name="length" type="uint" value="100"/>
+   <property name="size" type="uint" value="30"/>
+   <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+  </property>
+ </property>
+ <property name="plugins" type="empty">
+  <property name="plugin-1" type="string" value="tasklist"/>
+ </property>
+</channel>
+"""
+
+
+def start_xfce(services):
+    """The window manager xfwm4, and a panel at the lower edge that lists the windows; both talk on the session bus."""
+    if "xfce4-panel" in services:
+        settings = os.environ["XDG_CONFIG_HOME"] + "/xfce4/xfconf/xfce-perchannel-xml"
+        os.makedirs(settings)
+        with open(settings + "/xfce4-panel.xml", "w", encoding="ascii") as file:
+            file.write(PANEL)
+    for service in ("xfwm4", "xfce4-panel"):
+        if service in services:
+            process = subprocess.Popen([service], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            atexit.register(end, process)
+
+
 def silent_launcher(folder):
     """Where a program stands that would open files and folders with whatever this machine has for them."""
     launcher = folder + "/bin/xdg-open"
@@ -94,6 +138,14 @@ def silent_launcher(folder):
         file.write("#!/bin/sh\n")
     os.chmod(launcher, 0o755)
     return folder + "/bin"
+
+
+def remove(folder):
+    """What the bus has started may write there until it has seen that the bus is gone."""
+    def is_gone():
+        shutil.rmtree(folder, ignore_errors=True)
+        return not os.path.exists(folder)
+    wait(is_gone)
 
 
 def end(process):
