@@ -5,8 +5,8 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace vornic {
 
@@ -250,7 +250,7 @@ std::optional<QRect> parseRegion(const QString &text)
             constexpr int maxDistance = 1'000'000;
             bool isNumber = false;
             numbers[i] = match.captured(QLatin1StringView(names[i])).toInt(&isNumber);
-            if (!isNumber || std::abs(numbers[i]) > maxDistance)
+            if (!isNumber || std::clamp(numbers[i], -maxDistance, maxDistance) != numbers[i])
                 return std::nullopt;
         }
         if (numbers[2] < 1 || numbers[3] < 1)
