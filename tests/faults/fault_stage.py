@@ -41,6 +41,7 @@ class FaultStage:
                                 PATH=self._silent_launcher() + ":" + os.environ["PATH"])
         self.bus = self._start_bus()
         self.start(["openbox"])
+        wait_until(self._is_managed, "there was a window manager", poll=0.05)
         self.log = self.folder + "/log"
         self.movie = self.folder + "/movie.mp4"
         self.program = None
@@ -53,6 +54,12 @@ class FaultStage:
         self._ends.callback(process.wait)
         self._ends.callback(process.kill)
         return process
+
+    def _is_managed(self):
+        """A window that comes while the window manager does may never be shown."""
+        said = subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment, capture_output=True,
+                              text=True, check=False).stdout
+        return "window id" in said
 
     def _silent_launcher(self):
         """Where a program stands that would open folders with whatever this machine has for them."""
@@ -209,7 +216,7 @@ def run_all(tests, description):
     parser.add_argument("--build", default=os.path.join(crash.TREE, "build/release"), help="the folder of the built tree")
     parser.add_argument("only", nargs="*", help="run these tests")
     arguments = parser.parse_args()
-    missing = [tool for tool in ("Xvfb", "openbox", "dbus-daemon", "dbus-monitor", "ffmpeg", "ffprobe")
+    missing = [tool for tool in ("Xvfb", "openbox", "xprop", "dbus-daemon", "dbus-monitor", "ffmpeg", "ffprobe")
                if not shutil.which(tool)]
     if missing:
         print("not installed: " + ", ".join(missing))
