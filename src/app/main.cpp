@@ -120,6 +120,14 @@ std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
     return 1;
 }
 
+/// The toolkit waits for the display's server, while the program is to end.
+void giveUpDisplay()
+{
+    logMessage(QCoreApplication::translate("vornic",
+                                           "Vornic has to end, and cannot wait for the display any longer."));
+    abandonDisplay();
+}
+
 int runWindow(int &argc, char **argv, const CommandLine &line)
 {
     // Asked before the toolkit, which would end the program without a display.
@@ -138,7 +146,7 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
             return *status;
         QApplication::setQuitOnLastWindowClosed(false);
         setAppearance();
-        const UnixSignals signalled;
+        const UnixSignals signalled(giveUpDisplay);
         WindowProgram program(application, signalled, instance);
         guard.setLastWork([&program] { return program.endWithoutDisplay(); });
         const int status = program.run(actionFor(line.task), movieFile(line));

@@ -5,6 +5,7 @@
 #ifdef VORNIC_X11
 #    include "display/x11/x11_display.h"
 #    include "display/x11/x11_frozen_server.h"
+#    include "x11/x11_connection.h"
 #endif
 
 #include <QCoreApplication>
@@ -120,6 +121,13 @@ void leaveSilentDisplay()
 {
 #ifdef VORNIC_X11
     leaveFrozenServer();
+#endif
+}
+
+void abandonDisplay()
+{
+#ifdef VORNIC_X11
+    X11Connection::closeAll();
 #endif
 }
 

@@ -78,6 +78,10 @@ struct DisplayBackendEntry {
 /// within two seconds is given up.
 void leaveSilentDisplay();
 
+/// Closes all connections that the process has to the display, as if it were gone: whoever waits for an answer gets none.
+/// Any thread.
+void abandonDisplay();
+
 /// Puts a display in place of the chosen one (for tests); null makes the next call choose again.
 void setMainDisplay(std::shared_ptr<DisplayBackend> display);
 

@@ -216,7 +216,7 @@ def run_all(tests, description):
     parser.add_argument("--build", default=os.path.join(crash.TREE, "build/release"), help="the folder of the built tree")
     parser.add_argument("only", nargs="*", help="run these tests")
     arguments = parser.parse_args()
-    missing = [tool for tool in ("Xvfb", "openbox", "xprop", "dbus-daemon", "dbus-monitor", "ffmpeg", "ffprobe")
+    missing = [tool for tool in ("Xvfb", "openbox", "xprop", "dbus-daemon", "dbus-monitor", "gdbus", "ffmpeg", "ffprobe")
                if not shutil.which(tool)]
     if missing:
         print("not installed: " + ", ".join(missing))

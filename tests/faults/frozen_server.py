@@ -102,6 +102,28 @@ def a_frozen_server_under_a_window_that_does_nothing(stage):
     return Told(stage.sentences(), "options")
 
 
+def waits_for_server(pid):
+    """The main thread is in a system call that waits for one descriptor, or for another thread that does. In its own loop
+    it waits for more."""
+    with open(f"/proc/{pid}/syscall", encoding="ascii") as file:
+        number, *arguments = file.read().split()
+    return number == "202" or (number == "7" and int(arguments[1], 16) == 1)
+
+
+def a_frozen_server_under_a_window_that_waits_for_it(stage):
+    """It is told to come to the front first, for which the toolkit wants an answer."""
+    stage.run()
+    stage.wait_for_window("^Vornic$")
+    freeze(stage.server)
+    stage.start(["gdbus", "call", "--session", "--dest", "com.kavlor.vornic", "--object-path", "/com/kavlor/vornic",
+                 "--method", "org.freedesktop.Application.Activate", "{}"])
+    wait_until(lambda: waits_for_server(stage.program.pid), "the window waited for the server")
+    stage.program.terminate()
+    expect(stage.wait_for_end(SOON + 15) in (0, 1), "the program did not end well")
+    expect(stage.options_are_stored(), "the options are not stored")
+    return Told(stage.sentences(), "options")
+
+
 def a_server_that_is_frozen_before(stage, *arguments):
     freeze(stage.server)
     stage.run(*arguments, stage.movie)
@@ -160,7 +182,8 @@ def a_bus_that_is_frozen_before_the_window(stage):
 if __name__ == "__main__":
     sys.exit(run_all([a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
                       a_server_that_freezes_for_a_while, a_frozen_server_under_the_window,
-                      a_frozen_server_under_a_window_that_does_nothing, a_server_that_is_frozen_before_the_command,
+                      a_frozen_server_under_a_window_that_does_nothing,
+                      a_frozen_server_under_a_window_that_waits_for_it, a_server_that_is_frozen_before_the_command,
                       a_server_that_is_frozen_before_the_window, a_frozen_bus_under_the_window,
                       a_bus_that_freezes_before_the_recording, a_bus_that_is_frozen_before_the_command,
                       a_bus_that_is_frozen_before_the_window], __doc__))

@@ -1,9 +1,12 @@
 #include "app/session/unix_signals.h"
 
+#include "app/session/signal_watch.h"
+
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <utility>
 
 namespace vornic {
 
@@ -23,20 +26,25 @@ constexpr std::array handledSignals {
 
 std::array<struct sigaction, handledSignals.size()> actionsBefore {};
 
-/// The handler may only do what is safe in a signal: it writes the number to the first socket.
+/// The handler may only do what is safe in a signal: it writes the number to the first socket, and to the watch.
 std::array<int, 2> sockets { -1, -1 };
+int watched = -1;
 
 void handleSignal(int number)
 {
     const auto byte = static_cast<unsigned char>(number);
     static_cast<void>(!::write(sockets[0], &byte, sizeof byte));
+    if (watched >= 0)
+        static_cast<void>(!::write(watched, &byte, sizeof byte));
 }
 
 } // namespace
 
-UnixSignals::UnixSignals(QObject *parent)
+UnixSignals::UnixSignals(std::function<void()> unheard, QObject *parent)
     : QObject(parent)
+    , m_watch(unheard ? std::make_unique<SignalWatch>(std::move(unheard)) : nullptr)
 {
+    watched = m_watch ? m_watch->descriptor() : -1;
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, sockets.data()) != 0)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(sockets[1], QSocketNotifier::Read);
@@ -56,6 +64,8 @@ UnixSignals::~UnixSignals()
 {
     for (std::size_t i = 0; i < handledSignals.size(); ++i)
         ::sigaction(handledSignals[i].number, &actionsBefore[i], nullptr);
+    watched = -1;
+    m_watch.reset();
     m_notifier.reset();
     for (int &socket : sockets) {
         if (socket >= 0)
@@ -68,6 +78,8 @@ void UnixSignals::readSignal()
 {
     unsigned char number = 0;
     while (::read(sockets[1], &number, sizeof number) == 1) {
+        if (m_watch)
+            m_watch->heard();
         if (number == SIGQUIT)
             emit leaveAsked();
         else

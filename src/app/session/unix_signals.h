@@ -4,9 +4,12 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <functional>
 #include <memory>
 
 namespace vornic {
+
+class SignalWatch;
 
 /// SIGINT, SIGTERM, SIGHUP and SIGQUIT as Qt signals on the main thread.
 ///
@@ -16,7 +19,8 @@ class UnixSignals : public QObject
 {
     Q_OBJECT
 public:
-    explicit UnixSignals(QObject *parent = nullptr);
+    /// \a unheard is called, on another thread, when the main thread has not heard of one for ten seconds.
+    explicit UnixSignals(std::function<void()> unheard = {}, QObject *parent = nullptr);
     ~UnixSignals() override;
 
 signals:
@@ -29,6 +33,7 @@ private:
     void readSignal();
 
     std::unique_ptr<QSocketNotifier> m_notifier;
+    std::unique_ptr<SignalWatch> m_watch; ///< null where nobody wants to know
 };
 
 } // namespace vornic
