@@ -77,11 +77,9 @@ class Stage:
                             if name not in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CURRENT_DESKTOP")}
         self.environment.update(DISPLAY=":" + display, HOME=folder, XDG_CONFIG_HOME=folder + "/config",
                                 XDG_RUNTIME_DIR=folder, LC_ALL="C.UTF-8", PULSE_SERVER=f"unix:{folder}/native")
+        self.sound_server = None
         if sound:
-            self._start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
-                         f"--load=module-native-protocol-unix auth-anonymous=1 socket={folder}/native",
-                         "--load=module-null-sink rate=48000"], env=self.environment)
-            wait_until(lambda: os.path.exists(folder + "/native"), "the sound server was there")
+            self.start_sound_server()
         log = open(folder + "/shown", "w", encoding="ascii")
         self._started.callback(log.close)
         self._start([programs.counter], env=self.environment, stdout=log)
@@ -96,6 +94,17 @@ class Stage:
         self._started.callback(process.kill)
         self._started.callback(process.send_signal, signal.SIGCONT)
         return process
+
+    def start_sound_server(self):
+        """Anew where the one before is no more."""
+        socket = self.folder + "/native"
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(socket)
+        self.sound_server = self._start(
+            ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
+             f"--load=module-native-protocol-unix auth-anonymous=1 socket={socket}",
+             "--load=module-null-sink rate=48000"], env=self.environment)
+        wait_until(lambda: os.path.exists(socket), "the sound server was there")
 
     def close(self):
         self._started.close()

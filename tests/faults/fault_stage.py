@@ -29,12 +29,19 @@ def expect(condition, what):
 class FaultStage:
     """The stage of one test, in a folder of its own."""
 
-    def __init__(self, programs):
+    def __init__(self, programs, sound=False):
         self.programs = programs
         self.folder = tempfile.mkdtemp(prefix="vornic-fault-")
         self._ends = contextlib.ExitStack()
         self._ends.callback(shutil.rmtree, self.folder, ignore_errors=True)
-        self.stage = crash.Stage(programs, self.folder, sound=False)
+        try:
+            self._build(sound)
+        except BaseException:
+            self._ends.close()
+            raise
+
+    def _build(self, sound):
+        self.stage = crash.Stage(self.programs, self.folder, sound)
         self._ends.callback(self.stage.close)
         self.server = self.stage.server
         self.environment = dict(self.stage.environment, QT_QPA_PLATFORM="xcb", XDG_CACHE_HOME=self.folder + "/cache",
@@ -102,11 +109,15 @@ class FaultStage:
     # ---- the program
 
     def run(self, *arguments, limit=None):
+        self.run_command([self.programs.vornic, *arguments], preexec_fn=crash.limiter(limit))
+
+    def run_command(self, command, **options):
+        """The program, by a command that becomes it."""
         log = open(self.log, "ab")
         self._ends.callback(log.close)
         self.started = time.monotonic()
-        self.program = subprocess.Popen([self.programs.vornic, *arguments], env=self.environment, stdout=log, stderr=log,
-                                        stdin=subprocess.DEVNULL, preexec_fn=crash.limiter(limit))
+        self.program = subprocess.Popen(command, **{"env": self.environment, "stdout": log, "stderr": log,
+                                                    "stdin": subprocess.DEVNULL, **options})
 
     def second_start(self, *arguments):
         return subprocess.run([self.programs.vornic, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
@@ -122,7 +133,7 @@ class FaultStage:
         expect(done.returncode == 0, f"a second start ended with {done.returncode}: {done.stdout.decode().strip()}")
 
     def spool(self):
-        folder = crash.recordings_folder(self.folder + "/cache")
+        folder = crash.recordings_folder(self.environment["XDG_CACHE_HOME"])
         names = [name for name in crash.list_folder(folder) if not name.startswith(".")]
         return folder + "/" + names[0] + "/vornicvideo.tmp" if names else ""
 
@@ -184,7 +195,7 @@ class FaultStage:
     # ---- what is kept
 
     def unfinished(self):
-        return crash.unfinished(self.folder + "/cache")
+        return crash.unfinished(self.environment["XDG_CACHE_HOME"])
 
     def parts(self):
         """Movies that are being written."""
