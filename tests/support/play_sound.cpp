@@ -146,6 +146,20 @@ void waitUntilHeard(Player &player, double seconds)
         player.turn();
 }
 
+/// The same while \a light stays as it is.
+void waitUntilHeard(Player &player, double seconds, const vornic::test::ScreenLight &light, bool isWhite)
+{
+    constexpr double secondsApart = 0.01;
+    double next = 0;
+    for (double heard = player.heard(); heard < seconds; heard = player.heard()) {
+        if (heard >= next) {
+            light(isWhite);
+            next = heard + secondsApart;
+        }
+        player.turn();
+    }
+}
+
 void tellThatItPlays(Player &player)
 {
     waitUntilHeard(player, 0.05);
@@ -176,12 +190,10 @@ int playFlashes(int count, double apart)
         return 1;
     tellThatItPlays(player);
     for (int i = 1; i <= count; ++i) {
-        waitUntilHeard(player, i * apart);
-        light(true);
-        waitUntilHeard(player, i * apart + beepSeconds);
-        light(false);
+        waitUntilHeard(player, i * apart, light, false);
+        waitUntilHeard(player, i * apart + beepSeconds, light, true);
     }
-    waitUntilHeard(player, count * apart + apart / 2);
+    waitUntilHeard(player, count * apart + apart / 2, light, false);
     return 0;
 }
 

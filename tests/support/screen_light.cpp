@@ -2,6 +2,8 @@
 
 #include "support/screen_painter.h"
 
+#include <QColor>
+
 namespace vornic::test {
 
 ScreenLight screenLight()
@@ -15,7 +17,14 @@ ScreenLight screenLight()
     white.fill(Qt::white);
     const auto window = painter->showWindow(black, { 0, 0 });
     painter->sync();
-    return [=](bool isWhite) { painter->drawInWindow(window, isWhite ? white : black, { 0, 0 }); };
+    return [=, wasWhite = false, number = 0](bool isWhite) mutable {
+        if (isWhite != wasWhite)
+            painter->drawInWindow(window, isWhite ? white : black, { 0, 0 });
+        wasWhite = isWhite;
+        QImage mark(16, 16, QImage::Format_RGB32);
+        mark.fill(QColor::fromHsv(++number * 37 % 360, 255, 200));
+        painter->drawInWindow(window, mark, { 0, 0 });
+    };
 }
 
 } // namespace vornic::test
