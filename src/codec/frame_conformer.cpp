@@ -37,6 +37,23 @@ std::shared_ptr<const PKVideoFrame2> FrameConformer::betweenBars(const PKVideoFr
     return frame;
 }
 
+std::shared_ptr<const PKVideoFrame2> FrameConformer::scaled(const PKVideoFrame2 &frame, QSize shown)
+{
+    if (!m_scaler || m_shown != shown || m_format != frame.pixFormat()) {
+        m_shown = shown;
+        m_format = frame.pixFormat();
+        m_fitted = fitted(shown, m_size);
+        m_scaler.emplace(shown.width(),
+                         m_fitted.width(),
+                         shown.height(),
+                         m_fitted.height(),
+                         m_format,
+                         PKPixelFormatYUV420P);
+    }
+    const std::shared_ptr<PKVideoFrame2> result = m_scaler->scaleFrame(frame);
+    return result && m_fitted != m_size ? betweenBars(*result) : result;
+}
+
 std::shared_ptr<const PKVideoFrame2>
 FrameConformer::conform(const std::shared_ptr<const PKVideoFrame2> &frame)
 {
@@ -46,19 +63,15 @@ FrameConformer::conform(const std::shared_ptr<const PKVideoFrame2> &frame)
         = isYuv ? QSize(frame->displayWidth(), frame->displayHeight()).boundedTo(stored) : stored;
     if (shown.isEmpty() || (isYuv && shown == m_size))
         return shown.isEmpty() ? nullptr : frame;
-    if (!m_scaler || m_shown != shown || m_format != frame->pixFormat()) {
-        m_shown = shown;
-        m_format = frame->pixFormat();
-        m_fitted = fitted(shown, m_size);
-        m_scaler.emplace(shown.width(),
-                         m_fitted.width(),
-                         shown.height(),
-                         m_fitted.height(),
-                         m_format,
-                         PKPixelFormatYUV420P);
+    if (m_last && m_lastResult && shown == m_shown && frame->sharesPixelsWith(*m_last)) {
+        const std::shared_ptr<PKVideoFrame2> same = m_lastResult->sharingPixels();
+        same->setTimeStamp(frame->timeStamp());
+        same->setDuration(frame->duration());
+        return same;
     }
-    const std::shared_ptr<PKVideoFrame2> scaled = m_scaler->scaleFrame(*frame);
-    return scaled && m_fitted != m_size ? betweenBars(*scaled) : scaled;
+    m_lastResult = scaled(*frame, shown);
+    m_last = frame;
+    return m_lastResult;
 }
 
 } // namespace vornic

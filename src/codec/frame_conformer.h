@@ -25,18 +25,22 @@ public:
     {
     }
 
-    /// The frame itself where it already fits; null where it holds no picture.
+    /// The frame itself where it already fits; null where it holds no picture. Frames that share their pixels do so
+    /// afterwards, where one follows the other.
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2>
     conform(const std::shared_ptr<const PKVideoFrame2> &frame);
 
 private:
+    [[nodiscard]] std::shared_ptr<const PKVideoFrame2> scaled(const PKVideoFrame2 &frame, QSize shown);
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> betweenBars(const PKVideoFrame2 &picture);
 
     QSize m_size;
     QSize m_shown;
     QSize m_fitted; ///< what m_shown is scaled to: fits into m_size
     PKPixelFormat m_format = PKPixelFormatRGB32;
-    std::optional<PKScaleContext> m_scaler; ///< for m_shown and m_format
+    std::optional<PKScaleContext> m_scaler;      ///< for m_shown and m_format
+    std::shared_ptr<const PKVideoFrame2> m_last; ///< that was scaled, and what it became
+    std::shared_ptr<const PKVideoFrame2> m_lastResult;
     std::shared_ptr<PlanarPicturePool> m_pool = std::make_shared<PlanarPicturePool>();
 };
 

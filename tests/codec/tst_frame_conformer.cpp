@@ -116,5 +116,26 @@ TEST(FrameConformer, aFrameThatFitsIsNotCopied)
     EXPECT_EQ(conformer.conform(other), other);
 }
 
+TEST(FrameConformer, whatSharesItsPixelsDoesSoWhenItIsScaled)
+{
+    FrameConformer conformer({ 64, 48 });
+    const auto frame = whiteFrame({ 32, 24 });
+    const auto first = conformer.conform(frame);
+    const auto later = frame->sharingPixels();
+    later->setTimeStamp(20);
+    later->setDuration(5);
+    const auto second = conformer.conform(later);
+    ASSERT_TRUE(first && second);
+    EXPECT_TRUE(second->sharesPixelsWith(*first));
+    EXPECT_EQ(first->timeStamp(), 7);
+    EXPECT_EQ(second->timeStamp(), 20);
+    EXPECT_EQ(second->duration(), 5);
+    const auto other = conformer.conform(whiteFrame({ 32, 24 }));
+    EXPECT_FALSE(other->sharesPixelsWith(*first)) << "of another picture";
+    const auto asked = frame->sharingPixels();
+    asked->setDisplaySize(10, 10);
+    ASSERT_TRUE(conformer.conform(asked));
+}
+
 } // namespace
 } // namespace vornic
