@@ -11,11 +11,11 @@ namespace vornic {
 ///
 /// Gathered by a MovieWriter on its thread, for a MovieProof to find it all again in the file.
 struct MovieContents {
-    QSize pictureSize; ///< as stored, in pixels
-    std::int64_t frames = 0;
-    std::int64_t begin = 0; ///< when the first frame is shown, in PKTimebase ticks
-    std::int64_t end = 0;   ///< until when the last one is shown, in PKTimebase ticks
-    QByteArray lastFrame;   ///< MovieProof::endingOf() its packet
+    QSize pictureSize;       ///< as stored, in pixels
+    std::int64_t frames = 0; ///< as stored; one may stand for several equal ones that were read
+    std::int64_t begin = 0;  ///< when the first frame is shown, in PKTimebase ticks
+    std::int64_t end = 0;    ///< until when the last one is shown, in PKTimebase ticks
+    QByteArray lastFrame;    ///< MovieProof::endingOf() its packet
 
     int channels = 0;
     int sampleRate = 0;       ///< hertz

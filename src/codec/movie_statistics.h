@@ -10,6 +10,7 @@ namespace vornic {
 ///
 /// Made by the task that writes the movie, and told with PKMuxerTaskActionComplete.
 struct MovieStatistics {
+    /// Read from the source and shown by the movie; equal ones count each, though they are stored as one.
     std::int64_t framesWritten = 0;
     /// Read from the source, but not in the movie: unusable (without a picture) or out of order (not later
     /// than the frame before).

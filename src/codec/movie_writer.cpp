@@ -7,6 +7,7 @@
 #include "codec/audio_encoder.h"
 #include "codec/frame_conformer.h"
 #include "codec/frame_reader.h"
+#include "codec/frame_timeline.h"
 #include "codec/movie_contents.h"
 #include "codec/movie_failure.h"
 #include "codec/movie_file.h"
@@ -22,9 +23,6 @@ namespace vornic {
 namespace {
 
 using ConstFrame = std::shared_ptr<const PKVideoFrame2>;
-
-/// How long the last frame is shown where it does not say itself.
-constexpr std::int64_t defaultDuration = PKTimebase / 30;
 
 /// Joins source, encoders and file for one movie; lives inside writeMovie() on its thread.
 class MovieWriter
@@ -73,20 +71,19 @@ private:
     void encodeFrames()
     {
         FrameReader reader([this] { return readFrame(); }, m_stop);
-        ConstFrame frame = nextFrame(reader);
-        if (!frame)
+        FrameTimeline timeline([this, &reader] { return nextFrame(reader); });
+        std::optional<FrameTimeline::Shown> shown = timeline.next();
+        if (!shown)
             throw MovieFailure({ ErrorKind::Empty, ErrorSubject::Recording, {}, {} });
-        m_contents.begin = frame->timeStamp();
-        while (frame) {
-            ConstFrame following = nextAfter(frame, reader);
-            const std::int64_t own = frame->duration() > 0 ? frame->duration() : defaultDuration;
-            const std::int64_t end = following ? following->timeStamp() : frame->timeStamp() + own;
-            encodeAudio(frame->timeStamp());
-            m_video.encode(*frame, end, m_videoSink);
+        m_contents.begin = shown->frame->timeStamp();
+        for (; shown; shown = timeline.next()) {
+            encodeAudio(shown->frame->timeStamp());
+            m_video.encode(*shown->frame, shown->end, m_videoSink);
             ++m_contents.frames;
-            m_contents.end = end;
-            frame = std::move(following);
+            m_contents.end = shown->end;
+            m_statistics.framesWritten += shown->frames;
         }
+        m_statistics.framesSkipped = timeline.framesSkipped();
     }
 
     /// Reader's thread: the next frame that has a picture, in the movie's size.
@@ -110,20 +107,6 @@ private:
         return frame;
     }
 
-    /// The next frame that is later than \a frame: no two can be shown at one time. Of those of one time \a frame
-    /// becomes the newest.
-    ConstFrame nextAfter(ConstFrame &frame, FrameReader &reader)
-    {
-        ConstFrame following = nextFrame(reader);
-        while (following && following->timeStamp() <= frame->timeStamp()) {
-            if (following->timeStamp() == frame->timeStamp())
-                frame = following;
-            ++m_statistics.framesSkipped;
-            following = nextFrame(reader);
-        }
-        return following;
-    }
-
     /// Encodes sound up to \a endTicks, or all that is left.
     void encodeAudio(std::optional<std::int64_t> endTicks)
     {
@@ -143,7 +126,6 @@ private:
         const std::int64_t end = packet.pts + packet.duration;
         m_contents.lastFrame = MovieProof::endingOf({ packet.data, packet.size });
         m_file.mux(packet, m_videoTrack, m_video.timeBase());
-        ++m_statistics.framesWritten;
         m_statistics.seconds = std::max(m_statistics.seconds, static_cast<double>(end) / PKTimebase);
         if (m_length > 0) {
             m_progress(

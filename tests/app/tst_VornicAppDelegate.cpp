@@ -15,6 +15,8 @@
 #include <QPainter>
 #include <QSignalSpy>
 
+#include <algorithm>
+
 namespace vornic {
 namespace {
 
@@ -69,6 +71,16 @@ protected:
         delegate->bufferMgr().setExit(true);
     }
 
+    /// All that the movie holds: one stands for equal frames.
+    std::vector<QImage> storedPictures(QSize size) const
+    {
+        std::vector<QImage> pictures;
+        const qsizetype count = numbersOf(probe(moviePath()), "packets", "video", "pts").size();
+        for (int i = 0; i < count; ++i)
+            pictures.push_back(decodedPicture(moviePath(), i, size));
+        return pictures;
+    }
+
     FakeAudioRecorder &addAudioDevice()
     {
         audioControl.names += "Microphone";
@@ -89,8 +101,9 @@ TEST_F(DelegateTest, ARecordingBecomesAMovie)
     const QJsonObject probed = probe(moviePath());
     EXPECT_EQ(streamOf(probed, "video")["width"].toInt(), 320);
     EXPECT_EQ(streamOf(probed, "video")["height"].toInt(), 200);
-    EXPECT_EQ(numbersOf(probed, "packets", "video", "pts").size(),
-              static_cast<qsizetype>(counts.framesGrabbed));
+    EXPECT_LT(numbersOf(probed, "packets", "video", "pts").size(),
+              static_cast<qsizetype>(counts.framesGrabbed))
+        << "what stays as it was only lasts longer";
     // The first frame is grabbed some ticks after the origin.
     const QJsonObject video = streamOf(probed, "video");
     EXPECT_NEAR(frontEnd.announcedSeconds,
@@ -242,8 +255,9 @@ TEST_F(DelegateTest, ASelectedRectangleIsWhatTheMovieShows)
     delegate->options()->setSelectedRect(QRectF(100, 200 - 50 - 60, 80, 60));
     ASSERT_TRUE(record(2));
     const QImage shown = decodedPicture(moviePath(), 0, QSize(80, 60));
-    EXPECT_LE(std::abs(qRed(shown.pixel(40, 30)) - 200), 4);
-    EXPECT_LE(std::abs(qRed(shown.pixel(2, 2)) - 200), 4);
+    // So small a movie may take 12 kbit a second.
+    EXPECT_LE(std::abs(qRed(shown.pixel(40, 30)) - 200), 8);
+    EXPECT_LE(std::abs(qRed(shown.pixel(2, 2)) - 200), 8);
     EXPECT_TRUE(frontEnd.told.contains("busy"));
 }
 
@@ -336,12 +350,10 @@ TEST_F(DelegateTest, ADisplayOfAnotherSizeIsFittedIntoTheMovieThatRuns)
     display->setPicture(quarteredPicture({ 320, 200 }));
     delegate->recorded();
     const std::vector<QSize> sizes { { 320, 200 }, { 640, 400 }, { 160, 100 }, { 320, 200 } };
-    std::vector<std::uint64_t> ends;
     for (const QSize size : sizes) {
         display->setPicture(quarteredPicture(size));
         // The first of them may have been grabbed before.
         ASSERT_TRUE(runUntilGrabbed(delegate->counts().framesGrabbed + 3));
-        ends.push_back(delegate->counts().framesGrabbed);
     }
     delegate->stopRecord();
     ASSERT_TRUE(runUntilIdle());
@@ -351,30 +363,29 @@ TEST_F(DelegateTest, ADisplayOfAnotherSizeIsFittedIntoTheMovieThatRuns)
     const QJsonObject video = streamOf(probe(moviePath()), "video");
     EXPECT_EQ(video["width"].toInt(), 320);
     EXPECT_EQ(video["height"].toInt(), 200);
-    for (const std::uint64_t end : ends)
-        EXPECT_TRUE(isQuartered(decodedPicture(moviePath(), static_cast<int>(end) - 1, QSize(320, 200))))
-            << end;
+    const std::vector<QImage> pictures = storedPictures({ 320, 200 });
+    EXPECT_GE(pictures.size(), sizes.size());
+    for (const QImage &picture : pictures)
+        EXPECT_TRUE(isQuartered(picture));
 }
 
 TEST_F(DelegateTest, ADisplayOfAnotherShapeIsShownBetweenBlackBars)
 {
     delegate->recorded();
     ASSERT_TRUE(runUntilGrabbed(1));
-    std::vector<std::uint64_t> ends;
     for (const QSize size : { QSize(160, 200), QSize(640, 200) }) {
         display->setPicture(quarteredPicture(size));
         ASSERT_TRUE(runUntilGrabbed(delegate->counts().framesGrabbed + 3));
-        ends.push_back(delegate->counts().framesGrabbed);
     }
     delegate->stopRecord();
     ASSERT_TRUE(runUntilIdle());
-    const auto shownAt = [&](std::uint64_t end) {
-        return decodedPicture(moviePath(), static_cast<int>(end) - 1, QSize(320, 200));
-    };
-    EXPECT_TRUE(isQuartered(shownAt(ends[0]).copy(80, 0, 160, 200)));
-    EXPECT_LT(qGray(shownAt(ends[0]).pixel(40, 100)), 5);
-    EXPECT_TRUE(isQuartered(shownAt(ends[1]).copy(0, 50, 320, 100)));
-    EXPECT_LT(qGray(shownAt(ends[1]).pixel(160, 25)), 5);
+    const std::vector<QImage> pictures = storedPictures({ 320, 200 });
+    ASSERT_GE(pictures.size(), 3U);
+    EXPECT_TRUE(std::ranges::any_of(pictures, [](const QImage &shown) {
+        return isQuartered(shown.copy(80, 0, 160, 200)) && qGray(shown.pixel(40, 100)) < 5;
+    }));
+    EXPECT_TRUE(isQuartered(pictures.back().copy(0, 50, 320, 100)));
+    EXPECT_LT(qGray(pictures.back().pixel(160, 25)), 5);
 }
 
 TEST_F(DelegateTest, ARectangleThatADisplayShrinksAwayFromIsRecordedAsFarAsItLiesOnIt)
@@ -467,8 +478,7 @@ TEST_F(DelegateTest, AFailedJobLosesNothingWhenAnotherFileIsGiven)
     EXPECT_GE(delegate->counts().framesWritten, 4U);
     EXPECT_EQ(delegate->counts().framesWritten, delegate->counts().framesGrabbed);
     EXPECT_EQ(delegate->outfileName(), folder.filePath("other.mp4"));
-    EXPECT_EQ(numbersOf(probe(folder.filePath("other.mp4")), "packets", "video", "pts").size(),
-              static_cast<qsizetype>(delegate->counts().framesGrabbed));
+    EXPECT_FALSE(numbersOf(probe(folder.filePath("other.mp4")), "packets", "video", "pts").isEmpty());
     EXPECT_FALSE(QFile::exists(delegate->bufferMgr().tempVideoPathfile()));
 }
 
@@ -534,21 +544,22 @@ TEST_F(DelegateTest, ConfirmedQuittingStartsTheJobAndEndsWithTheMovieComplete)
     EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
     const auto written = static_cast<qsizetype>(delegate->counts().framesWritten);
     EXPECT_GE(written, 4);
-    EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
+    EXPECT_FALSE(numbersOf(probe(moviePath()), "packets", "video", "pts").isEmpty());
 }
 
 /// Its last pass may be late in telling, and the spool is empty by then.
 TEST_F(DelegateTest, AStopThatComesAfterTheMovieIsCompleteLeavesItAlone)
 {
     ASSERT_TRUE(record(3));
-    const auto written = static_cast<qsizetype>(delegate->counts().framesWritten);
+    const QList<qint64> times = numbersOf(probe(moviePath()), "packets", "video", "pts");
+    EXPECT_FALSE(times.isEmpty());
     delegate->executeStopRecord();
     EXPECT_TRUE(runPosted());
     EXPECT_EQ(delegate->state(), 0);
     EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
     EXPECT_EQ(frontEnd.told.last(), "stepAside");
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
-    EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts").size(), written);
+    EXPECT_EQ(numbersOf(probe(moviePath()), "packets", "video", "pts"), times);
 }
 
 /// Ends the delegate while a pass of the capture waits for the main thread, which runs no events.

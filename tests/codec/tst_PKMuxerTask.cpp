@@ -226,8 +226,8 @@ TEST_F(PKMuxerTaskTest, flatColoursComeBack)
     for (int i = 0; i < 6; ++i)
         painter.fillRect(i * 64, 0, 64, 64, colours[static_cast<std::size_t>(i)]);
     painter.end();
-    for (int i = 0; i < 10; ++i)
-        m_source.add(picture, i * 3000, 3000);
+    for (int i = 0; i < 10; ++i) // as long as equal frames become at most
+        m_source.add(picture, i * PKTimebase / 2, PKTimebase / 2);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 384, 64 }), m_source).isComplete());
     const QImage decoded = decodedPicture(m_movie, 9, { 384, 64 });
     ASSERT_FALSE(decoded.isNull());
@@ -252,7 +252,7 @@ TEST_F(PKMuxerTaskTest, oddSizesArePaddedByRepeatingAndNeverMoved)
         picture.setPixelColor(x, size.height() - 1, Qt::white);
     }
     for (int i = 0; i < 20; ++i)
-        m_source.add(picture, i * 3000, 3000);
+        m_source.add(picture, i * PKTimebase / 2, PKTimebase / 2);
     auto context = videoContext(m_movie, size);
     context.setVideoBitrate(4000000);
     ASSERT_TRUE(runTask(context, m_source).isComplete());

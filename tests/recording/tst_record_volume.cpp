@@ -69,7 +69,7 @@ TEST_F(SmallVolumeTest, ACacheVolumeThatFillsEndsTheRecordingWithAllThatWasSpool
     EXPECT_LT(seconds, 55.0);
     const QStringList words = result.output.split(' ');
     EXPECT_EQ(words[0], words[3]) << result.output.toStdString();
-    EXPECT_EQ(words[3].toLongLong(), numbersOf(probe(movie()), "packets", "video", "pts").size());
+    EXPECT_GE(words[3].toLongLong(), numbersOf(probe(movie()), "packets", "video", "pts").size());
 }
 
 TEST_F(SmallVolumeTest, TheRoomIsToldAndWarnedOfOnce)

@@ -115,7 +115,7 @@ TEST_F(RecoverCommandTest, AKilledRecordingIsListedAndBecomesAMovie)
     for (const QString &line : result.error.split('\n', Qt::SkipEmptyParts))
         EXPECT_TRUE(line.startsWith("Writing the movie: ")) << line.toStdString();
     EXPECT_EQ(lastLine(result.output), movie().toStdString());
-    EXPECT_EQ(numbersOf(probe(movie()), "packets", "video", "pts").size(), match.captured(4).toLongLong());
+    EXPECT_LE(numbersOf(probe(movie()), "packets", "video", "pts").size(), match.captured(4).toLongLong());
     EXPECT_EQ(sizeOf(movie()), QSize(640, 480));
     EXPECT_GE(secondsOf(movie()), 1.5) << "half a second may be lost";
     EXPECT_TRUE(ids().isEmpty());

@@ -1,0 +1,91 @@
+#include "base/PKTimebase.h"
+#include "movie_test_support.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vornic::testing {
+namespace {
+
+/// A recording of a screen that changes now and then, with passes that are never quite as far apart.
+class MovieStillTest : public ::testing::Test
+{
+protected:
+    /// \a count passes with one picture.
+    void addStill(int count)
+    {
+        const QImage picture
+            = flat({ 64, 48 }, QColor::fromHsv(static_cast<int>(m_changes.size()) * 67 % 360, 200, 200));
+        m_changes.append(m_now);
+        for (int i = 0; i < count; ++i) {
+            const qint64 duration = 2900 + m_passes++ * 37 % 211;
+            m_source.add(picture, m_now, duration);
+            m_now += duration;
+        }
+    }
+
+    [[nodiscard]] QList<qint64> numbers(const char *name) const
+    {
+        return numbersOf(
+            probe(m_movie), QStringLiteral("packets"), QStringLiteral("video"), QLatin1StringView(name));
+    }
+
+    QTemporaryDir m_folder;
+    QString m_movie = m_folder.filePath(QStringLiteral("still.mp4"));
+    ListSource m_source;
+    QList<qint64> m_changes; ///< when the picture becomes another, ticks
+    qint64 m_now = 0;
+    int m_passes = 0;
+};
+
+TEST_F(MovieStillTest, everyChangeIsShownAtItsTimeAndWhatStaysIsNotStoredAgain)
+{
+    for (const int count : { 1, 40, 1, 1, 7, 100, 2 })
+        addStill(count);
+    const auto report = runTask(videoContext(m_movie, { 64, 48 }), m_source);
+    ASSERT_TRUE(report.isComplete()) << report.reason();
+    EXPECT_EQ(report.statistics().framesWritten, m_passes);
+    EXPECT_EQ(report.statistics().framesSkipped, 0);
+    EXPECT_EQ(report.statistics().seconds, static_cast<double>(m_now) / PKTimebase);
+
+    const QList<qint64> times = numbers("pts");
+    const QList<qint64> durations = numbers("duration");
+    for (const qint64 change : m_changes)
+        EXPECT_TRUE(times.contains(change)) << change;
+    for (qsizetype i = 0; i < times.size(); ++i) {
+        EXPECT_LE(durations[i], PKTimebase / 2) << "at " << times[i];
+        EXPECT_EQ(times[i] + durations[i], i + 1 < times.size() ? times[i + 1] : m_now);
+    }
+    // Fourteen passes take a little less than half a second.
+    EXPECT_EQ(times.size(), 1 + 3 + 1 + 1 + 1 + 8 + 1);
+}
+
+TEST_F(MovieStillTest, keyFramesAreNoFurtherApartThanTwoSeconds)
+{
+    addStill(300);
+    ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
+    const QJsonObject probed = probe(m_movie);
+    const auto ofFrames = [&](const char *name) {
+        return numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), QLatin1StringView(name));
+    };
+    const QList<qint64> times = ofFrames("pts");
+    const QList<qint64> isKey = ofFrames("key_frame");
+    qint64 key = 0;
+    int keys = 0;
+    for (qsizetype i = 0; i < times.size(); ++i) {
+        if (isKey[i] == 1) {
+            key = times[i];
+            ++keys;
+        }
+        const qint64 end = i + 1 < times.size() ? times[i + 1] : m_now;
+        EXPECT_LE(end - key, 2 * PKTimebase) << "at " << times[i];
+    }
+    EXPECT_GT(keys, 4);
+    EXPECT_LT(times.size(), 25);
+}
+
+} // namespace
+} // namespace vornic::testing
