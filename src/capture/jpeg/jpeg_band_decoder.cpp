@@ -19,11 +19,16 @@ bool decodeRun(const JpegPicture &picture, int firstBand, int count, uchar *pixe
 {
     const int firstRow = firstBand * BitmapImage::bandHeight;
     const int rows = std::min(count * BitmapImage::bandHeight, picture.size().height() - firstRow);
-    return jpegDecompress(picture.jpegOfBands(firstBand, count),
-                          pixels + firstRow * bytesPerLine,
-                          picture.size().width(),
-                          rows,
-                          bytesPerLine);
+    std::vector<QByteArrayView> bands;
+    bands.reserve(static_cast<std::size_t>(count));
+    for (int band = firstBand; band < firstBand + count; ++band)
+        bands.push_back(picture.bandBytes(band));
+    return jpegDecompressBands(picture.header(),
+                               bands,
+                               pixels + firstRow * bytesPerLine,
+                               picture.size().width(),
+                               rows,
+                               bytesPerLine);
 }
 
 bool decodeBands(const JpegPicture &picture,

@@ -1,5 +1,8 @@
 #include "capture/jpeg/jpeg_codec.h"
 
+#include "capture/jpeg/jpeg_bands.h"
+#include "display/bitmap_image.h"
+
 #include <jpeglib.h>
 
 #include <algorithm>
@@ -7,6 +10,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace vornic {
@@ -141,7 +145,45 @@ bool readSize(const QByteArray &jpeg, int &width, int &height)
     return plausible;
 }
 
-bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
+/// A picture to decode, and where to.
+struct Decoding {
+    const uchar *bytes;
+    std::size_t size;
+    uchar *pixels;
+    qsizetype bytesPerLine;
+    int width;
+    int height;
+    bool hasRestarts;
+};
+
+/// Errors leave it through the library.
+bool decompressOne(jpeg_decompress_struct &info, const Decoding &decoding)
+{
+    jpeg_mem_src(&info, decoding.bytes, static_cast<unsigned long>(decoding.size));
+    jpeg_read_header(&info, TRUE);
+    if (!isPlausible(info, static_cast<qsizetype>(decoding.size))
+        || info.image_width != static_cast<JDIMENSION>(decoding.width)
+        || info.image_height != static_cast<JDIMENSION>(decoding.height))
+        return false;
+    if (!decoding.hasRestarts)
+        info.restart_interval = 0;
+    info.out_color_space = JCS_EXT_BGRX;
+    info.do_fancy_upsampling = FALSE;
+    jpeg_start_decompress(&info);
+    while (info.output_scanline < info.output_height) {
+        // Two rows at once where there are two: the library then writes them without a copy.
+        const bool two = info.output_scanline + 1 < info.output_height;
+        JSAMPROW row = decoding.pixels + static_cast<qsizetype>(info.output_scanline) * decoding.bytesPerLine;
+        std::array<JSAMPROW, 2> rows { row, two ? row + decoding.bytesPerLine : nullptr };
+        jpeg_read_scanlines(&info, rows.data(), two ? 2 : 1);
+    }
+    jpeg_finish_decompress(&info);
+    return true;
+}
+
+/// Decodes what \a next gives, until that gives false; false where anything is damaged. \a next is a plain function of
+/// \a state, because the library's way out may leave nothing behind that has a destructor.
+bool decompressAll(bool (*next)(void *state, Decoding &decoding), void *state)
 {
     jpeg_decompress_struct info {};
     ErrorManager errors {};
@@ -152,26 +194,65 @@ bool decompressInto(const QByteArray &jpeg, uchar *pixels, int width, int height
         return false;
     }
     jpeg_create_decompress(&info);
-    readFrom(info, jpeg);
-    jpeg_read_header(&info, TRUE);
-    bool good = isPlausible(info, jpeg.size()) && info.image_width == static_cast<JDIMENSION>(width)
-        && info.image_height == static_cast<JDIMENSION>(height);
-    if (good) {
-        info.out_color_space = JCS_EXT_BGRX;
-        info.do_fancy_upsampling = FALSE;
-        jpeg_start_decompress(&info);
-        while (info.output_scanline < info.output_height) {
-            // Two rows at once where there are two: the library then writes them without a copy.
-            const bool two = info.output_scanline + 1 < info.output_height;
-            JSAMPROW row = pixels + static_cast<qsizetype>(info.output_scanline) * bytesPerLine;
-            std::array<JSAMPROW, 2> rows { row, two ? row + bytesPerLine : nullptr };
-            jpeg_read_scanlines(&info, rows.data(), two ? 2 : 1);
-        }
-        jpeg_finish_decompress(&info);
-    }
+    bool good = true;
+    Decoding decoding {};
+    while (good && next(state, decoding))
+        good = decompressOne(info, decoding);
     jpeg_destroy_decompress(&info);
     return good;
 }
+
+/// Bands of a picture, which become pictures one after the other in the same memory.
+///
+/// The library undoes the entropy coding of a unit fast only while so many bytes follow as six blocks may take: that
+/// many stand behind the end of each picture.
+class BandPictures
+{
+public:
+    BandPictures(const QByteArray &header, const std::vector<QByteArrayView> &bands, const Decoding &all)
+        : m_header(header)
+        , m_bands(bands)
+        , m_all(all)
+    {
+        qsizetype longest = 0;
+        for (const QByteArrayView band : bands)
+            longest = std::max(longest, band.size());
+        m_bytes.resize(
+            std::max(m_bytes.size(), static_cast<std::size_t>(header.size() + longest) + end.size() + room));
+    }
+
+    bool next(Decoding &decoding)
+    {
+        if (m_next == m_bands.size())
+            return false;
+        const QByteArrayView band = m_bands[m_next];
+        const int firstRow = static_cast<int>(m_next) * BitmapImage::bandHeight;
+        ++m_next;
+        decoding = m_all;
+        decoding.height = std::min(BitmapImage::bandHeight, m_all.height - firstRow);
+        decoding.pixels = m_all.pixels + firstRow * m_all.bytesPerLine;
+        const QByteArray header = jpegHeaderWithHeight(m_header, decoding.height);
+        auto to = std::copy(header.begin(), header.end(), m_bytes.begin());
+        to = std::copy(band.begin(), band.end(), to);
+        to = std::copy(end.begin(), end.end(), to);
+        std::fill_n(to, room, uchar { 0 });
+        decoding.bytes = m_bytes.data();
+        decoding.size = static_cast<std::size_t>(to - m_bytes.begin()) + room;
+        return true;
+    }
+
+private:
+    static constexpr std::array<uchar, 2> end { 0xFF, 0xD9 };
+    static constexpr std::size_t room = std::size_t { 6 } * 512;
+    static thread_local std::vector<uchar> m_bytes; ///< kept by a thread for its next pictures
+
+    const QByteArray &m_header;
+    const std::vector<QByteArrayView> &m_bands;
+    Decoding m_all;
+    std::size_t m_next = 0;
+};
+
+thread_local std::vector<uchar> BandPictures::m_bytes;
 
 } // namespace
 
@@ -199,7 +280,36 @@ QSize jpegDeclaredSize(const QByteArray &jpeg)
 
 bool jpegDecompress(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
 {
-    return decompressInto(jpeg, pixels, width, height, bytesPerLine);
+    struct State {
+        Decoding decoding;
+        bool isGiven = false;
+    } state { { reinterpret_cast<const uchar *>(jpeg.constData()),
+                static_cast<std::size_t>(jpeg.size()),
+                pixels,
+                bytesPerLine,
+                width,
+                height,
+                true } };
+    const auto once = [](void *opaque, Decoding &decoding) {
+        auto *given = static_cast<State *>(opaque);
+        decoding = given->decoding;
+        return !std::exchange(given->isGiven, true);
+    };
+    return decompressAll(once, &state);
+}
+
+bool jpegDecompressBands(const QByteArray &header,
+                         const std::vector<QByteArrayView> &bands,
+                         uchar *pixels,
+                         int width,
+                         int height,
+                         qsizetype bytesPerLine)
+{
+    BandPictures pictures(header, bands, { nullptr, 0, pixels, bytesPerLine, width, height, false });
+    const auto next = [](void *opaque, Decoding &decoding) {
+        return static_cast<BandPictures *>(opaque)->next(decoding);
+    };
+    return decompressAll(next, &pictures);
 }
 
 } // namespace vornic

@@ -5,10 +5,11 @@
 #include <QSize>
 
 #include <optional>
+#include <vector>
 
 namespace vornic {
 
-/// The JPEG library behind three functions; each may be called from any thread, and from several at once.
+/// The JPEG library behind four functions; each may be called from any thread, and from several at once.
 
 /// The quality of spooled pictures. At 75 the luma of a page of small text comes back at 33 dB; 95 gives 43
 /// dB for a fifth more time.
@@ -31,5 +32,17 @@ jpegCompress(const uchar *pixels, int width, int height, qsizetype bytesPerLine)
 /// pixels again, so repeating is exact there, and faster.
 [[nodiscard]] bool
 jpegDecompress(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine);
+
+/// The same for the entropy-coded bytes of \a bands of 16 rows each, of which the last has what remains of \a height.
+/// \a header is that of a picture in such bands, of any height.
+///
+/// Each band is decoded as a picture without restart markers, because where there are any the library takes twice as
+/// long to undo the entropy coding.
+[[nodiscard]] bool jpegDecompressBands(const QByteArray &header,
+                                       const std::vector<QByteArrayView> &bands,
+                                       uchar *pixels,
+                                       int width,
+                                       int height,
+                                       qsizetype bytesPerLine);
 
 } // namespace vornic

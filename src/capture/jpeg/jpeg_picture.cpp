@@ -76,20 +76,15 @@ std::shared_ptr<const JpegPicture> JpegPicture::withBands(const std::vector<Repl
         new JpegPicture(m_size, m_header, std::move(bands), std::move(versions)));
 }
 
-QByteArray JpegPicture::jpegOfBands(int first, int count) const
-{
-    const int rows
-        = std::min(count * BitmapImage::bandHeight, m_size.height() - first * BitmapImage::bandHeight);
-    JpegBands run { QSize(m_size.width(), rows), jpegHeaderWithHeight(m_header, rows), {} };
-    run.bands.reserve(static_cast<std::size_t>(count));
-    for (int i = first; i < first + count; ++i)
-        run.bands.push_back(m_bands[static_cast<std::size_t>(i)].bytes);
-    return run.joined();
-}
-
 QByteArray JpegPicture::jpeg() const
 {
-    return isInBands() ? jpegOfBands(0, static_cast<int>(m_bands.size())) : m_header;
+    if (!isInBands())
+        return m_header;
+    JpegBands parts { m_size, m_header, {} };
+    parts.bands.reserve(m_bands.size());
+    for (const Band &band : m_bands)
+        parts.bands.push_back(band.bytes);
+    return parts.joined();
 }
 
 std::shared_ptr<const BitmapImage> JpegPicture::image() const

@@ -41,13 +41,13 @@ public:
     [[nodiscard]] const std::vector<std::uint64_t> &bandVersions() const { return m_versions; }
     /// Whether its bands can be decoded apart.
     [[nodiscard]] bool isInBands() const { return !m_bands.empty(); }
+    /// What stands before the bands of its file; only where isInBands().
+    [[nodiscard]] const QByteArray &header() const { return m_header; }
     /// Of one band, without markers; valid as long as the picture. Only where isInBands().
     [[nodiscard]] QByteArrayView bandBytes(int band) const
     {
         return m_bands[static_cast<std::size_t>(band)].bytes;
     }
-    /// The bytes of \a count bands from \a first on as a JPEG picture of its own. Only where isInBands().
-    [[nodiscard]] QByteArray jpegOfBands(int first, int count) const;
     /// The whole picture as a JPEG file.
     [[nodiscard]] QByteArray jpeg() const;
     /// The decoded picture, decoded at the first call and kept; null when the bytes are damaged.

@@ -180,6 +180,22 @@ TEST_F(JpegBandsTest, BandsThatCannotStandThereAreRefused)
     EXPECT_TRUE(isTaken(0, good + QByteArray("\xFF\0", 2)));
 }
 
+TEST_F(JpegBandsTest, BandsThatAreDecodedApartAreTheSameToTheLastBit)
+{
+    const std::initializer_list<QSize> sizes {
+        { 333, 211 }, { 320, 192 }, { 16, 17 }, { 1, 1 }, { 500, 15 }
+    };
+    for (const QSize size : sizes) {
+        for (const QImage &picture : { noisePicture(size, 7), test::smoothPicture(size) }) {
+            const QByteArray jpeg = compress(picture);
+            QImage whole(size, QImage::Format_RGB32);
+            ASSERT_TRUE(
+                jpegDecompress(jpeg, whole.bits(), size.width(), size.height(), whole.bytesPerLine()));
+            EXPECT_TRUE(decodedAfresh(jpeg) == whole) << size.width() << 'x' << size.height();
+        }
+    }
+}
+
 TEST_F(JpegBandsTest, FlatColoursComeBackNearlyExactly)
 {
     const QImage picture = boxPicture({ 320, 200 }, qRgb(255, 0, 0), { 160, 0, 160, 200 }, qRgb(0, 0, 255));
