@@ -142,7 +142,8 @@ std::shared_ptr<PKVideoFrame2> FrameComposer::convert(const PKVideoFrame2 &frame
 {
     const bool scales
         = frame.codeWidth() != frame.displayWidth() || frame.codeHeight() != frame.displayHeight();
-    if (!m_frame || scales) {
+    const bool changesAll = std::ranges::find(m_changedBands, false) == m_changedBands.end();
+    if (!m_frame || scales || changesAll) {
         if (!m_scaler || !m_frame)
             m_scaler = std::make_unique<PKScaleContext>(frame.codeWidth(),
                                                         frame.displayWidth(),
