@@ -14,8 +14,14 @@ constexpr const char *videoPreset = "superfast";
 /// 8x8dct: the fastest presets leave it out, and with it the High profile.
 /// ratetol: a screen is still for minutes and then changes all at once; a tight average would blur the
 /// change. qpmin: with less, the file of a still page grows but looks no better than the recorded pictures.
+/// aq-mode: text would be the first to lose, because every letter is an edge. rc-lookahead: each frame of it takes
+/// 6 MB at 1920 x 1080; beyond these few, quality hardly grows. weightp: a screen seldom fades.
 constexpr const char *x264Parameters
-    = "8x8dct=1:ratetol=4:qpmin=14:rc-lookahead=10:mbtree=1:subme=0:partitions=none";
+    = "8x8dct=1:ratetol=4:qpmin=16:rc-lookahead=4:mbtree=1:aq-mode=0:weightp=0:subme=0:partitions=none";
+
+/// At most so many threads encode, each a slice of the same picture. That takes the memory of one thread, and makes a
+/// still page's key frames, which are most of its work, as quick as everything else; each slice costs some bytes.
+constexpr int maxEncoderThreads = 4;
 
 /// Level 4.2 wherever it allows the size: the level that the encoder chooses by itself limits key frames to
 /// half as many bytes, too few for a page full of text, which would blur every two seconds.

@@ -64,12 +64,14 @@ void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
         codec.level = encoder_settings::videoLevel;
 }
 
-/// How many threads the encoder is to take; 0 leaves the number to it. Where it lacks a single one of those that it
-/// wants, it fails; on the caller's alone it makes the same movie, later.
+/// How many threads the encoder is to take. Where it lacks a single one of those that it wants, it fails; on the
+/// caller's alone it makes the same movie, later.
 int usefulThreads()
 {
-    const auto wanted = static_cast<int>(3 * std::max(1U, std::thread::hardware_concurrency()) / 2 + 1);
-    return areThreadsAvailable(wanted) ? 0 : 1;
+    const int threads = std::clamp(
+        static_cast<int>(std::thread::hardware_concurrency()), 1, encoder_settings::maxEncoderThreads);
+    // As many look ahead.
+    return areThreadsAvailable(2 * threads) ? threads : 1;
 }
 
 } // namespace
@@ -82,6 +84,7 @@ VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     describeRate(*m_codec, context);
     m_codec->max_b_frames = 0;
     m_codec->thread_count = usefulThreads();
+    m_codec->thread_type = FF_THREAD_SLICE;
     m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     AVDictionary *options = nullptr;
     av_dict_set(&options, "preset", preset, 0);
