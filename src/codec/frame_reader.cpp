@@ -1,6 +1,7 @@
 #include "codec/frame_reader.h"
 
 #include "base/thread.h"
+#include "codec/PKVideoFrame2.h"
 
 #include <utility>
 
@@ -41,6 +42,14 @@ std::shared_ptr<const PKVideoFrame2> FrameReader::next()
     return frame;
 }
 
+bool FrameReader::isFull() const
+{
+    std::ptrdiff_t pictures = m_frames.empty() ? 0 : 1;
+    for (std::size_t i = 1; i < m_frames.size(); ++i)
+        pictures += m_frames[i]->sharesPixelsWith(*m_frames[i - 1]) ? 0 : 1;
+    return m_frames.size() >= maxFrames || pictures >= maxPictures;
+}
+
 void FrameReader::run()
 {
     std::exception_ptr failure;
@@ -61,7 +70,7 @@ bool FrameReader::readOne()
 {
     {
         std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_frames.size() < capacity || m_isStopping; });
+        m_changed.wait(lock, [this] { return !isFull() || m_isStopping; });
         if (m_isStopping)
             return false;
     }

@@ -34,9 +34,13 @@ public:
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> next();
 
 private:
-    /// Frames read ahead at most: enough to cover a slow one, and about 20 MB at 1920 x 1080.
-    static constexpr std::size_t capacity = 6;
+    /// Pictures read ahead at most, of about 3 MB at 1920 x 1080: enough to cover a slow one, together with those that
+    /// the encoder looks ahead.
+    static constexpr std::ptrdiff_t maxPictures = 3;
+    /// Frames read ahead at most; those that share the pixels of the one before take no memory.
+    static constexpr std::size_t maxFrames = 32;
 
+    [[nodiscard]] bool isFull() const;
     void run();
     bool readOne();
 
