@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace vornic {
 
@@ -25,6 +26,10 @@ public:
     [[nodiscard]] virtual std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame() = 0;
     /// The next block of sound; null at the end, after which it is not called again.
     [[nodiscard]] virtual std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() = 0;
+
+    /// How much of the work is done, from 0 to 1, when all is written that is shown before \a ticks; nothing where the
+    /// source knows no better than the share of the length. Only grows. Called at any time, also during the others.
+    [[nodiscard]] virtual std::optional<double> shareOfWork(std::int64_t /*ticks*/) { return std::nullopt; }
 
 protected:
     PKMuxerTaskDataSource() = default;

@@ -127,10 +127,17 @@ private:
         m_contents.lastFrame = MovieProof::endingOf({ packet.data, packet.size });
         m_file.mux(packet, m_videoTrack, m_video.timeBase());
         m_statistics.seconds = std::max(m_statistics.seconds, static_cast<double>(end) / PKTimebase);
-        if (m_length > 0) {
-            m_progress(
-                std::clamp(100.0 * static_cast<double>(end) / static_cast<double>(m_length), 0.0, 100.0));
-        }
+        tellProgress(end);
+    }
+
+    /// Everything before \a end is in the file.
+    void tellProgress(std::int64_t end)
+    {
+        std::optional<double> share = m_source.shareOfWork(end);
+        if (!share && m_length > 0)
+            share = static_cast<double>(end) / static_cast<double>(m_length);
+        if (share)
+            m_progress(100 * std::clamp(*share, 0.0, 1.0));
     }
 
     void muxAudioPacket(AVPacket &packet)
