@@ -40,6 +40,7 @@ void MovieJob::start(std::function<void(const QString &, const QVariant &)> repo
 {
     const std::shared_ptr<PKMuxerTask> task = PKMuxerTask::create(m_spool.muxerContext());
     task->setDataSource(this);
+    m_work = MovieWork(m_spool.recordSizes());
     m_task = task;
     task->startMuxerWithBlock(std::move(report));
 }
@@ -87,6 +88,11 @@ std::shared_ptr<const PKAudioFrame2> MovieJob::PKMuxerTaskGetAudioFrame()
     if (!m_recording->clock.awaitsSound())
         return nullptr;
     return m_sound.next(m_picturesEnd + longestTail);
+}
+
+std::optional<double> MovieJob::shareOfWork(std::int64_t ticks)
+{
+    return m_work.shareBefore(ticks);
 }
 
 } // namespace vornic

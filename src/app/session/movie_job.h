@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/movie_work.h"
 #include "app/session/spooled_sound.h"
 #include "codec/PKMuxerTaskDataSource.h"
 
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace vornic {
 
@@ -46,6 +48,7 @@ public:
     [[nodiscard]] std::int64_t PKMuxerTaskLength() override;
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame() override;
     [[nodiscard]] std::shared_ptr<const PKAudioFrame2> PKMuxerTaskGetAudioFrame() override;
+    [[nodiscard]] std::optional<double> shareOfWork(std::int64_t ticks) override;
 
 private:
     std::shared_ptr<const Recording> m_recording;
@@ -53,6 +56,7 @@ private:
     VNLogoContext *m_logo;
     std::unique_ptr<FrameComposer> m_composer;
     SpooledSound m_sound;
+    MovieWork m_work;                      ///< since start(), and the same from then on
     std::atomic<double> m_picturesEnd = 0; ///< of those that were handed out, seconds
     std::weak_ptr<PKMuxerTask> m_task;     ///< keeps itself alive until it has reported its end
     std::atomic<std::uint64_t> m_unusableFrames = 0;

@@ -427,6 +427,17 @@ std::uint64_t VNBufferMgr::recordBufferCount()
     return count;
 }
 
+std::vector<std::pair<std::int64_t, std::uint64_t>> VNBufferMgr::recordSizes()
+{
+    std::vector<std::pair<std::int64_t, std::uint64_t>> sizes;
+    m_video.queue().sync([&] {
+        sizes.reserve(m_video.index().count());
+        for (const VNDataBlock &block : m_video.index().blocks())
+            sizes.emplace_back(block.timeStamp(), block.length());
+    });
+    return sizes;
+}
+
 void VNBufferMgr::waitSeconds(double seconds)
 {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));

@@ -19,6 +19,7 @@
 #include <mutex>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace vornic {
 
@@ -84,6 +85,8 @@ public:
     [[nodiscard]] std::int64_t lastBufferTimestamp();
     [[nodiscard]] std::int64_t nextBufferTimestamp();
     [[nodiscard]] std::uint64_t recordBufferCount();
+    /// Of each record in the index, the oldest first: its timestamp, and its bytes as stored.
+    [[nodiscard]] std::vector<std::pair<std::int64_t, std::uint64_t>> recordSizes();
     /// Bytes of all that was pushed since readyToRecord(), as stored. Waits for nobody.
     [[nodiscard]] std::uint64_t spooledBytes() const { return m_spooledBytes; }
     /// Blocks that could not be read back since readyToRecord() or rewind().

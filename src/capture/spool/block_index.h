@@ -20,6 +20,8 @@ public:
     [[nodiscard]] std::int64_t oldestTimeStamp() const;
     [[nodiscard]] std::int64_t newestTimeStamp() const;
     [[nodiscard]] std::size_t count() const { return mBufferDescris.size(); }
+    /// Oldest first.
+    [[nodiscard]] const std::deque<VNDataBlock> &blocks() const { return mBufferDescris; }
     /// Puts back all blocks that were taken since clear(), so that the whole spool can be read again.
     void rewind();
     void clear();

@@ -132,6 +132,26 @@ private:
     std::thread m_thread; ///< last: it uses the other
 };
 
+TEST_F(BufferMgrTest, SizesTellAPictureThatIsNewFromOneThatStays)
+{
+    const QImage picture = boxPicture({ 320, 200 }, qRgb(200, 100, 50), {}, 0);
+    push(picture, 1);
+    push(picture, 2000);
+    push(picture, 3000);
+    m_manager.endVideoRecord();
+    m_manager.setExit(true);
+    ASSERT_TRUE(m_manager.popRecordBuffer());
+    const auto sizes = m_manager.recordSizes();
+    ASSERT_EQ(sizes.size(), 2U) << "of what is still to come";
+    EXPECT_EQ(sizes[0].first, 2000);
+    EXPECT_EQ(sizes[1].first, 3000);
+    EXPECT_GT(sizes[0].second, 0U);
+    EXPECT_LE(sizes[1].second, 400U) << "by which the movie's progress knows it";
+    m_manager.rewind();
+    ASSERT_EQ(m_manager.recordSizes().size(), 3U);
+    EXPECT_GT(m_manager.recordSizes()[0].second, 400U);
+}
+
 TEST_F(BufferMgrTest, FramesComeBackInTheOrderOfTheirPush)
 {
     for (int i = 0; i < 10; ++i)
