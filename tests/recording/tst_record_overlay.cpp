@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace vornic {
