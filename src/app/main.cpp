@@ -23,6 +23,8 @@
 #include <QApplication>
 #include <QFileInfo>
 
+#include <malloc.h>
+
 #include <csignal>
 #include <optional>
 
@@ -213,5 +215,9 @@ int main(int argc, char **argv)
     // the write fails, and what was spooled becomes a movie.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+#ifdef M_ARENA_MAX
+    // Blocks of a megabyte go from thread to thread. With a heap for each thread they leave holes in all of them.
+    mallopt(M_ARENA_MAX, 2);
+#endif
     return statusOf([&] { return run(argc, argv); });
 }
