@@ -1,11 +1,14 @@
 #include "base/PKTimebase.h"
 #include "movie_test_support.h"
 
+#include <QPainter>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <random>
 
 namespace vornic::testing {
 namespace {
@@ -85,6 +88,75 @@ TEST_F(MovieStillTest, keyFramesAreNoFurtherApartThanTwoSeconds)
     }
     EXPECT_GT(keys, 4);
     EXPECT_LT(times.size(), 25);
+}
+
+constexpr QSize pageSize(640, 368);
+constexpr QRect cursor(300, 150, 2, 16);
+
+/// Rows of small dark shapes on white, and the cursor where it is shown.
+QImage pageWithCursor(bool hasCursor)
+{
+    QImage page = flat(pageSize, Qt::white);
+    QPainter painter(&page);
+    std::mt19937 random(7);
+    for (int y = 10; y + 10 < pageSize.height(); y += 17)
+        for (int x = 20; x + 30 < pageSize.width(); x += 3 + static_cast<int>(random() % 6))
+            painter.fillRect(x,
+                             y + static_cast<int>(random() % 3),
+                             2,
+                             3 + static_cast<int>(random() % 6),
+                             QColor(30, 30, 40));
+    painter.fillRect(cursor, hasCursor ? Qt::black : Qt::white);
+    return page;
+}
+
+/// Of the luma of two decoded pictures, apart from all that a block with the cursor in it may reach.
+struct LumaDifference {
+    double shareOfPixels = 0; ///< that differ
+    int largest = 0;
+};
+
+LumaDifference differenceBesideTheCursor(const QByteArray &planes, qsizetype first, qsizetype second)
+{
+    const qsizetype pictureBytes = qsizetype { pageSize.width() } * pageSize.height() * 3 / 2;
+    const QRect left = cursor.adjusted(-24, -24, 24, 24);
+    LumaDifference result;
+    for (int y = 0; y < pageSize.height(); ++y) {
+        for (int x = 0; x < pageSize.width(); ++x) {
+            const auto lumaOf = [&](qsizetype picture) {
+                return static_cast<uchar>(planes[picture * pictureBytes + y * pageSize.width() + x]);
+            };
+            const int difference = left.contains(x, y) ? 0 : std::abs(lumaOf(first) - lumaOf(second));
+            result.shareOfPixels += difference > 0 ? 1.0 / pageSize.width() / pageSize.height() : 0;
+            result.largest = std::max(result.largest, difference);
+        }
+    }
+    return result;
+}
+
+TEST_F(MovieStillTest, whatStaysBesideABlinkingCursorIsTheSamePixels)
+{
+    const QImage with = pageWithCursor(true);
+    const QImage without = pageWithCursor(false);
+    for (int i = 0; i < 300; ++i)
+        m_source.add(i / 15 % 2 == 0 ? with : without, i * PKTimebase / 30, PKTimebase / 30);
+    ASSERT_TRUE(runTask(videoContext(m_movie, pageSize), m_source).isComplete());
+    const QJsonObject probed = probe(m_movie);
+    const QList<qint64> isKey
+        = numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), QStringLiteral("key_frame"));
+    ASSERT_EQ(isKey.size(), 20);
+    const QByteArray planes = decodedPlanes(m_movie);
+    int compared = 0;
+    for (qsizetype i = 5; i < isKey.size(); ++i) {
+        // A key frame is made of nothing, and the picture behind it makes up for what that had to leave out.
+        if (isKey[i] == 1 || isKey[i - 1] == 1)
+            continue;
+        const LumaDifference difference = differenceBesideTheCursor(planes, i - 1, i);
+        EXPECT_LT(difference.shareOfPixels, 0.005) << "picture " << i;
+        EXPECT_LE(difference.largest, 8) << "picture " << i;
+        ++compared;
+    }
+    EXPECT_GE(compared, 6);
 }
 
 } // namespace
