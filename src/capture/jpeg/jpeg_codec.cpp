@@ -244,15 +244,20 @@ public:
 private:
     static constexpr std::array<uchar, 2> end { 0xFF, 0xD9 };
     static constexpr std::size_t room = std::size_t { 6 } * 512;
-    static thread_local std::vector<uchar> m_bytes; ///< kept by a thread for its next pictures
+
+    /// Kept by a thread for its next pictures.
+    [[nodiscard]] static std::vector<uchar> &keptBytes()
+    {
+        static thread_local std::vector<uchar> kept;
+        return kept;
+    }
 
     const QByteArray &m_header;
     const std::vector<QByteArrayView> &m_bands;
+    std::vector<uchar> &m_bytes = keptBytes();
     Decoding m_all;
     std::size_t m_next = 0;
 };
-
-thread_local std::vector<uchar> BandPictures::m_bytes;
 
 } // namespace
 
@@ -281,15 +286,16 @@ QSize jpegDeclaredSize(const QByteArray &jpeg)
 bool jpegDecompress(const QByteArray &jpeg, uchar *pixels, int width, int height, qsizetype bytesPerLine)
 {
     struct State {
-        Decoding decoding;
+        Decoding decoding {};
         bool isGiven = false;
-    } state { { reinterpret_cast<const uchar *>(jpeg.constData()),
-                static_cast<std::size_t>(jpeg.size()),
-                pixels,
-                bytesPerLine,
-                width,
-                height,
-                true } };
+    } state;
+    state.decoding.bytes = reinterpret_cast<const uchar *>(jpeg.constData());
+    state.decoding.size = static_cast<std::size_t>(jpeg.size());
+    state.decoding.pixels = pixels;
+    state.decoding.bytesPerLine = bytesPerLine;
+    state.decoding.width = width;
+    state.decoding.height = height;
+    state.decoding.hasRestarts = true;
     const auto once = [](void *opaque, Decoding &decoding) {
         auto *given = static_cast<State *>(opaque);
         decoding = given->decoding;
