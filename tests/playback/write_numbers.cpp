@@ -1,14 +1,16 @@
-// vornic_write_numbers mixed|hour MOVIE
+// vornic_write_numbers mixed MOVIE
+// vornic_write_numbers still|page MOVIE [MINUTES]
 //
 // Writes a movie whose pictures are numbered, so that whatever plays it can be asked what it shows, and when. The upper
 // half of a picture holds two rows of 16 blocks: the number's bits, the highest first, white for 1, and below them their
-// opposites. The lower half is a page that changes with the number, and where the pointer moves.
+// opposites. The lower half is a page of text that changes with the number.
 //
 // To standard output goes a line for each number, with the time of its first record in ticks of 1/90000 s, and at last
 // "end" with the time at which the movie ends.
 //
 // mixed: half a minute of quick changes, still stretches of more than five seconds, a gap without records, and a moving
-// pointer. hour: a still page for an hour, recorded 30 times a second, that changes every five minutes.
+// pointer. page: an hour at 1920 x 1080, recorded 30 times a second, that changes every five minutes. still: the same with
+// a lower half of one grey.
 
 #include "base/PKTimebase.h"
 #include "support/spooled_movie.h"
@@ -33,13 +35,15 @@ constexpr std::int64_t period = PKTimebase / 30;
 class NumberedRecording
 {
 public:
-    explicit NumberedRecording(QSize size)
+    NumberedRecording(QSize size, bool hasText)
         : m_size(size)
         , m_movie(size)
     {
         const QSize half(size.width(), size.height() / 2);
+        QImage grey(half, QImage::Format_RGB32);
+        grey.fill(Qt::gray);
         for (std::uint32_t seed = 0; seed < 4; ++seed)
-            m_pages.push_back(test::textPage(half, seed));
+            m_pages.push_back(hasText ? test::textPage(half, seed) : grey);
         QImage arrow(12, 12, QImage::Format_ARGB32_Premultiplied);
         arrow.fill(Qt::red);
         m_movie.setPointerShape({ arrow, QPoint(0, 0) });
@@ -140,12 +144,12 @@ void recordMixed(NumberedRecording &recording)
     changes(1, 1);
 }
 
-void recordHour(NumberedRecording &recording)
+void recordStill(NumberedRecording &recording, int minutes)
 {
-    constexpr std::int64_t minutes = 60;
-    for (int stretch = 0; stretch < 12; ++stretch) {
+    constexpr int stretches = 12;
+    for (int stretch = 0; stretch < stretches; ++stretch) {
         recording.change();
-        recording.recordFor(minutes / 12 * 60 * PKTimebase);
+        recording.recordFor(minutes * 60 * PKTimebase / stretches);
     }
 }
 
@@ -157,14 +161,16 @@ int main(int argc, char **argv)
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const QString scene = arguments.value(1);
-    if (arguments.size() != 3 || (scene != "mixed" && scene != "hour")) {
-        std::fputs("usage: vornic_write_numbers mixed|hour MOVIE\n", stderr);
+    const bool isMixed = scene == "mixed";
+    const int minutes = arguments.value(3, "60").toInt();
+    if (arguments.size() < 3 || minutes < 1 || (!isMixed && scene != "still" && scene != "page")) {
+        std::fputs("usage: vornic_write_numbers mixed|still|page MOVIE [MINUTES]\n", stderr);
         return 2;
     }
-    NumberedRecording recording(scene == "hour" ? QSize(1920, 1080) : QSize(320, 180));
-    if (scene == "hour")
-        recordHour(recording);
-    else
+    NumberedRecording recording(isMixed ? QSize(320, 180) : QSize(1920, 1080), scene != "still");
+    if (isMixed)
         recordMixed(recording);
+    else
+        recordStill(recording, minutes);
     return recording.write(arguments.at(2)) ? 0 : 1;
 }
