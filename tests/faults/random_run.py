@@ -91,6 +91,7 @@ class Run:
         self.foreign = {}  # what other files hold, by their paths
         self.movies_of_others = []  # other recordings than the run's own
         self.stopped = None
+        self.is_terminated = False
         self.struck = None
         self.first_picture = None
         self.status = None
@@ -170,21 +171,27 @@ class Run:
     def approach(self):
         """Returns at the moment of the fault; for one that was there before, when it is time to stop."""
         if self.moment == "starting":
-            self.pause(0, 1.0 if self.face == "command" else 3.0)
+            self.wait(self.random.uniform(0, 1.0 if self.face == "command" else 3.0))
             return
         seconds = 8 if self.moment == "before" else 30
         with contextlib.suppress(Failure if self.moment == "before" else ()):
             wait_until(lambda: self.has_pictures() or self.has_ended(), "pictures were spooled", seconds)
         expect(self.moment == "before" or not self.has_ended(), "the program ended: " + self.stage.said())
-        self.first_picture = time.monotonic() if self.has_pictures() else None
-        wait_for = time.monotonic() + self.seconds
-        while time.monotonic() < wait_for and not self.has_ended() and self.first_picture:
-            time.sleep(0.02)
+        if self.has_pictures():
+            self.wait(self.seconds)
         if self.moment in ("stopping", "writing"):
             self.stop()
             if self.moment == "writing":
                 wait_until(lambda: os.listdir(self.movies) or self.has_ended(), "a movie was begun", poll=0.001)
             self.pause(0, 0.15)
+
+    def wait(self, seconds):
+        """Unless the program ends before. Takes note of when there were pictures."""
+        deadline = time.monotonic() + seconds
+        while time.monotonic() < deadline and not self.has_ended():
+            if self.first_picture is None and self.has_pictures():
+                self.first_picture = time.monotonic()
+            time.sleep(0.02)
 
     def signal(self, number):
         with contextlib.suppress(ProcessLookupError):
@@ -203,6 +210,12 @@ class Run:
             self.stop_by_command()
         else:
             self.stopped = self.stopped or time.monotonic()
+            self.terminate()
+
+    def terminate(self):
+        """Once: a second time means something else."""
+        if not self.is_terminated:
+            self.is_terminated = True
             self.signal(signal.SIGTERM)
 
     def stop_by_command(self):
@@ -215,16 +228,14 @@ class Run:
         ends = self.fault.ENDS or (isinstance(self.fault, faults.FrozenDisplay) and self.face == "command"
                                    and self.first_picture)
         if not ends:
-            deadline = time.monotonic() + self.random.uniform(0.3, 1.5)
-            while time.monotonic() < deadline and not self.has_ended():
-                time.sleep(0.02)
+            self.wait(self.random.uniform(0.3, 1.5))
             self.asked = self.questions()
             if self.stopped is None:
                 self.stop()
             if self.face == "window":
                 self.wait_for_rest()
                 self.asked += self.questions()
-                self.signal(signal.SIGTERM)  # --stop leaves the window there
+                self.terminate()  # --stop leaves the window there
         try:
             self.status = self.stage.wait_for_end(ENDS_WITHIN)
         except Failure:
