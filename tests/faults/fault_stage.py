@@ -6,7 +6,9 @@ the user was told, what was kept.
 """
 import argparse
 import collections
+import concurrent.futures
 import contextlib
+import functools
 import os
 import shutil
 import subprocess
@@ -221,8 +223,19 @@ class FaultStage:
         return f"movie, {lost:.2f} s lost"
 
 
-def run_all(tests, description):
-    """Runs each test on a stage of its own; the exit status."""
+def run_one(programs, test):
+    """Whether it went well, and its row."""
+    name = test.__name__.replace("_", " ")
+    with contextlib.closing(FaultStage(programs)) as stage:
+        try:
+            result = test(stage)
+            return True, f"{name}\n  told: {result.told}\n  kept: {result.kept}"
+        except (Failure, OSError) as failure:
+            return False, f"{name}\n  FAILED: {failure}\n  said: {stage.said() if stage.program else ''}"
+
+
+def run_all(tests, description, jobs=1):
+    """Runs each test on a stage of its own, some of them side by side; the exit status."""
     parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", default=os.path.join(crash.TREE, "build/release"), help="the folder of the built tree")
     parser.add_argument("only", nargs="*", help="run these tests")
@@ -232,16 +245,10 @@ def run_all(tests, description):
     if missing:
         print("not installed: " + ", ".join(missing))
         return 77
-    failed = 0
-    for test in tests:
-        name = test.__name__.replace("_", " ")
-        if arguments.only and test.__name__ not in arguments.only:
-            continue
-        with contextlib.closing(FaultStage(crash.Programs(arguments.build))) as stage:
-            try:
-                result = test(stage)
-                print(f"{name}\n  told: {result.told}\n  kept: {result.kept}", flush=True)
-            except (Failure, OSError) as failure:
-                failed += 1
-                print(f"{name}\n  FAILED: {failure}\n  said: {stage.said() if stage.program else ''}", flush=True)
-    return 1 if failed else 0
+    tests = [test for test in tests if not arguments.only or test.__name__ in arguments.only]
+    is_well = True
+    with concurrent.futures.ThreadPoolExecutor(jobs) as workers:
+        for went_well, row in workers.map(functools.partial(run_one, crash.Programs(arguments.build)), tests):
+            is_well = is_well and went_well
+            print(row, flush=True)
+    return 0 if is_well else 1

@@ -52,7 +52,7 @@ def a_frozen_server_and_a_signal(stage):
 def a_frozen_server_and_a_duration(stage):
     record_command(stage, "--duration", "3")
     moment = freeze(stage.server)
-    return check_command(stage, moment, (1, 3))
+    return check_command(stage, moment, (0, 1, 3))  # 0 where a busy machine took the three seconds for the beginning
 
 
 def a_server_that_freezes_for_a_while(stage):
@@ -180,10 +180,11 @@ def a_bus_that_is_frozen_before_the_window(stage):
 
 
 if __name__ == "__main__":
-    sys.exit(run_all([a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
-                      a_server_that_freezes_for_a_while, a_frozen_server_under_the_window,
-                      a_frozen_server_under_a_window_that_does_nothing,
-                      a_frozen_server_under_a_window_that_waits_for_it, a_server_that_is_frozen_before_the_command,
-                      a_server_that_is_frozen_before_the_window, a_frozen_bus_under_the_window,
-                      a_bus_that_freezes_before_the_recording, a_bus_that_is_frozen_before_the_command,
-                      a_bus_that_is_frozen_before_the_window], __doc__))
+    # Those that wait longest begin first.
+    sys.exit(run_all([a_frozen_server_under_a_window_that_waits_for_it, a_frozen_server_under_the_window,
+                      a_server_that_freezes_for_a_while, a_frozen_server_under_a_window_that_does_nothing,
+                      a_frozen_server_under_the_command, a_frozen_server_and_a_signal, a_frozen_server_and_a_duration,
+                      a_server_that_is_frozen_before_the_command, a_server_that_is_frozen_before_the_window,
+                      a_frozen_bus_under_the_window, a_bus_that_freezes_before_the_recording,
+                      a_bus_that_is_frozen_before_the_command, a_bus_that_is_frozen_before_the_window],
+                     __doc__, jobs=3))

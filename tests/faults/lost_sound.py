@@ -59,7 +59,8 @@ def sound_never_comes(programs, stage, work):
     recorder = Recorder(programs, stage, work, options=["--audio=Monitor of Speakers", "--duration", "4"])
     recorder.process.wait(timeout=60)
     pactl(stage, "suspend-sink", "speakers", "0")
-    expect("No sound has come" in recorder.said(), "nothing was told: " + recorder.said())
+    # On a busy machine the recording ends before it gives up: then "No sound came" is told.
+    expect("No sound " in recorder.said(), "nothing was told: " + recorder.said())
     movie = Movie(recorder.movie)
     expect(movie.numbers, "the movie has no picture")
     expect(movie.audio_seconds is None, "the movie has sound that never came")
