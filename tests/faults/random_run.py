@@ -240,7 +240,7 @@ class Run:
             self.status = self.stage.wait_for_end(ENDS_WITHIN)
         except Failure:
             raise Failure(f"the program does not end; it said: {self.stage.said()}") from None
-        wait_until(lambda: not self.processes(), "no process of the program was left", ENDS_WITHIN, poll=0.02)
+        wait_until(self.has_left_nobody, "no process of the program was left", ENDS_WITHIN, poll=0.02)
 
     def questions(self):
         """What stands on the screen beside the main window, by its titles."""
@@ -257,6 +257,10 @@ class Run:
     def files(self):
         return {os.path.relpath(os.path.join(path, name), self.work) for path, folders, files in os.walk(self.work)
                 for name in folders + files}
+
+    def has_left_nobody(self):
+        """In two looks: a process that becomes another program has no environment for a moment."""
+        return not self.processes() and not (time.sleep(0.1) or self.processes())
 
     def processes(self):
         """Of the program, and of what it has started."""
