@@ -15,7 +15,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
+#include <cstdlib>
 #include <random>
 
 namespace vornic::testing {
@@ -159,9 +159,9 @@ std::int64_t endOf(const std::vector<TimedPicture> &given, std::size_t i)
     return i + 1 < given.size() ? given[i + 1].ticks : given[i].ticks + PKTimebase / 30;
 }
 
-std::vector<TimedPicture> encodedOneByOne(const std::vector<TimedPicture> &given)
+std::vector<TimedPicture> encodedOneByOne(const std::vector<TimedPicture> &given, std::int32_t bitRate)
 {
-    ReferenceEncoder reference(size, size.width() * size.height() * 5 / 2);
+    ReferenceEncoder reference(size, bitRate);
     for (std::size_t i = 0; i < given.size(); ++i)
         reference.add(given[i], endOf(given, i));
     return reference.finish();
@@ -206,12 +206,13 @@ struct ThreeMovies {
     std::vector<TimedPicture> reference;
 };
 
-ThreeMovies randomMovies(unsigned seed)
+ThreeMovies randomMovies(unsigned seed, std::int32_t bitRate)
 {
     ensureApplication();
     test::SpooledMovie recording(size);
+    recording.setBitRate(bitRate);
     RandomScreen screen(seed, recording);
-    screen.recordSome(240);
+    screen.recordSome(160);
     recording.end();
     const QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("random.mp4"));
@@ -220,61 +221,68 @@ ThreeMovies randomMovies(unsigned seed)
     movies.times = screen.times();
     recording.readBack([&](const PKVideoFrame2 &frame) { movies.given.push_back(pictureOf(frame)); });
     movies.movie = decodedMovie(file);
-    movies.reference = encodedOneByOne(movies.given);
+    movies.reference = encodedOneByOne(movies.given, bitRate);
     return movies;
+}
+
+/// How far \a shown is from \a picture where that differs from \a before.
+double errorOfChange(const TimedPicture &shown, const TimedPicture &picture, const TimedPicture &before)
+{
+    double error = 0;
+    for (qsizetype i = 0; i < picture.planes.size(); ++i)
+        if (picture.planes[i] != before.planes[i])
+            error += std::abs(static_cast<uchar>(shown.planes[i]) - static_cast<uchar>(picture.planes[i]));
+    return error;
 }
 
 class FrameByFrame : public ::testing::TestWithParam<unsigned>
 {
 protected:
-    static constexpr double mostLoss = 1; ///< decibels
+    static constexpr std::int32_t highQuality = size.width() * size.height() * 5 / 2; ///< bits a second
+    static constexpr std::int32_t plenty = 16 * highQuality;
+    static constexpr double mostLoss = 1;  ///< decibels
+    static constexpr double bestSeen = 45; ///< decibels beyond which nobody sees a difference
 
-    static void TearDownTestSuite() { s_movies.clear(); }
-    void SetUp() override
+    void make(std::int32_t bitRate)
     {
-        if (!s_movies.contains(GetParam()))
-            s_movies[GetParam()] = randomMovies(GetParam());
-        ASSERT_TRUE(std::ranges::equal(movies().given, movies().times, {}, &TimedPicture::ticks));
-        ASSERT_EQ(movies().reference.size(), movies().given.size());
-        ASSERT_FALSE(movies().movie.empty());
+        m_movies = randomMovies(GetParam(), bitRate);
+        ASSERT_TRUE(std::ranges::equal(m_movies.given, m_movies.times, {}, &TimedPicture::ticks));
+        ASSERT_EQ(m_movies.reference.size(), m_movies.given.size());
+        ASSERT_FALSE(m_movies.movie.empty());
     }
-    static const ThreeMovies &movies() { return s_movies[GetParam()]; }
-
-private:
-    static std::map<unsigned, ThreeMovies> s_movies; ///< by their seeds
+    ThreeMovies m_movies;
 };
 
-std::map<unsigned, ThreeMovies> FrameByFrame::s_movies;
-
-TEST_P(FrameByFrame, EachChangeComesAtItsTime)
+TEST_P(FrameByFrame, EachChangeComesAtItsTimeAndTheWholeLooksAsGood)
 {
-    const auto &given = movies().given;
+    make(highQuality);
+    const auto &given = m_movies.given;
     for (const Change &change : changesOf(given)) {
-        const TimedPicture &now = given[change.begin];
-        const TimedPicture &shown = shownAt(movies().movie, now.ticks);
-        EXPECT_EQ(shown.ticks, now.ticks);
-        if (change.begin == 0)
-            continue;
-        const TimedPicture &before = given[change.begin - 1];
-        EXPECT_LT(lumaError(shown, now, size), lumaError(shown, before, size))
-            << "at " << now.ticks << " there is still what was before";
+        const std::int64_t ticks = given[change.begin].ticks;
+        EXPECT_EQ(shownAt(m_movies.movie, ticks).ticks, ticks);
     }
-}
-
-TEST_P(FrameByFrame, TheWholeLooksAsGood)
-{
-    const auto &given = movies().given;
     const Change all { 0, given.size() };
-    EXPECT_GE(qualityOf(all, given, movies().movie), qualityOf(all, given, movies().reference) - mostLoss);
+    EXPECT_GE(qualityOf(all, given, m_movies.movie), qualityOf(all, given, m_movies.reference) - mostLoss);
 }
 
+/// Where bits are scarce, which change gets them is the encoder's choice, and with several threads chance's; here each
+/// could have all that it wants.
 TEST_P(FrameByFrame, EachChangeLooksAsGood)
 {
-    const auto &given = movies().given;
+    make(plenty);
+    const auto &given = m_movies.given;
     for (const Change &change : changesOf(given)) {
-        const double quality = qualityOf(change, given, movies().movie);
-        const double expected = qualityOf(change, given, movies().reference);
-        EXPECT_GE(quality, expected - mostLoss) << "at " << given[change.begin].ticks;
+        const std::int64_t ticks = given[change.begin].ticks;
+        const double quality = qualityOf(change, given, m_movies.movie);
+        const double expected = std::min(qualityOf(change, given, m_movies.reference), bestSeen);
+        EXPECT_GE(quality, expected - mostLoss) << "at " << ticks;
+        if (change.begin == 0)
+            continue;
+        const TimedPicture &shown = shownAt(m_movies.movie, ticks);
+        const TimedPicture &now = given[change.begin];
+        const TimedPicture &before = given[change.begin - 1];
+        EXPECT_LT(errorOfChange(shown, now, before), errorOfChange(shown, before, now))
+            << "at " << ticks << " there is still what was before";
     }
 }
 

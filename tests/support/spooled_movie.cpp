@@ -23,16 +23,15 @@ int useCacheFolder(const QString &path)
     return 0;
 }
 
-std::shared_ptr<PKMuxerContext> highQuality(const QString &file, QSize size)
+std::shared_ptr<PKMuxerContext> settings(const QString &file, QSize size, std::int32_t bitRate)
 {
-    constexpr double bitsAPixel = 2.5;
     auto context = std::make_shared<PKMuxerContext>(file);
     context->setReplacedFile(identityOfFile(file));
     context->setWidth(size.width());
     context->setHeight(size.height());
     context->setVideoCodecID(PKMuxerContext::videoCodecH264);
     context->setFrameRate(30);
-    context->setVideoBitrate(static_cast<std::int32_t>(size.width() * size.height() * bitsAPixel));
+    context->setVideoBitrate(bitRate);
     return context;
 }
 
@@ -41,6 +40,7 @@ std::shared_ptr<PKMuxerContext> highQuality(const QString &file, QSize size)
 SpooledMovie::SpooledMovie(QSize size)
     : m_size(size)
     , m_display(std::make_shared<FakeDisplay>(size))
+    , m_bitRate(size.width() * size.height() * 5 / 2)
     , m_spool(useCacheFolder(m_cache.path()))
 {
     setMainDisplay(m_display);
@@ -88,7 +88,7 @@ void SpooledMovie::end()
 WrittenMovie SpooledMovie::write(const QString &file, const ProgressSink &progress)
 {
     m_spool.rewind();
-    m_spool.setMuxerContext(highQuality(file, m_size));
+    m_spool.setMuxerContext(settings(file, m_size, m_bitRate));
     MovieJob job(std::make_shared<Recording>(), m_spool, nullptr);
     WrittenMovie written;
     QEventLoop loop;

@@ -55,6 +55,8 @@ public:
     /// No record follows.
     void end();
 
+    /// Bits a second that movies aim at; those of the high quality otherwise.
+    void setBitRate(std::int32_t bitsASecond) { m_bitRate = bitsASecond; }
     /// Writes the movie and runs the main thread's loop meanwhile. May be called again.
     WrittenMovie write(const QString &file, const ProgressSink &progress = {});
     /// The frames that the encoder is given for the records, with their times.
@@ -67,6 +69,7 @@ private:
     QSize m_size;
     std::shared_ptr<FakeDisplay> m_display;
     std::shared_ptr<const BitmapImage> m_grabbed; ///< null where the screen shows something else since
+    std::int32_t m_bitRate;
     VNBufferMgr m_spool;
 };
 

@@ -100,7 +100,7 @@ def check_movie():
     seconds = float(video["duration"])
     assert 0.5 < seconds < 20, seconds  # on a busy machine the recording begins late, and is stopped all the same
     rate = int(video["nb_frames"]) / seconds
-    assert 4 < rate <= 20.5, rate  # "Medium" takes at most 20; a busy machine, fewer
+    assert 1 < rate <= 20.5, rate  # "Medium" takes at most 20; of those that are equal, two are stored
     assert abs(float(audio["duration"]) - seconds) < 0.25
     picture = subprocess.run(["ffmpeg", "-v", "error", "-ss", str(seconds / 2), "-i", MOVIE, "-frames:v", "1", "-f", "rawvideo",
                               "-pix_fmt", "rgb24", "-"], capture_output=True, check=True).stdout
