@@ -429,6 +429,10 @@
         <source>The X server has not answered for two seconds.</source>
         <translation>Der X-Server hat zwei Sekunden lang nicht geantwortet.</translation>
     </message>
+    <message>
+        <source>Vornic has to end, and cannot wait for the display any longer.</source>
+        <translation>Vornic muss enden und kann nicht länger auf den Bildschirm warten.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::ColorPanel</name>
