@@ -35,8 +35,8 @@ QList<QByteArray> wholePictures()
         if (test::noisePicture({ 19, 12 }, 7).save(&buffer, format))
             pictures += bytes;
     }
-    pictures += QByteArray(
-        "GIF89a\x03\0\x02\0\xf0\0\0\xff\0\0\0\0\xff,\0\0\0\0\x03\0\x02\0\0\x02\x03\x84\x6f\x05\0;", 38);
+    pictures += QByteArrayLiteral(
+        "GIF89a\x03\0\x02\0\xf0\0\0\xff\0\0\0\0\xff,\0\0\0\0\x03\0\x02\0\0\x02\x03\x84\x6f\x05\0;");
     pictures += "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='7'><path d='M0 0l9 7z'/></svg>";
     return pictures;
 }
