@@ -217,7 +217,7 @@ int main(int argc, char **argv)
     std::signal(SIGXFSZ, SIG_IGN);
 #ifdef M_ARENA_MAX
     // Blocks of a megabyte go from thread to thread. With a heap for each thread they leave holes in all of them.
-    mallopt(M_ARENA_MAX, 2);
+    mallopt(M_ARENA_MAX, 2); // NOLINT(concurrency-mt-unsafe): there is one thread yet
 #endif
     return statusOf([&] { return run(argc, argv); });
 }
