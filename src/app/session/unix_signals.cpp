@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <utility>
 
@@ -26,16 +27,19 @@ constexpr std::array handledSignals {
 
 std::array<struct sigaction, handledSignals.size()> actionsBefore {};
 
-/// The handler may only do what is safe in a signal: it writes the number to the first socket, and to the watch.
+/// The handler may only do what is safe in a signal: it writes the number to the first socket, and to the watch. Neither
+/// may hold it up, and whoever was interrupted keeps its errno.
 std::array<int, 2> sockets { -1, -1 };
 int watched = -1;
 
 void handleSignal(int number)
 {
+    const int error = errno;
     const auto byte = static_cast<unsigned char>(number);
     static_cast<void>(!::write(sockets[0], &byte, sizeof byte));
     if (watched >= 0)
-        static_cast<void>(!::write(watched, &byte, sizeof byte));
+        static_cast<void>(!::send(watched, &byte, sizeof byte, MSG_DONTWAIT | MSG_NOSIGNAL));
+    errno = error;
 }
 
 } // namespace

@@ -1,0 +1,49 @@
+#include "app/session/unix_signals.h"
+#include "support/wait_until.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+
+namespace vornic {
+namespace {
+
+/// More than any socket holds that nobody reads.
+constexpr int flood = 5000;
+
+TEST(UnixSignalsTest, AFloodOfThemHoldsNobodyUp)
+{
+    const UnixSignals signalled([] {});
+    QSignalSpy asked(&signalled, &UnixSignals::terminationAsked);
+    for (int i = 0; i < flood; ++i)
+        std::raise(SIGTERM);
+    EXPECT_TRUE(test::waitUntil([&] {
+        QCoreApplication::processEvents();
+        return !asked.isEmpty();
+    }));
+    EXPECT_EQ(asked.first().first().toInt(), SIGTERM);
+}
+
+TEST(UnixSignalsTest, WhoeverIsInterruptedKeepsItsErrno)
+{
+    const UnixSignals signalled;
+    for (int i = 0; i < flood; ++i) // until the handler's own calls fail
+        std::raise(SIGTERM);
+    errno = ENOENT;
+    std::raise(SIGTERM);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+} // namespace
+} // namespace vornic
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
