@@ -1,3 +1,5 @@
+#include "capture/spool/VNDataBlock.h"
+#include "capture/spool/journal_contents.h"
 #include "program_fixture.h"
 
 #include <QRegularExpression>
@@ -15,6 +17,8 @@ using testing::probe;
 class RecoverCommandTest : public ProgramTest
 {
 protected:
+    static constexpr const char *recordings = "cache/com.kavlor.vornic/recordings";
+
     QProcessEnvironment environment() const override
     {
         QProcessEnvironment variables = ProgramTest::environment();
@@ -37,12 +41,20 @@ protected:
         EXPECT_TRUE(waitForText(*process, "00:00:00", error)) << error.toStdString();
         return process;
     }
-    /// A recording of about \a time whose program was killed; its id.
+    /// Whether each of the recordings \a ids has a picture that a crash leaves.
+    bool isAPictureKept(const QStringList &ids) const
+    {
+        return std::ranges::all_of(ids, [this](const QString &id) {
+            return !readJournal(bytesOf(pathOf(id, "journal"))).video.empty();
+        });
+    }
+    /// A recording of about \a time, or until a picture of it is kept, whose program was killed; its id.
     QString killedRecording(std::chrono::milliseconds time, const QString &file = "o.mp4")
     {
         const QStringList before = ids();
         const auto process = startRecording(file);
         letPass(time);
+        EXPECT_TRUE(test::waitUntil([this] { return isAPictureKept(entries(recordings)); }));
         process->kill();
         process->waitForFinished();
         QStringList found = ids();
@@ -60,7 +72,7 @@ protected:
     }
     QString pathOf(const QString &id, const QString &file) const
     {
-        return folder.filePath("cache/com.kavlor.vornic/recordings/" + id + "/" + file);
+        return folder.filePath(QLatin1StringView(recordings) + "/" + id + "/" + file);
     }
     static std::string lastLine(const QString &text)
     {
@@ -168,7 +180,7 @@ TEST_F(RecoverCommandTest, OneThatRunsIsLeftAlone)
 {
     const auto process = startRecording();
     EXPECT_TRUE(ids().isEmpty());
-    const QString id = entries("cache/com.kavlor.vornic/recordings").value(0);
+    const QString id = entries(recordings).value(0);
     for (const QStringList &arguments : { QStringList { id }, QStringList { "--delete", id } }) {
         const Result result = vornic(QStringList { "recover" } + arguments);
         EXPECT_EQ(result.status, 1);
