@@ -15,6 +15,8 @@ MovieFile::MovieFile(QString filename, std::stop_token stop)
     , m_stop(std::move(stop))
     , m_part(m_filename)
 {
+    // Also what a program left that was killed before its journal named the folder.
+    removeStalePartFiles(folderOfMovie(m_filename));
     createFormat();
     m_writer.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Write, m_stop);
     m_format->pb = m_writer->context();

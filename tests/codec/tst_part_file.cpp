@@ -1,5 +1,6 @@
 #include "base/native_path.h"
 #include "codec/movie_failure.h"
+#include "codec/movie_file.h"
 #include "codec/part_file.h"
 
 #include <QDir>
@@ -102,6 +103,15 @@ TEST_F(PartFileTest, whatAKilledProgramLeftIsRemoved)
     putFile(deadName);
     EXPECT_EQ(removeStale(), 1);
     EXPECT_TRUE(entries().isEmpty());
+}
+
+/// A program that was killed before its journal named the folder left one that no recovery looks for.
+TEST_F(PartFileTest, aMovieRemovesWhatAKilledProgramLeftBesideIt)
+{
+    putFile(deadName);
+    const MovieFile movie(m_movie, {});
+    EXPECT_EQ(entries().size(), 1);
+    EXPECT_FALSE(entries().contains(deadName));
 }
 
 TEST_F(PartFileTest, whatAWriterThatNeverDestroyedItLeftIsRemoved)
