@@ -91,9 +91,20 @@ def a_frozen_server_under_the_window(stage):
     return Told(stage.sentences(), stage.check_movie(moment, is_frozen=True))
 
 
+def rests(pid):
+    """The main thread has waited for a while, and for nothing that comes at once."""
+    def times_waited():
+        with open(f"/proc/{pid}/task/{pid}/status", encoding="ascii") as file:
+            return next(line for line in file if line.startswith("voluntary_ctxt_switches"))
+    before = times_waited()
+    time.sleep(0.3)
+    return times_waited() == before
+
+
 def a_frozen_server_under_a_window_that_does_nothing(stage):
     stage.run()
     stage.wait_for_window("^Vornic$")
+    wait_until(lambda: rests(stage.program.pid), "the window is at rest")
     freeze(stage.server)
     stage.program.terminate()
     expect(stage.wait_for_end(SOON) == 0, "the program did not end well")
