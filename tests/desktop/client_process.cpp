@@ -4,6 +4,7 @@
 
 #include <QProcessEnvironment>
 
+#include <gtest/gtest.h>
 #include <signal.h>
 
 namespace vornic::test {
@@ -42,6 +43,8 @@ QString ClientProcess::nextLine()
 
 void ClientProcess::signal(int signalNumber)
 {
+    ASSERT_GT(m_process.processId(), 0)
+        << "the program has ended"; // 0 would mean every test that runs beside this one
     ::kill(static_cast<pid_t>(m_process.processId()), signalNumber);
 }
 

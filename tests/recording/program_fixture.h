@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <memory>
 
 namespace vornic {
@@ -41,6 +42,13 @@ protected:
         process->setWorkingDirectory(folder.path());
         process->start(program, arguments);
         return process;
+    }
+
+    /// One that has ended has the number 0, which would mean every test that runs beside this one.
+    static void signal(const QProcess &process, int number)
+    {
+        ASSERT_GT(process.processId(), 0) << "the program has ended";
+        ::kill(static_cast<pid_t>(process.processId()), number);
     }
 
     static Result finish(QProcess &process)

@@ -146,7 +146,7 @@ TEST_P(EndingTest, ASignalLeavesACompleteMovie)
     QString error;
     ASSERT_TRUE(waitForText(*process, "00:00:00", error)) << error.toStdString();
     letPass(std::chrono::milliseconds(600));
-    ::kill(static_cast<pid_t>(process->processId()), GetParam());
+    signal(*process, GetParam());
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 0) << result.error.toStdString();
     EXPECT_EQ(result.output.trimmed().split('\n').last(), "o.mp4");
@@ -164,7 +164,7 @@ TEST_F(RecordCommandTest, ASecondSignalDuringTheEncodingHarmsNothing)
     const auto process = startVornic({ "record", "--ignore-low-space", "--duration", "2", "o.mp4" });
     QString error;
     ASSERT_TRUE(waitForText(*process, "Writing the movie", error)) << error.toStdString();
-    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    signal(*process, SIGINT);
     EXPECT_EQ(finish(*process).status, 0);
     EXPECT_NEAR(secondsOf(movie()), 2.0, 0.3);
 }

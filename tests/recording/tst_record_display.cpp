@@ -79,7 +79,7 @@ protected:
         // Between two steps of the clock lies a second in which the display had its new size.
         ASSERT_TRUE(test::waitUntil([&] { return terminal.written().sliced(resized).count("00:00:0") >= 2; }))
             << terminal.written().toStdString();
-        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        signal(*process, SIGINT);
         const Result result = finish(*process);
         ASSERT_EQ(result.status, 0) << terminal.written().toStdString();
         EXPECT_TRUE(result.output.contains(", 0 frames skipped")) << result.output.toStdString();

@@ -57,7 +57,7 @@ protected:
     }
     static Result end(QProcess &process)
     {
-        ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        signal(process, SIGTERM);
         return finish(process);
     }
     Result recordBriefly(const QStringList &options, const QString &file = "o.mp4") const

@@ -73,7 +73,7 @@ protected:
         loses();
         ASSERT_TRUE(waitForText(*recorder, "goes on without sound", said)) << said.toStdString();
         letPass(std::chrono::seconds(1));
-        ::kill(static_cast<pid_t>(recorder->processId()), SIGINT);
+        signal(*recorder, SIGINT);
         const Result result = finish(*recorder);
         EXPECT_EQ(result.status, 0) << result.error.toStdString();
         EXPECT_GT(lengthOf(probe(movie()), "audio"), 0.8);
@@ -130,7 +130,7 @@ TEST_P(RecordSoundTest, SoundThatNeverComesCostsNoMoreThanTheSound)
                           + QStringList { "o.mp4" });
         QString said;
         ASSERT_TRUE(waitForText(*recorder, text, said)) << said.toStdString();
-        ::kill(static_cast<pid_t>(recorder->processId()), SIGINT);
+        signal(*recorder, SIGINT);
         finish(*recorder);
         const QJsonObject made = probe(movie());
         EXPECT_FALSE(testing::streamOf(made, "video").isEmpty()) << text.toStdString();
@@ -191,7 +191,7 @@ TEST_P(SilentSoundTest, AStopWhileItIsWaitedForKeepsAPicture)
                                       + QStringList { "o.mp4" });
     QString said;
     ASSERT_TRUE(waitForText(*recorder, "waiting for audio", said)) << said.toStdString();
-    ::kill(static_cast<pid_t>(recorder->processId()), SIGINT);
+    signal(*recorder, SIGINT);
     EXPECT_EQ(finish(*recorder).status, 3);
     EXPECT_GT(lengthOf(probe(movie()), "video"), 0);
 }

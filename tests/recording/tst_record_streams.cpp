@@ -41,10 +41,6 @@ protected:
         return QStringList { "record", "--ignore-low-space", "--region", "0,0,160,120" } + options
             + QStringList { file };
     }
-    static void signal(const QProcess &process, int number)
-    {
-        ::kill(static_cast<pid_t>(process.processId()), number);
-    }
     /// Both at once, as far as the program can tell.
     static void signalTogether(const QProcess &process, std::initializer_list<int> numbers)
     {

@@ -187,7 +187,7 @@ TEST_F(RecoverCommandTest, OneThatRunsIsLeftAlone)
         EXPECT_EQ(result.error.toStdString(),
                   "vornic: The recording " + id.toStdString() + " is in use by another Vornic.\n");
     }
-    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    signal(*process, SIGINT);
     EXPECT_EQ(finish(*process).status, 0);
     EXPECT_GT(secondsOf(movie()), 0);
 }
@@ -242,7 +242,7 @@ TEST_F(RecoverCommandTest, ASecondSignalPutsTheMovieOff)
     ASSERT_TRUE(waitForText(*process, "00:00:00", error)) << error.toStdString();
     letPass(std::chrono::milliseconds(3000));
     for (const char *awaited : { "Writing the movie; Ctrl-C puts it off for later.\n", "recover" }) {
-        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        signal(*process, SIGINT);
         ASSERT_TRUE(waitForText(*process, awaited, error)) << error.toStdString();
     }
     const Result result = finish(*process);
@@ -263,7 +263,7 @@ TEST_F(RecoverCommandTest, AMovieThatCannotBeWrittenTellsTheWayOn)
     ASSERT_TRUE(QDir(folder.path()).mkdir("sub"));
     const auto process = startRecording("sub/o.mp4");
     ASSERT_TRUE(QDir(folder.path()).rmdir("sub"));
-    ::kill(static_cast<pid_t>(process->processId()), SIGTERM);
+    signal(*process, SIGTERM);
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 1);
     const QStringList found = ids();
@@ -292,7 +292,7 @@ TEST_F(RecoverCommandTest, WhatAKilledWriterLeftIsGoneAtTheNextStart)
     ASSERT_EQ(entries().filter(".part").size(), 1) << entries().join(' ').toStdString();
     const auto next = startRecording("next.mp4");
     EXPECT_TRUE(entries().filter(".part").isEmpty());
-    ::kill(static_cast<pid_t>(next->processId()), SIGINT);
+    signal(*next, SIGINT);
     EXPECT_EQ(finish(*next).status, 0);
     EXPECT_EQ(vornic({ "recover", id }).status, 0);
     EXPECT_GE(secondsOf(movie()), 1.5);
