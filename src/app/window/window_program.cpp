@@ -130,7 +130,7 @@ void WindowProgram::endUnattended()
 /// The end of the session comes as the application's own end does, which would ask while a recording runs.
 bool WindowProgram::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() != QEvent::Quit || watched != QCoreApplication::instance() || !m_delegate.isRecording())
+    if (watched != QCoreApplication::instance() || event->type() != QEvent::Quit || !m_delegate.isRecording())
         return QObject::eventFilter(watched, event);
     endUnattended();
     return true;
