@@ -121,7 +121,7 @@ void encode(benchmark::State &state, const char *preset, bool scrolls)
     for (auto _ : state) {
         VideoEncoder encoder(context, preset);
         for (const auto &frame : frames)
-            encoder.encode(*frame, frame->timeStamp() + PKTimebase / 30, sink);
+            encoder.encode({ .frame = frame, .end = frame->timeStamp() + PKTimebase / 30 }, sink);
         encoder.finish(sink);
     }
     const auto encoded = static_cast<double>(state.iterations()) * count;

@@ -37,8 +37,14 @@ constexpr int bufferFactor = 4;
 /// less.
 constexpr std::int64_t minVideoBitrate = 16000;
 
-/// The longest time from one key frame to the next, in seconds; a frame that lasts longer is followed by one.
+/// The longest time from one key frame to the next in which something changes, in seconds; a frame that lasts longer is
+/// followed by one.
 constexpr std::int64_t keyFrameSeconds = 2;
+
+/// The same while nothing changes: a key frame of a page of text takes 600 KB, and an hour of such a page 1 GB with one
+/// every two seconds. Where there is sound, that is what is sought in such a stretch, and some players seek key frames.
+constexpr std::int64_t stillKeyFrameSeconds = 300;
+constexpr std::int64_t stillKeyFrameSecondsWithSound = 30;
 
 constexpr int audioSampleRate = 48000; ///< hertz
 constexpr int audioChannels = 2;

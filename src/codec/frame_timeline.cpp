@@ -18,7 +18,7 @@ constexpr std::int64_t longestStill = PKTimebase / 2;
 
 bool lastsOn(const FrameTimeline::Shown &shown, const FrameTimeline::Shown &next)
 {
-    return next.frame->sharesPixelsWith(*shown.frame) && next.end - shown.frame->timeStamp() <= longestStill;
+    return !next.isNew && next.end - shown.frame->timeStamp() <= longestStill;
 }
 
 } // namespace
@@ -50,7 +50,10 @@ std::optional<FrameTimeline::Shown> FrameTimeline::nextFrame()
 std::optional<FrameTimeline::Shown> FrameTimeline::next()
 {
     std::optional<Shown> shown = m_pending ? std::exchange(m_pending, std::nullopt) : nextFrame();
-    while (shown && (m_pending = nextFrame()) && lastsOn(*shown, *m_pending)) {
+    while (shown && (m_pending = nextFrame())) {
+        m_pending->isNew = !m_pending->frame->sharesPixelsWith(*shown->frame);
+        if (!lastsOn(*shown, *m_pending))
+            break;
         shown->end = m_pending->end;
         shown->frames += m_pending->frames;
     }

@@ -22,6 +22,7 @@ public:
         std::shared_ptr<const PKVideoFrame2> frame;
         std::int64_t end = 0;    ///< until when it is shown, in PKTimebase ticks
         std::int64_t frames = 1; ///< how many were read that it stands for
+        bool isNew = true;       ///< false: the picture is that of the one before
     };
 
     /// \a source gives the next frame, null at the end.

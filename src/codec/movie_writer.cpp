@@ -78,7 +78,7 @@ private:
         m_contents.begin = shown->frame->timeStamp();
         for (; shown; shown = timeline.next()) {
             encodeAudio(shown->frame->timeStamp());
-            m_video.encode(*shown->frame, shown->end, m_videoSink);
+            m_video.encode(*shown, m_videoSink);
             ++m_contents.frames;
             m_contents.end = shown->end;
             m_statistics.framesWritten += shown->frames;

@@ -18,9 +18,8 @@ namespace {
 /// Frames a second assumed where the context names none.
 constexpr double defaultFrameRate = 30;
 
-/// The encoder itself limits only the number of frames between key frames; below this rate, encode() sets key
-/// frames by time before that limit is reached.
-constexpr int maxTimedFrameRate = 120;
+/// The encoder would set key frames by the number of frames, but encode() sets them by time.
+constexpr int noKeyFrameByNumber = 1 << 30;
 
 const AVCodec &encoderFor(int codecId)
 {
@@ -58,7 +57,7 @@ void describeRate(AVCodecContext &codec, const PKMuxerContext &context)
     codec.rc_max_rate = encoder_settings::peakRateFactor * codec.bit_rate;
     codec.rc_buffer_size = static_cast<int>(
         std::min<std::int64_t>(encoder_settings::bufferFactor * codec.bit_rate, INT32_MAX));
-    codec.gop_size = static_cast<int>(encoder_settings::keyFrameSeconds * maxTimedFrameRate);
+    codec.gop_size = noKeyFrameByNumber;
     const std::int64_t macroblocks = std::int64_t { (codec.width + 15) / 16 } * ((codec.height + 15) / 16);
     if (macroblocks <= encoder_settings::videoLevelMacroblocks)
         codec.level = encoder_settings::videoLevel;
@@ -79,6 +78,9 @@ int usefulThreads()
 VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     : m_codec(owned(avcodec_alloc_context3(&encoderFor(context.videoCodecID()))))
     , m_packet(owned(av_packet_alloc()))
+    , m_stillKeyFrameSeconds(context.audioCodecID() == PKMuxerContext::audioCodecNone
+                                 ? encoder_settings::stillKeyFrameSeconds
+                                 : encoder_settings::stillKeyFrameSecondsWithSound)
 {
     describePicture(*m_codec, context);
     describeRate(*m_codec, context);
@@ -99,19 +101,26 @@ VideoEncoder::VideoEncoder(const PKMuxerContext &context, const char *preset)
     }
 }
 
-void VideoEncoder::encode(const PKVideoFrame2 &frame, std::int64_t end, const PacketSink &sink)
+void VideoEncoder::encode(const FrameTimeline::Shown &shown, const PacketSink &sink)
 {
-    const auto picture = avFrameOver(frame, m_codec->width, m_codec->height);
-    picture->pts = frame.timeStamp();
-    // A key frame already now where the next frame would come too late for one.
-    const bool isKey = m_isFirst || end - m_keyFrameTime > encoder_settings::keyFrameSeconds * PKTimebase;
-    if (isKey) {
+    const auto picture = avFrameOver(*shown.frame, m_codec->width, m_codec->height);
+    picture->pts = shown.frame->timeStamp();
+    m_hasChanged = m_hasChanged || shown.isNew;
+    if (isKeyFrameDue(shown)) {
         picture->pict_type = AV_PICTURE_TYPE_I;
-        m_keyFrameTime = frame.timeStamp();
+        m_keyFrameTime = picture->pts;
+        m_hasChanged = false;
         m_isFirst = false;
     }
-    m_durations.push_back(end - frame.timeStamp());
+    m_durations.push_back(shown.end - picture->pts);
     send(picture.get(), sink);
+}
+
+/// Already now where the next frame would come too late for one.
+bool VideoEncoder::isKeyFrameDue(const FrameTimeline::Shown &shown) const
+{
+    const std::int64_t seconds = m_hasChanged ? encoder_settings::keyFrameSeconds : m_stillKeyFrameSeconds;
+    return m_isFirst || shown.end - m_keyFrameTime > seconds * PKTimebase;
 }
 
 void VideoEncoder::finish(const PacketSink &sink)

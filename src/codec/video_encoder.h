@@ -2,6 +2,7 @@
 
 #include "codec/av_support.h"
 #include "codec/encoder_settings.h"
+#include "codec/frame_timeline.h"
 
 #include <cstdint>
 #include <deque>
@@ -10,7 +11,6 @@
 namespace vornic {
 
 class PKMuxerContext;
-class PKVideoFrame2;
 
 using PacketSink = std::function<void(AVPacket &packet)>;
 
@@ -26,19 +26,22 @@ public:
     [[nodiscard]] const AVCodecContext &codec() const { return *m_codec; }
     [[nodiscard]] AVRational timeBase() const { return m_codec->time_base; }
 
-    /// Encodes a YUV frame of the context's size that is shown until \a end (ticks, after its timestamp).
-    /// Gives \a sink the packets that are ready, which may belong to earlier frames.
-    void encode(const PKVideoFrame2 &frame, std::int64_t end, const PacketSink &sink);
+    /// Encodes a YUV frame of the context's size. Gives \a sink the packets that are ready, which may belong to earlier
+    /// frames.
+    void encode(const FrameTimeline::Shown &shown, const PacketSink &sink);
     /// Gives the packets that are left.
     void finish(const PacketSink &sink);
 
 private:
+    [[nodiscard]] bool isKeyFrameDue(const FrameTimeline::Shown &shown) const;
     void send(const AVFrame *frame, const PacketSink &sink);
 
     AvPtr<AVCodecContext> m_codec;
     AvPtr<AVPacket> m_packet;
     std::deque<std::int64_t> m_durations; ///< of the frames inside the encoder, first in first out
+    std::int64_t m_stillKeyFrameSeconds;  ///< from one key frame to the next while nothing changes
     std::int64_t m_keyFrameTime = 0;      ///< of the last frame that was made a key frame, ticks
+    bool m_hasChanged = false;            ///< since that
     bool m_isFirst = true;
 };
 

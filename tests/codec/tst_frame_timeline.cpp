@@ -125,6 +125,21 @@ TEST_F(FrameTimelineTest, equalFramesAreOneForHalfASecondAtMost)
     EXPECT_PRED1(shows(PKTimebase, PKTimebase + 2 * thirtieth, 2), all[2]);
 }
 
+TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
+{
+    add(0);
+    for (int i = 1; i < 32; ++i)
+        addSame(i * thirtieth);
+    add(32 * thirtieth);
+    add(33 * thirtieth, thirtieth);
+    const auto all = shown();
+    ASSERT_EQ(all.size(), 5U);
+    for (const std::size_t i : { 0U, 3U, 4U })
+        EXPECT_TRUE(all[i].isNew) << i;
+    for (const std::size_t i : { 1U, 2U })
+        EXPECT_FALSE(all[i].isNew) << i;
+}
+
 TEST_F(FrameTimelineTest, aFrameThatLastsLongerByItselfStaysAsItIs)
 {
     add(0);
