@@ -7,6 +7,7 @@
 #include "audio/audio_recorder.h"
 #include "base/exception_text.h"
 #include "base/log.h"
+#include "base/main_queue.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "codec/PKMuxerContext.h"
 
@@ -24,6 +25,7 @@ AudioInput::AudioInput(VNBufferMgr &spool, AudioControl *control)
 
 AudioInput::~AudioInput()
 {
+    m_gone.request_stop();
     stop(); // before what the recorder's thread works with is gone
     if (m_control)
         m_control->setDelegate(nullptr);
@@ -164,13 +166,10 @@ void AudioInput::soundCameBack(AudioRecorder & /*recorder*/)
 /// Told on the main thread, unless another recording has begun by then.
 void AudioInput::tellOfLoss(bool isLost)
 {
-    QMetaObject::invokeMethod(
-        this,
-        [this, isLost, told = recording()] {
-            if (told && told == recording())
-                emit soundIsLost(isLost);
-        },
-        Qt::QueuedConnection);
+    main_queue::async([this, isLost, told = recording(), gone = m_gone.get_token()] {
+        if (!gone.stop_requested() && told && told == recording())
+            emit soundIsLost(isLost);
+    });
 }
 
 } // namespace vornic

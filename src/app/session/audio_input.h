@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 
 namespace vornic {
 
@@ -78,6 +79,7 @@ private:
     std::unique_ptr<AudioRecorder> m_recorder;
     /// The recorder, once it has started: what the capture queue stops. Null where the recording has no sound.
     std::atomic<AudioRecorder *> m_startedRecorder = nullptr;
+    std::stop_source m_gone;                ///< requested at the end: what is queued comes too late
     mutable std::mutex m_mutex;             ///< guards the one below; held for a copy only
     std::shared_ptr<Recording> m_recording; ///< the one that sound belongs to; null before the first
 };
