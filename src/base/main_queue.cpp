@@ -47,6 +47,8 @@ public:
         , m_block(std::move(block))
     {
     }
+    /// Also of one that nobody takes any more, at the end of the application.
+    ~BlockEvent() override { announceReceived(this); }
 
     void run() const { runGuarded("main", m_block); }
 
