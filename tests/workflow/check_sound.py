@@ -65,7 +65,7 @@ def check_movie():
     streams = json.loads(subprocess.run(["ffprobe", "-v", "error", "-of", "json", "-show_streams", movies()[-1]],
                                         capture_output=True, text=True, check=True).stdout)["streams"]
     assert [stream["codec_type"] for stream in streams] == ["video"], streams
-    assert int(streams[0]["nb_frames"]) > 1, streams
+    assert float(streams[0]["duration"]) > 0.1, streams
 
 
 def check_without_input(program):
