@@ -43,8 +43,7 @@ QString ClientProcess::nextLine()
 
 void ClientProcess::signal(int signalNumber)
 {
-    ASSERT_GT(m_process.processId(), 0)
-        << "the program has ended"; // 0 would mean every test that runs beside this one
+    ASSERT_GT(m_process.processId(), 0) << "the program has ended"; // 0 is the whole group for kill()
     ::kill(static_cast<pid_t>(m_process.processId()), signalNumber);
 }
 

@@ -1,7 +1,6 @@
 #include "desktop/open_document.h"
 #include "support/wait_until.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -63,10 +62,3 @@ TEST_F(OpenDocumentTest, WithoutAnOpenerItHasFailed)
 
 } // namespace
 } // namespace vornic
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -2,8 +2,6 @@
 #include "support/wait_until.h"
 #include "support/xvfb_server.h"
 
-#include <QCoreApplication>
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -73,10 +71,3 @@ TEST_F(X11FullScreenWatchTest, WithoutAServerNothingIsFullScreen)
 
 } // namespace
 } // namespace vornic
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -176,10 +176,3 @@ TEST_F(X11GlobalKeyTest, WithoutAServerNoKeyIsHeard)
 
 } // namespace
 } // namespace vornic
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -2,7 +2,6 @@
 #include "support/wait_until.h"
 #include "support/xvfb_server.h"
 
-#include <QCoreApplication>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -63,10 +62,3 @@ TEST_F(X11WindowPresenceTest, KnowsWhetherACompositingManagerRuns)
 
 } // namespace
 } // namespace vornic
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

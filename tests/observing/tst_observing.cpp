@@ -577,11 +577,4 @@ TEST(KeyPathBinding, AnUnknownPropertyOfTheControlBindsNothing)
 } // namespace
 } // namespace vornic
 
-int main(int argc, char **argv)
-{
-    const QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
-
 #include "tst_observing.moc"

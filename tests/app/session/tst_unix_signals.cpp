@@ -40,10 +40,3 @@ TEST(UnixSignalsTest, WhoeverIsInterruptedKeepsItsErrno)
 
 } // namespace
 } // namespace vornic
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}
