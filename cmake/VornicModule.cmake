@@ -41,21 +41,19 @@ function(vornic_test source)
   endif()
 endfunction()
 
-# vornic_fuzzer(<fuzz_name.cpp> LIBS ... [COUNT inputs])
+# vornic_fuzzer(<fuzz_name.cpp> LIBS ...)
 #
-# A program that is fed random inputs: by hand "fuzz_name [inputs [seed]]", and by CTest 100,000, or COUNT. There it takes
-# the processor only while no other test wants it.
+# A program that is fed random inputs: by hand "fuzz_name [inputs [seed]]", and by CTest 100,000, or fewer where a
+# sanitizer makes them slow. There it takes the processor only while no other test wants it.
 function(vornic_fuzzer source)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "COUNT" "LIBS")
-  if(NOT arg_COUNT)
-    set(arg_COUNT 100000)
-  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
+  set(inputs 100000)
   if(VORNIC_SANITIZE)
-    math(EXPR arg_COUNT "${arg_COUNT} / 30")
+    set(inputs 3000)
   endif()
   get_filename_component(name "${source}" NAME_WE)
   add_executable(${name} ${source})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} vornic::test_support vornic::warnings)
-  add_test(NAME ${name} COMMAND nice -n 19 $<TARGET_FILE:${name}> ${arg_COUNT})
+  add_test(NAME ${name} COMMAND nice -n 19 $<TARGET_FILE:${name}> ${inputs})
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500 LABELS unit)
 endfunction()
