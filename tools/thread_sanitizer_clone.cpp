@@ -10,7 +10,7 @@
 
 #include <cstdarg>
 
-/// As of the system library, for a child that shares nothing of what its parent goes on with.
+/// In place of the system library's: the child gets a copy of the memory.
 extern "C" int clone(int (*work)(void *), void * /*stack*/, int flags, void *argument, ...)
 {
     std::va_list rest;

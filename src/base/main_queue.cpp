@@ -47,7 +47,7 @@ public:
         , m_block(std::move(block))
     {
     }
-    /// Also of one that nobody takes any more, at the end of the application.
+    /// What is never delivered goes with the application, on the main thread.
     ~BlockEvent() override { announceReceived(this); }
 
     void run() const { runGuarded("main", m_block); }

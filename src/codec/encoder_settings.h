@@ -41,8 +41,8 @@ constexpr std::int64_t minVideoBitrate = 16000;
 /// followed by one.
 constexpr std::int64_t keyFrameSeconds = 2;
 
-/// The same while nothing changes: a key frame of a page of text takes 600 KB, and an hour of such a page 1 GB with one
-/// every two seconds. Where there is sound, that is what is sought in such a stretch, and some players seek key frames.
+/// The same while nothing changes. A key frame of a page of text takes 600 KB; one every two seconds would make an hour
+/// of it 1 GB. Where there is sound, people seek in it, and some players stop at key frames only.
 constexpr std::int64_t stillKeyFrameSeconds = 300;
 constexpr std::int64_t stillKeyFrameSecondsWithSound = 30;
 

@@ -15,7 +15,7 @@ MovieFile::MovieFile(QString filename, std::stop_token stop)
     , m_stop(std::move(stop))
     , m_part(m_filename)
 {
-    // Also what a program left that was killed before its journal named the folder.
+    // A program that was killed before its journal named the folder has left one that no recovery looks for.
     removeStalePartFiles(folderOfMovie(m_filename));
     createFormat();
     m_writer.emplace(m_part.borrowedDescriptor(), DescriptorStream::Mode::Write, m_stop);

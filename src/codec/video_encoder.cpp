@@ -116,7 +116,7 @@ void VideoEncoder::encode(const FrameTimeline::Shown &shown, const PacketSink &s
     send(picture.get(), sink);
 }
 
-/// Already now where the next frame would come too late for one.
+/// Also where the next frame would come too late for one.
 bool VideoEncoder::isKeyFrameDue(const FrameTimeline::Shown &shown) const
 {
     const std::int64_t seconds = m_hasChanged ? encoder_settings::keyFrameSeconds : m_stillKeyFrameSeconds;

@@ -92,7 +92,7 @@ def a_frozen_server_under_the_window(stage):
 
 
 def rests(pid):
-    """The main thread has waited for a while, and for nothing that comes at once."""
+    """The main thread has done nothing for a third of a second."""
     def times_waited():
         with open(f"/proc/{pid}/task/{pid}/status", encoding="ascii") as file:
             return next(line for line in file if line.startswith("voluntary_ctxt_switches"))

@@ -44,7 +44,7 @@ protected:
         return process;
     }
 
-    /// One that has ended has the number 0, which would mean every test that runs beside this one.
+    /// A process that has ended has the id 0, and kill() takes that for the whole group: all tests that run beside it.
     static void signal(const QProcess &process, int number)
     {
         ASSERT_GT(process.processId(), 0) << "the program has ended";
