@@ -13,13 +13,11 @@ namespace {
 constexpr std::int64_t defaultDuration = PKTimebase / 30;
 
 /// How long equal frames become one at most. A player that seeks waits for a picture no longer than that, and the
-/// encoder can make a still picture sharper step by step.
+/// encoder makes a still picture sharper with each: soon after a change, while it can still be seen to get sharper, it
+/// has shorter ones.
 constexpr std::int64_t longestStill = PKTimebase / 2;
-
-bool lastsOn(const FrameTimeline::Shown &shown, const FrameTimeline::Shown &next)
-{
-    return !next.isNew && next.end - shown.frame->timeStamp() <= longestStill;
-}
+constexpr std::int64_t longestWhileSettling = PKTimebase / 10;
+constexpr std::int64_t settlingTime = PKTimebase / 2;
 
 } // namespace
 
@@ -50,9 +48,13 @@ std::optional<FrameTimeline::Shown> FrameTimeline::nextFrame()
 std::optional<FrameTimeline::Shown> FrameTimeline::next()
 {
     std::optional<Shown> shown = m_pending ? std::exchange(m_pending, std::nullopt) : nextFrame();
+    if (shown && shown->isNew)
+        m_changed = shown->frame->timeStamp();
     while (shown && (m_pending = nextFrame())) {
         m_pending->isNew = !m_pending->frame->sharesPixelsWith(*shown->frame);
-        if (!lastsOn(*shown, *m_pending))
+        const std::int64_t begin = shown->frame->timeStamp();
+        const std::int64_t longest = begin - m_changed < settlingTime ? longestWhileSettling : longestStill;
+        if (m_pending->isNew || m_pending->end - begin > longest)
             break;
         shown->end = m_pending->end;
         shown->frames += m_pending->frames;

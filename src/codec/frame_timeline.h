@@ -40,6 +40,7 @@ private:
     Source m_source;
     std::optional<Shown> m_pending;                   ///< read already, with its end
     std::shared_ptr<const PKVideoFrame2> m_following; ///< the one behind it
+    std::int64_t m_changed = 0;                       ///< when the picture that is shown was new, ticks
     bool m_hasBegun = false;
     std::int64_t m_framesSkipped = 0;
 };

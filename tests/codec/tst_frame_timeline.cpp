@@ -113,16 +113,32 @@ TEST_F(FrameTimelineTest, equalFramesAreOneToTheTick)
     EXPECT_PRED1(shows(9001, 9019, 2), all[1]);
 }
 
-TEST_F(FrameTimelineTest, equalFramesAreOneForHalfASecondAtMost)
+TEST_F(FrameTimelineTest, equalFramesAreOneForATenthOfASecondUntilTheyHaveSettledAndThenForHalf)
 {
     add(0);
     for (int i = 1; i < 32; ++i)
         addSame(i * thirtieth, thirtieth);
     const auto all = shown();
-    ASSERT_EQ(all.size(), 3U);
-    EXPECT_PRED1(shows(0, PKTimebase / 2, 15), all[0]);
-    EXPECT_PRED1(shows(PKTimebase / 2, PKTimebase, 15), all[1]);
-    EXPECT_PRED1(shows(PKTimebase, PKTimebase + 2 * thirtieth, 2), all[2]);
+    ASSERT_EQ(all.size(), 7U);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_PRED1(shows(3 * i * thirtieth, 3 * (i + 1) * thirtieth, 3), all[static_cast<std::size_t>(i)]);
+    EXPECT_PRED1(shows(PKTimebase / 2, PKTimebase, 15), all[5]);
+    EXPECT_PRED1(shows(PKTimebase, PKTimebase + 2 * thirtieth, 2), all[6]);
+}
+
+TEST_F(FrameTimelineTest, eachChangeSettlesAnew)
+{
+    add(0);
+    for (int i = 1; i < 25; ++i)
+        addSame(i * thirtieth);
+    add(25 * thirtieth);
+    for (int i = 26; i < 30; ++i)
+        addSame(i * thirtieth, thirtieth);
+    const auto all = shown();
+    ASSERT_EQ(all.size(), 8U);
+    EXPECT_PRED1(shows(15 * thirtieth, 25 * thirtieth, 10), all[5]);
+    EXPECT_PRED1(shows(25 * thirtieth, 28 * thirtieth, 3), all[6]);
+    EXPECT_PRED1(shows(28 * thirtieth, 30 * thirtieth, 2), all[7]);
 }
 
 TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
@@ -133,11 +149,9 @@ TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
     add(32 * thirtieth);
     add(33 * thirtieth, thirtieth);
     const auto all = shown();
-    ASSERT_EQ(all.size(), 5U);
-    for (const std::size_t i : { 0U, 3U, 4U })
-        EXPECT_TRUE(all[i].isNew) << i;
-    for (const std::size_t i : { 1U, 2U })
-        EXPECT_FALSE(all[i].isNew) << i;
+    ASSERT_EQ(all.size(), 9U);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        EXPECT_EQ(all[i].isNew, i == 0 || i >= 7) << i;
 }
 
 TEST_F(FrameTimelineTest, aFrameThatLastsLongerByItselfStaysAsItIs)

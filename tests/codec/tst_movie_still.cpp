@@ -87,11 +87,12 @@ TEST_F(MovieStillTest, everyChangeIsShownAtItsTimeAndWhatStaysIsNotStoredAgain)
     for (const qint64 change : m_changes)
         EXPECT_TRUE(times.contains(change)) << change;
     for (qsizetype i = 0; i < times.size(); ++i) {
-        EXPECT_LE(durations[i], PKTimebase / 2) << "at " << times[i];
+        const qint64 change = *std::prev(std::ranges::upper_bound(m_changes, times[i]));
+        const bool isSettling = times[i] - change < PKTimebase / 2;
+        EXPECT_LE(durations[i], isSettling ? PKTimebase / 10 : PKTimebase / 2) << "at " << times[i];
         EXPECT_EQ(times[i] + durations[i], i + 1 < times.size() ? times[i + 1] : m_now);
     }
-    // Fourteen passes take a little less than half a second.
-    EXPECT_EQ(times.size(), 1 + 3 + 1 + 1 + 1 + 8 + 1);
+    EXPECT_LT(times.size(), m_passes / 4);
 }
 
 TEST_F(MovieStillTest, whatStaysNeedsAKeyFrameEveryFiveMinutesOnly)
@@ -182,10 +183,12 @@ TEST_F(MovieStillTest, whatStaysBesideABlinkingCursorIsTheSamePixels)
     const QJsonObject probed = probe(m_movie);
     const QList<qint64> isKey
         = numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), QStringLiteral("key_frame"));
-    ASSERT_EQ(isKey.size(), 20);
+    constexpr int picturesABlink = 5;
+    ASSERT_EQ(isKey.size(), 20 * picturesABlink);
     const QByteArray planes = decodedPlanes(m_movie);
     int compared = 0;
-    for (qsizetype i = 5; i < isKey.size(); ++i) {
+    // Some seconds long the page gets sharper.
+    for (qsizetype i = 8 * picturesABlink; i < isKey.size(); ++i) {
         // A key frame is made of nothing, and the picture behind it makes up for what that had to leave out.
         if (isKey[i] == 1 || isKey[i - 1] == 1)
             continue;
@@ -194,7 +197,7 @@ TEST_F(MovieStillTest, whatStaysBesideABlinkingCursorIsTheSamePixels)
         EXPECT_LE(difference.largest, 8) << "picture " << i;
         ++compared;
     }
-    EXPECT_GE(compared, 6);
+    EXPECT_GE(compared, 6 * picturesABlink);
 }
 
 } // namespace

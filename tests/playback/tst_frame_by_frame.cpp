@@ -286,7 +286,8 @@ TEST_P(FrameByFrame, EachChangeLooksAsGood)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seed, FrameByFrame, ::testing::Range(1U, 3U));
+/// With pieces of half a second from the first, 18, 20 and 31 are worse by up to 4 dB.
+INSTANTIATE_TEST_SUITE_P(Seed, FrameByFrame, ::testing::Values(1U, 2U, 18U, 20U, 31U));
 
 } // namespace
 } // namespace vornic::testing
