@@ -54,7 +54,7 @@ TEST_P(AudioControlTest, InputsAreThereFromTheFirstQuestionOn)
     EXPECT_FALSE(server->addOutput("speakers", "Speakers").isEmpty());
     EXPECT_FALSE(server->addMicrophone("mic", "Desk microphone").isEmpty());
     EXPECT_FALSE(server->addMicrophone("mic2", "Desk microphone").isEmpty());
-    server->pactl({ "set-default-source", "speakers.monitor" });
+    ASSERT_TRUE(server->setDefault("source", "speakers.monitor"));
     open();
     EXPECT_EQ(names, QStringList({ "Monitor of Speakers", "Desk microphone", "Desk microphone (2)" }));
     EXPECT_NE(control->deviceIDFromName("Desk microphone"), control->deviceIDFromName("Desk microphone (2)"));
@@ -98,10 +98,10 @@ TEST_P(AudioControlTest, AnotherDefaultBecomesTheFirst)
 {
     EXPECT_FALSE(server->addMicrophone("mic", "Desk microphone").isEmpty());
     EXPECT_FALSE(server->addMicrophone("headset", "Headset").isEmpty());
-    server->pactl({ "set-default-source", "mic" });
+    ASSERT_TRUE(server->setDefault("source", "mic"));
     open();
     EXPECT_EQ(names, QStringList({ "Desk microphone", "Headset" }));
-    server->pactl({ "set-default-source", "headset" });
+    ASSERT_TRUE(server->setDefault("source", "headset"));
     EXPECT_TRUE(showsSoon({ "Headset", "Desk microphone" }));
 }
 

@@ -290,7 +290,7 @@ TEST_P(AudioRecorderTest, SwitchesTheDeviceWhileRecording)
 {
     const auto tone = playTone();
     const auto recorder = recorderOf("Desk microphone");
-    server->pactl({ "set-default-sink", "speakers" });
+    ASSERT_TRUE(server->setDefault("sink", "speakers"));
     ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
     ASSERT_TRUE(delivers(0.5));
     EXPECT_EQ(collector.loudestSince(0), 0);

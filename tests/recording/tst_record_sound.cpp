@@ -15,8 +15,8 @@ TEST_P(RecordSoundTest, DevicesAreListedAndTheNamedOneIsRecorded)
     EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
     EXPECT_FALSE(sound->addOutput("headset", "Headset").isEmpty());
     EXPECT_FALSE(sound->addMicrophone("mic", "Desk microphone").isEmpty());
-    sound->pactl({ "set-default-source", "speakers.monitor" });
-    sound->pactl({ "set-default-sink", "headset" });
+    ASSERT_TRUE(sound->setDefault("source", "speakers.monitor"));
+    ASSERT_TRUE(sound->setDefault("sink", "headset"));
     const Result devices = vornic({ "devices" });
     EXPECT_EQ(devices.status, 0);
     EXPECT_EQ(devices.output.toStdString(), "Monitor of Speakers\nDesk microphone\nMonitor of Headset\n");

@@ -156,6 +156,14 @@ QString SoundServer::pactl(const QStringList &arguments) const
     return QString::fromUtf8(file.readAll()).trimmed();
 }
 
+bool SoundServer::setDefault(const QString &kind, const QString &name) const
+{
+    return waitUntil([&] {
+        pactl({ "set-default-" + kind, name });
+        return pactl({ "get-default-" + kind }) == name;
+    });
+}
+
 QString SoundServer::addOutput(const QString &name, const QString &description)
 {
     return pactl({ "load-module",

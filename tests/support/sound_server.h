@@ -47,6 +47,9 @@ public:
     void remove(const QString &device);
     /// Gives an input another description; PulseAudio only.
     void rename(const QString &name, const QString &description);
+    /// Makes a device the default of its \a kind, "sink" or "source"; true once the server names it so. PipeWire leaves
+    /// that to another process, and has forgotten a device for it that was not there yet.
+    [[nodiscard]] bool setDefault(const QString &kind, const QString &name) const;
     /// pactl with \a arguments, to its end: what it says on standard output, without the last line's end.
     QString pactl(const QStringList &arguments) const;
 
