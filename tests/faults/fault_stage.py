@@ -154,16 +154,25 @@ class FaultStage:
 
     def wait_for_window(self, title):
         """The number of a visible window with such a title."""
-        def find():
-            return self.xdotool("search", "--onlyvisible", "--name", title)
-        wait_until(lambda: find() or self.program.poll() is not None, f"there was a window {title}", poll=0.05)
-        expect(self.program.poll() is None, "the program ended: " + self.said())
-        return find().split()[-1]
+        return self.wait_for_number(
+            lambda: self.xdotool("search", "--onlyvisible", "--name", title).split(), f"there was a window {title}")
+
+    def wait_for_number(self, find, what):
+        """The last of the windows that find() gives, once there is one: soon after it may be gone again."""
+        found = []
+
+        def is_there():
+            found[:] = find()
+            return found or self.program.poll() is not None
+        wait_until(is_there, what, poll=0.05)
+        expect(found, "the program ended: " + self.said())
+        return found[-1]
 
     def windows(self):
-        """The names of the program's windows on the screen, by their numbers."""
+        """The names of the program's windows on the screen, by their numbers; one that has just gone has none."""
         numbers = self.xdotool("search", "--onlyvisible", "--pid", str(self.program.pid), "--name", ".").split()
-        return {number: self.xdotool("getwindowname", number) for number in numbers}
+        names = {number: self.xdotool("getwindowname", number) for number in numbers}
+        return {number: name for number, name in names.items() if name}
 
     def wait_for_question(self, known=()):
         """The number of a window that is neither the main window nor the stop bar, nor known."""
@@ -172,9 +181,7 @@ class FaultStage:
         def find():
             return [number for number, name in self.windows().items()
                     if number != main and number not in known and name != "Stop recording"]
-        wait_until(lambda: find() or self.program.poll() is not None, "something was asked", poll=0.05)
-        expect(self.program.poll() is None, "the program ended: " + self.said())
-        return find()[-1]
+        return self.wait_for_number(find, "something was asked")
 
     def xdotool(self, *arguments):
         return subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True, text=True,
