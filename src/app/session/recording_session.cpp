@@ -375,8 +375,8 @@ void RecordingSession::stopRecord()
 /// False where a picture is kept already, or this was asked for before.
 bool RecordingSession::endWithFirstFrame()
 {
-    const bool hasNoPicture = !m_recording->isCaptured || awaitsOrigin();
-    if (m_phase != Phase::Capturing || !hasNoPicture || std::exchange(m_recording->endsWithFirstFrame, true))
+    if (m_phase != Phase::Capturing || m_recording->framesGrabbed > 0
+        || std::exchange(m_recording->endsWithFirstFrame, true))
         return false;
     beginCapture();
     goOnWithoutSound();

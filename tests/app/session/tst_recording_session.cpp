@@ -369,6 +369,20 @@ TEST_F(RecordingSessionTest, AStopWhileSoundIsAwaitedKeepsAPictureAllTheSame)
     EXPECT_EQ(frontEnd.announcedFlaws, "No sound came: the movie has none.");
 }
 
+TEST_F(RecordingSessionTest, AStopRightBehindGoingOnWithoutSoundKeepsAPicture)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains("soundIsMissing"); }));
+    frontEnd.goOnWithoutSound();
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    EXPECT_EQ(session->failure(), "");
+    EXPECT_EQ(session->counts().framesWritten, 1U);
+}
+
 TEST_F(RecordingSessionTest, WhoQuitsWhileSoundIsAwaitedFindsAPicture)
 {
     audioControl.names += "Microphone";
