@@ -101,13 +101,6 @@ def quit_recording(vornic, work):
     return recording, 1, "The recording is kept: vornic recover "
 
 
-def quit_writing(vornic, work):
-    recording = Recording(vornic, work, options=("--duration", "3"))
-    recording.wait_for("Writing the movie")
-    recording.send(signal.SIGQUIT)
-    return recording, 1, "The recording is kept: vornic recover "
-
-
 def hang_up_ignored(vornic, work):
     recording = Recording(vornic, work, shell="trap '' HUP")
     recording.wait_for("00:00:00")
@@ -146,7 +139,6 @@ def removed_folder(vornic, work):
 FAULTS = {
     "Ctrl-C twice at once": twice,
     "SIGQUIT while recording": quit_recording,
-    "SIGQUIT while writing": quit_writing,
     "SIGHUP under nohup": hang_up_ignored,
     "terminal stopped": stopped_terminal,
     "closed descriptors": closed_descriptors,

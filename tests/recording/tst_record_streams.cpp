@@ -1,22 +1,14 @@
-#include "base/PKTimebase.h"
-#include "capture/record/VNBufferDiscr.h"
-#include "capture/spool/VNBufferMgr.h"
-#include "codec/PKMuxerContext.h"
-#include "display/bitmap_image.h"
+#include "long_recording.h"
 #include "program_fixture.h"
 #include "support/pseudo_terminal.h"
-#include "support/test_pictures.h"
 
 #include <QFileInfo>
-#include <QImage>
 
 #include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
-#include <memory>
 
 namespace vornic {
 namespace {
@@ -145,27 +137,6 @@ TEST_F(RecordStreamsTest, WhoAsksTwiceIsToldWhatIsGoingOn)
 class LeavingTest : public RecordStreamsTest
 {
 protected:
-    /// A recording by nobody whose movie takes some seconds to write; its id.
-    QString storeLongRecording() const
-    {
-        constexpr QSize size(640, 360);
-        constexpr int pictures = 300;
-        qputenv("XDG_CACHE_HOME", QFile::encodeName(folder.filePath("cache")));
-        VNBufferMgr spool(4);
-        spool.readyToRecord();
-        spool.setRecordRect(QRectF(QPointF(), QSizeF(size)));
-        spool.setMuxerContext(std::make_shared<PKMuxerContext>(movie()));
-        const std::array<QImage, 2> noise { test::noisePicture(size, 1), test::noisePicture(size, 2) };
-        for (std::uint64_t i = 0; i < pictures; ++i) {
-            const auto record = VNBufferDiscr::createWithScreenImage(bitmapImageFrom(noise[i % 2]));
-            record->setBufferTimestamp(i * PKTimebase / 10);
-            spool.pushRecordBuffer(*record);
-        }
-        spool.endVideoRecord();
-        const QString id = spool.recordingId();
-        spool.keep();
-        return id;
-    }
     void expectOnlyTheRecordingIsLeft(QProcess &process, QString error) const
     {
         signal(process, SIGQUIT);
@@ -196,7 +167,7 @@ TEST_F(LeavingTest, AQuitWhileItIsRecordedLeavesNothingButTheRecording)
 
 TEST_F(LeavingTest, AQuitWhileTheMovieIsWrittenLeavesNothingButTheRecording)
 {
-    const auto process = startVornic({ "recover", storeLongRecording() });
+    const auto process = startVornic({ "recover", storeLongRecording(folder.filePath("cache"), movie()) });
     QString error;
     ASSERT_TRUE(waitForText(*process, "Writing the movie", error)) << error.toStdString();
     expectOnlyTheRecordingIsLeft(*process, error);

@@ -1,5 +1,6 @@
 #include "capture/spool/VNDataBlock.h"
 #include "capture/spool/journal_contents.h"
+#include "long_recording.h"
 #include "program_fixture.h"
 
 #include <QRegularExpression>
@@ -283,8 +284,7 @@ TEST_F(RecoverCommandTest, AMovieThatCannotBeWrittenTellsTheWayOn)
 
 TEST_F(RecoverCommandTest, WhatAKilledWriterLeftIsGoneAtTheNextStart)
 {
-    region = "0,0,1920,1080"; // which takes the encoder a while
-    const QString id = killedRecording(std::chrono::milliseconds(2000));
+    const QString id = storeLongRecording(folder.filePath("cache"), movie());
     const auto process = startVornic({ "recover", id });
     ASSERT_TRUE(test::waitUntil([this] { return !entries().filter(".part").isEmpty(); }));
     process->kill();
