@@ -937,6 +937,7 @@ TEST_F(DelegateTest, AChunkOf19200BytesYields4800Samples)
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
     const QByteArray samples(19'200, 'a');
     source.deliver(samples.constData(), 19'200);
+    ASSERT_TRUE(runUntilGrabbed(1)); // a stop before would wait for it, on this thread
     delegate->stopRecord();
     const auto frame = delegate->PKMuxerTaskGetAudioFrame();
     ASSERT_TRUE(frame);
@@ -961,6 +962,7 @@ TEST_F(DelegateTest, AChunkOf8BitsIsHandedOnAsSuch)
     ASSERT_TRUE(runUntil([&] { return source.startCount == 1; }));
     const QByteArray samples(9'600, '\x70');
     source.deliver(samples.constData(), 9'600);
+    ASSERT_TRUE(runUntilGrabbed(1)); // a stop before would wait for it, on this thread
     delegate->stopRecord();
     const auto frame = delegate->PKMuxerTaskGetAudioFrame();
     ASSERT_TRUE(frame);
@@ -1046,6 +1048,7 @@ TEST_F(DelegateTest, AChunkThatIsLostOnTheDiskShiftsNoOther)
     ASSERT_TRUE(spool.seek(second) && spool.write("damage") == 6);
     spool.close();
     deliverAndWaitForDisk('c');
+    ASSERT_TRUE(runUntilGrabbed(1)); // a stop before would wait for it, on this thread
     delegate->stopRecord();
     QByteArray heard;
     while (const auto block = delegate->PKMuxerTaskGetAudioFrame())
