@@ -1,14 +1,13 @@
 #pragma once
 
-#include "display/shared_pixels.h"
+#include "display/band_store.h"
 #include "display/x11/x11_damage.h"
 #include "display/x11/x11_pixel_format.h"
 #include "display/x11/x11_segment.h"
 
 #include <QRect>
 
-#include <xxhash.h>
-
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -17,7 +16,9 @@
 
 namespace vornic {
 
+class BitmapImage;
 class ChangedBands;
+class SharedPixels;
 class X11Changes;
 class X11Connection;
 struct BandRun;
@@ -38,36 +39,24 @@ public:
     [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &onRoot, std::uint64_t layoutVersion);
 
 private:
-    /// Memory that the server can write to.
-    struct Memory {
+    /// Where the server writes pixels that need a conversion.
+    struct Staging {
         std::shared_ptr<SharedPixels> pixels;
-        std::unique_ptr<X11Segment> segment; ///< null where the server need not write to it
-    };
-    /// Memory for a whole picture, and the version of the band that stands in each place; 0 for none.
-    struct Slot {
-        Memory memory;
-        std::vector<std::uint64_t> versions;
-    };
-    /// What is known of one band of the current picture.
-    struct Band {
-        std::uint64_t version = 0;
-        XXH128_hash_t hash {};
+        std::unique_ptr<X11Segment> segment;
     };
 
     void startAnew(const QRect &onRoot, std::uint64_t layoutVersion);
     [[nodiscard]] bool update();
-    [[nodiscard]] bool updateSlot(Slot &slot, const ChangedBands &changed);
     [[nodiscard]] bool makeStaging();
-    [[nodiscard]] Slot *slotToWrite();
-    [[nodiscard]] std::optional<Memory> newMemory(std::size_t size, bool forServer);
-    void bringUpToDate(Slot &slot, const ChangedBands &exceptFor);
-    [[nodiscard]] bool fetch(const Memory &memory, const std::vector<BandRun> &runs);
-    void readBands(Slot &slot, const BandRun &run);
-    void checkReports(const ChangedBands &reported, const std::vector<Band> &before);
+    [[nodiscard]] std::shared_ptr<SharedPixels> newMemory(std::size_t size,
+                                                          std::unique_ptr<X11Segment> *segment);
+    [[nodiscard]] std::optional<BandStore::Fetched>
+    fetch(int slot, const uchar *pixels, const std::vector<BandRun> &runs);
+    [[nodiscard]] bool fetch(const X11Segment &segment, const std::vector<BandRun> &runs);
+    void checkReports(const ChangedBands &reported, const std::vector<std::uint64_t> &before);
 
     [[nodiscard]] int rowsOf(const BandRun &run) const;
     [[nodiscard]] std::size_t serverOffset(int band) const;
-    [[nodiscard]] std::size_t imageOffset(int band) const;
 
     X11Connection &m_connection;
     X11Changes &m_changes;
@@ -76,10 +65,9 @@ private:
     X11Damage m_damage;
     QRect m_onRoot;
     std::uint64_t m_layoutVersion = 0;
-    std::vector<Band> m_bands;
-    std::vector<std::unique_ptr<Slot>> m_slots;
-    Slot *m_current = nullptr;       ///< shows m_bands; null: the whole picture must be fetched
-    std::optional<Memory> m_staging; ///< where the server writes pixels that need a conversion
+    std::array<std::unique_ptr<X11Segment>, BandStore::slotCount> m_segments; ///< null where there is staging
+    BandStore m_store;
+    Staging m_staging; ///< empty where the server's pixels are those of an image
     bool m_reportsAreComplete = true;
     double m_lastWholeFetch = 0; ///< seconds of the absolute clock
 };
