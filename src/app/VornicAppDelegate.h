@@ -102,6 +102,8 @@ public:
     {
         return m_session && m_session->phase() == RecordingSession::Phase::Capturing;
     }
+    /// The desktop is asked for its screen, which a stop gives up.
+    [[nodiscard]] bool awaitsDisplay() const { return m_session && m_session->awaitsDisplay(); }
     void recorded() { m_session->recorded(); }
     void recordNow(const QString &file = {}) { m_session->recordNow(file); }
     void startRecordSelectOutFile() { m_session->startRecordSelectOutFile(); }

@@ -25,9 +25,21 @@ struct CursorShape {
     friend bool operator==(const CursorShape &, const CursorShape &) = default;
 };
 
+/// What has become of the wish to record a display.
+struct DisplayAccess {
+    enum class State {
+        Granted,
+        Declined, ///< by the user, who need not be told
+        Failed,
+    };
+    State state = State::Granted;
+    QString whyNot; ///< one sentence for the user where it has failed
+};
+
 /// The main display of a desktop, as a recorder needs it.
 ///
-/// Made through the table of backends (displayBackends()); every function may be called from any thread.
+/// Made through the table of backends (displayBackends()); every function may be called from any thread but prepare() and
+/// release(), which belong to the main thread.
 /// Coordinates are device pixels from the main display's top left, y down, wherever it stands on the desktop.
 class DisplayBackend
 {
@@ -35,6 +47,16 @@ public:
     virtual ~DisplayBackend() = default;
     DisplayBackend(const DisplayBackend &) = delete;
     DisplayBackend &operator=(const DisplayBackend &) = delete;
+
+    using AccessAnswer = std::function<void(const DisplayAccess &)>;
+
+    /// Makes the display ready for the grabs of a recording, which may be a question to its user, with no limit on the
+    /// time that he takes. \a answer is called once, now or later; never when release() was called before. A display
+    /// that is ready says so at once. \a parentWindow: above which window such a question is to stand, as the desktop's
+    /// portals name windows; empty for none.
+    virtual void prepare(const QString & /*parentWindow*/, const AccessAnswer &answer) { answer({}); }
+    /// There is no recording any more, nor the wish for one: undoes prepare(), or gives it up.
+    virtual void release() { }
 
     /// The id of the main display; 0 means that there is none.
     [[nodiscard]] virtual std::uint32_t mainDisplayId() const = 0;

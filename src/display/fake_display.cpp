@@ -118,6 +118,27 @@ int FakeDisplay::grabCount() const
     return m_state->grabs;
 }
 
+void FakeDisplay::prepare(const QString & /*parentWindow*/, const AccessAnswer &answer)
+{
+    m_isClaimed = true;
+    if (m_asksForAccess)
+        m_accessAnswer = answer;
+    else
+        answer({});
+}
+
+void FakeDisplay::release()
+{
+    m_isClaimed = false;
+    m_accessAnswer = nullptr;
+}
+
+void FakeDisplay::answerAccess(const DisplayAccess &access)
+{
+    if (const AccessAnswer answer = std::exchange(m_accessAnswer, nullptr))
+        answer(access);
+}
+
 std::uint32_t FakeDisplay::mainDisplayId() const
 {
     const std::lock_guard lock(m_mutex);

@@ -8,7 +8,7 @@ namespace vornic {
 
 /// A display without a server: it shows the picture, pointer and shape that it was given last.
 ///
-/// For tests, and chosen only by VORNIC_DISPLAY=fake. Setters and the backend's functions from any thread.
+/// For tests, and chosen only by VORNIC_DISPLAY=fake. Any thread, but for what is marked.
 class FakeDisplay final : public DisplayBackend
 {
 public:
@@ -26,7 +26,16 @@ public:
     void setReportedSize(QSize size);
     void setMainDisplayId(std::uint32_t id);
     [[nodiscard]] int grabCount() const;
+    /// True leaves every prepare() from now on to answerAccess(). Main thread, as the three below.
+    void setAsksForAccess(bool asks) { m_asksForAccess = asks; }
+    /// Whether a prepare() waits for its answer.
+    [[nodiscard]] bool isAsking() const { return m_accessAnswer != nullptr; }
+    void answerAccess(const DisplayAccess &access);
+    /// Between prepare() and release().
+    [[nodiscard]] bool isClaimed() const { return m_isClaimed; }
 
+    void prepare(const QString &parentWindow, const AccessAnswer &answer) override;
+    void release() override;
     [[nodiscard]] std::uint32_t mainDisplayId() const override;
     [[nodiscard]] QSize mainDisplaySize() const override;
     [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) override;
@@ -37,6 +46,9 @@ private:
     struct State;
     mutable std::mutex m_mutex;
     std::shared_ptr<State> m_state;
+    bool m_asksForAccess = false; ///< on the main thread, as the two below
+    bool m_isClaimed = false;
+    AccessAnswer m_accessAnswer;
 };
 
 } // namespace vornic

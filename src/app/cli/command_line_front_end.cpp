@@ -52,6 +52,12 @@ void CommandLineFrontEnd::runSavePanel(const QString & /*name*/,
     answer(m_line.file);
 }
 
+void CommandLineFrontEnd::displayDeclined()
+{
+    alertError(
+        QCoreApplication::translate("vornic", "The desktop was not allowed to show its screen to Vornic."));
+}
+
 void CommandLineFrontEnd::showStopItem(const QString & /*title*/, const QRectF & /*recorded*/)
 {
     if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))

@@ -45,6 +45,7 @@ public:
     void runSavePanel(const QString &name,
                       const QString &type,
                       std::function<void(std::optional<QString> path)> answer) override;
+    void displayDeclined() override;
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
     void hideStopItem() override;

@@ -1,6 +1,7 @@
 #include "app/cli/record_command.h"
 
 #include "app/cli/command_line_front_end.h"
+#include "app/cli/display_claim.h"
 #include "app/cli/exit_status.h"
 #include "app/cli/recording_deadline.h"
 #include "app/cli/run_session.h"
@@ -93,11 +94,25 @@ void tellOfDevices(const CommandLine &line, CommandLineFrontEnd &frontEnd)
         standardError().writeLine(QStringLiteral("  ") + name);
 }
 
-/// Everything that can be known to go wrong before the recording starts.
+/// Everything that can be known to go wrong before the display's user is asked for it.
 QString whyNotRecord(const CommandLine &line)
 {
     if (QString reason = noDisplayReason(); !reason.isEmpty())
         return reason;
+    if (QString reason = whyNoSound(line); !reason.isEmpty())
+        return reason;
+    if (QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
+        return reason;
+    if (isThere(line.file) && !line.overwrite)
+        return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
+    if (QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
+        return reason;
+    return whyTooLittleSpace(line.ignoreLowSpace);
+}
+
+/// The display's size may be known only once it is ready to be recorded.
+QString whyNoSuchRegion(const CommandLine &line)
+{
     const QSize display = mainDisplay()->mainDisplaySize();
     if (line.region && !line.region->intersects(QRect(QPoint(0, 0), display)))
         return QCoreApplication::translate(
@@ -108,15 +123,7 @@ QString whyNotRecord(const CommandLine &line)
             .arg(line.region->height())
             .arg(display.width())
             .arg(display.height());
-    if (QString reason = whyNoSound(line); !reason.isEmpty())
-        return reason;
-    if (QString reason = whyNoMovieCanBeWritten(line.file); !reason.isEmpty())
-        return reason;
-    if (isThere(line.file) && !line.overwrite)
-        return QCoreApplication::translate("vornic", "%1 exists; --overwrite replaces it.").arg(line.file);
-    if (QString reason = whyNothingCanBeSpooled(); !reason.isEmpty())
-        return reason;
-    return whyTooLittleSpace(line.ignoreLowSpace);
+    return {};
 }
 
 std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
@@ -166,6 +173,13 @@ int runRecordCommand(const CommandLine &line)
     }
     if (!isDeviceThere(line)) {
         tellOfDevices(line, frontEnd);
+        return exit_status::failed;
+    }
+    const DisplayClaim display(frontEnd);
+    if (!display.isGranted())
+        return exit_status::failed;
+    if (const QString reason = whyNoSuchRegion(line); !reason.isEmpty()) {
+        frontEnd.alertError(reason);
         return exit_status::failed;
     }
     cleanUpLeftBehind();

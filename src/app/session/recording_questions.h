@@ -29,6 +29,10 @@ public:
     virtual void askToRecordWithoutSound(std::function<void(bool goOn)> answer) { answer(true); }
     /// How a recording is stopped, told before it starts.
     virtual void showHint(std::function<void(int response)> answer) { answer(responseContinue); }
+    /// The window above which the desktop's own questions are to stand, as its portals name windows; empty for none.
+    [[nodiscard]] virtual QString parentWindow() const { return {}; }
+    /// The user did not want the desktop to show its screen to this program; he knows.
+    virtual void displayDeclined() { }
     /// Counts down on the screen to the start; false when the user thinks better of it.
     virtual void countDown(std::function<void(bool goOn)> answer) { answer(true); }
     /// The movie could not be written, but the recording is still there: another file for it, or nothing to

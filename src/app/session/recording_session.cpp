@@ -24,6 +24,7 @@
 #include "capture/spool/recording_description.h"
 #include "codec/PKMuxerContext.h"
 #include "codec/PKMuxerTask.h"
+#include "display/display_backend.h"
 #include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
 
@@ -58,6 +59,7 @@ RecordingSession::~RecordingSession()
 {
     // The capture queue is waited for, and its pass may itself be waiting for this thread.
     m_loop->abandon();
+    releaseDisplay();
 }
 
 void RecordingSession::adopt(std::shared_ptr<Recording> recording)
@@ -117,7 +119,7 @@ void RecordingSession::recordNow(const QString &file)
     beginAsking([this, file] {
         choose(file.isEmpty() ? newMovieFile() : file);
         if (!isThere(m_chosenFile)) {
-            countDown();
+            prepareDisplay();
             return;
         }
         m_frontEnd.questions.alertError(tr("The file %1 exists already.").arg(m_chosenFile));
@@ -181,10 +183,42 @@ void RecordingSession::startRecorderWithHintWindow()
 {
     m_frontEnd.questions.showHint([this](int response) {
         if (response == RecordingQuestions::responseContinue)
-            main_queue::async([this] { countDown(); });
+            main_queue::async([this] { prepareDisplay(); });
         else
             refuse();
     });
+}
+
+void RecordingSession::prepareDisplay()
+{
+    m_awaitsDisplay = true;
+    m_claimedDisplay = mainDisplay();
+    m_claimedDisplay->prepare(m_frontEnd.questions.parentWindow(),
+                              [session = QPointer(this)](const DisplayAccess &access) {
+                                  if (session)
+                                      session->displayAnswered(access);
+                              });
+}
+
+void RecordingSession::displayAnswered(const DisplayAccess &access)
+{
+    m_awaitsDisplay = false;
+    if (access.state == DisplayAccess::State::Granted) {
+        countDown();
+        return;
+    }
+    if (access.state == DisplayAccess::State::Declined)
+        m_frontEnd.questions.displayDeclined();
+    else
+        m_frontEnd.questions.alertError(access.whyNot);
+    refuse();
+}
+
+void RecordingSession::releaseDisplay()
+{
+    m_awaitsDisplay = false;
+    if (const auto display = std::exchange(m_claimedDisplay, nullptr))
+        display->release();
 }
 
 void RecordingSession::countDown()
@@ -199,6 +233,7 @@ void RecordingSession::countDown()
 
 void RecordingSession::refuse()
 {
+    releaseDisplay();
     setPhase(Phase::Idle);
     emit recordingRefused();
 }
@@ -362,13 +397,17 @@ void RecordingSession::spoolFull()
 
 void RecordingSession::captureEnded(const CaptureLoop &loop)
 {
-    if (&loop == m_loop.get())
-        executeStopRecord();
+    if (&loop != m_loop.get())
+        return;
+    releaseDisplay();
+    executeStopRecord();
 }
 
 void RecordingSession::stopRecord()
 {
-    if (!endWithFirstFrame())
+    if (m_awaitsDisplay)
+        refuse();
+    else if (!endWithFirstFrame())
         m_spool->setExit(true);
 }
 
@@ -558,12 +597,14 @@ void RecordingSession::hideStopRecordingBtn()
 void RecordingSession::terminate()
 {
     const bool isInsisted = std::exchange(m_terminating, true);
-    if (!isRecording())
+    if (!isRecording()) {
+        releaseDisplay();
         emit readyToTerminate();
-    else if (isInsisted && m_phase == Phase::Writing)
+    } else if (isInsisted && m_phase == Phase::Writing) {
         later();
-    else if (isInsisted || !m_recording->endsWithFirstFrame)
+    } else if (isInsisted || !m_recording->endsWithFirstFrame) {
         stopRecord();
+    }
 }
 
 void RecordingSession::leave()

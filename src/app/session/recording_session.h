@@ -22,12 +22,14 @@ namespace vornic {
 class AudioControl;
 class AudioInput;
 class DiskWatch;
+class DisplayBackend;
 class MovieJob;
 class PKMuxerContext;
 class SerialQueue;
 class VNBufferMgr;
 class VNCGDisplay;
 class VNOption;
+struct DisplayAccess;
 struct Error;
 struct Recording;
 
@@ -81,7 +83,10 @@ public:
     void later();
     /// Raises the exit flag; the next capture pass ends the recording. Where no picture is kept yet, because the screen
     /// is not clear or sound is waited for, it ends with the first one, and without sound; a second call does not wait.
+    /// While the display is made ready that is given up.
     void stopRecord();
+    /// The desktop is asked for its screen, and perhaps asks its user.
+    [[nodiscard]] bool awaitsDisplay() const { return m_awaitsDisplay; }
     /// There is sound, or it is still waited for.
     [[nodiscard]] bool countsOnSound() const;
     /// Writes the movie of the recording that is captured; no more than once.
@@ -135,6 +140,9 @@ private:
     void choose(const QString &file);
     void beginAsking(std::function<void()> next);
     void askAboutSound(const std::function<void()> &next);
+    void prepareDisplay();
+    void displayAnswered(const DisplayAccess &access);
+    void releaseDisplay();
     void countDown();
     void refuse();
     [[nodiscard]] bool outputAndSpoolAreReady();
@@ -159,8 +167,10 @@ private:
     std::function<std::chrono::nanoseconds()> m_settlingTime;
     Phase m_phase = Phase::Idle;
     bool m_terminating = false;
-    QString m_chosenFile;                       ///< the save panel's answer
-    std::optional<FileIdentity> m_replacedFile; ///< what stood there then, and may be replaced
+    QString m_chosenFile;                             ///< the save panel's answer
+    std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
+    std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()
+    bool m_awaitsDisplay = false;                     ///< there is no answer to prepare() yet
     std::unique_ptr<VNBufferMgr> m_spool;
     std::unique_ptr<DiskWatch> m_diskWatch;
     std::unique_ptr<VNCGDisplay> m_display; ///< on the capture queue; null before the first pass

@@ -183,8 +183,8 @@ bool WindowProgram::canPerform(const QString &action) const
 {
     const bool isCountingDown = m_frontEnd.questions().isCountingDown();
     if (action == QLatin1StringView(stopAction))
-        return m_delegate.isCapturing() || isCountingDown;
-    return !m_delegate.isRecording() && !isCountingDown && !m_selection;
+        return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || isCountingDown;
+    return !m_delegate.isRecording() && !m_delegate.awaitsDisplay() && !isCountingDown && !m_selection;
 }
 
 void WindowProgram::perform(const QString &action, const QString &file)
@@ -208,7 +208,7 @@ void WindowProgram::perform(const QString &action, const QString &file)
 
 void WindowProgram::startOrStop()
 {
-    if (m_delegate.isCapturing())
+    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay())
         m_delegate.stopRecord();
     else if (m_frontEnd.questions().isCountingDown())
         m_frontEnd.questions().cancelCountdown();

@@ -78,6 +78,7 @@ public:
         told += "countDown";
         answer(countsToTheEnd);
     }
+    void displayDeclined() override { told += "declined"; }
     void soundIsMissing(const std::function<void()> &goOn) override
     {
         told += "soundIsMissing";

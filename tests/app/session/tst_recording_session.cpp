@@ -187,6 +187,108 @@ TEST_F(RecordingSessionTest, ACountdownThatIsCancelledRecordsNothing)
     EXPECT_FALSE(QFile::exists(*frontEnd.path));
 }
 
+/// One that is shown only to whom its user wants.
+class GuardedDisplayTest : public RecordingSessionTest
+{
+protected:
+    GuardedDisplayTest()
+    {
+        display->setAsksForAccess(true);
+        makeSession();
+    }
+    ~GuardedDisplayTest() override
+    {
+        session.reset();
+        EXPECT_FALSE(display->isClaimed()) << "whatever has happened";
+    }
+
+    bool runUntilAsked()
+    {
+        return waitUntil([&] { return display->isAsking(); });
+    }
+};
+
+TEST_F(GuardedDisplayTest, IsAskedForBetweenTheHintAndTheCountdown)
+{
+    session->recorded();
+    ASSERT_TRUE(runUntilAsked());
+    EXPECT_EQ(frontEnd.told, (QStringList { "savePanel Untitled.mp4", "hint" }));
+    EXPECT_TRUE(session->awaitsDisplay());
+    EXPECT_EQ(session->phase(), Phase::Asking);
+    display->answerAccess({});
+    EXPECT_FALSE(session->awaitsDisplay());
+    EXPECT_EQ(frontEnd.told.value(2), "countDown");
+    EXPECT_EQ(session->phase(), Phase::Capturing);
+}
+
+TEST_F(GuardedDisplayTest, IsAskedForByARecordingWithoutQuestionsToo)
+{
+    session->recordNow(folder.filePath("now.mp4"));
+    EXPECT_TRUE(display->isAsking());
+    EXPECT_EQ(frontEnd.told, QStringList());
+}
+
+TEST_F(GuardedDisplayTest, IsReleasedOnceThePicturesAreTaken)
+{
+    session->recordNow(folder.filePath("now.mp4"));
+    display->answerAccess({});
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
+    EXPECT_TRUE(display->isClaimed());
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Writing; }));
+    EXPECT_FALSE(display->isClaimed());
+    EXPECT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+}
+
+TEST_F(GuardedDisplayTest, AUserWhoDeclinesIsToldNothing)
+{
+    session->recordNow(folder.filePath("now.mp4"));
+    display->answerAccess({ DisplayAccess::State::Declined, {} });
+    EXPECT_EQ(frontEnd.told, QStringList { "declined" });
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_FALSE(display->isClaimed());
+}
+
+TEST_F(GuardedDisplayTest, WhyItCannotBeHadIsTold)
+{
+    session->recordNow(folder.filePath("now.mp4"));
+    display->answerAccess({ DisplayAccess::State::Failed, "The screen is shy." });
+    EXPECT_EQ(frontEnd.alerts, QStringList { "Error|The screen is shy." });
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_FALSE(display->isClaimed());
+}
+
+TEST_F(GuardedDisplayTest, AStopGivesTheQuestionUp)
+{
+    session->recordNow(folder.filePath("now.mp4"));
+    session->stopRecord();
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_FALSE(display->isClaimed());
+    EXPECT_EQ(frontEnd.told, QStringList());
+    session->recordNow(folder.filePath("now.mp4"));
+    EXPECT_TRUE(display->isAsking()) << "another one may begin";
+}
+
+TEST_F(GuardedDisplayTest, WhoQuitsWhileItIsAskedForNeedNotAnswer)
+{
+    bool isReady = false;
+    QObject::connect(
+        session.get(), &RecordingSession::readyToTerminate, session.get(), [&] { isReady = true; });
+    session->recordNow(folder.filePath("now.mp4"));
+    session->terminate();
+    EXPECT_TRUE(isReady);
+    EXPECT_FALSE(display->isClaimed());
+}
+
+TEST_F(GuardedDisplayTest, IsReleasedWhenTheCountdownIsCancelled)
+{
+    frontEnd.countsToTheEnd = false;
+    session->recordNow(folder.filePath("now.mp4"));
+    display->answerAccess({});
+    EXPECT_EQ(session->phase(), Phase::Idle);
+    EXPECT_FALSE(display->isClaimed());
+}
+
 TEST_F(RecordingSessionTest, RecordingNowAsksNothing)
 {
     makeSession();
