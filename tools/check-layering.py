@@ -27,7 +27,7 @@ LIBRARIES = [
      r"std::jthread|std::async|pthread_create|asio::thread_pool|QThread(?!::current)|QThreadPool|QtConcurrent|std::thread(?= \w+[({]|[({])",
      r"(?!)", r"base/thread\."),
     ("a bus that may be waited for", r"QDBusConnection::(session|system)Bus", r"(?!)", r"desktop/dbus_call\.cpp"),
-    ("Wayland", r"(wl|WL)_\w+", r"wayland", r"(?!)"),
+    ("Wayland", r"(wl|WL|wp|WP|zwlr|ZWLR|zwp|ZWP|zxdg|ZXDG)_\w+", r"wayland-", r"wayland/|.*/wayland/"),
     ("PipeWire", r"(pw|PW|spa|SPA)_\w+", r"pipewire|spa/", r"(?!)"),
 ]
 WITHOUT_WIDGETS = ["vornic_app_session", "vornic_app_cli"]

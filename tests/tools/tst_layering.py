@@ -105,12 +105,15 @@ class Layering(unittest.TestCase):
                               "AVPacket": "FFmpeg", "sws_scale": "FFmpeg", "swr_free": "FFmpeg", "x264_t": "x264",
                               "jpeg_abort": "libjpeg", "LZ4_decoder": "a compressor", "lzo1x_999": "a compressor",
                               "snappy_free": "a compressor", "fastlz_copy": "a compressor", "XXH3_64bits": "xxHash",
-                              "wl_display": "Wayland", "pw_init": "PipeWire"}.items():
+                              "wl_display": "Wayland", "WL_OUTPUT_MODE_CURRENT": "Wayland", "zwlr_layer_shell_v1": "Wayland",
+                              "wp_viewport": "Wayland", "zxdg_output_v1": "Wayland", "pw_init": "PipeWire"}.items():
             with self.subTest(name):
                 self.assert_complains({"src/base/log.cpp": f"// xcb_flush\nauto x = {name}();\n"},
                                       f"src/base/log.cpp:2: {name} is a name of {library}")
         self.assert_complains({"src/base/log.cpp": "#include <xcb/xcb.h>\n"},
                               "src/base/log.cpp:1: xcb/xcb.h is a header of XCB")
+        self.assert_complains({"src/base/log.cpp": "#include <wayland-client.h>\n"},
+                              "src/base/log.cpp:1: wayland-client.h is a header of Wayland")
 
     def test_a_thread_or_a_bus_beside_the_wrappers(self):
         for code, name in (("std::thread worker([] {});", "std::thread"), ("x = std::thread([] {});", "std::thread"),
