@@ -1,4 +1,5 @@
 #include "wayland/wayland_connection.h"
+#include "wayland/wayland_output_watch.h"
 
 #include <QTemporaryDir>
 
@@ -25,6 +26,7 @@ protected:
     void expectNothing()
     {
         EXPECT_EQ(WaylandConnection::open(), nullptr);
+        EXPECT_EQ(WaylandOutputWatch::start(), nullptr);
         }
 
     QTemporaryDir m_folder;
