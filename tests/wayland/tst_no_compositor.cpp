@@ -1,3 +1,4 @@
+#include "wayland/transparent_pixel.h"
 #include "wayland/wayland_connection.h"
 #include "wayland/wayland_output_watch.h"
 
@@ -27,7 +28,8 @@ protected:
     {
         EXPECT_EQ(WaylandConnection::open(), nullptr);
         EXPECT_EQ(WaylandOutputWatch::start(), nullptr);
-        }
+        EXPECT_EQ(TransparentPixel::show(), nullptr);
+    }
 
     QTemporaryDir m_folder;
 };
