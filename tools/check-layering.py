@@ -26,7 +26,7 @@ LIBRARIES = [
     ("a thread that nothing guards",
      r"std::jthread|std::async|pthread_create|asio::thread_pool|QThread(?!::current)|QThreadPool|QtConcurrent|std::thread(?= \w+[({]|[({])",
      r"(?!)", r"base/thread\."),
-    ("a bus that may be waited for", r"QDBusConnection::(session|system)Bus", r"(?!)", r"desktop/dbus_call\.cpp"),
+    ("a bus that may be waited for", r"QDBusConnection::(session|system)Bus", r"(?!)", r"bus/dbus_call\.cpp"),
     ("Wayland", r"(wl|WL|wp|WP|zwlr|ZWLR|zwp|ZWP|zxdg|ZXDG)_\w+", r"wayland-", r"wayland/|.*/wayland/"),
     ("PipeWire", r"(pw|PW|spa|SPA)_\w+", r"pipewire|spa/", r"(?!)"),
 ]

@@ -1,6 +1,6 @@
 #include "desktop/application_adaptor.h"
 
-#include "desktop/dbus_call.h"
+#include "bus/dbus_call.h"
 
 #include <QMetaObject>
 

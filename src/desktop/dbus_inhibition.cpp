@@ -1,6 +1,6 @@
 #include "desktop/dbus_inhibition.h"
 
-#include "desktop/dbus_call.h"
+#include "bus/dbus_call.h"
 
 #include <QCoreApplication>
 

@@ -1,8 +1,8 @@
 #include "desktop/idle_inhibitor.h"
 
+#include "bus/dbus_call.h"
 #include "desktop/application_id.h"
 #include "desktop/blanking_pause.h"
-#include "desktop/dbus_call.h"
 #include "desktop/dbus_inhibition.h"
 #ifdef VORNIC_X11
 #    include "desktop/x11_blanking_pause.h"

@@ -1,7 +1,7 @@
 #include "desktop/notifier.h"
 
+#include "bus/dbus_call.h"
 #include "desktop/application_id.h"
-#include "desktop/dbus_call.h"
 
 #include <QDBusError>
 #include <QDBusServiceWatcher>

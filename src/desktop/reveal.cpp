@@ -1,6 +1,6 @@
 #include "desktop/reveal.h"
 
-#include "desktop/dbus_call.h"
+#include "bus/dbus_call.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>

@@ -1,8 +1,8 @@
 #include "desktop/single_instance.h"
 
+#include "bus/dbus_call.h"
 #include "desktop/application_adaptor.h"
 #include "desktop/application_id.h"
-#include "desktop/dbus_call.h"
 
 #include <QVariantList>
 #include <QVariantMap>

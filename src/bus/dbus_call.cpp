@@ -1,4 +1,4 @@
-#include "desktop/dbus_call.h"
+#include "bus/dbus_call.h"
 
 #include "base/thread.h"
 
