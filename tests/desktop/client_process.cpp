@@ -1,6 +1,6 @@
 #include "client_process.h"
 
-#include "private_bus.h"
+#include "support/private_bus.h"
 
 #include <QProcessEnvironment>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "private_bus.h"
+#include "support/private_bus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -6,8 +6,8 @@
 #include "desktop/notifier.h"
 #include "desktop/single_instance.h"
 #include "fake_service.h"
-#include "private_bus.h"
 #include "support/fuzz_run.h"
+#include "support/private_bus.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

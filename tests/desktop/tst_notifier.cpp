@@ -1,6 +1,6 @@
 #include "desktop/notifier.h"
 #include "fake_service.h"
-#include "private_bus.h"
+#include "support/private_bus.h"
 
 #include <QDBusArgument>
 

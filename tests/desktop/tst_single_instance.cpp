@@ -1,7 +1,7 @@
 #include "client_process.h"
 #include "desktop/single_instance.h"
 #include "fake_service.h"
-#include "private_bus.h"
+#include "support/private_bus.h"
 
 #include <QDBusArgument>
 #include <QDBusPendingCall>

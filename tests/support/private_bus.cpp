@@ -1,4 +1,4 @@
-#include "private_bus.h"
+#include "support/private_bus.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
