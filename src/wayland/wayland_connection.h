@@ -33,10 +33,10 @@ public:
     [[nodiscard]] WaylandOutputs &outputs() { return m_outputs; }
 
     /// The thing of that kind that the compositor offers, at most of \a maxVersion; null where it offers none.
-    template<typename T>
-    [[nodiscard]] WaylandPtr<T> bind(const wl_interface &kind, std::uint32_t maxVersion) const
+    template<typename T, typename Destroy = WaylandDestroy>
+    [[nodiscard]] std::unique_ptr<T, Destroy> bind(const wl_interface &kind, std::uint32_t maxVersion) const
     {
-        return WaylandPtr<T>(static_cast<T *>(bindFirst(kind, maxVersion)));
+        return std::unique_ptr<T, Destroy>(static_cast<T *>(bindFirst(kind, maxVersion)));
     }
 
     /// Handles the events that have come. Where there are none it waits for some, and ends waiting when
