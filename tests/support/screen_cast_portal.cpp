@@ -1,0 +1,126 @@
+#include "support/screen_cast_portal.h"
+
+#include "support/sway_session.h"
+#include "support/wait_until.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDir>
+#include <QFile>
+
+#include <signal.h>
+
+#include <cstdio>
+
+namespace vornic::test {
+
+namespace {
+
+const QString libraries = QStringLiteral("/usr/libexec/");
+const QString backendService = QStringLiteral("org.freedesktop.impl.portal.desktop.wlr");
+const QString portalService = QStringLiteral("org.freedesktop.portal.Desktop");
+
+void write(const QString &path, const QString &text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+/// Whether somebody owns \a service on the session bus.
+bool isOnBus(const QString &service)
+{
+    const QString own = QStringLiteral("screen cast portal");
+    bool isThere = false;
+    {
+        const QDBusConnection bus
+            = QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), own);
+        isThere = bus.isConnected() && bus.interface()->isServiceRegistered(service);
+    }
+    QDBusConnection::disconnectFromBus(own);
+    return isThere;
+}
+
+bool wirePlumberIsThere()
+{
+    const auto list
+        = ChildProcess::start({ "sh", "-c", "pw-cli ls Client 2>/dev/null | grep -q WirePlumber" });
+    return list && list->wait() == 0;
+}
+
+} // namespace
+
+std::unique_ptr<ScreenCastPortal> ScreenCastPortal::start(const SwaySession &session)
+{
+    std::unique_ptr<ScreenCastPortal> portal(new ScreenCastPortal);
+    return portal->startBus() && portal->startPipeWire(session) && portal->startPortal(session)
+        ? std::move(portal)
+        : nullptr;
+}
+
+ScreenCastPortal::~ScreenCastPortal()
+{
+    for (const Part part : { Part::Portal, Part::Backend, Part::WirePlumber, Part::PipeWire })
+        m_parts.erase(part);
+}
+
+void ScreenCastPortal::kill(Part part)
+{
+    m_parts.at(part)->stop(SIGKILL);
+}
+
+bool ScreenCastPortal::startBus()
+{
+    m_bus = PrivateBus::start();
+    if (!m_bus)
+        return false;
+    m_environment.set("DBUS_SESSION_BUS_ADDRESS", QString::fromLatin1(m_bus->address()));
+    m_environment.set("GSETTINGS_BACKEND", QStringLiteral("memory"));
+    m_bus->addActivatable(QStringLiteral("org.freedesktop.impl.portal.PermissionStore"),
+                          { libraries + "xdg-permission-store" });
+    return true;
+}
+
+bool ScreenCastPortal::startPipeWire(const SwaySession &session)
+{
+    m_environment.unset("PIPEWIRE_REMOTE");
+    const QString socket = session.filePath(QStringLiteral("run/pipewire-0"));
+    return startPart(Part::PipeWire, { "pipewire" }, [&] { return QFile::exists(socket); })
+        && startPart(Part::WirePlumber, { "wireplumber" }, wirePlumberIsThere);
+}
+
+bool ScreenCastPortal::startPortal(const SwaySession &session)
+{
+    const QString portals = session.filePath(QStringLiteral("portals"));
+    QDir().mkpath(portals);
+    write(portals + "/wlr.portal",
+          QStringLiteral(
+              "[portal]\nDBusName=%1\nInterfaces=org.freedesktop.impl.portal.ScreenCast\nUseIn=sway\n")
+              .arg(backendService));
+    m_environment.set("XDG_DESKTOP_PORTAL_DIR", portals);
+    const QString settings = session.filePath(QStringLiteral("portal-wlr.conf"));
+    write(settings, QStringLiteral("[screencast]\noutput_name=HEADLESS-1\nchooser_type=none\n"));
+    return startPart(Part::Backend,
+                     { libraries + "xdg-desktop-portal-wlr", "--config", settings, "--loglevel", "ERROR" },
+                     [] { return isOnBus(backendService); },
+                     { QStringLiteral("LD_PRELOAD=" VORNIC_NO_GPU_FORMAT) })
+        && startPart(
+               Part::Portal, { libraries + "xdg-desktop-portal" }, [] { return isOnBus(portalService); });
+}
+
+bool ScreenCastPortal::startPart(Part part,
+                                 const QStringList &command,
+                                 const std::function<bool()> &isUp,
+                                 const QStringList &environment)
+{
+    auto process = ChildProcess::start(command, environment);
+    const bool hasDecided = process && waitUntil([&] { return isUp() || !process->isRunning(); });
+    if (!hasDecided || !process->isRunning()) {
+        std::fprintf(stderr, "%s does not come up\n", qPrintable(command.first()));
+        return false;
+    }
+    m_parts[part] = std::move(process);
+    return true;
+}
+
+} // namespace vornic::test

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "support/child_process.h"
+#include "support/private_bus.h"
+#include "support/scoped_environment.h"
+
+#include <map>
+#include <memory>
+
+namespace vornic::test {
+
+class SwaySession;
+
+/// The programs of a Wayland session that hand out pictures of its monitor: a session bus, PipeWire, WirePlumber and
+/// the desktop portal with its part for wlroots, which grants the monitor without asking anybody. The pointer is in the
+/// pictures.
+///
+/// Made and destroyed on the test's main thread, inside a SwaySession.
+class ScreenCastPortal
+{
+public:
+    enum class Part {
+        PipeWire,
+        WirePlumber,
+        Backend, ///< what talks to the compositor
+        Portal,  ///< what programs talk to
+    };
+
+    /// Returns once the portal answers on the bus, which is $DBUS_SESSION_BUS_ADDRESS of this process until the object
+    /// ends. Null, with the reason on standard error, when some part does not come up.
+    [[nodiscard]] static std::unique_ptr<ScreenCastPortal> start(const SwaySession &session);
+    ~ScreenCastPortal();
+    ScreenCastPortal(const ScreenCastPortal &) = delete;
+    ScreenCastPortal &operator=(const ScreenCastPortal &) = delete;
+
+    /// Ends \a part at once, as a crash would.
+    void kill(Part part);
+
+private:
+    ScreenCastPortal() = default;
+    [[nodiscard]] bool startBus();
+    [[nodiscard]] bool startPipeWire(const SwaySession &session);
+    [[nodiscard]] bool startPortal(const SwaySession &session);
+    [[nodiscard]] bool startPart(Part part,
+                                 const QStringList &command,
+                                 const std::function<bool()> &isUp,
+                                 const QStringList &environment = {});
+
+    ScopedEnvironment m_environment;
+    std::unique_ptr<PrivateBus> m_bus;
+    std::map<Part, std::unique_ptr<ChildProcess>> m_parts;
+};
+
+} // namespace vornic::test
