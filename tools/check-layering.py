@@ -28,7 +28,7 @@ LIBRARIES = [
      r"(?!)", r"base/thread\."),
     ("a bus that may be waited for", r"QDBusConnection::(session|system)Bus", r"(?!)", r"bus/dbus_call\.cpp"),
     ("Wayland", r"(wl|WL|wp|WP|zwlr|ZWLR|zwp|ZWP|zxdg|ZXDG)_\w+", r"wayland-", r"wayland/|.*/wayland/"),
-    ("PipeWire", r"(pw|PW|spa|SPA)_\w+", r"pipewire|spa/", r"(?!)"),
+    ("PipeWire", r"(pw|PW|spa|SPA)_\w+", r"pipewire|spa/", r"display/portal/"),
 ]
 WITHOUT_WIDGETS = ["vornic_app_session", "vornic_app_cli"]
 GENERATED = re.compile(r"(ui_\w+\.h|.*\.moc)$")

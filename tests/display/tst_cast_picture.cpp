@@ -212,7 +212,8 @@ TEST_F(CastPictureTest, AGrabIsThePartThatLiesOnThePicture)
 {
     m_desktop = noisePicture(size, 1);
     send(1, {});
-    for (const QRect &part : { QRect(3, 5, 20, 33), QRect(30, 60, 100, 100), QRect(-5, -5, 10, 10) }) {
+    for (const QRect &part :
+         { QRect(3, 5, 20, 33), QRect(4, 5, 20, 33), QRect(30, 60, 100, 100), QRect(-5, -5, 10, 10) }) {
         EXPECT_EQ(grabbed(part), m_desktop.copy(part & QRect({ 0, 0 }, size)));
     }
 }
