@@ -5,7 +5,7 @@
 
 #include "desktop/notifier.h"
 #include "desktop/single_instance.h"
-#include "fake_service.h"
+#include "support/fake_service.h"
 #include "support/fuzz_run.h"
 #include "support/private_bus.h"
 

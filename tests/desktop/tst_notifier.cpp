@@ -1,5 +1,5 @@
 #include "desktop/notifier.h"
-#include "fake_service.h"
+#include "support/fake_service.h"
 #include "support/private_bus.h"
 
 #include <QDBusArgument>

@@ -1,6 +1,6 @@
 #include "client_process.h"
 #include "desktop/idle_inhibitor.h"
-#include "fake_service.h"
+#include "support/fake_service.h"
 #include "support/private_bus.h"
 #include "support/xvfb_server.h"
 

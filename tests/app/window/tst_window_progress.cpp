@@ -5,8 +5,8 @@
 #include "app/window/window_front_end.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
-#include "desktop/fake_service.h"
 #include "main_window_test.h"
+#include "support/fake_service.h"
 #include "support/wait_until.h"
 
 #include <QAbstractButton>

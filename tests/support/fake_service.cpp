@@ -1,4 +1,4 @@
-#include "fake_service.h"
+#include "support/fake_service.h"
 
 #include <QDBusPendingCallWatcher>
 
