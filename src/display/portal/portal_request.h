@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QDBusMessage>
+#include <QObject>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <functional>
+
+namespace vornic {
+
+/// How the desktop's screen cast portal is named on the session bus.
+namespace portal_names {
+inline constexpr auto service = "org.freedesktop.portal.Desktop";
+inline constexpr auto path = "/org/freedesktop/portal/desktop";
+inline constexpr auto screenCast = "org.freedesktop.portal.ScreenCast";
+inline constexpr auto request = "org.freedesktop.portal.Request";
+inline constexpr auto session = "org.freedesktop.portal.Session";
+} // namespace portal_names
+
+/// A call of a method of the screen cast portal.
+[[nodiscard]] QDBusMessage screenCastCall(const QString &method, const QVariantList &arguments);
+/// A word that nobody else knows, for names of things on the bus.
+[[nodiscard]] QString portalToken();
+/// How the portal names things of this program that were given the name \a token: \a kind is "request" or "session".
+[[nodiscard]] QString portalPath(const QString &kind, const QString &token);
+
+/// One request to the screen cast portal, which may ask the user before it answers, with a signal.
+///
+/// Made by CastSession for each step; lives on the main thread. Its end takes back what was not answered, and the dialog
+/// with it.
+class PortalRequest : public QObject
+{
+    Q_OBJECT
+public:
+    /// As the portal numbers them.
+    enum Response : uint { Given = 0, Declined = 1, Failed = 2 };
+    /// \a results: where the call itself has failed, "error" with the bus's words.
+    using Answer = std::function<void(uint response, const QVariantMap &results)>;
+
+    /// \a options come behind the \a arguments.
+    PortalRequest(const QString &method, QVariantList arguments, QVariantMap options, Answer answer);
+    ~PortalRequest() override;
+
+private slots:
+    void responded(uint response, const QVariantMap &results);
+
+private:
+    void listen();
+
+    const Answer m_answer;
+    const QString m_path;
+    bool m_isAnswered = false;
+};
+
+} // namespace vornic
