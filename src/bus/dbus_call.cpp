@@ -46,20 +46,41 @@ bool isBusThreadPossible()
     return wasPossible;
 }
 
+/// Without an address the D-Bus library starts a bus that nobody else is on and that outlives the program.
+bool isSessionBusThere()
+{
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
+        || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus")));
+}
+
+QDBusMessage noBus()
+{
+    return QDBusMessage::createError(QDBusError::Disconnected, QStringLiteral("There is no bus"));
+}
+
 } // namespace
 
 QDBusConnection sessionBus()
 {
-    // Without an address the D-Bus library starts a bus that nobody else is on and that outlives the program.
-    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const bool isThere = !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus")));
-    return isThere && isBusThreadPossible() ? QDBusConnection::sessionBus() : QDBusConnection(QString());
+    return isSessionBusThere() && isBusThreadPossible() ? QDBusConnection::sessionBus()
+                                                        : QDBusConnection(QString());
 }
 
 QDBusConnection systemBus()
 {
     return isBusThreadPossible() ? QDBusConnection::systemBus() : QDBusConnection(QString());
+}
+
+QDBusMessage askSessionBus(const QDBusMessage &call, std::chrono::milliseconds timeout)
+{
+    if (!isSessionBusThere() || !isBusThreadPossible())
+        return noBus();
+    const QString name = QStringLiteral("question");
+    const QDBusMessage answer = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
+                                    .call(call, QDBus::Block, static_cast<int>(timeout.count()));
+    QDBusConnection::disconnectFromBus(name);
+    return answer;
 }
 
 void callLater(const QDBusConnection &bus,
@@ -69,9 +90,7 @@ void callLater(const QDBusConnection &bus,
                std::chrono::milliseconds timeout)
 {
     if (!bus.isConnected()) {
-        const auto answer = [handler] {
-            handler(QDBusMessage::createError(QDBusError::Disconnected, QStringLiteral("There is no bus")));
-        };
+        const auto answer = [handler] { handler(noBus()); };
         QMetaObject::invokeMethod(context, answer, Qt::QueuedConnection);
         return;
     }

@@ -29,6 +29,10 @@ void callLater(const QDBusConnection &bus,
                const AnswerHandler &handler,
                std::chrono::milliseconds timeout = defaultTimeout);
 
+/// The session bus's answer to \a call, or an error, over a connection that lives no longer. Waits for it, also before
+/// there is an application object.
+[[nodiscard]] QDBusMessage askSessionBus(const QDBusMessage &call, std::chrono::milliseconds timeout);
+
 [[nodiscard]] inline bool isReply(const QDBusMessage &answer)
 {
     return answer.type() == QDBusMessage::ReplyMessage;

@@ -7,6 +7,9 @@
 #    include "display/x11/x11_frozen_server.h"
 #    include "x11/x11_connection.h"
 #endif
+#ifdef VORNIC_WAYLAND
+#    include "display/portal/portal_display.h"
+#endif
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -38,6 +41,9 @@ std::unique_ptr<DisplayBackend> createNull(QString &whyNot)
 constexpr std::array backendTable {
 #ifdef VORNIC_X11
     DisplayBackendEntry { "x11", true, X11Display::create },
+#endif
+#ifdef VORNIC_WAYLAND
+    DisplayBackendEntry { "portal", true, PortalDisplay::create },
 #endif
     DisplayBackendEntry { "fake", false, createFake },
     DisplayBackendEntry { "null", true, createNull },

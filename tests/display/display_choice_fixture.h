@@ -9,13 +9,14 @@
 
 namespace vornic::test {
 
-/// Leaves the process without a chosen display and without $DISPLAY and $VORNIC_DISPLAY.
+/// Leaves the process without a chosen display and without one to choose.
 class DisplayChoiceTest : public testing::Test
 {
 protected:
     void SetUp() override
     {
-        qunsetenv("DISPLAY");
+        for (const char *variable : { "DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE" })
+            qunsetenv(variable);
         qunsetenv("VORNIC_DISPLAY");
         setMainDisplay(nullptr);
     }
