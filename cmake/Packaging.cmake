@@ -32,6 +32,8 @@ endif()
 set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-image-formats-plugins)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, pulseaudio | pipewire-pulse, xdg-utils, qt6-translations-l10n")
+# By which Wayland desktops hand out their screen; those that do have them.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xdg-desktop-portal, wireplumber")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 include(CPack)
