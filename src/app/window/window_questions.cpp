@@ -9,11 +9,13 @@
 #include "app/window/file_panel.h"
 #include "app/window/main_window_link.h"
 #include "app/window/movie_folder.h"
+#include "app/window/portal_window.h"
 #include "app/window/save_panel.h"
 #include "base/log.h"
 #include "controls/dialog_skin.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 
 #include <utility>
 
@@ -97,6 +99,11 @@ void WindowQuestions::askToRecordWithoutSound(std::function<void(bool)> answer)
     box.addButton(tr("Cancel"), QDialog::Rejected);
     box.addButton(tr("Record without sound"), QDialog::Accepted);
     answer(answerTo(box, {}) == QDialog::Accepted);
+}
+
+QString WindowQuestions::parentWindow() const
+{
+    return portalNameOf(m_main.visible(), QGuiApplication::platformName());
 }
 
 void WindowQuestions::countDown(std::function<void(bool)> answer)

@@ -36,6 +36,7 @@ public:
     void runSavePanelFor(const QString &proposed, std::function<void(std::optional<QString> path)> answer);
     void askToRecordWithoutSound(std::function<void(bool goOn)> answer) override;
     void showHint(std::function<void(int response)> answer) override;
+    [[nodiscard]] QString parentWindow() const override;
     void countDown(std::function<void(bool goOn)> answer) override;
     /// Whether it is counted down now.
     [[nodiscard]] bool isCountingDown() const { return m_countdown != nullptr; }
