@@ -6,6 +6,7 @@
 #include "overlay/VNRecoderViewDelegate.h"
 #include "overlay/VNRecoderWindow.h"
 #include "overlay/dropped_picture.h"
+#include "overlay/overlay_server.h"
 
 #include <QDropEvent>
 #include <QMouseEvent>
@@ -87,6 +88,10 @@ void VNRecoderView::redraw()
 void VNRecoderView::repaintPixels(const QRegion &pixels)
 {
     const VNRecoderWindow *window = recorderWindow();
+    if (window && window->server().hasSurface()) {
+        window->server().repaint(pixels);
+        return;
+    }
     const QPoint inset = window ? window->pixelInset() : QPoint();
     const double scale = devicePixelRatioF();
     QRegion dirty;
@@ -217,6 +222,11 @@ void VNRecoderView::paintEvent(QPaintEvent * /*event*/)
     painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
     if (const VNRecoderWindow *window = recorderWindow())
         painter.translate(window->pixelInset());
+    paintPixels(painter);
+}
+
+void VNRecoderView::paintPixels(QPainter &painter)
+{
     if (m_shownLook.isTranslucent) {
         flipPainter(painter, bounds().height());
         drawRect(painter);

@@ -78,6 +78,8 @@ public:
     void mouseDragged(QPointF mouseLocation);
     /// With a painter that has y up and the origin at the view's lower left.
     void drawRect(QPainter &painter);
+    /// The same with a painter that has y down and the origin at the upper left.
+    void paintPixels(QPainter &painter);
 
     /// Where in the view something is dropped while the mouse is at \a mouseLocation: the pixel's corner, so
     /// that pictures of even size stay on whole pixels.

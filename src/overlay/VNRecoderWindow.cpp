@@ -67,6 +67,8 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
     setAttribute(Qt::WA_QuitOnClose, false);
     setMouseTracking(true);
     setWindowTitle(tr("Recorded rectangle"));
+    if (m_server->hasSurface())
+        leavePicturesToServer();
     connect(m_server.get(), &OverlayServer::compositingChanged, this, [this] {
         if (m_view)
             m_view->redraw();
@@ -80,6 +82,17 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
         updateAppearance();
     });
     setFrame(contentRect);
+}
+
+/// For the toolkit the window is shown all the same, so that all that depends on that stays as it is.
+void VNRecoderWindow::leavePicturesToServer()
+{
+    setAttribute(Qt::WA_DontShowOnScreen);
+    setUpdatesEnabled(false);
+    m_server->setPaint([this](QPainter &painter) {
+        if (m_view)
+            m_view->paintPixels(painter);
+    });
 }
 
 VNRecoderWindow::VNRecoderWindow()
@@ -134,6 +147,12 @@ void VNRecoderWindow::place()
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
     m_onDesktop = pixelsOfFrame(m_frame);
+    if (m_server->hasSurface()) {
+        const DisplayPlacement main = mainDisplayPlacement();
+        m_held = m_onDesktop & QRect(main.origin, main.size);
+        m_toolkitPixels = m_onDesktop;
+        return;
+    }
     const QRect desktop = pixelsOfDesktop();
     m_held = m_onDesktop & desktop;
     if (!screen)
@@ -169,8 +188,9 @@ void VNRecoderWindow::updateAppearance()
     // more. On the first pixel nothing is drawn.
     const QRegion whole = QRegion(QRect(QPoint(), m_toolkitPixels.size())) - QRect(0, 0, 1, 1);
     appearance.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
+    appearance.pixels = m_onDesktop;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
-    const bool needsInputWindow = !isTranslucent() || devicePixelRatioF() != 1;
+    const bool needsInputWindow = m_server->hasSurface() || !isTranslucent() || devicePixelRatioF() != 1;
     const QRegion taken = takenPixels();
     if (taken != QRegion(QRect(QPoint(), m_onDesktop.size())))
         appearance.mouseShape = taken.translated(pixelInset()) & QRect(QPoint(), m_toolkitPixels.size());
@@ -330,7 +350,7 @@ bool VNRecoderWindow::eventFilter(QObject *object, QEvent *event)
 
 void VNRecoderWindow::becomeKey()
 {
-    if (canBecomeKeyWindow() && !isActiveWindow())
+    if (canBecomeKeyWindow() && !isActiveWindow() && !m_server->hasSurface())
         activateWindow();
 }
 

@@ -24,7 +24,8 @@ class VNRecoderWindowDelegate;
 /// no task bar, keeps its place at once and may reach beyond the edges of the display. With a compositing
 /// manager it is translucent; without one it is cut to what its view shows. The program's other windows are
 /// above it. It also has a hole where they are, while recording only where they are seen: some window managers
-/// keep windows like this one above all that they manage.
+/// keep windows like this one above all that they manage. Where the server has a surface for it, that is shown in its
+/// place.
 class VNRecoderWindow : public QWidget, private InputReceiver
 {
     Q_OBJECT
@@ -57,7 +58,7 @@ public:
     /// Leaves the desktop to other programs: hides it, and lets the window above be one like others, until the
     /// user turns to that window again, or records.
     void stepAside();
-    /// Takes the keyboard focus.
+    /// Takes the keyboard focus; where the server shows the overlay it stays where it is.
     void becomeKey();
     /// The main window: this one is hidden while it is hidden or minimised, it gets the keyboard focus when
     /// this one is hidden, and it stays above other programs' windows while this one is shown and idle.
@@ -108,6 +109,7 @@ private:
     [[nodiscard]] bool filesEntered(const QMimeData &files, bool mayCopy) override;
     void filesLeft() override;
     [[nodiscard]] bool filesDropped(const QMimeData &files, QPoint onDesktop) override;
+    void leavePicturesToServer();
     void place();
     [[nodiscard]] bool mayBeShown() const;
     void followWindowAbove();
@@ -124,10 +126,11 @@ private:
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
-    QRect m_onDesktop;     ///< the frame's pixels
-    QRect m_held;          ///< those of them that the toolkit's window holds
-    QRect m_toolkitPixels; ///< the pixels of the toolkit's window
-    QRegion m_ownWindows;  ///< the pixels of the desktop where other windows of the program are
+    QRect m_onDesktop; ///< the frame's pixels
+    QRect m_held;      ///< those of them that the toolkit's window holds
+    QRect
+        m_toolkitPixels; ///< the pixels of the toolkit's window; the frame's where the server shows the overlay
+    QRegion m_ownWindows; ///< the pixels of the desktop where other windows of the program are
     bool m_isOrderedIn = false;
     bool m_isAside = false;
     QElapsedTimer m_sinceLeft;         ///< the window above has lost the keyboard focus; invalid: not since

@@ -1,11 +1,14 @@
 #include "overlay/fake_overlay_server.h"
 
+#include <QPainter>
+
 #include <utility>
 
 namespace vornic {
 
-FakeOverlayServer::FakeOverlayServer(InputReceiver &receiver)
+FakeOverlayServer::FakeOverlayServer(InputReceiver &receiver, Shown shown)
     : m_receiver(receiver)
+    , m_hasSurface(shown == Shown::ByServer)
 {
 }
 
@@ -19,6 +22,15 @@ void FakeOverlayServer::setDragging(bool isDragging)
 {
     if (std::exchange(m_isDragging, isDragging) != isDragging)
         emit draggingChanged();
+}
+
+QImage FakeOverlayServer::surface() const
+{
+    QImage picture(m_appearance.pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    m_paint(painter);
+    return picture;
 }
 
 void FakeOverlayServer::setPixelsOfWindows(const QRegion &all, const QRegion &seen)

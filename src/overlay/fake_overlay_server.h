@@ -2,6 +2,10 @@
 
 #include "overlay/overlay_server.h"
 
+#include <QImage>
+
+#include <utility>
+
 namespace vornic {
 
 class InputReceiver;
@@ -9,13 +13,19 @@ class InputReceiver;
 /// A server for the overlay without a desktop: it remembers what it was asked for, and tells what a test lets
 /// it tell.
 ///
-/// For tests, and chosen only by VORNIC_OVERLAY=fake; main thread only.
+/// For tests, and chosen only by VORNIC_OVERLAY=fake or =fake-surface; main thread only.
 class FakeOverlayServer final : public OverlayServer
 {
     Q_OBJECT
 public:
+    /// Who shows the overlay.
+    enum class Shown {
+        ByToolkit,
+        ByServer,
+    };
+
     /// Borrows \a receiver for life. A compositing manager runs, and no window is shown.
-    explicit FakeOverlayServer(InputReceiver &receiver);
+    FakeOverlayServer(InputReceiver &receiver, Shown shown);
 
     /// The object that is told what the mouse does over the input area.
     [[nodiscard]] InputReceiver &receiver() const { return m_receiver; }
@@ -27,12 +37,20 @@ public:
     void setPixelsOfWindows(const QRegion &all, const QRegion &seen);
     void setPixelsOfWindows(const QRegion &pixels) { setPixelsOfWindows(pixels, pixels); }
 
+    /// What of a surface was to be painted anew since this was asked last.
+    [[nodiscard]] QRegion takeRepainted() { return std::exchange(m_repainted, {}); }
+    /// What a surface shows, as large as the window's pixels.
+    [[nodiscard]] QImage surface() const;
+
     /// The last that was asked for.
     [[nodiscard]] const OverlayAppearance &appearance() const { return m_appearance; }
     [[nodiscard]] bool isInFront() const { return m_isInFront; }
     [[nodiscard]] Qt::CursorShape cursor() const { return m_cursor; }
     [[nodiscard]] int waitCount() const { return m_waits; }
 
+    [[nodiscard]] bool hasSurface() const override { return m_hasSurface; }
+    void setPaint(Paint paint) override { m_paint = std::move(paint); }
+    void repaint(const QRegion &pixels) override { m_repainted += pixels; }
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
     [[nodiscard]] bool isDragging() const override { return m_isDragging; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
@@ -45,6 +63,9 @@ public:
 
 private:
     InputReceiver &m_receiver;
+    const bool m_hasSurface;
+    Paint m_paint;
+    QRegion m_repainted;
     OverlayAppearance m_appearance;
     QRegion m_pixelsOfWindows;
     QRegion m_seenPixelsOfWindows;

@@ -22,7 +22,12 @@ namespace {
 
 std::unique_ptr<OverlayServer> createFake(InputReceiver &receiver)
 {
-    return std::make_unique<FakeOverlayServer>(receiver);
+    return std::make_unique<FakeOverlayServer>(receiver, FakeOverlayServer::Shown::ByToolkit);
+}
+
+std::unique_ptr<OverlayServer> createFakeSurface(InputReceiver &receiver)
+{
+    return std::make_unique<FakeOverlayServer>(receiver, FakeOverlayServer::Shown::ByServer);
 }
 
 std::unique_ptr<OverlayServer> createNull(InputReceiver & /*receiver*/)
@@ -45,6 +50,7 @@ constexpr std::array backendTable {
     OverlayBackendEntry { "x11", true, X11OverlayServer::create, X11WindowOnTop::create },
 #endif
     OverlayBackendEntry { "fake", false, createFake, keepNowhere },
+    OverlayBackendEntry { "fake-surface", false, createFakeSurface, keepNowhere },
     OverlayBackendEntry { "null", true, createNull, keepNowhere },
 };
 

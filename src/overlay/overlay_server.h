@@ -4,14 +4,17 @@
 #include <QObject>
 #include <QRegion>
 
+#include <functional>
 #include <optional>
 
+class QPainter;
 class QWindow;
 
 namespace vornic {
 
 /// What of the overlay's window is seen, and what takes the mouse.
 struct OverlayAppearance {
+    QRect pixels;  ///< the window's, of the desktop
     QRegion shape; ///< the part of the window that shows; device pixels from its upper left
     std::optional<QRegion> mouseShape; ///< what of that takes the mouse, as shape; nothing said: all
     QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
@@ -26,6 +29,17 @@ class OverlayServer : public QObject
     Q_OBJECT
 public:
     ~OverlayServer() override = default;
+
+    /// Paints the overlay, with a painter that has its origin at the upper left of its pixels, y down.
+    using Paint = std::function<void(QPainter &)>;
+
+    /// Whether the server shows the overlay itself. The toolkit's window then is never on the screen, and the input
+    /// area is what takes the mouse.
+    [[nodiscard]] virtual bool hasSurface() const { return false; }
+    /// What a server with a surface shows is painted by \a paint, whenever it pleases.
+    virtual void setPaint(Paint /*paint*/) { }
+    /// \a pixels of the overlay, y down from its upper left, look otherwise now.
+    virtual void repaint(const QRegion & /*pixels*/) { }
 
     /// Whether the desktop shows through what is painted translucent.
     [[nodiscard]] virtual bool isComposited() const = 0;

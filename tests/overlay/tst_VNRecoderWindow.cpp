@@ -37,7 +37,8 @@ public:
 class RecoderWindow : public testing::Test
 {
 protected:
-    RecoderWindow()
+    explicit RecoderWindow(const char *backend = "fake")
+        : made(makeWindow(backend))
     {
         window.setContentView(&view);
         window.setFrame({ 312, 142, 816, 616 });
@@ -45,9 +46,9 @@ protected:
         view.setLogoContext(&logo);
     }
 
-    [[nodiscard]] static std::unique_ptr<VNRecoderWindow> makeWindow()
+    [[nodiscard]] static std::unique_ptr<VNRecoderWindow> makeWindow(const char *backend)
     {
-        qputenv("VORNIC_OVERLAY", "fake");
+        qputenv("VORNIC_OVERLAY", backend);
         auto made = std::make_unique<VNRecoderWindow>();
         qunsetenv("VORNIC_OVERLAY");
         return made;
@@ -65,7 +66,7 @@ protected:
 
     VNLogoContext logo;
     Delegate delegate;
-    std::unique_ptr<VNRecoderWindow> made = makeWindow();
+    std::unique_ptr<VNRecoderWindow> made;
     VNRecoderWindow &window = *made;
     FakeOverlayServer &server = dynamic_cast<FakeOverlayServer &>(window.server());
     VNRecoderView view { &window };
@@ -473,6 +474,92 @@ TEST_F(RecoderWindow, WaitsForTheServerOnlyWhileItIsShown)
     window.orderFront();
     window.waitUntilDrawn();
     EXPECT_EQ(server.waitCount(), 1);
+}
+
+/// The same where the server shows the overlay itself.
+class RecoderSurface : public RecoderWindow
+{
+protected:
+    RecoderSurface()
+        : RecoderWindow("fake-surface")
+    {
+    }
+
+    /// What the surface shows at a pixel of the desktop.
+    [[nodiscard]] QColor pixel(QPoint point) const
+    {
+        return server.surface().pixelColor(point - appearance().pixels.topLeft());
+    }
+};
+
+TEST_F(RecoderSurface, TheToolkitShowsNothing)
+{
+    window.orderFront();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_FALSE(window.windowHandle()->isVisible());
+    EXPECT_TRUE(server.isInFront());
+    window.orderOut();
+    EXPECT_FALSE(server.isInFront());
+}
+
+TEST_F(RecoderSurface, ShowsTheFrameAtItsPixels)
+{
+    window.orderFront();
+    EXPECT_EQ(appearance().pixels, onDesktop);
+    EXPECT_EQ(appearance().shape, whole);
+    const QColor bar = pixel({ 600, 146 });
+    EXPECT_EQ(bar, QColor(204, 204, 204));
+    EXPECT_EQ(pixel({ 600, 142 }).alpha(), 0) << "outside the bar";
+    EXPECT_EQ(pixel({ 500, 300 }).alpha(), 33) << "tinted";
+    window.setFrame({ 322, 162, 826, 626 });
+    EXPECT_EQ(appearance().pixels, QRect(322, 112, 826, 626));
+    EXPECT_EQ(pixel({ 600, 116 }), bar);
+}
+
+TEST_F(RecoderSurface, TakesTheMouseWhereTheFrameIsAndNowhereWhileRecording)
+{
+    window.orderFront();
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop));
+    server.setPixelsOfWindows(ownWindow);
+    EXPECT_EQ(appearance().inputArea, QRegion(onDesktop) - ownWindow);
+    EXPECT_EQ(appearance().shape, whole - ownWindow.translated(-onDesktop.topLeft()));
+    delegate.isRecording = true;
+    view.redraw();
+    EXPECT_TRUE(appearance().inputArea.isEmpty());
+}
+
+TEST_F(RecoderSurface, WhatLiesBeyondTheDisplayIsNotHeld)
+{
+    window.setFrame({ -108, -8, 816, 616 });
+    window.orderFront();
+    EXPECT_EQ(appearance().pixels, QRect(-108, 292, 816, 616));
+    EXPECT_EQ(appearance().inputArea, QRegion(QRect(0, 292, 708, 608)));
+    EXPECT_EQ(window.heldPixels(), QRect(108, 0, 708, 608));
+}
+
+TEST_F(RecoderSurface, OnlyWhatLooksOtherwiseIsPaintedAnew)
+{
+    window.orderFront();
+    (void)server.takeRepainted();
+    view.redraw();
+    EXPECT_TRUE(server.takeRepainted().isEmpty());
+    useLogo();
+    (void)server.takeRepainted();
+    logo.setLogoPosition({ 140, 100 });
+    const QRegion changed = server.takeRepainted();
+    const QRect both(99, 616 - 141, 102, 42);
+    EXPECT_FALSE(changed.isEmpty());
+    EXPECT_TRUE((changed - both).isEmpty()) << "more than the logo where it was and is";
+}
+
+TEST_F(RecoderSurface, APressDragsTheFrameWithoutTakingTheFocus)
+{
+    window.orderFront();
+    server.receiver().inputPressed({ 700, 400 });
+    server.receiver().inputDragged({ 720, 390 });
+    EXPECT_EQ(window.frame(), QRectF(332, 152, 816, 616));
+    server.receiver().inputReleased();
+    EXPECT_FALSE(window.isActiveWindow());
 }
 
 } // namespace
