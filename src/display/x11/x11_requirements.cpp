@@ -1,6 +1,7 @@
 #include "display/x11/x11_requirements.h"
 
 #include "x11/x11_connection.h"
+#include "x11/x11_nesting.h"
 #include "x11/xcb_reply.h"
 
 #include <QCoreApplication>
@@ -12,8 +13,6 @@
 #include <xcb/xfixes.h>
 
 #include <cstdint>
-#include <string>
-#include <string_view>
 #include <utility>
 
 namespace vornic {
@@ -77,33 +76,6 @@ QString missingExtensions(const X11Connection &connection)
     if (!hasFixes(connection))
         missing += QStringLiteral("XFIXES 2");
     return missing.join(QStringLiteral(", "));
-}
-
-/// The name of the first monitor; empty where there is none.
-std::string firstMonitorName(const X11Connection &connection)
-{
-    const auto cookie = xcb_randr_get_monitors(connection.get(), connection.root(), 1);
-    const XcbReply<xcb_randr_get_monitors_reply_t> monitors(
-        xcb_randr_get_monitors_reply(connection.get(), cookie, nullptr));
-    const auto all = monitors ? xcb_randr_get_monitors_monitors_iterator(monitors.get())
-                              : xcb_randr_monitor_info_iterator_t {};
-    if (all.rem == 0)
-        return {};
-    const auto nameCookie = xcb_get_atom_name(connection.get(), all.data->name);
-    const XcbReply<xcb_get_atom_name_reply_t> name(
-        xcb_get_atom_name_reply(connection.get(), nameCookie, nullptr));
-    return name ? std::string(xcb_get_atom_name_name(name.get()), name->name_len) : std::string();
-}
-
-/// Whether the server is the one inside a Wayland session, whose root window shows nothing of the desktop.
-/// It has an extension of that name, or, in versions without it, monitors whose names begin with it.
-bool isInsideWayland(const X11Connection &connection)
-{
-    constexpr std::string_view name = "XWAYLAND";
-    const auto cookie = xcb_query_extension(connection.get(), name.size(), name.data());
-    const XcbReply<xcb_query_extension_reply_t> reply(
-        xcb_query_extension_reply(connection.get(), cookie, nullptr));
-    return (reply && reply->present != 0) || firstMonitorName(connection).starts_with(name);
 }
 
 /// One sentence for the user; empty where the server can be recorded.
