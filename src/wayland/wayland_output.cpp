@@ -1,6 +1,7 @@
 #include "wayland/wayland_output.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace vornic {
 
@@ -12,7 +13,11 @@ QSize WaylandOutput::pixels() const
 
 double WaylandOutput::factor() const
 {
-    return logical.width() > 0 ? static_cast<double>(pixels().width()) / logical.width() : 1;
+    if (logical.isEmpty())
+        return 1;
+    // The logical size is whole, so that the quotient is a little off. Factors are told in steps of this size.
+    constexpr double steps = 120;
+    return std::round(steps * pixels().width() / logical.width()) / steps;
 }
 
 std::optional<WaylandOutput> mainOutput(const std::vector<WaylandOutput> &outputs)

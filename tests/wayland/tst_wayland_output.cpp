@@ -26,6 +26,8 @@ TEST(WaylandOutput, TheFactorIsOfThePixelsAsTheyAreSeen)
     WaylandOutput output = turned(1);
     output.logical = QRect(0, 0, 720, 1280);
     EXPECT_DOUBLE_EQ(output.factor(), 1.5);
+    output.logical = QRect(0, 0, 719, 1279);
+    EXPECT_DOUBLE_EQ(output.factor(), 1.5) << "a logical size that was cut to whole numbers";
     output.logical = QRect();
     EXPECT_DOUBLE_EQ(output.factor(), 1) << "not known";
 }
