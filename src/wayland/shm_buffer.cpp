@@ -55,7 +55,10 @@ ShmBuffer::ShmBuffer(std::byte *memory, QSize size, WaylandPtr<wl_buffer> handle
     , m_handle(std::move(handle))
 {
     static constexpr wl_buffer_listener listener { [](void *data, wl_buffer * /*buffer*/) {
-        static_cast<ShmBuffer *>(data)->m_isRead = false;
+        auto &buffer = *static_cast<ShmBuffer *>(data);
+        buffer.m_isRead = false;
+        if (buffer.m_returned)
+            buffer.m_returned();
     } };
     wl_buffer_add_listener(m_handle.get(), &listener, this);
 }

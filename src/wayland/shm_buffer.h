@@ -6,7 +6,9 @@
 #include <QSize>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace vornic {
 
@@ -28,6 +30,8 @@ public:
     [[nodiscard]] bool isRead() const { return m_isRead; }
     /// What is to be attached to a surface; from then on it is read.
     [[nodiscard]] wl_buffer *handOver();
+    /// The compositor reads it no more.
+    void onReturned(std::function<void()> callback) { m_returned = std::move(callback); }
 
 private:
     ShmBuffer(std::byte *memory, QSize size, WaylandPtr<wl_buffer> handle);
@@ -37,6 +41,7 @@ private:
     QImage m_picture;
     WaylandPtr<wl_buffer> m_handle;
     bool m_isRead = false;
+    std::function<void()> m_returned;
 };
 
 } // namespace vornic
