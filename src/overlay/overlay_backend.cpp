@@ -4,12 +4,19 @@
 #include "overlay/fake_overlay_server.h"
 #include "overlay/null_overlay_server.h"
 #include "overlay/window_on_top.h"
+#ifdef VORNIC_WAYLAND
+#    include "overlay/wayland/layer_shell_server.h"
+#endif
 #ifdef VORNIC_X11
 #    include "overlay/x11/x11_overlay_server.h"
 #    include "overlay/x11/x11_window_on_top.h"
+#    include "x11/x11_connection.h"
+#    include "x11/x11_nesting.h"
+#    include "x11/x11_windows.h"
 #endif
 
 #include <QByteArray>
+#include <QGuiApplication>
 #include <QString>
 #include <QStringList>
 
@@ -45,7 +52,38 @@ std::unique_ptr<WindowOnTop> keepNowhere(QWindow & /*window*/)
     return std::make_unique<NoWindowOnTop>();
 }
 
+#ifdef VORNIC_WAYLAND
+
+/// Whether the toolkit shows its windows on the Wayland desktop that the environment names.
+bool isOnWayland()
+{
+    if (QGuiApplication::platformName().startsWith(u"wayland"))
+        return true;
+#    ifdef VORNIC_X11
+    const auto connection = toolkitConnection() ? X11Connection::open() : nullptr;
+    return connection && isInsideWayland(*connection);
+#    else
+    return false;
+#    endif
+}
+
+std::unique_ptr<OverlayServer> createLayerShell(InputReceiver &receiver)
+{
+    return isOnWayland() ? LayerShellServer::create(receiver) : nullptr;
+}
+
+/// Windows of the toolkit are none of the layer shell's: the next row may know what to do with them.
+std::unique_ptr<WindowOnTop> keepByOthers(QWindow & /*window*/)
+{
+    return nullptr;
+}
+
+#endif
+
 constexpr std::array backendTable {
+#ifdef VORNIC_WAYLAND
+    OverlayBackendEntry { "layer-shell", true, createLayerShell, keepByOthers },
+#endif
 #ifdef VORNIC_X11
     OverlayBackendEntry { "x11", true, X11OverlayServer::create, X11WindowOnTop::create },
 #endif

@@ -16,12 +16,15 @@ namespace vornic {
 class LineProgram
 {
 public:
-    /// \a scaleFactor is that of the toolkit, as a user sets it.
-    LineProgram(const QString &program, const QStringList &arguments, double scaleFactor = 1)
+    /// \a scaleFactor is that of the toolkit, as a user sets it; \a platform is where the toolkit shows its windows.
+    LineProgram(const QString &program,
+                const QStringList &arguments,
+                double scaleFactor = 1,
+                const QString &platform = QStringLiteral("xcb"))
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-        variables.insert("QT_QPA_PLATFORM", "xcb");
+        variables.insert("QT_QPA_PLATFORM", platform);
         variables.insert("QT_SCALE_FACTOR", QString::number(scaleFactor));
         m_process.setProcessEnvironment(variables);
         m_process.start(program, arguments);

@@ -1,0 +1,266 @@
+#include "overlay/overlay_geometry.h"
+#include "support/line_program.h"
+#include "support/sway_session.h"
+#include "support/virtual_pointer.h"
+#include "support/wait_until.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+namespace vornic {
+namespace {
+
+using test::SwaySession;
+using test::VirtualPointer;
+using test::waitUntil;
+
+const QColor lightGrey(204, 204, 204);
+const QColor background(QColor::fromRgb(SwaySession::background));
+const QColor beneathColour(0x80, 0x60, 0x20);
+/// Of the fake display, which is also the monitor's.
+constexpr QSize display(1920, 1080);
+
+/// The overlay on a Wayland desktop, with a mouse. Frames are in screen coordinates, y up; points on the desktop are
+/// its device pixels, y down.
+class OverlaySway : public ::testing::Test
+{
+protected:
+    void start(double scale, const QString &platform = QStringLiteral("wayland"))
+    {
+        desktop = SwaySession::start({ .size = display, .scale = scale, .hasXwayland = platform == u"xcb" });
+        ASSERT_TRUE(desktop);
+        mouse = VirtualPointer::plugIn(display);
+        ASSERT_TRUE(mouse);
+        mouse->moveTo(aside);
+        environment.set("VORNIC_DISPLAY", "fake");
+        stage
+            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_OVERLAY_STAGE), QStringList(), 1, platform);
+        ASSERT_TRUE(stage->waitForLine("ready"));
+        stage->say("set recordRegion 1");
+    }
+
+    void place(const QRectF &frame)
+    {
+        current = frame;
+        stage->say("rect " + numbersOf(frame.adjusted(8, 8, -8, -8)));
+        stage->say("place");
+    }
+    void useLogo()
+    {
+        QImage red(60, 40, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        ASSERT_TRUE(red.save(folder.filePath("logo.png")));
+        stage->say("picture " + folder.filePath("logo.png"));
+        for (const char *setting :
+             { "LogoType 1", "logoPositionX 108", "logoPositionY 108", "LogoValidate true" })
+            stage->say(QStringLiteral("set logoContext.") + setting);
+    }
+    /// A window of another program, 1200 x 800 pixels at (120, 120).
+    [[nodiscard]] std::unique_ptr<LineProgram> startBeneath(double scale) const
+    {
+        const auto logical
+            = [scale](int pixels) { return QString::number(static_cast<int>(pixels / scale)); };
+        const QStringList arguments { "Beneath", logical(1200), logical(800), beneathColour.name() };
+        auto window
+            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_PLAIN_WINDOW), arguments, 1, "wayland");
+        EXPECT_TRUE(window->waitForLine("ready"));
+        // It has painted, but the desktop need not have heard of it yet.
+        const QString move
+            = QStringLiteral("[title=\"Beneath\"] move absolute position %1 %1").arg(logical(120));
+        EXPECT_TRUE(waitUntil([&] { return desktop->command(move); }));
+        EXPECT_TRUE(waitUntil([&] { return isLike(desktop->screen().pixelColor(130, 130), beneathColour); }));
+        return window;
+    }
+
+    [[nodiscard]] static QString numbersOf(const QRectF &rect)
+    {
+        return QStringLiteral("%1 %2 %3 %4").arg(rect.x()).arg(rect.y()).arg(rect.width()).arg(rect.height());
+    }
+    [[nodiscard]] static QPoint onDesktop(QPointF screenPoint)
+    {
+        return { static_cast<int>(screenPoint.x()),
+                 display.height() - 1 - static_cast<int>(screenPoint.y()) };
+    }
+    [[nodiscard]] static QRect onDesktop(const QRectF &frame)
+    {
+        return { QPoint(static_cast<int>(frame.x()), display.height() - static_cast<int>(frame.bottom())),
+                 frame.size().toSize() };
+    }
+    /// Of the desktop, where the picture of the pointer hides nothing that is looked at.
+    static constexpr QPoint aside { 5, 1070 };
+    [[nodiscard]] QImage screenWithoutPointer() const
+    {
+        return desktop->screen().copy(0, 0, display.width(), 1000);
+    }
+    /// The last line of that kind that the stage has told by now.
+    [[nodiscard]] QString lastTold(const QString &begin) const
+    {
+        stage->say("nothing");
+        const QStringList lines = stage->told.filter(begin);
+        return lines.isEmpty() ? QString() : lines.last();
+    }
+
+    /// What lies 0, 1, 2 ... pixels from each edge of \a frame towards its middle, beside the handles.
+    [[nodiscard]] static std::array<std::vector<QColor>, 4> edges(const QImage &screen, const QRect &frame)
+    {
+        constexpr int deep = 8;
+        const QPoint beside = frame.topLeft() + QPoint(frame.width() / 4, frame.height() / 4);
+        std::array<std::vector<QColor>, 4> colours;
+        for (int distance = -1; distance < deep; ++distance) {
+            colours[0].push_back(screen.pixelColor(frame.left() + distance, beside.y()));
+            colours[1].push_back(screen.pixelColor(frame.right() - distance, beside.y()));
+            colours[2].push_back(screen.pixelColor(beside.x(), frame.top() + distance));
+            colours[3].push_back(screen.pixelColor(beside.x(), frame.bottom() - distance));
+        }
+        return colours;
+    }
+    /// The frame is there to the pixel: a hairline half as bright, four pixels of bar, the tint.
+    [[nodiscard]] bool isFrameAt(const QRect &frame, bool isTinted = true) const
+    {
+        const QImage screen = desktop->screen();
+        const QColor half(0x10, 0x20, 0x30);
+        const QColor inside = isTinted ? QColor(0x1c, 0x52, 0x74) : background;
+        const std::vector<QColor> wanted { background, background, half,   lightGrey, lightGrey,
+                                           lightGrey,  lightGrey,  inside, inside };
+        for (const std::vector<QColor> &edge : edges(screen, frame)) {
+            for (std::size_t at = 0; at < edge.size(); ++at) {
+                if (!isLike(edge[at], wanted[at]))
+                    return false;
+            }
+        }
+        return true;
+    }
+    [[nodiscard]] static bool isLike(const QColor &a, const QColor &b)
+    {
+        return std::abs(a.red() - b.red()) <= 2 && std::abs(a.green() - b.green()) <= 2
+            && std::abs(a.blue() - b.blue()) <= 2;
+    }
+
+    /// Presses at \a from of the frame, in pixels from its lower left, goes \a by (y up), and checks what is told and seen.
+    void dragAndCheck(QPointF from, QPoint by, const QRectF &expected)
+    {
+        SCOPED_TRACE(testing::Message() << "from " << from.x() << ' ' << from.y());
+        const QPoint pressed = onDesktop(current.topLeft() + from);
+        mouse->drag(pressed, pressed + QPoint(by.x(), -by.y()));
+        const QString wanted = "rect " + numbersOf(expected.adjusted(8, 8, -8, -8));
+        EXPECT_TRUE(waitUntil([&] { return lastTold("rect ") == wanted; }))
+            << qPrintable(wanted) << ", not " << qPrintable(lastTold("rect "));
+        EXPECT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(expected)); }));
+        current = expected;
+    }
+
+    test::ScopedEnvironment environment;
+    QTemporaryDir folder;
+    std::unique_ptr<SwaySession> desktop;
+    std::unique_ptr<VirtualPointer> mouse;
+    std::unique_ptr<LineProgram> stage;
+    QRectF current;
+};
+
+class OverlaySwayScaled : public OverlaySway, public ::testing::WithParamInterface<double>
+{
+};
+
+TEST_P(OverlaySwayScaled, StandsAtItsPixels)
+{
+    start(GetParam());
+    // Odd, so that no factor divides it.
+    for (const QRectF &frame :
+         { QRectF(101, 83, 817, 611), QRectF(1103, 469, 825, 619), QRectF(-8, -8, 301, 203) }) {
+        SCOPED_TRACE(qPrintable(numbersOf(frame)));
+        place(frame);
+        if (QRect(QPoint(), display).contains(onDesktop(frame).adjusted(-1, -1, 1, 1))) {
+            EXPECT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(frame)); }));
+        } else {
+            const QRect held = onDesktop(frame);
+            const QPoint onBar(held.left() < 0 ? held.right() - 3 : held.left() + 3, held.top() + 60);
+            EXPECT_TRUE(waitUntil([&] { return desktop->screen().pixelColor(onBar) == lightGrey; }));
+        }
+    }
+}
+
+TEST_P(OverlaySwayScaled, EveryHandleAndTheInsideDragIt)
+{
+    start(GetParam());
+    place({ 401, 301, 616, 516 });
+    ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(current)); }));
+    dragAndCheck({ 612, 258 }, { 51, 17 }, { 401, 301, 667, 516 });   // right
+    dragAndCheck({ 4, 258 }, { -33, 9 }, { 368, 301, 700, 516 });     // left
+    dragAndCheck({ 350, 512 }, { 5, 41 }, { 368, 301, 700, 557 });    // top
+    dragAndCheck({ 350, 4 }, { 7, -25 }, { 368, 276, 700, 582 });     // bottom
+    dragAndCheck({ 4, 578 }, { 21, -13 }, { 389, 276, 679, 569 });    // upper left
+    dragAndCheck({ 675, 565 }, { -19, 11 }, { 389, 276, 660, 580 });  // upper right
+    dragAndCheck({ 4, 4 }, { 31, 23 }, { 420, 299, 629, 557 });       // lower left
+    dragAndCheck({ 625, 4 }, { 15, -29 }, { 420, 270, 644, 586 });    // lower right
+    dragAndCheck({ 322, 293 }, { 111, -57 }, { 531, 213, 644, 586 }); // the middle
+    dragAndCheck({ 50, 60 }, { -77, 39 }, { 454, 252, 644, 586 });    // anywhere inside
+}
+
+TEST_P(OverlaySwayScaled, TheLogoIsDragged)
+{
+    start(GetParam());
+    place({ 392, 292, 616, 516 });
+    useLogo();
+    const QPoint onLogo = onDesktop(QPointF(392 + 108 + 30, 292 + 108 + 20));
+    const auto isRed
+        = [&](QPoint point) { return isLike(desktop->screen().pixelColor(point), QColor(Qt::red)); };
+    ASSERT_TRUE(waitUntil([&] { return isRed(onLogo); }));
+    const QPoint by(120, -70);
+    mouse->drag(onLogo, onLogo + by);
+    EXPECT_TRUE(waitUntil([&] { return lastTold("logo ").startsWith("logo 228 178 "); }))
+        << qPrintable(lastTold("logo "));
+    mouse->moveTo(aside);
+    EXPECT_TRUE(waitUntil([&] { return isRed(onLogo + by) && !isRed(onLogo); }));
+    EXPECT_TRUE(isFrameAt(onDesktop(current))) << "only the logo has moved";
+}
+
+TEST_P(OverlaySwayScaled, WhileRecordingTheWindowBeneathGetsTheClicks)
+{
+    start(GetParam());
+    const auto beneath = startBeneath(GetParam());
+    place({ 142, 300, 700, 600 });
+    useLogo();
+    stage->say("recording 1");
+    const QPoint inside(400, 400);
+    const QPoint onLogo = onDesktop(QPointF(142 + 138, 300 + 128));
+    const QPoint onBar = onDesktop(QPointF(142 + 200, 300 + 600 - 4));
+    EXPECT_TRUE(isLike(desktop->screen().pixelColor(onLogo), QColor(Qt::red)));
+    EXPECT_TRUE(isLike(desktop->screen().pixelColor(onBar), lightGrey));
+    for (const QPoint point : { inside, onLogo, onBar }) {
+        mouse->click(point);
+        EXPECT_TRUE(beneath->waitForLine("released")) << point.x() << ' ' << point.y();
+    }
+    stage->say("recording 0");
+    const auto toldBefore = beneath->told.size();
+    mouse->drag(inside, inside + QPoint(20, 0));
+    EXPECT_TRUE(waitUntil([&] { return lastTold("rect ") == "rect 170 308 684 584"; }))
+        << qPrintable(lastTold("rect "));
+    EXPECT_FALSE(beneath->tells("pressed", 0));
+    EXPECT_EQ(beneath->told.size(), toldBefore) << "idle, the overlay takes them";
+}
+
+TEST_P(OverlaySwayScaled, NothingIsLeftWhenItIsOrderedOut)
+{
+    start(GetParam());
+    place({ 401, 301, 616, 516 });
+    ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(current)); }));
+    stage->say("set recordRegion 0");
+    stage->say("place");
+    QImage empty = screenWithoutPointer();
+    empty.fill(SwaySession::background);
+    EXPECT_TRUE(waitUntil([&] { return screenWithoutPointer() == empty; }));
+}
+
+std::string percentOf(const testing::TestParamInfo<double> &info)
+{
+    return "Percent" + std::to_string(static_cast<int>(info.param * 100));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, OverlaySwayScaled, testing::Values(1, 1.25, 1.5, 2), percentOf);
+
+} // namespace
+} // namespace vornic
