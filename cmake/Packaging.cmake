@@ -31,7 +31,7 @@ endif()
 # The toolkit's plugin that writes the TIFF data of the picture well, and lets a logo be a TIFF or WebP picture.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-image-formats-plugins)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-  "default-dbus-session-bus | dbus-session-bus, pulseaudio | pipewire-pulse, xdg-utils, qt6-translations-l10n")
+  "default-dbus-session-bus | dbus-session-bus, pulseaudio | pipewire-pulse, xdg-utils, qt6-translations-l10n, qt6-wayland")
 # By which Wayland desktops hand out their screen; those that do have them.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xdg-desktop-portal, wireplumber")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -19,6 +19,7 @@
 #include "desktop/silent_bus.h"
 #include "desktop/single_instance.h"
 #include "display/display_backend.h"
+#include "overlay/toolkit_platform.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -27,6 +28,7 @@
 
 #include <csignal>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -140,7 +142,9 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
         }
     }
     ExitGuard guard;
+    std::optional<ToolkitPlatform> platform(std::in_place);
     GuardedApplication<QApplication> application(argc, argv);
+    platform.reset();
     const Translations translations;
     return statusOf([&] {
         SingleInstance instance;

@@ -20,7 +20,9 @@ using test::waitUntil;
 
 const QColor lightGrey(204, 204, 204);
 const QColor background(QColor::fromRgb(SwaySession::background));
+const QColor tinted(0x1c, 0x52, 0x74);
 const QColor beneathColour(0x80, 0x60, 0x20);
+const QColor mainColour(0x30, 0x60, 0x30);
 /// Of the fake display, which is also the monitor's.
 constexpr QSize display(1920, 1080);
 
@@ -123,7 +125,7 @@ protected:
     {
         const QImage screen = desktop->screen();
         const QColor half(0x10, 0x20, 0x30);
-        const QColor inside = isTinted ? QColor(0x1c, 0x52, 0x74) : background;
+        const QColor inside = isTinted ? tinted : background;
         const std::vector<QColor> wanted { background, background, half,   lightGrey, lightGrey,
                                            lightGrey,  lightGrey,  inside, inside };
         for (const std::vector<QColor> &edge : edges(screen, frame)) {
@@ -241,6 +243,27 @@ TEST_P(OverlaySwayScaled, WhileRecordingTheWindowBeneathGetsTheClicks)
         << qPrintable(lastTold("rect "));
     EXPECT_FALSE(beneath->tells("pressed", 0));
     EXPECT_EQ(beneath->told.size(), toldBefore) << "idle, the overlay takes them";
+}
+
+TEST_P(OverlaySwayScaled, LeavesTheProgramsOwnWindowsToTheMouse)
+{
+    start(GetParam(), QStringLiteral("xcb"));
+    place({ 142, 300, 900, 700 });
+    stage->say("main 0 0 300 200");
+    const auto logical = static_cast<int>(300 / GetParam());
+    const QString move = QStringLiteral("[title=\"Stage\"] move absolute position %1 %1").arg(logical);
+    ASSERT_TRUE(waitUntil([&] { return desktop->command(move); }));
+    const QPoint onMain(310, 310);
+    const auto shows = [&](QPoint point, const QColor &colour) {
+        return waitUntil([&] { return isLike(desktop->screen().pixelColor(point), colour); });
+    };
+    EXPECT_TRUE(shows(onMain, mainColour)) << "not tinted";
+    EXPECT_TRUE(shows({ 290, 290 }, tinted));
+    mouse->click(onMain);
+    EXPECT_TRUE(stage->waitForLine("main pressed"));
+    mouse->moveTo(aside);
+    stage->say("main");
+    EXPECT_TRUE(shows(onMain, tinted)) << "the hole has gone with the window";
 }
 
 TEST_P(OverlaySwayScaled, NothingIsLeftWhenItIsOrderedOut)
