@@ -278,6 +278,47 @@ TEST_P(OverlaySwayScaled, NothingIsLeftWhenItIsOrderedOut)
     EXPECT_TRUE(waitUntil([&] { return screenWithoutPointer() == empty; }));
 }
 
+TEST_F(OverlaySway, FollowsTheMonitorThroughSizesAndScales)
+{
+    start(1);
+    place({ 101, 583, 401, 305 });
+    ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(current)); }));
+    // Of sizes that 1.5 divides: the program that takes the picture scales what else there is.
+    for (const char *setting : { "scale 1.5", "mode 1536x864", "scale 1", "mode 1920x1080" }) {
+        ASSERT_TRUE(desktop->command(QStringLiteral("output HEADLESS-1 ") + setting));
+        EXPECT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(current)); })) << setting;
+    }
+    dragAndCheck({ 200, 100 }, { 31, -17 }, { 132, 566, 401, 305 });
+}
+
+TEST_F(OverlaySway, ThePointersShapeTellsWhatAPressWouldHold)
+{
+    start(1);
+    place({ 401, 301, 616, 516 });
+    ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(current)); }));
+    // An arrow points to the upper left: nothing of it is there.
+    const auto reachesUpperLeft = [&](QPoint pointer) {
+        const QImage part = desktop->screen().copy(QRect(pointer - QPoint(24, 24), QSize(22, 22)));
+        QImage plain = part;
+        plain.fill(part.pixel(0, 0));
+        return part != plain;
+    };
+    const QPoint inside = onDesktop(QPointF(401 + 100, 301 + 100));
+    mouse->moveTo(inside);
+    EXPECT_TRUE(waitUntil([&] { return reachesUpperLeft(inside); })) << "arrows to all sides";
+    stage->say("recording 1");
+    mouse->moveTo(inside + QPoint(1, 0));
+    EXPECT_TRUE(waitUntil([&] { return !reachesUpperLeft(inside + QPoint(1, 0)); })) << "the desktop's";
+}
+
+TEST_F(OverlaySway, TheProgramEndsWithTheCompositor)
+{
+    start(1);
+    place({ 401, 301, 616, 516 });
+    desktop->kill();
+    EXPECT_TRUE(stage->hasEnded());
+}
+
 std::string percentOf(const testing::TestParamInfo<double> &info)
 {
     return "Percent" + std::to_string(static_cast<int>(info.param * 100));

@@ -66,6 +66,8 @@ public:
     {
         return !waitFor([&](const QString &line) { return line.startsWith(begin); }, maxMs).isNull();
     }
+    /// Waits for its end; whether it came within some seconds.
+    bool hasEnded() { return m_process.waitForFinished(20'000); }
     /// Does not wait for an answer.
     void write(const QString &line)
     {
