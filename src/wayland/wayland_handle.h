@@ -41,6 +41,15 @@ struct WaylandDestroy {
         else
             wl_pointer_destroy(pointer);
     }
+    void operator()(wl_data_device_manager *manager) const { wl_data_device_manager_destroy(manager); }
+    void operator()(wl_data_offer *offer) const { wl_data_offer_destroy(offer); }
+    void operator()(wl_data_device *device) const
+    {
+        if (wl_data_device_get_version(device) >= WL_DATA_DEVICE_RELEASE_SINCE_VERSION)
+            wl_data_device_release(device);
+        else
+            wl_data_device_destroy(device);
+    }
     void operator()(zxdg_output_manager_v1 *manager) const { zxdg_output_manager_v1_destroy(manager); }
     void operator()(zxdg_output_v1 *output) const { zxdg_output_v1_destroy(output); }
     void operator()(wp_viewporter *viewporter) const { wp_viewporter_destroy(viewporter); }

@@ -1,10 +1,14 @@
-// A window of another program, wherever the desktop puts it: plain_window TITLE W H COLOUR
+// A window of another program, wherever the desktop puts it: plain_window TITLE W H COLOUR [FILE]
 //
-// Told are "ready" once it is on the screen, and "pressed X Y", "released", "wheel".
+// Told are "ready" once it is painted, and "pressed X Y", "released", "wheel". Dragging from it drags FILE's name: told
+// are "drags", and at the end "dropped copy" or "dropped nothing".
 
 #include <QApplication>
+#include <QDrag>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QUrl>
 #include <QWidget>
 
 #include <cstdio>
@@ -23,6 +27,7 @@ class Window : public QWidget
 public:
     explicit Window(const QStringList &arguments)
         : m_colour(arguments.value(4))
+        , m_file(arguments.value(5))
     {
         setWindowTitle(arguments.value(1));
         setWindowFlag(Qt::FramelessWindowHint);
@@ -40,11 +45,24 @@ protected:
     {
         tell(QStringLiteral("pressed %1 %2").arg(event->position().x()).arg(event->position().y()));
     }
+    void mouseMoveEvent(QMouseEvent * /*event*/) override
+    {
+        if (m_file.isEmpty())
+            return;
+        auto *drag = new QDrag(this); // deletes itself
+        auto *files = new QMimeData;
+        files->setUrls({ QUrl::fromLocalFile(m_file) });
+        drag->setMimeData(files);
+        tell(QStringLiteral("drags"));
+        const Qt::DropAction action = drag->exec(Qt::CopyAction);
+        tell(action == Qt::CopyAction ? QStringLiteral("dropped copy") : QStringLiteral("dropped nothing"));
+    }
     void mouseReleaseEvent(QMouseEvent * /*event*/) override { tell(QStringLiteral("released")); }
     void wheelEvent(QWheelEvent * /*event*/) override { tell(QStringLiteral("wheel")); }
 
 private:
     const QColor m_colour;
+    const QString m_file;
     bool m_isNew = true;
 };
 

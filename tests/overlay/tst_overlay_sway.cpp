@@ -78,6 +78,19 @@ protected:
         return window;
     }
 
+    /// A window of another program from which \a file can be dragged, about (100, 100).
+    [[nodiscard]] std::unique_ptr<LineProgram> startSource(const QString &file) const
+    {
+        const QStringList arguments { "Source", "200", "200", beneathColour.name(), file };
+        auto window
+            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_PLAIN_WINDOW), arguments, 1, "wayland");
+        EXPECT_TRUE(window->waitForLine("ready"));
+        const QString move = QStringLiteral("[title=\"Source\"] move absolute position 40 40");
+        EXPECT_TRUE(waitUntil([&] { return desktop->command(move); }));
+        EXPECT_TRUE(waitUntil([&] { return isLike(desktop->screen().pixelColor(100, 100), beneathColour); }));
+        return window;
+    }
+
     [[nodiscard]] static QString numbersOf(const QRectF &rect)
     {
         return QStringLiteral("%1 %2 %3 %4").arg(rect.x()).arg(rect.y()).arg(rect.width()).arg(rect.height());
@@ -309,6 +322,38 @@ TEST_F(OverlaySway, ThePointersShapeTellsWhatAPressWouldHold)
     stage->say("recording 1");
     mouse->moveTo(inside + QPoint(1, 0));
     EXPECT_TRUE(waitUntil([&] { return !reachesUpperLeft(inside + QPoint(1, 0)); })) << "the desktop's";
+}
+
+TEST_F(OverlaySway, APictureThatIsDroppedBecomesTheLogo)
+{
+    start(1.5);
+    place({ 601, 301, 616, 516 });
+    useLogo();
+    const QString file = folder.filePath("dropped.png");
+    QImage blue(50, 30, QImage::Format_RGB32);
+    blue.fill(Qt::blue);
+    ASSERT_TRUE(blue.save(file));
+    const auto source = startSource(file);
+    const auto drops = [&](QPoint point) {
+        mouse->moveTo({ 100, 100 });
+        mouse->press();
+        mouse->moveTo({ 120, 110 });
+        EXPECT_TRUE(source->waitForLine("drags"));
+        mouse->moveTo(point - QPoint(3, 3));
+        mouse->moveTo(point);
+        stage->say("nothing");
+        mouse->release();
+        return source->waitFor([](const QString &line) { return line.startsWith("dropped "); });
+    };
+    // A desktop lets nothing be dropped before the overlay has read the names and said that it would take them.
+    EXPECT_TRUE(waitUntil([&] { return drops({ 800, 500 }) == "dropped copy"; }));
+    // Its middle is where it was dropped: 199 pixels from the left edge, 237 from the upper one.
+    EXPECT_TRUE(waitUntil([&] { return lastTold("logo ") == "logo 174 264 50 30"; }))
+        << qPrintable(lastTold("logo "));
+    mouse->moveTo(aside);
+    EXPECT_TRUE(waitUntil([&] { return isLike(desktop->screen().pixelColor(790, 490), QColor(Qt::blue)); }));
+    stage->say("set logoContext.LogoType 0");
+    EXPECT_EQ(drops({ 700, 600 }), "dropped nothing") << "a text takes no picture";
 }
 
 TEST_F(OverlaySway, TheProgramEndsWithTheCompositor)

@@ -51,6 +51,7 @@ LayerShellServer::LayerShellServer(std::unique_ptr<WaylandConnection> connection
     : m_connection(std::move(connection))
     , m_events(*m_connection)
     , m_mouse(*m_connection, receiver)
+    , m_drops(*m_connection, receiver)
 {
     // Later, as the compositor also tells in the middle of a wait.
     m_connection->outputs().onChange(
@@ -64,7 +65,9 @@ LayerShellServer::~LayerShellServer() = default;
 void LayerShellServer::followMonitors()
 {
     m_output = mainOutput(m_connection->outputs().all()).value_or(WaylandOutput());
-    m_mouse.setGrid(OutputGrid(m_output.factor()), mainDisplayPlacement().origin);
+    const OutputGrid grid(m_output.factor());
+    m_mouse.setGrid(grid, mainDisplayPlacement().origin);
+    m_drops.setGrid(grid, mainDisplayPlacement().origin);
     show();
 }
 

@@ -3,6 +3,7 @@
 #include "overlay/overlay_server.h"
 #include "overlay/wayland/output_grid.h"
 #include "overlay/wayland/overlay_surface.h"
+#include "overlay/wayland/wayland_drops.h"
 #include "overlay/wayland/wayland_mouse.h"
 #include "wayland/wayland_connection.h"
 #include "wayland/wayland_events.h"
@@ -57,6 +58,7 @@ private:
     std::unique_ptr<WaylandConnection> m_connection;
     WaylandEvents m_events;
     WaylandMouse m_mouse;
+    WaylandDrops m_drops;
     Paint m_paint;
     OverlayAppearance m_appearance; ///< what was asked for last
     WaylandOutput m_output;         ///< the main monitor
