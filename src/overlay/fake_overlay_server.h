@@ -49,7 +49,7 @@ public:
     [[nodiscard]] int waitCount() const { return m_waits; }
 
     [[nodiscard]] bool hasSurface() const override { return m_hasSurface; }
-    void setPaint(Paint paint) override { m_paint = std::move(paint); }
+    void setPaint(const Paint &paint) override { m_paint = paint; }
     void repaint(const QRegion &pixels) override { m_repainted += pixels; }
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
     [[nodiscard]] bool isDragging() const override { return m_isDragging; }

@@ -37,7 +37,7 @@ public:
     /// area is what takes the mouse.
     [[nodiscard]] virtual bool hasSurface() const { return false; }
     /// What a server with a surface shows is painted by \a paint, whenever it pleases.
-    virtual void setPaint(Paint /*paint*/) { }
+    virtual void setPaint(const Paint & /*paint*/) { }
     /// \a pixels of the overlay, y down from its upper left, look otherwise now.
     virtual void repaint(const QRegion & /*pixels*/) { }
 

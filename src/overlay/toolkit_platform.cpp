@@ -6,7 +6,7 @@ namespace vornic {
 
 namespace {
 
-constexpr char choice[] = "QT_QPA_PLATFORM";
+constexpr const char *choice = "QT_QPA_PLATFORM";
 
 #if defined(VORNIC_X11) && defined(VORNIC_WAYLAND)
 constexpr bool knowsBoth = true;

@@ -29,7 +29,7 @@ public:
     ~LayerShellServer() override;
 
     [[nodiscard]] bool hasSurface() const override { return true; }
-    void setPaint(Paint paint) override { m_paint = std::move(paint); }
+    void setPaint(const Paint &paint) override { m_paint = paint; }
     void repaint(const QRegion &pixels) override;
     [[nodiscard]] bool isComposited() const override { return true; }
     /// Nobody tells of a drag before it is over the input area.

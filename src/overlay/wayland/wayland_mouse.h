@@ -38,7 +38,7 @@ public:
 private:
     enum class Act { Press, Drag, Release, Move };
     struct Notice {
-        Act act;
+        Act act = Act::Move;
         QPoint onDesktop;
     };
 
