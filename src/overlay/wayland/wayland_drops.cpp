@@ -119,7 +119,7 @@ void WaylandDrops::entered(std::uint32_t serial, QPointF onSurface, const wl_dat
     forget();
     if (!offer || offer != m_announced.handle.get())
         return;
-    m_drag.emplace();
+    m_drag = Drag();
     m_drag->offer = std::exchange(m_announced, {});
     m_drag->serial = serial;
     moved(onSurface);
