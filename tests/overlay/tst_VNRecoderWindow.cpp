@@ -552,14 +552,13 @@ TEST_F(RecoderSurface, OnlyWhatLooksOtherwiseIsPaintedAnew)
     EXPECT_TRUE((changed - both).isEmpty()) << "more than the logo where it was and is";
 }
 
-TEST_F(RecoderSurface, APressDragsTheFrameWithoutTakingTheFocus)
+TEST_F(RecoderSurface, APressDragsTheFrame)
 {
     window.orderFront();
     server.receiver().inputPressed({ 700, 400 });
     server.receiver().inputDragged({ 720, 390 });
     EXPECT_EQ(window.frame(), QRectF(332, 152, 816, 616));
     server.receiver().inputReleased();
-    EXPECT_FALSE(window.isActiveWindow());
 }
 
 } // namespace

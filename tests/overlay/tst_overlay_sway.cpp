@@ -162,9 +162,9 @@ protected:
         const QPoint pressed = onDesktop(current.topLeft() + from);
         mouse->drag(pressed, pressed + QPoint(by.x(), -by.y()));
         const QString wanted = "rect " + numbersOf(expected.adjusted(8, 8, -8, -8));
-        EXPECT_TRUE(waitUntil([&] { return lastTold("rect ") == wanted; }))
+        ASSERT_TRUE(waitUntil([&] { return lastTold("rect ") == wanted; }))
             << qPrintable(wanted) << ", not " << qPrintable(lastTold("rect "));
-        EXPECT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(expected)); }));
+        ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(expected)); }));
         current = expected;
     }
 
