@@ -1,5 +1,6 @@
 #include "display/portal/screen_cast.h"
 
+#include "base/main_queue.h"
 #include "display/portal/cast_session.h"
 #include "display/portal/cast_stream.h"
 #include "wayland/transparent_pixel.h"
@@ -60,10 +61,14 @@ void ScreenCast::accessAnswered(const DisplayAccess &access, const CastSource &s
         finish(access);
         return;
     }
-    const auto onMain = [this](void (ScreenCast::*react)()) {
-        return [this, react] { QMetaObject::invokeMethod(this, react, Qt::QueuedConnection); };
+    const auto onMain = [self = QPointer(this)](void (ScreenCast::*react)()) {
+        return [self, react] {
+            main_queue::async([self, react] {
+                if (self)
+                    (self.get()->*react)();
+            });
+        };
     };
-    // The stream ends its thread before this object goes.
     m_stream = CastStream::open(::fcntl(source.remote.fileDescriptor(), F_DUPFD_CLOEXEC, 0),
                                 source.node,
                                 std::shared_ptr<CastPicture>(m_screen, &m_screen->picture),
