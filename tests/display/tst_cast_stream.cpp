@@ -121,6 +121,35 @@ TEST_F(CastStreamTest, AMonitorThatIsTurnedIsShownUpright)
     EXPECT_TRUE(m_source->sendUntil(turned, [&] { return grabbed() == upright; }));
 }
 
+/// Compositors tell its place on the screen, not in the memory that they write, and its picture is upright.
+TEST_F(CastStreamTest, ThePointerOfATurnedMonitorIsWhereItIsSeen)
+{
+    QImage arrow(3, 5, QImage::Format_ARGB32_Premultiplied);
+    arrow.fill(qRgba(10, 20, 30, 40));
+    for (int transform = 1; transform < 8; ++transform) {
+        const QSize seen = transform % 2 == 0 ? size : size.transposed();
+        const QImage upright = noisePicture(seen, static_cast<std::uint32_t>(transform));
+        const QPoint place(transform, 40);
+        SourceFrame turned {
+            upright.mirrored(transform >= 4, false).transformed(QTransform().rotate(-90.0 * (transform % 4)))
+        };
+        turned.transform = transform;
+        turned.pointer = place;
+        turned.pointerPicture = arrow;
+        turned.hotSpot = QPoint(1, 2);
+        ASSERT_TRUE(m_source->sendUntil(turned, [&] { return grabbed() == upright; })) << transform;
+        EXPECT_EQ(m_picture->pointerPosition(), place) << transform;
+        ASSERT_TRUE(m_picture->cursorShape());
+        EXPECT_EQ(*m_picture->cursorShape(), (CursorShape { arrow, QPoint(1, 2) })) << transform;
+        SourceFrame moved;
+        moved.transform = transform;
+        moved.pointer = place + QPoint(0, 1);
+        EXPECT_TRUE(m_source->sendUntil(moved, [&] {
+            return m_picture->pointerPosition() == *moved.pointer;
+        })) << transform;
+    }
+}
+
 TEST_F(CastStreamTest, OneThatIsSlowToGrabHoldsUpNothing)
 {
     ASSERT_TRUE(show(noisePicture(size, 0)));

@@ -28,7 +28,8 @@ struct CastPixels {
 /// What a stream says of the pointer.
 struct CastPointer {
     bool isVisible = false;
-    QPoint position; ///< of the hot spot
+    /// Of the hot spot, on the picture as the user sees it, also where that is written turned.
+    QPoint position;
     /// A new shape, which may be none; nothing where it is as before.
     std::optional<std::shared_ptr<const CursorShape>> shape;
 };
