@@ -1,10 +1,16 @@
 #include "wayland/transparent_pixel.h"
 
+#include "base/thread.h"
 #include "wayland/layer_surface.h"
 #include "wayland/shm_buffer.h"
 #include "wayland/wayland_connection.h"
 
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace vornic {
@@ -20,30 +26,50 @@ wl_output *outputNamed(WaylandConnection &connection, const QString &name)
 
 } // namespace
 
-std::unique_ptr<TransparentPixel> TransparentPixel::show(const QString &output)
+TransparentPixel::TransparentPixel(std::chrono::milliseconds time, const QString &output)
+    : m_wakeFd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
-    std::unique_ptr<TransparentPixel> pixel(new TransparentPixel);
-    return pixel->map(output) ? std::move(pixel) : nullptr;
+    // A system without another thread goes without the pixel.
+    if (!runGuarded("the transparent pixel", [&] {
+            m_thread = startThread("vornic pixel", [this, time, output] { run(time, output); });
+        }))
+        m_state = State::Over;
 }
 
-TransparentPixel::TransparentPixel() = default;
-TransparentPixel::~TransparentPixel() = default;
+TransparentPixel::~TransparentPixel()
+{
+    eventfd_write(m_wakeFd, 1);
+    if (m_thread.joinable())
+        m_thread.join();
+    close(m_wakeFd);
+}
 
-bool TransparentPixel::map(const QString &output)
+void TransparentPixel::run(std::chrono::milliseconds time, const QString &output)
+{
+    if (const auto connection = WaylandConnection::open(m_wakeFd))
+        show(*connection, time, output);
+    m_state = State::Over;
+}
+
+void TransparentPixel::show(WaylandConnection &connection,
+                            std::chrono::milliseconds time,
+                            const QString &output)
 {
     const QSize onePixel(1, 1);
-    m_connection = WaylandConnection::open();
-    const auto shm = m_connection ? m_connection->bind<wl_shm>(wl_shm_interface, 1) : nullptr;
-    if (!shm)
-        return false;
-    m_buffer = ShmBuffer::create(*shm, onePixel);
-    m_surface = LayerSurface::create(*m_connection, outputNamed(*m_connection, output), onePixel);
-    if (!m_buffer || !m_surface || !m_connection->roundTrip() || !m_surface->isConfigured())
-        return false;
-    wl_surface_attach(m_surface->get(), m_buffer->handOver(), 0, 0);
-    wl_surface_damage_buffer(m_surface->get(), 0, 0, 1, 1);
-    m_surface->commit();
-    return m_connection->roundTrip();
+    const auto shm = connection.bind<wl_shm>(wl_shm_interface, 1);
+    const auto buffer = shm ? ShmBuffer::create(*shm, onePixel) : nullptr;
+    const auto surface
+        = buffer ? LayerSurface::create(connection, outputNamed(connection, output), onePixel) : nullptr;
+    if (!surface || !connection.roundTrip() || !surface->isConfigured())
+        return;
+    wl_surface_attach(surface->get(), buffer->handOver(), 0, 0);
+    wl_surface_damage_buffer(surface->get(), 0, 0, 1, 1);
+    surface->commit();
+    if (!connection.roundTrip())
+        return;
+    m_state = State::Shown;
+    pollfd wake { m_wakeFd, POLLIN, 0 };
+    poll(&wake, 1, static_cast<int>(time.count()));
 }
 
 } // namespace vornic

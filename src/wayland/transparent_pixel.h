@@ -2,37 +2,45 @@
 
 #include <QString>
 
-#include <memory>
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace vornic {
 
-class LayerSurface;
-class ShmBuffer;
 class WaylandConnection;
 
-/// A surface of one pixel at the upper left of a monitor, wholly transparent and without mouse or keys, that is there
-/// as long as the object lives. It makes a compositor draw a screen that stands still, some of which tell a new watcher
-/// of nothing before they do.
+/// A surface of one pixel at the upper left of a monitor, wholly transparent and without mouse or keys. It makes a
+/// compositor draw a screen that stands still, some of which tell a new watcher of nothing before they do.
 ///
-/// Made by who waits for a first picture; used by one thread at a time.
+/// Made by who waits for a first picture, on any thread. It has a thread of its own, which alone waits for the compositor.
 class TransparentPixel
 {
 public:
-    /// Returns once it is shown; null where the compositor does not offer such surfaces, or does not answer within some
-    /// seconds. \a output is a monitor's name; where there is none of that name the compositor chooses one.
-    [[nodiscard]] static std::unique_ptr<TransparentPixel> show(const QString &output = {});
-    /// Takes it away and returns at once.
+    enum class State {
+        Waiting, ///< for the compositor
+        Shown,
+        Over, ///< also where the compositor offers no such surfaces, or has not answered within some seconds
+    };
+
+    /// Returns at once; shows it for \a time as soon as the compositor lets it. \a output is a monitor's name; where there
+    /// is none of that name the compositor chooses one.
+    explicit TransparentPixel(std::chrono::milliseconds time, const QString &output = {});
+    /// Takes it away, without an answer of the compositor.
     ~TransparentPixel();
     TransparentPixel(const TransparentPixel &) = delete;
     TransparentPixel &operator=(const TransparentPixel &) = delete;
 
-private:
-    TransparentPixel();
-    [[nodiscard]] bool map(const QString &output);
+    /// Any thread.
+    [[nodiscard]] State state() const { return m_state; }
 
-    std::unique_ptr<WaylandConnection> m_connection;
-    std::unique_ptr<ShmBuffer> m_buffer;
-    std::unique_ptr<LayerSurface> m_surface;
+private:
+    void run(std::chrono::milliseconds time, const QString &output);
+    void show(WaylandConnection &connection, std::chrono::milliseconds time, const QString &output);
+
+    std::atomic<State> m_state = State::Waiting;
+    const int m_wakeFd; ///< readable: the thread is to end
+    std::thread m_thread;
 };
 
 } // namespace vornic

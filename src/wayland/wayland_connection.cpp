@@ -16,6 +16,13 @@ constexpr std::chrono::seconds maxAnswerTime { 2 };
 constexpr std::uint32_t outputVersion = 4;
 constexpr std::uint32_t outputManagerVersion = 3;
 
+/// -1 never is.
+bool isReadable(int descriptor)
+{
+    pollfd watched { descriptor, POLLIN, 0 };
+    return poll(&watched, 1, 0) > 0;
+}
+
 } // namespace
 
 const wl_registry_listener WaylandConnection::registryListener {
@@ -27,18 +34,19 @@ const wl_registry_listener WaylandConnection::registryListener {
     },
 };
 
-std::unique_ptr<WaylandConnection> WaylandConnection::open()
+std::unique_ptr<WaylandConnection> WaylandConnection::open(int borrowedWakeFd)
 {
     WaylandPtr<wl_display> display(wl_display_connect(nullptr));
     if (!display)
         return nullptr;
-    std::unique_ptr<WaylandConnection> connection(new WaylandConnection(std::move(display)));
+    std::unique_ptr<WaylandConnection> connection(new WaylandConnection(std::move(display), borrowedWakeFd));
     // The first brings what there is, the second what the monitors say of themselves.
     return connection->roundTrip() && connection->roundTrip() ? std::move(connection) : nullptr;
 }
 
-WaylandConnection::WaylandConnection(WaylandPtr<wl_display> display)
+WaylandConnection::WaylandConnection(WaylandPtr<wl_display> display, int wakeFd)
     : m_display(std::move(display))
+    , m_wakeFd(wakeFd)
     , m_registry(wl_display_get_registry(m_display.get()))
 {
     wl_registry_add_listener(m_registry.get(), &registryListener, this);
@@ -107,7 +115,7 @@ bool WaylandConnection::roundTrip()
     const Clock::time_point deadline = Clock::now() + maxAnswerTime;
     while (!isAnswered) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-        if (left.count() <= 0 || !dispatch(left))
+        if (left.count() <= 0 || isReadable(m_wakeFd) || !dispatch(left, m_wakeFd))
             return false;
     }
     return true;

@@ -22,7 +22,8 @@ class WaylandConnection
 {
 public:
     /// Connects to $WAYLAND_DISPLAY and learns what the compositor offers; null where none answers within two seconds.
-    [[nodiscard]] static std::unique_ptr<WaylandConnection> open();
+    /// \a borrowedWakeFd ends the waiting for answers, here and in round trips, when it can be read; -1: none.
+    [[nodiscard]] static std::unique_ptr<WaylandConnection> open(int borrowedWakeFd = -1);
     ~WaylandConnection();
     WaylandConnection(const WaylandConnection &) = delete;
     WaylandConnection &operator=(const WaylandConnection &) = delete;
@@ -43,7 +44,7 @@ public:
     /// \a borrowedWakeFd can be read; -1: none. False when the compositor is gone.
     bool dispatch(std::chrono::milliseconds maxWait = {}, int borrowedWakeFd = -1);
     /// Returns once the compositor has done what it was asked for and its answers are handled; false when that took
-    /// more than two seconds, or it is gone.
+    /// more than two seconds, was not to be waited for, or it is gone.
     bool roundTrip();
     /// Sends the requests that are waiting.
     void flush() { wl_display_flush(m_display.get()); }
@@ -56,7 +57,7 @@ private:
         std::uint32_t version = 0;
     };
 
-    explicit WaylandConnection(WaylandPtr<wl_display> display);
+    WaylandConnection(WaylandPtr<wl_display> display, int wakeFd);
     [[nodiscard]] void *bindFirst(const wl_interface &kind, std::uint32_t maxVersion) const;
     [[nodiscard]] void *
     bindGlobal(const Global &global, const wl_interface &kind, std::uint32_t maxVersion) const;
@@ -65,6 +66,7 @@ private:
     static const wl_registry_listener registryListener;
 
     WaylandPtr<wl_display> m_display;
+    const int m_wakeFd;
     WaylandPtr<wl_registry> m_registry;
     std::vector<Global> m_globals;
     WaylandOutputs m_outputs;

@@ -58,7 +58,12 @@ std::unique_ptr<SwaySession> SwaySession::start(const Options &options)
 }
 
 SwaySession::SwaySession() = default;
-SwaySession::~SwaySession() = default;
+
+SwaySession::~SwaySession()
+{
+    if (m_compositor && m_compositor->isRunning())
+        setFrozen(false);
+}
 
 void SwaySession::makeFolders()
 {
@@ -128,6 +133,11 @@ QImage SwaySession::screen() const
     const QString file = filePath(QStringLiteral("screen.ppm"));
     const auto process = ChildProcess::start({ "grim", "-c", "-t", "ppm", "-o", "HEADLESS-1", file });
     return process && process->wait() == 0 ? QImage(file) : QImage();
+}
+
+void SwaySession::setFrozen(bool isFrozen)
+{
+    ::kill(m_compositor->pid(), isFrozen ? SIGSTOP : SIGCONT);
 }
 
 void SwaySession::kill()

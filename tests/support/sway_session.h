@@ -44,6 +44,8 @@ public:
     bool command(const QString &command) const; // NOLINT(modernize-use-nodiscard)
     /// What the monitor shows, in device pixels, with the pointer where one is shown.
     [[nodiscard]] QImage screen() const;
+    /// A frozen compositor answers nothing, as one that hangs.
+    void setFrozen(bool isFrozen);
     /// Ends the compositor at once, as a crash would.
     void kill();
 

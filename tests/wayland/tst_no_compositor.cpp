@@ -1,3 +1,4 @@
+#include "support/wait_until.h"
 #include "wayland/transparent_pixel.h"
 #include "wayland/wayland_connection.h"
 #include "wayland/wayland_output_watch.h"
@@ -28,7 +29,8 @@ protected:
     {
         EXPECT_EQ(WaylandConnection::open(), nullptr);
         EXPECT_EQ(WaylandOutputWatch::start(), nullptr);
-        EXPECT_EQ(TransparentPixel::show(), nullptr);
+        const TransparentPixel pixel(std::chrono::hours(1));
+        EXPECT_TRUE(test::waitUntil([&] { return pixel.state() == TransparentPixel::State::Over; }));
     }
 
     QTemporaryDir m_folder;

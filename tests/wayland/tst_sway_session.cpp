@@ -18,6 +18,13 @@ WaylandOutput onlyOutput(const WaylandOutputWatch &watch)
     return outputs.size() == 1 ? outputs.front() : WaylandOutput();
 }
 
+using State = TransparentPixel::State;
+
+bool isDecided(const TransparentPixel &pixel)
+{
+    return waitUntil([&] { return pixel.state() != State::Waiting; });
+}
+
 class MonitorTest : public ::testing::TestWithParam<double>
 {
 };
@@ -74,10 +81,41 @@ TEST(SwayPixel, NobodySeesItAndItIsInNobodysWay)
     ASSERT_TRUE(waitUntil([&] { return desktop->screen().pixel(0, 0) == SwaySession::background; }));
     const QImage before = desktop->screen();
     for (const char *output : { "HEADLESS-1", "", "DP-9" }) {
-        const auto pixel = TransparentPixel::show(output);
-        ASSERT_TRUE(pixel) << output;
+        const TransparentPixel pixel(std::chrono::hours(1), output);
+        ASSERT_TRUE(isDecided(pixel));
+        ASSERT_EQ(pixel.state(), State::Shown) << output;
         EXPECT_EQ(desktop->screen(), before) << output;
     }
+}
+
+TEST(SwayPixel, ItIsThereForItsTimeAtMost)
+{
+    const auto desktop = SwaySession::start({ .size = { 320, 200 } });
+    ASSERT_TRUE(desktop);
+    const TransparentPixel pixel(std::chrono::milliseconds(1));
+    EXPECT_TRUE(waitUntil([&] { return pixel.state() == State::Over; }));
+}
+
+/// A pixel that is asked for while the compositor hangs is shown when it goes on. That is not so where somebody has
+/// waited for answers meanwhile, be it for the first pixel or for the end of the second: without an answer they are
+/// given up.
+TEST(SwayPixel, ACompositorThatHangsHoldsUpNobody)
+{
+    const auto desktop = SwaySession::start({ .size = { 320, 200 } });
+    ASSERT_TRUE(desktop);
+    constexpr int attempts = 5; // on a machine that itself stands still for seconds at times
+    State state = State::Over;
+    for (int attempt = 0; attempt < attempts && state != State::Shown; ++attempt) {
+        desktop->setFrozen(true);
+        const TransparentPixel pixel(std::chrono::hours(1));
+        {
+            const TransparentPixel second(std::chrono::hours(1));
+        }
+        desktop->setFrozen(false);
+        ASSERT_TRUE(isDecided(pixel));
+        state = pixel.state();
+    }
+    EXPECT_EQ(state, State::Shown);
 }
 
 } // namespace

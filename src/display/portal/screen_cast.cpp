@@ -44,8 +44,7 @@ ScreenCast::ScreenCast(const QString &parentWindow, DisplayBackend::AccessAnswer
     for (QTimer *timer : { &m_nudge, &m_limit })
         timer->setSingleShot(true);
     connect(&m_nudge, &QTimer::timeout, this, [this] {
-        m_pixel = TransparentPixel::show();
-        QTimer::singleShot(pixelLifetime, this, [this] { m_pixel.reset(); });
+        m_pixel = std::make_unique<TransparentPixel>(pixelLifetime);
     });
     connect(&m_limit, &QTimer::timeout, this, [this] { finish(noPictures()); });
 }

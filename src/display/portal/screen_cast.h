@@ -46,7 +46,7 @@ private:
     std::shared_ptr<CastScreen> m_screen = std::make_shared<CastScreen>();
     std::unique_ptr<CastSession> m_session;
     std::unique_ptr<CastStream> m_stream;
-    std::unique_ptr<TransparentPixel> m_pixel; ///< while the compositor is made to draw
+    std::unique_ptr<TransparentPixel> m_pixel; ///< from when the compositor is made to draw
     QTimer m_nudge;
     QTimer m_limit;
 };
