@@ -38,15 +38,20 @@ std::unique_ptr<DisplayBackend> createNull(QString &whyNot)
     return std::make_unique<NullDisplay>(whyNot);
 }
 
+bool isForNone()
+{
+    return false;
+}
+
 constexpr std::array backendTable {
 #ifdef VORNIC_X11
-    DisplayBackendEntry { "x11", true, X11Display::create },
+    DisplayBackendEntry { "x11", true, X11Display::isForThisSession, X11Display::create },
 #endif
 #ifdef VORNIC_WAYLAND
-    DisplayBackendEntry { "portal", true, PortalDisplay::create },
+    DisplayBackendEntry { "portal", true, PortalDisplay::isForThisSession, PortalDisplay::create },
 #endif
-    DisplayBackendEntry { "fake", false, createFake },
-    DisplayBackendEntry { "null", true, createNull },
+    DisplayBackendEntry { "fake", false, isForNone, createFake },
+    DisplayBackendEntry { "null", true, isForNone, createNull },
 };
 
 QString listOfIds()
@@ -73,16 +78,21 @@ std::unique_ptr<DisplayBackend> createForced(const QByteArray &id)
     return createNull(whyNot);
 }
 
+/// Where none works, the last one that is for the session has its say: a Wayland session may have an X server, too, which
+/// stands before. In no session at all everybody has.
 std::unique_ptr<DisplayBackend> createBest()
 {
     QStringList refusals;
+    QString refusal;
     for (const DisplayBackendEntry &entry : backendTable) {
         if (!entry.selectedByItself)
             continue;
-        QString whyNot = refusals.join(QLatin1Char(' '));
+        QString whyNot = refusal.isEmpty() ? refusals.join(QLatin1Char(' ')) : refusal;
         if (auto display = entry.create(whyNot))
             return display;
         refusals += whyNot;
+        if (entry.isForThisSession())
+            refusal = whyNot;
     }
     return nullptr;
 }

@@ -80,6 +80,8 @@ protected:
 struct DisplayBackendEntry {
     std::string_view id;   ///< as in the environment variable VORNIC_DISPLAY
     bool selectedByItself; ///< false: only when asked for by its id
+    /// Whether the desktop session is of the kind that the backend is for: then its sentence tells what is wrong there.
+    bool (*isForThisSession)();
     /// The backend, or null with one sentence for the user in the argument.
     std::unique_ptr<DisplayBackend> (*create)(QString &whyNot);
 };

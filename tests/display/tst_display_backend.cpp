@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <set>
 
 namespace vornic::test {
@@ -28,6 +29,28 @@ TEST_F(DisplayChoiceTest, WithoutADisplayThereIsASentence)
     expectNoDisplay();
     EXPECT_THAT(reason(),
                 HasSubstr(isBuiltForAny ? "DISPLAY is not set" : "This build of Vornic cannot record"));
+}
+
+TEST_F(DisplayChoiceTest, InAWaylandSessionItsOwnBackendSaysWhyNot)
+{
+    if (std::ranges::find(displayBackends(), "portal", &DisplayBackendEntry::id) == displayBackends().end())
+        GTEST_SKIP() << "there is none in this build";
+    qputenv("WAYLAND_DISPLAY", "wayland-nowhere");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    for (const char *xServer : { "", ":4711" }) {
+        qputenv("DISPLAY", xServer);
+        setMainDisplay(nullptr);
+        EXPECT_EQ(reason(),
+                  "This desktop has no screen cast portal, through which its screen could be recorded.");
+    }
+}
+
+TEST_F(DisplayChoiceTest, InAnX11SessionNothingIsSaidOfWayland)
+{
+    if (displayBackends().front().id != "x11")
+        GTEST_SKIP() << "there is none in this build";
+    qputenv("DISPLAY", ":4711");
+    EXPECT_EQ(reason(), "Cannot connect to the X11 display \":4711\".");
 }
 
 TEST_F(DisplayChoiceTest, AnUnknownBackendIsNamedWithThoseThatThereAre)

@@ -18,17 +18,17 @@ namespace {
 /// A portal that is not running yet is started by the bus.
 constexpr std::chrono::seconds patience(5);
 
-bool isWaylandSession()
+} // namespace
+
+bool PortalDisplay::isForThisSession()
 {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
         || qgetenv("XDG_SESSION_TYPE") == QByteArray("wayland");
 }
 
-} // namespace
-
 std::unique_ptr<DisplayBackend> PortalDisplay::create(QString &whyNot)
 {
-    if (!isWaylandSession())
+    if (!isForThisSession())
         whyNot = QCoreApplication::translate(
             "vornic",
             "There is no Wayland session to record: the environment variable WAYLAND_DISPLAY is not set.");

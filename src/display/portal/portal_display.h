@@ -18,6 +18,8 @@ struct CastScreen;
 class PortalDisplay final : public DisplayBackend
 {
 public:
+    /// Whether this is a Wayland session.
+    [[nodiscard]] static bool isForThisSession();
     /// Null with one sentence for the user. Asks the portal whether it is there, and the user nothing.
     [[nodiscard]] static std::unique_ptr<DisplayBackend> create(QString &whyNot);
     ~PortalDisplay() override;

@@ -90,6 +90,11 @@ std::shared_ptr<X11Display::Server> X11Display::Link::server() const
     return m_server;
 }
 
+bool X11Display::isForThisSession()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY");
+}
+
 std::unique_ptr<DisplayBackend> X11Display::create(QString &whyNot)
 {
     auto link = std::make_shared<Link>();

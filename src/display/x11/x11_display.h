@@ -13,6 +13,8 @@ namespace vornic {
 class X11Display final : public DisplayBackend
 {
 public:
+    /// Whether there is an X server, which may be the one of a Wayland session.
+    [[nodiscard]] static bool isForThisSession();
     /// The display at $DISPLAY; null with one sentence for the user.
     [[nodiscard]] static std::unique_ptr<DisplayBackend> create(QString &whyNot);
     ~X11Display() override;
