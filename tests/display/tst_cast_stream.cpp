@@ -52,7 +52,8 @@ protected:
     char name[5] = "test";
     char *argv[2] = { name, nullptr };
     QCoreApplication application { argc, argv };
-    std::shared_ptr<CastPicture> m_picture = std::make_shared<CastPicture>();
+    /// By a clock that stands: what it would look at every two seconds only is never shown.
+    std::shared_ptr<CastPicture> m_picture = std::make_shared<CastPicture>([] { return 0.0; });
     CastGrabber m_grabber { *m_picture };
     std::atomic<int> m_firstPictures = 0;
     std::atomic<int> m_ends = 0;
@@ -79,6 +80,14 @@ TEST_F(CastStreamTest, WhatIsToldToHaveChangedIsShown)
     const auto now = m_grabber.grab({ { 0, 0 }, size })->bandVersions();
     EXPECT_EQ(now[0], before[0]);
     EXPECT_NE(now[1], before[1]);
+}
+
+TEST_F(CastStreamTest, WhereNoChangesAreToldAllIsShown)
+{
+    QImage picture = noisePicture(size, 1);
+    ASSERT_TRUE(show(picture, { QRect({ 0, 0 }, size) }));
+    picture.setPixelColor(5, 20, Qt::red);
+    EXPECT_TRUE(show(picture));
 }
 
 TEST_F(CastStreamTest, ThePointerMovesWithoutPictures)
