@@ -50,10 +50,10 @@ bool wirePlumberIsThere()
 
 } // namespace
 
-std::unique_ptr<ScreenCastPortal> ScreenCastPortal::start(const SwaySession &session)
+std::unique_ptr<ScreenCastPortal> ScreenCastPortal::start(const SwaySession &session, Consent consent)
 {
     std::unique_ptr<ScreenCastPortal> portal(new ScreenCastPortal);
-    return portal->startBus() && portal->startPipeWire(session) && portal->startPortal(session)
+    return portal->startBus() && portal->startPipeWire(session) && portal->startPortal(session, consent)
         ? std::move(portal)
         : nullptr;
 }
@@ -89,7 +89,7 @@ bool ScreenCastPortal::startPipeWire(const SwaySession &session)
         && startPart(Part::WirePlumber, { "wireplumber" }, wirePlumberIsThere);
 }
 
-bool ScreenCastPortal::startPortal(const SwaySession &session)
+bool ScreenCastPortal::startPortal(const SwaySession &session, Consent consent)
 {
     const QString portals = session.filePath(QStringLiteral("portals"));
     QDir().mkpath(portals);
@@ -99,7 +99,11 @@ bool ScreenCastPortal::startPortal(const SwaySession &session)
               .arg(backendService));
     m_environment.set("XDG_DESKTOP_PORTAL_DIR", portals);
     const QString settings = session.filePath(QStringLiteral("portal-wlr.conf"));
-    write(settings, QStringLiteral("[screencast]\noutput_name=HEADLESS-1\nchooser_type=none\n"));
+    // What a user chooses is what the chooser prints.
+    write(settings,
+          consent == Consent::Granted
+              ? QStringLiteral("[screencast]\noutput_name=HEADLESS-1\nchooser_type=none\n")
+              : QStringLiteral("[screencast]\nchooser_type=simple\nchooser_cmd=true\n"));
     return startPart(Part::Backend,
                      { libraries + "xdg-desktop-portal-wlr", "--config", settings, "--loglevel", "ERROR" },
                      [] { return isOnBus(backendService); },

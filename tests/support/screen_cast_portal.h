@@ -12,8 +12,8 @@ namespace vornic::test {
 class SwaySession;
 
 /// The programs of a Wayland session that hand out pictures of its monitor: a session bus, PipeWire, WirePlumber and
-/// the desktop portal with its part for wlroots, which grants the monitor without asking anybody. The pointer is in the
-/// pictures.
+/// the desktop portal with its part for wlroots, which grants or refuses the monitor without asking anybody. The pointer is
+/// in the pictures.
 ///
 /// Made and destroyed on the test's main thread, inside a SwaySession.
 class ScreenCastPortal
@@ -26,9 +26,13 @@ public:
         Portal,  ///< what programs talk to
     };
 
+    /// What becomes of everybody who asks for the monitor.
+    enum class Consent { Granted, Refused };
+
     /// Returns once the portal answers on the bus, which is $DBUS_SESSION_BUS_ADDRESS of this process until the object
     /// ends. Null, with the reason on standard error, when some part does not come up.
-    [[nodiscard]] static std::unique_ptr<ScreenCastPortal> start(const SwaySession &session);
+    [[nodiscard]] static std::unique_ptr<ScreenCastPortal> start(const SwaySession &session,
+                                                                 Consent consent = Consent::Granted);
     ~ScreenCastPortal();
     ScreenCastPortal(const ScreenCastPortal &) = delete;
     ScreenCastPortal &operator=(const ScreenCastPortal &) = delete;
@@ -40,7 +44,7 @@ private:
     ScreenCastPortal() = default;
     [[nodiscard]] bool startBus();
     [[nodiscard]] bool startPipeWire(const SwaySession &session);
-    [[nodiscard]] bool startPortal(const SwaySession &session);
+    [[nodiscard]] bool startPortal(const SwaySession &session, Consent consent);
     [[nodiscard]] bool startPart(Part part,
                                  const QStringList &command,
                                  const std::function<bool()> &isUp,
