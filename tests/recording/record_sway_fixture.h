@@ -9,8 +9,12 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <set>
+#include <vector>
 
 namespace vornic {
 
@@ -20,11 +24,14 @@ class RecordSwayTest : public ProgramTest
 protected:
     static constexpr QSize size { 1280, 720 };
 
-    void startDesktop(const test::SwaySession::Options &options = { .size = size })
+    using Consent = test::ScreenCastPortal::Consent;
+
+    void startDesktop(const test::SwaySession::Options &options = { .size = size },
+                      Consent consent = Consent::Granted)
     {
         m_desktop = test::SwaySession::start(options);
         ASSERT_TRUE(m_desktop);
-        m_portal = test::ScreenCastPortal::start(*m_desktop);
+        m_portal = test::ScreenCastPortal::start(*m_desktop, consent);
         ASSERT_TRUE(m_portal);
         m_painter = test::WaylandPainter::start();
         ASSERT_TRUE(m_painter);
@@ -33,32 +40,23 @@ protected:
     QProcessEnvironment environment() const override
     {
         QProcessEnvironment variables = ProgramTest::environment();
-        variables.remove("DISPLAY");
+        if (!m_knowsXServer)
+            variables.remove("DISPLAY");
         return variables;
     }
 
-    /// \a picture with \a number written into it, in squares of 32 pixels that are black or white.
-    static QImage numbered(QImage picture, int number)
-    {
-        for (int bit = 0; bit < numberBits; ++bit)
-            for (int y = 0; y < 32; ++y)
-                for (int x = 0; x < 32; ++x)
-                    picture.setPixel(bit * 32 + x, y, (number >> bit & 1) != 0 ? 0xffffffff : 0xff000000);
-        return picture;
-    }
-    static int numberIn(const QImage &picture)
-    {
-        int number = 0;
-        for (int bit = 0; bit < numberBits; ++bit)
-            number |= picture.pixelColor(bit * 32 + 16, 16).red() > 127 ? 1 << bit : 0;
-        return number;
-    }
-
-    /// Shows numbered pictures until \a isSo.
+    /// Shows numbered pictures until \a isSo, each as soon as the compositor has drawn the one before.
     [[nodiscard]] bool showUntil(const QImage &picture, const std::function<bool()> &isSo)
     {
-        return test::waitUntil([&] { return !m_painter->show(numbered(picture, ++m_number)) || isSo(); },
-                               std::chrono::seconds(60));
+        return test::waitUntil(
+            [&] {
+                const auto number = static_cast<int>(m_drawnAt.size());
+                if (!m_painter->draw(test::numbered(picture, number)))
+                    return true;
+                m_drawnAt.push_back(std::chrono::steady_clock::now());
+                return isSo();
+            },
+            std::chrono::seconds(60));
     }
     /// Records while numbered pictures are shown.
     Result recordMoving(const QImage &picture, const QStringList &options)
@@ -92,11 +90,35 @@ protected:
         return most;
     }
 
-    static constexpr int numberBits = 12;
+    /// What is written into each frame of a movie of the whole monitor.
+    [[nodiscard]] std::vector<int> numbersInMovie() const
+    {
+        const QByteArray planes = testing::decodedPlanes(movie());
+        const qsizetype frameBytes = qsizetype { size.width() } * size.height() * 3 / 2;
+        std::vector<int> numbers;
+        const auto *luma = reinterpret_cast<const uchar *>(planes.constData());
+        for (const uchar *end = luma + planes.size(); end - luma >= frameBytes; luma += frameBytes)
+            numbers.push_back(test::numberIn(
+                QImage(luma, size.width(), size.height(), size.width(), QImage::Format_Grayscale8)));
+        return numbers;
+    }
+    /// In how many thirtieths of a second the compositor has drawn something new, from the picture \a first to \a last.
+    [[nodiscard]] std::size_t newThirtieths(int first, int last) const
+    {
+        std::set<std::int64_t> thirtieths;
+        for (int number = first; number <= last; ++number) {
+            const auto time = m_drawnAt.at(static_cast<std::size_t>(number)).time_since_epoch();
+            thirtieths.insert(
+                std::chrono::floor<std::chrono::duration<std::int64_t, std::ratio<1, 30>>>(time).count());
+        }
+        return thirtieths.size();
+    }
+
+    bool m_knowsXServer = false; ///< where the desktop has one
     std::unique_ptr<test::SwaySession> m_desktop;
     std::unique_ptr<test::ScreenCastPortal> m_portal;
     std::unique_ptr<test::WaylandPainter> m_painter;
-    int m_number = 0;
+    std::vector<std::chrono::steady_clock::time_point> m_drawnAt; ///< of each number
 };
 
 inline bool isSwayInstalled()

@@ -74,6 +74,26 @@ QImage knownPicture(QSize size)
     return picture;
 }
 
+QImage numbered(QImage picture, int number)
+{
+    for (int y = 0; y < numberSquare; ++y) {
+        const std::span<QRgb> row = pixelRow(picture, y);
+        for (int bit = 0; bit < numberBits; ++bit)
+            std::ranges::fill(row.subspan(static_cast<std::size_t>(bit) * numberSquare, numberSquare),
+                              (number >> bit & 1) != 0 ? 0xffffffff : 0xff000000);
+    }
+    return picture;
+}
+
+int numberIn(const QImage &picture)
+{
+    constexpr int middle = numberSquare / 2;
+    int number = 0;
+    for (int bit = 0; bit < numberBits; ++bit)
+        number |= qRed(picture.pixel(bit * numberSquare + middle, middle)) > 127 ? 1 << bit : 0;
+    return number;
+}
+
 QImage noisePicture(QSize size, std::uint32_t seed)
 {
     Random random(seed);

@@ -26,6 +26,13 @@ struct KnownPatch {
 [[nodiscard]] std::vector<KnownPatch> knownPatches(QSize size);
 [[nodiscard]] QImage knownPicture(QSize size);
 
+/// \a picture with the lowest bits of \a number in its top left, in squares that are white for 1, else black.
+[[nodiscard]] QImage numbered(QImage picture, int number);
+inline constexpr int numberBits = 16;
+inline constexpr int numberSquare = 32; ///< the edge of each
+/// What numbered() has written into a picture, which may have been lossily compressed.
+[[nodiscard]] int numberIn(const QImage &picture);
+
 /// Noise in full colour; the same for the same \a seed.
 [[nodiscard]] QImage noisePicture(QSize size, std::uint32_t seed);
 

@@ -5,9 +5,11 @@
 #include "wayland/shm_buffer.h"
 #include "wayland/wayland_connection.h"
 
+#include <QDeadlineTimer>
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -66,6 +68,12 @@ WaylandPainter::WaylandPainter(std::unique_ptr<Parts> parts)
 
 WaylandPainter::~WaylandPainter() = default;
 
+QSize WaylandPainter::pixels() const
+{
+    const auto output = mainOutput(m_parts->connection->outputs().all());
+    return output ? output->pixels() : QSize();
+}
+
 bool WaylandPainter::show(const QImage &picture)
 {
     ShmBuffer *const buffer = m_parts->freeBuffer(picture.size());
@@ -79,6 +87,24 @@ bool WaylandPainter::show(const QImage &picture)
     wl_surface_damage_buffer(surface, 0, 0, picture.width(), picture.height());
     m_parts->surface->commit();
     return m_parts->connection->roundTrip();
+}
+
+bool WaylandPainter::draw(const QImage &picture)
+{
+    static constexpr wl_callback_listener listener { [](void *data, wl_callback *, std::uint32_t) {
+        *static_cast<bool *>(data) = true;
+    } };
+    bool isDrawn = false;
+    const WaylandPtr<wl_callback> drawn(wl_surface_frame(m_parts->surface->get()));
+    wl_callback_add_listener(drawn.get(), &listener, &isDrawn);
+    if (!show(picture))
+        return false;
+    const QDeadlineTimer deadline(std::chrono::seconds(20));
+    while (!isDrawn && !deadline.hasExpired()) {
+        if (!m_parts->connection->dispatch(std::chrono::milliseconds(100)))
+            return false;
+    }
+    return isDrawn;
 }
 
 } // namespace vornic::test

@@ -18,9 +18,14 @@ public:
     WaylandPainter(const WaylandPainter &) = delete;
     WaylandPainter &operator=(const WaylandPainter &) = delete;
 
+    /// Of the monitor, in device pixels.
+    [[nodiscard]] QSize pixels() const;
     /// Shows \a picture, whose pixels are those of the monitor, and returns once the compositor has it; false where it
     /// takes none.
     [[nodiscard]] bool show(const QImage &picture);
+    /// The same, and returns once the compositor has drawn it, which it does at most as often as the monitor shows
+    /// pictures.
+    [[nodiscard]] bool draw(const QImage &picture);
 
 private:
     struct Parts;
