@@ -2,7 +2,7 @@
 ///
 ///   vornic_play_sound tone SECONDS HERTZ AMPLITUDE     a sine, to the default output; amplitude up to 1
 ///   vornic_play_sound flashes COUNT SECONDS-APART      beeps of 200 ms, and while each is heard,
-///                                                      $DISPLAY is white
+///                                                      $DISPLAY or $WAYLAND_DISPLAY is white
 ///
 /// Prints "playing" once something is heard.
 

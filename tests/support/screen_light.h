@@ -4,11 +4,16 @@
 
 namespace vornic::test {
 
-/// Makes all of $DISPLAY white (true) or black (false). A mark in its corner is another each time: a recorder of the
+/// Makes all of a display white (true) or black (false). A mark in its corner is another each time: a recorder of the
 /// screen finds no two pictures alike.
 using ScreenLight = std::function<void(bool isWhite)>;
 
-/// A window over all of $DISPLAY, black at first, which the function keeps; empty where there is no display.
+/// A window over all of $DISPLAY or, where that is not set, of $WAYLAND_DISPLAY, black at first, which the function keeps;
+/// empty where there is no display.
 [[nodiscard]] ScreenLight screenLight();
+
+/// What it chooses from, each where the build knows such displays.
+[[nodiscard]] ScreenLight x11Light();
+[[nodiscard]] ScreenLight waylandLight();
 
 } // namespace vornic::test
