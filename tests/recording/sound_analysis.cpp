@@ -2,8 +2,10 @@
 
 #include "movie_test_support.h"
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdio>
 #include <numbers>
 #include <numeric>
 
@@ -70,6 +72,30 @@ std::vector<double> flashesIn(const QString &movie)
         before = time;
     }
     return flashes;
+}
+
+Distances distancesIn(const QString &movie)
+{
+    const std::vector<double> beeps = beepsIn(testing::decodedSound(movie));
+    if (beeps.empty())
+        return {};
+    std::vector<double> apart;
+    std::printf("picture after sound, ms:");
+    for (const double flash : flashesIn(movie)) {
+        // The output's latency changes when it begins to be recorded, and a beep that plays just then is cut.
+        if (flash < 1)
+            continue;
+        const double nearest
+            = *std::ranges::min_element(beeps, {}, [&](double beep) { return std::abs(beep - flash); });
+        std::printf(" %.1f", (flash - nearest) * 1000);
+        apart.push_back(std::abs(flash - nearest) * 1000);
+    }
+    std::ranges::sort(apart);
+    const Distances found { apart.size(),
+                            apart.empty() ? 0 : apart[apart.size() / 2],
+                            apart.empty() ? 0 : apart.back() };
+    std::printf("; median distance %.1f, largest %.1f\n", found.median, found.largest);
+    return found;
 }
 
 } // namespace vornic

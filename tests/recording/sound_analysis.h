@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -23,5 +24,17 @@ std::vector<double> beepsIn(const std::vector<std::int16_t> &sound);
 /// When a movie's dark picture gets bright, in seconds; without the flashes before which the recorder, on a
 /// loaded machine, took no picture for 45 ms.
 std::vector<double> flashesIn(const QString &movie);
+
+/// How far flashes are from their beeps, milliseconds.
+struct Distances {
+    std::size_t count = 0;
+    double median = 0;
+    double largest = 0;
+
+    [[nodiscard]] bool areSmall() const { return count >= 6 && median <= 20 && largest <= 40; }
+};
+
+/// Of a movie's pictures from its sound, without the first second; prints them.
+Distances distancesIn(const QString &movie);
 
 } // namespace vornic

@@ -24,15 +24,6 @@ struct RecordedTone {
     [[nodiscard]] bool isUnbroken() const { return largestStep < 0.05 && quietest > -1; }
 };
 
-/// How far pictures are from their sound, milliseconds.
-struct Distances {
-    std::size_t count = 0;
-    double median = 0;
-    double largest = 0;
-
-    [[nodiscard]] bool areSmall() const { return count >= 6 && median <= 20 && largest <= 40; }
-};
-
 /// Measures sound against time. On a machine that is busy with other things a server's thread comes late and drops
 /// sound, or no picture is taken for a while, which no recorder can undo: what is measured is the best of three
 /// recordings, and one in which the server's own recorder misses sound too does not count.
@@ -91,30 +82,6 @@ protected:
                     tone.loudest);
         return tone;
     }
-
-    Distances distances() const
-    {
-        const std::vector<double> beeps = beepsIn(decodedSound(movie()));
-        if (beeps.empty())
-            return {};
-        std::vector<double> apart;
-        std::printf("picture after sound, ms:");
-        for (const double flash : flashesIn(movie())) {
-            // The output's latency changes when it begins to be recorded, and a beep that plays just then is cut.
-            if (flash < 1)
-                continue;
-            const double nearest
-                = *std::ranges::min_element(beeps, {}, [&](double beep) { return std::abs(beep - flash); });
-            std::printf(" %.1f", (flash - nearest) * 1000);
-            apart.push_back(std::abs(flash - nearest) * 1000);
-        }
-        std::ranges::sort(apart);
-        const Distances found { apart.size(),
-                                apart.empty() ? 0 : apart[apart.size() / 2],
-                                apart.empty() ? 0 : apart.back() };
-        std::printf("; median distance %.1f, largest %.1f\n", found.median, found.largest);
-        return found;
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, RecordSyncTest, bothServers, nameOfServer);
@@ -163,7 +130,7 @@ TEST_P(RecordSyncTest, FlashesAndBeepsAreInStep)
     Distances found;
     for (int attempt = 0; attempt < attempts && (attempt == 0 || !found.areSmall()); ++attempt) {
         ASSERT_NO_FATAL_FAILURE(recordTenSeconds());
-        found = distances();
+        found = distancesIn(movie());
     }
     EXPECT_TRUE(found.areSmall());
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
