@@ -17,6 +17,7 @@ complete -c vornic -n $window -l record -x -a 'full\t"The full display" rectangl
     -d 'Record; at once into a file that is named'
 complete -c vornic -n $recordinto -a '(__fish_complete_suffix .mp4)'
 complete -c vornic -n $window -l stop -d 'End the recording of the window that runs'
+complete -c vornic -n $window -l toggle -d 'Begin a recording, or end the one that runs'
 complete -c vornic -n $window -s v -l version -d 'Print the version'
 complete -c vornic -n 'not __fish_seen_subcommand_from devices' -s h -l help -d 'List the commands and options'
 

@@ -94,6 +94,8 @@ QString actionFor(CommandLine::Task task)
         return QLatin1StringView(WindowProgram::recordRectangleAction);
     case CommandLine::Task::Stop:
         return QLatin1StringView(WindowProgram::stopAction);
+    case CommandLine::Task::Toggle:
+        return QLatin1StringView(WindowProgram::toggleAction);
     case CommandLine::Task::Show:
         break;
     }
@@ -104,6 +106,17 @@ QString actionFor(CommandLine::Task task)
 QString movieFile(const CommandLine &line)
 {
     return line.file.isEmpty() ? QString() : QFileInfo(line.file).absoluteFilePath();
+}
+
+/// Why the window that runs does not do \a task now, or that there is none that could.
+QString refusalOf(CommandLine::Task task)
+{
+    if (task == CommandLine::Task::Stop)
+        return QCoreApplication::translate("vornic", "Vornic is not recording.");
+    if (task == CommandLine::Task::Toggle)
+        return QCoreApplication::translate(
+            "vornic", "Vornic cannot record now: it writes a movie, or waits for an answer.");
+    return QCoreApplication::translate("vornic", "Vornic is recording already.");
 }
 
 /// Leaves what \a line asks for to the window that runs already; the exit status, or nothing where none takes it.
@@ -118,9 +131,7 @@ std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
         return 0;
     if (answer == SingleInstance::Answer::None && line.task != CommandLine::Task::Stop)
         return std::nullopt;
-    logMessage(line.task == CommandLine::Task::Stop
-                   ? QCoreApplication::translate("vornic", "Vornic is not recording.")
-                   : QCoreApplication::translate("vornic", "Vornic is recording already."));
+    logMessage(refusalOf(line.task));
     return 1;
 }
 

@@ -86,7 +86,7 @@ class Help(unittest.TestCase):
         self.assertEqual(make("# A\n\nB.\n\n## C\n\nD.\n")[0], 0)
 
     def test_names_the_commands_for_keys_as_the_program_has_them(self):
-        for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop"):
+        for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop", "vornic --toggle"):
             self.assertIn(f"`{command}`", self.text)
 
     def test_names_the_key_and_the_countdowns_that_the_program_has(self):

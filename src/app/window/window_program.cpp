@@ -3,6 +3,7 @@
 #include "app/session/start_settings.h"
 #include "app/session/stored_options.h"
 #include "app/session/unix_signals.h"
+#include "app/window/alert_box.h"
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
 #include "app/window/recovery.h"
@@ -56,7 +57,7 @@ WindowProgram::WindowProgram(QApplication &application,
             this,
             [this](const QString &action, const QString &file) { perform(action, pathFromFileUri(file)); });
     instance.setActionCheck([this](const QString &action) { return canPerform(action); });
-    connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::startOrStop);
+    connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
     listenForKey();
     followSession(application);
 }
@@ -182,13 +183,29 @@ void WindowProgram::performOnceShown(const QString &action, const QString &file)
 bool WindowProgram::canPerform(const QString &action) const
 {
     const bool isCountingDown = m_frontEnd.questions().isCountingDown();
+    if (action == QLatin1StringView(toggleAction))
+        return canToggle();
     if (action == QLatin1StringView(stopAction))
         return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || isCountingDown;
     return !m_delegate.isRecording() && !m_delegate.awaitsDisplay() && !isCountingDown && !m_selection;
 }
 
+/// What only tells something is not in the way: it is put aside.
+bool WindowProgram::canToggle() const
+{
+    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay() || m_frontEnd.questions().isCountingDown())
+        return true;
+    const QWidget *const dialog = QApplication::activeModalWidget();
+    const auto *const box = qobject_cast<const AlertBox *>(dialog);
+    return m_delegate.isIdle() && !m_selection && (!dialog || (box && box->onlyTells()));
+}
+
 void WindowProgram::perform(const QString &action, const QString &file)
 {
+    if (action == QLatin1StringView(toggleAction)) {
+        toggle();
+        return;
+    }
     if (action == QLatin1StringView(stopAction)) {
         m_frontEnd.questions().cancelCountdown();
         m_delegate.stopRecord();
@@ -206,22 +223,19 @@ void WindowProgram::perform(const QString &action, const QString &file)
     }
 }
 
-void WindowProgram::startOrStop()
+void WindowProgram::toggle()
 {
-    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay())
+    if (!canToggle())
+        return;
+    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay()) {
         m_delegate.stopRecord();
-    else if (m_frontEnd.questions().isCountingDown())
+    } else if (m_frontEnd.questions().isCountingDown()) {
         m_frontEnd.questions().cancelCountdown();
-    else if (!m_selection && m_delegate.isIdle())
-        recordWithoutQuestion();
-}
-
-/// What only tells something is not in the way of the key, and must not be in the movie; what asks is.
-void WindowProgram::recordWithoutQuestion()
-{
-    m_frontEnd.questions().dismissTold();
-    if (!QApplication::activeModalWidget())
-        m_delegate.recordNow();
+    } else {
+        m_frontEnd.questions().dismissTold(); // it must not be in the movie
+        if (!QApplication::activeModalWidget())
+            m_delegate.recordNow();
+    }
 }
 
 void WindowProgram::listenForKey()

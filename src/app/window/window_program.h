@@ -27,6 +27,7 @@ public:
     static constexpr auto recordFullAction = "record-full";
     static constexpr auto recordRectangleAction = "record-rectangle";
     static constexpr auto stopAction = "stop";
+    static constexpr auto toggleAction = "toggle";
 
     WindowProgram(QApplication &application, const UnixSignals &signalled, SingleInstance &instance);
     ~WindowProgram() override;
@@ -51,8 +52,8 @@ private:
     void listenForKey();
     void selectOnScreen();
     void endSelection();
-    void startOrStop();
-    void recordWithoutQuestion();
+    [[nodiscard]] bool canToggle() const;
+    void toggle();
 
     WindowFrontEnd m_frontEnd;
     VornicAppDelegate m_delegate;

@@ -39,10 +39,17 @@ TEST(CommandLineTest, TheWindowMayBeginToRecord)
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).action, CommandLine::Action::Window);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
               CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--toggle" }).task, CommandLine::Task::Toggle);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--toggle" }).action, CommandLine::Action::Window);
+    for (const char *other : { "--stop", "--record=full", "a.mp4" })
+        EXPECT_EQ(parseCommandLine({ "vornic", "--toggle", other }).action, CommandLine::Action::WrongUsage)
+            << other;
     EXPECT_EQ(parseCommandLine({ "vornic", "--record=some" }).problem,
               "--record \"some\" cannot be read; it must be full or rectangle.");
     EXPECT_EQ(parseCommandLine({ "vornic", "record", "--record=full", "o.mp4" }).problem,
               "--record is an option of the window, not of \"vornic record\".");
+    EXPECT_EQ(parseCommandLine({ "vornic", "record", "--toggle", "o.mp4" }).problem,
+              "--toggle is an option of the window, not of \"vornic record\".");
 }
 
 TEST(CommandLineTest, Commands)

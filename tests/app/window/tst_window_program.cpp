@@ -4,9 +4,10 @@
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/stored_recordings.h"
 #include "desktop/single_instance.h"
-#include "support/wait_until.h"
+#include "support/scoped_environment.h"
 #include "window_main.h"
 
+#include <QDir>
 #include <QDirIterator>
 #include <QPointer>
 #include <QSessionManager>
@@ -97,6 +98,36 @@ TEST_F(WindowProgramTest, WhatStandsWhenTheSessionPreparesItsEndIsDismissed)
          });
     EXPECT_EQ(program.run(WindowProgram::recordFullAction, movie), 0);
     EXPECT_TRUE(QFile::exists(movie));
+}
+
+TEST_F(WindowProgramTest, ToggledItRecordsUntilItIsToggledAgain)
+{
+    test::ScopedEnvironment environment;
+    environment.set("HOME", folder.path());
+    const auto movies = [this] { return QDir(folder.path()).entryList({ "*.mp4" }); };
+    const QString toggle = WindowProgram::toggleAction;
+    once(isSpooled, [&] {
+        EXPECT_TRUE(movies().isEmpty());
+        EXPECT_TRUE(instance.mayAct(toggle));
+        emit instance.actionAsked(toggle, {}, {});
+    });
+    once([&] { return !movies().isEmpty() && instance.mayAct(WindowProgram::recordFullAction); }, endSession);
+    EXPECT_EQ(program.run(toggle, {}), 0);
+    EXPECT_EQ(movies().size(), 1);
+}
+
+TEST_F(WindowProgramTest, ToggledWhileAQuestionStandsItDoesNothing)
+{
+    const QString toggle = WindowProgram::toggleAction;
+    once([] { return QApplication::activeModalWidget() != nullptr; },
+         [&] {
+             EXPECT_FALSE(instance.mayAct(toggle));
+             emit instance.actionAsked(toggle, {}, {});
+             EXPECT_FALSE(instance.mayAct(WindowProgram::stopAction)) << "nothing records";
+             EXPECT_TRUE(QApplication::activeModalWidget());
+             QCoreApplication::exit(7);
+         });
+    EXPECT_EQ(program.run(WindowProgram::recordFullAction, {}), 7); // asks for the movie's name
 }
 
 /// What would show the movie's folder when a test is over already: it fails where there is no file browser, and the
