@@ -1,7 +1,7 @@
 #pragma once
 
+#include "bus/portal_request.h"
 #include "display/display_backend.h"
-#include "display/portal/portal_request.h"
 
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>

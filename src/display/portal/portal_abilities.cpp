@@ -1,7 +1,7 @@
 #include "display/portal/portal_abilities.h"
 
 #include "bus/dbus_call.h"
-#include "display/portal/portal_request.h"
+#include "bus/portal_request.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>

@@ -1,4 +1,4 @@
-#include "display/portal/portal_request.h"
+#include "bus/portal_request.h"
 
 #include "bus/dbus_call.h"
 
