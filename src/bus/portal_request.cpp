@@ -2,20 +2,40 @@
 
 #include "bus/dbus_call.h"
 
+#include <QDBusArgument>
 #include <QRandomGenerator>
 
 #include <utility>
 
 namespace vornic {
 
-QDBusMessage screenCastCall(const QString &method, const QVariantList &arguments)
+QDBusMessage portalCall(const QString &interface, const QString &method, const QVariantList &arguments)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1StringView(portal_names::service),
-                                                       QLatin1StringView(portal_names::path),
-                                                       QLatin1StringView(portal_names::screenCast),
-                                                       method);
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QLatin1StringView(portal_names::service), QLatin1StringView(portal_names::path), interface, method);
     call.setArguments(arguments);
     return call;
+}
+
+QDBusMessage portalPropertiesCall(const QString &interface)
+{
+    return portalCall(
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"), { interface });
+}
+
+QVariantMap portalPropertiesIn(const QDBusMessage &answer)
+{
+    if (!isReply(answer) || answer.signature() != QLatin1StringView("a{sv}"))
+        return {};
+    return qdbus_cast<QVariantMap>(answer.arguments().value(0));
+}
+
+QDBusMessage portalSessionClosing(const QString &path)
+{
+    return QDBusMessage::createMethodCall(QLatin1StringView(portal_names::service),
+                                          path,
+                                          QLatin1StringView(portal_names::session),
+                                          QStringLiteral("Close"));
 }
 
 QString portalToken()
@@ -30,7 +50,8 @@ QString portalPath(const QString &kind, const QString &token)
     return QStringLiteral("%1/%2/%3/%4").arg(QLatin1StringView(portal_names::path), kind, sender, token);
 }
 
-PortalRequest::PortalRequest(const QString &method,
+PortalRequest::PortalRequest(const QString &interface,
+                             const QString &method,
                              QVariantList arguments,
                              QVariantMap options,
                              Answer answer)
@@ -41,7 +62,7 @@ PortalRequest::PortalRequest(const QString &method,
     arguments += options;
     callLater(
         sessionBus(),
-        screenCastCall(method, arguments),
+        portalCall(interface, method, arguments),
         this,
         [this](const QDBusMessage &reply) {
             // The answer itself comes as a signal.

@@ -67,10 +67,7 @@ CastSession::~CastSession()
 {
     m_request.reset();
     if (!m_path.isEmpty())
-        sessionBus().send(QDBusMessage::createMethodCall(QLatin1StringView(portal_names::service),
-                                                         m_path,
-                                                         QLatin1StringView(portal_names::session),
-                                                         QStringLiteral("Close")));
+        sessionBus().send(portalSessionClosing(m_path));
 }
 
 /// Asked first, also because the bus must be alive for what comes next, some of which is waited for.
@@ -105,15 +102,19 @@ void CastSession::request(const QString &method,
                           Step next)
 {
     options[QStringLiteral("handle_token")] = portalToken();
-    m_request = std::make_unique<PortalRequest>(
-        method, arguments, options, [this, next](uint response, const QVariantMap &results) {
-            if (response == PortalRequest::Given)
-                (this->*next)(results);
-            else if (response == PortalRequest::Declined)
-                finish({ DisplayAccess::State::Declined, {} });
-            else
-                fail(results.value(QStringLiteral("error")).toString());
-        });
+    m_request
+        = std::make_unique<PortalRequest>(QLatin1StringView(portal_names::screenCast),
+                                          method,
+                                          arguments,
+                                          options,
+                                          [this, next](uint response, const QVariantMap &results) {
+                                              if (response == PortalRequest::Given)
+                                                  (this->*next)(results);
+                                              else if (response == PortalRequest::Declined)
+                                                  finish({ DisplayAccess::State::Declined, {} });
+                                              else
+                                                  fail(results.value(QStringLiteral("error")).toString());
+                                          });
 }
 
 void CastSession::createSession()
@@ -167,8 +168,9 @@ void CastSession::openRemote(const QVariantMap &results)
         fail({});
         return;
     }
-    const QDBusMessage call = screenCastCall(QStringLiteral("OpenPipeWireRemote"),
-                                             { QVariant::fromValue(QDBusObjectPath(m_path)), QVariantMap() });
+    const QDBusMessage call = portalCall(QLatin1StringView(portal_names::screenCast),
+                                         QStringLiteral("OpenPipeWireRemote"),
+                                         { QVariant::fromValue(QDBusObjectPath(m_path)), QVariantMap() });
     callLater(sessionBus(), call, this, [this, node](const QDBusMessage &reply) {
         CastSource source { reply.arguments().value(0).value<QDBusUnixFileDescriptor>(), *node };
         if (isReply(reply) && source.remote.isValid())

@@ -1,5 +1,6 @@
 #include "display/portal/portal_display.h"
 
+#include "base/wayland_session.h"
 #include "bus/dbus_call.h"
 #include "display/bitmap_image.h"
 #include "display/portal/portal_abilities.h"
@@ -22,8 +23,7 @@ constexpr std::chrono::seconds patience(5);
 
 bool PortalDisplay::isForThisSession()
 {
-    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
-        || qgetenv("XDG_SESSION_TYPE") == QByteArray("wayland");
+    return isWaylandSession();
 }
 
 std::unique_ptr<DisplayBackend> PortalDisplay::create(QString &whyNot)
