@@ -1,6 +1,7 @@
 #include "desktop/x11_global_key.h"
 
 #include "desktop/x11_key_names.h"
+#include "x11/x11_nesting.h"
 #include "x11/xcb_reply.h"
 
 #include <algorithm>
@@ -13,7 +14,9 @@ namespace vornic {
 std::unique_ptr<X11GlobalKey> X11GlobalKey::create()
 {
     auto connection = X11Connection::open();
-    return connection ? std::unique_ptr<X11GlobalKey>(new X11GlobalKey(std::move(connection))) : nullptr;
+    return connection && !isInsideWayland(*connection)
+        ? std::unique_ptr<X11GlobalKey>(new X11GlobalKey(std::move(connection)))
+        : nullptr;
 }
 
 X11GlobalKey::X11GlobalKey(std::unique_ptr<X11Connection> connection)

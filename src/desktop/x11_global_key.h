@@ -20,7 +20,7 @@ class X11GlobalKey final : public GlobalKey
 {
     Q_OBJECT
 public:
-    /// Null without an X server.
+    /// Null without an X server, and inside a Wayland session, whose windows' keys the server never hears.
     [[nodiscard]] static std::unique_ptr<X11GlobalKey> create();
     ~X11GlobalKey() override;
 

@@ -34,6 +34,28 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, StreamEntry &entr
     return argument;
 }
 
+/// As D-Bus has it: (sa{sv}).
+struct KeyEntry {
+    QString id;
+    QVariantMap properties;
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const KeyEntry &entry)
+{
+    argument.beginStructure();
+    argument << entry.id << entry.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, KeyEntry &entry)
+{
+    argument.beginStructure();
+    argument >> entry.id >> entry.properties;
+    argument.endStructure();
+    return argument;
+}
+
 QString pathOf(const QDBusMessage &call, const QString &kind, const QString &token)
 {
     const QString sender = call.service().mid(1).replace(u'.', u'_');
@@ -52,6 +74,8 @@ FakePortal::FakePortal(const PrivateBus &bus)
 {
     qDBusRegisterMetaType<StreamEntry>();
     qDBusRegisterMetaType<QList<StreamEntry>>();
+    qDBusRegisterMetaType<KeyEntry>();
+    qDBusRegisterMetaType<QList<KeyEntry>>();
     m_service.setAnswer([this](const QDBusMessage &call) { return answer(call); });
 }
 
@@ -86,18 +110,26 @@ QDBusMessage FakePortal::answerRequest(const QDBusMessage &call)
     if (!unanswered.contains(call.member())) {
         QDBusMessage response = QDBusMessage::createSignal(
             path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
-        response.setArguments({ answers.value(call.member()), resultsOf(call.member()) });
+        response.setArguments({ answers.value(call.member()), resultsOf(call) });
         m_service.send(response);
     }
     return call.createReply(QVariant::fromValue(QDBusObjectPath(path)));
 }
 
-QVariantMap FakePortal::resultsOf(const QString &method) const
+QVariantMap FakePortal::resultsOf(const QDBusMessage &call) const
 {
-    if (method == QStringLiteral("CreateSession"))
+    if (call.member() == QStringLiteral("CreateSession"))
         return { { QStringLiteral("session_handle"), m_sessionPath } };
-    if (method != QStringLiteral("Start"))
+    if (call.member() == QStringLiteral("Start"))
+        return streams();
+    if (call.member() != QStringLiteral("BindShortcuts"))
         return {};
+    const auto asked = qdbus_cast<QList<KeyEntry>>(call.arguments().value(1));
+    return { { QStringLiteral("shortcuts"), keys(asked.isEmpty() ? QString() : asked.first().id) } };
+}
+
+QVariantMap FakePortal::streams() const
+{
     QList<StreamEntry> streams;
     if (node != 0)
         streams += { node, { { QStringLiteral("source_type"), 1U } } };
@@ -105,6 +137,33 @@ QVariantMap FakePortal::resultsOf(const QString &method) const
     if (!restoreToken.isEmpty())
         results[QStringLiteral("restore_token")] = restoreToken;
     return results;
+}
+
+QVariant FakePortal::keys(const QString &id) const
+{
+    KeyEntry key { id, { { QStringLiteral("description"), QStringLiteral("Something") } } };
+    if (trigger.isValid())
+        key.properties[QStringLiteral("trigger_description")] = trigger;
+    return QVariant::fromValue(QList<KeyEntry> { key });
+}
+
+void FakePortal::tellKey(const QString &signal, const QString &id)
+{
+    QDBusMessage told = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+                                                   QStringLiteral("org.freedesktop.portal.GlobalShortcuts"),
+                                                   signal);
+    constexpr qulonglong time = 4711;
+    told.setArguments({ QVariant::fromValue(QDBusObjectPath(m_sessionPath)), id, time, QVariantMap() });
+    m_service.send(told);
+}
+
+void FakePortal::tellKeysChanged(const QString &id)
+{
+    QDBusMessage told = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+                                                   QStringLiteral("org.freedesktop.portal.GlobalShortcuts"),
+                                                   QStringLiteral("ShortcutsChanged"));
+    told.setArguments({ QVariant::fromValue(QDBusObjectPath(m_sessionPath)), keys(id) });
+    m_service.send(told);
 }
 
 QVariantMap FakePortal::options(const QString &method) const
@@ -117,6 +176,12 @@ QVariantList FakePortal::arguments(const QString &method) const
 {
     const auto calls = m_service.calls(method);
     return calls.empty() ? QVariantList() : calls.back().arguments();
+}
+
+QVariantMap FakePortal::wish() const
+{
+    const auto asked = qdbus_cast<QList<KeyEntry>>(arguments(QStringLiteral("BindShortcuts")).value(1));
+    return asked.isEmpty() ? QVariantMap() : asked.first().properties;
 }
 
 QStringList FakePortal::closed() const

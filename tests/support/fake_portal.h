@@ -12,7 +12,7 @@
 
 namespace vornic::test {
 
-/// Plays the desktop's screen cast portal: nobody is asked, and the test says what the user answers.
+/// Plays the desktop's portals for screen casts and keys: nobody is asked, and the test says what the user answers.
 ///
 /// Made by a test, lives on its main thread. Its end is the end of the portal's process, as others see it.
 class FakePortal
@@ -28,6 +28,7 @@ public:
     QStringList unanswered;       ///< methods whose dialog stands for good
     QStringList refused;          ///< methods that are refused with an error, "Not in the mood."
     std::function<int()> remote;  ///< a new connection to PipeWire, which is taken
+    QVariant trigger; ///< how the key is called that BindShortcuts gives; invalid: that is not told
 
     /// The options of the last call of \a method.
     [[nodiscard]] QVariantMap options(const QString &method) const;
@@ -37,14 +38,22 @@ public:
     /// The paths of all requests and sessions that were closed.
     [[nodiscard]] QStringList closed() const;
     [[nodiscard]] QString sessionPath() const { return m_sessionPath; }
+    /// What BindShortcuts was told of the key that it is to give.
+    [[nodiscard]] QVariantMap wish() const;
     /// The desktop closes the session.
     void closeSession();
+    /// The portal for keys tells of the key \a id: \a signal is "Activated" or "Deactivated".
+    void tellKey(const QString &signal, const QString &id);
+    /// The user has set another key: trigger.
+    void tellKeysChanged(const QString &id);
     [[nodiscard]] FakeService &service() { return m_service; }
 
 private:
     [[nodiscard]] QDBusMessage answer(const QDBusMessage &call);
     [[nodiscard]] QDBusMessage answerRequest(const QDBusMessage &call);
-    [[nodiscard]] QVariantMap resultsOf(const QString &method) const;
+    [[nodiscard]] QVariantMap resultsOf(const QDBusMessage &call) const;
+    [[nodiscard]] QVariantMap streams() const;
+    [[nodiscard]] QVariant keys(const QString &id) const;
 
     FakeService m_service;
     QString m_sessionPath;

@@ -2,7 +2,6 @@
 
 #include "app/session/recording_questions.h"
 #include "app/session/room_text.h"
-#include "app/session/start_settings.h"
 #include "app/window/sheet.h"
 #include "app/window/stop_item.h"
 #include "base/free_space.h"
@@ -11,7 +10,6 @@
 #include "observing/key_path_binding.h"
 
 #include <QDialog>
-#include <QKeySequence>
 
 #include <ui_VNHintWndCtroller.h>
 
@@ -25,9 +23,8 @@ const QString showAgainKey = QStringLiteral("VNShowHintWndAgain");
 
 } // namespace
 
-QString howToStop(bool hasTray, const QString &shortcut)
+QString howToStop(bool hasTray, const QString &key)
 {
-    const QString key = QKeySequence(shortcut, QKeySequence::PortableText).toString(QKeySequence::NativeText);
     if (key.isEmpty())
         return hasTray
             ? VNHintWndCtroller::tr("The window is minimised while the recording runs. To stop it, "
@@ -64,7 +61,7 @@ void VNHintWndCtroller::beginSheetModalForWindow(QWidget *parent, std::function<
 {
     m_parent = parent;
     m_window = makeSheet<Ui::VNHintWndCtroller>(parent, [this](Ui::VNHintWndCtroller &ui) {
-        QString text = howToStop(StopItem::hasTray(), start_settings::shortcut());
+        QString text = howToStop(StopItem::hasTray(), m_key);
         if (const QString folder = VNBufferMgr::cachePath(); liesInMemory(folder))
             text += QStringLiteral("\n\n") + liesInMemoryText(folder);
         ui.explanation->setText(text);

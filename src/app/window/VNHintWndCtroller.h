@@ -11,8 +11,8 @@ class QDialog;
 namespace vornic {
 
 /// How a recording is stopped on this desktop: with the icon in the tray where there is one, else with the bar, and
-/// with the key \a shortcut, written portably, unless that is empty.
-[[nodiscard]] QString howToStop(bool hasTray, const QString &shortcut);
+/// with \a key, as its user reads it, unless that is empty.
+[[nodiscard]] QString howToStop(bool hasTray, const QString &key);
 
 /// The sheet that tells, before a recording starts, how it is stopped.
 ///
@@ -27,6 +27,8 @@ public:
 
     [[nodiscard]] bool showAgain() const;
     void setShowAgain(bool showAgain);
+    /// The key that stops from any program, as its user reads it; empty, as at first: there is none.
+    void setKey(const QString &key) { m_key = key; }
 
     /// The window that the sheet stands on, while it is shown.
     [[nodiscard]] QWidget *parentWindow() const { return m_parent; }
@@ -44,6 +46,7 @@ signals:
 private:
     VNHintWndCtroller() = default;
 
+    QString m_key;
     QPointer<QWidget> m_parent;
     QPointer<QDialog> m_window; ///< null while none is shown
 };

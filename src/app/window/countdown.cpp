@@ -29,7 +29,7 @@ Countdown::Countdown(int seconds, std::function<void(bool)> ended)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
     , m_seconds(seconds)
     , m_ended(std::move(ended))
-    , m_escape(GlobalKey::create())
+    , m_escape(GlobalKey::createForMoment())
 {
     setObjectName(QStringLiteral("countdown"));
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -38,8 +38,8 @@ Countdown::Countdown(int seconds, std::function<void(bool)> ended)
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
     setFixedSize(side, side);
     move(screen.center() - rect().center());
-    // Where another program has the key a click cancels it.
-    static_cast<void>(m_escape->listenFor(QStringLiteral("Esc")));
+    // Where another program has the key, or the desktop gives none, a click cancels it.
+    m_hearsEscape = m_escape->listenFor(QStringLiteral("Esc")) == GlobalKey::Answer::Heard;
     connect(m_escape.get(), &GlobalKey::pressed, this, &Countdown::cancel);
     connect(&m_timer, &QTimer::timeout, this, &Countdown::tick);
     m_timer.start(1s);
@@ -87,8 +87,9 @@ void Countdown::paintEvent(QPaintEvent * /*event*/)
     hint.setPixelSize(hintPixels);
     painter.setFont(hint);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawText(
-        rect().adjusted(0, 0, 0, -hintPixels), Qt::AlignHCenter | Qt::AlignBottom, tr("Esc cancels"));
+    painter.drawText(rect().adjusted(0, 0, 0, -hintPixels),
+                     Qt::AlignHCenter | Qt::AlignBottom,
+                     m_hearsEscape ? tr("Esc cancels") : tr("A click cancels"));
 }
 
 void Countdown::mousePressEvent(QMouseEvent * /*event*/)

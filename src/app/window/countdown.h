@@ -39,6 +39,7 @@ private:
     std::function<void(bool)> m_ended; ///< empty once it was called
     QTimer m_timer;
     std::unique_ptr<GlobalKey> m_escape;
+    bool m_hearsEscape = false;
     std::unique_ptr<WindowOnTop> m_onTop;
 };
 

@@ -3,6 +3,7 @@
 #include "app/session/start_settings.h"
 #include "app/session/stored_options.h"
 #include "app/session/unix_signals.h"
+#include "app/window/VNHintWndCtroller.h"
 #include "app/window/alert_box.h"
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
@@ -12,7 +13,6 @@
 #include "audio/audio_backend.h"
 #include "base/log.h"
 #include "base/native_path.h"
-#include "desktop/global_key.h"
 #include "desktop/notifier.h"
 #include "desktop/single_instance.h"
 #include "options/VNOption.h"
@@ -22,6 +22,7 @@
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QKeySequence>
 #include <QTimer>
 #include <QWindow>
 
@@ -35,6 +36,12 @@ using namespace std::chrono_literals;
 
 constexpr auto lookForWindow = 20ms;
 constexpr auto maxWaitForWindow = 2s;
+
+/// A key as its user reads it.
+QString nativeText(const QString &portableText)
+{
+    return QKeySequence(portableText, QKeySequence::PortableText).toString(QKeySequence::NativeText);
+}
 
 } // namespace
 
@@ -58,6 +65,7 @@ WindowProgram::WindowProgram(QApplication &application,
             [this](const QString &action, const QString &file) { perform(action, pathFromFileUri(file)); });
     instance.setActionCheck([this](const QString &action) { return canPerform(action); });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
+    connect(m_key.get(), &GlobalKey::answered, this, &WindowProgram::keyAnswered);
     listenForKey();
     followSession(application);
 }
@@ -240,22 +248,46 @@ void WindowProgram::toggle()
 
 void WindowProgram::listenForKey()
 {
-    const QString key = start_settings::shortcut();
-    QString problem;
-    switch (m_key->listenFor(key)) {
+    keyAnswered(m_key->listenFor(start_settings::shortcut()));
+}
+
+void WindowProgram::keyAnswered(GlobalKey::Answer answer)
+{
+    // Or the desktop would ask its user at every start.
+    if (answer == GlobalKey::Answer::Declined) {
+        start_settings::setShortcut({});
+        m_window->setShortcut({});
+    }
+    m_window->setShortcutProblem(keyNote(answer));
+    const bool isHeard = answer == GlobalKey::Answer::Heard || answer == GlobalKey::Answer::Asked;
+    const QString given = m_key->givenKey();
+    VNHintWndCtroller::shareHintWndCtroller().setKey(
+        isHeard && given.isEmpty() ? nativeText(start_settings::shortcut()) : given);
+}
+
+/// What stands beneath the key in the window.
+QString WindowProgram::keyNote(GlobalKey::Answer answer) const
+{
+    switch (answer) {
+    case GlobalKey::Answer::Asked:
+        break;
     case GlobalKey::Answer::Heard:
+        if (const QString given = m_key->givenKey();
+            !given.isEmpty() && given != nativeText(start_settings::shortcut()))
+            return tr("The desktop has this key for it: %1").arg(given);
         break;
     case GlobalKey::Answer::TakenByOther:
-        problem = tr("Another program has this key.");
-        break;
+        return tr("Another program has this key.");
     case GlobalKey::Answer::NoSuchKey:
-        problem = tr("The keyboard does not have this key.");
-        break;
+        return tr("The keyboard does not have this key.");
     case GlobalKey::Answer::NotOnThisDesktop:
-        problem = tr("This desktop does not let programs have such a key.");
-        break;
+        return tr("Bind a desktop key to “vornic --toggle”.");
+    case GlobalKey::Answer::Declined:
+        return tr("The desktop was not allowed to give the key.");
+    case GlobalKey::Answer::NotSet:
+        return tr("Choose its key in the desktop's settings.");
     }
-    m_window->setShortcutProblem(problem);
+    return {};
 }
 
 /// The windows go meanwhile, as they would be in the way of what is selected.

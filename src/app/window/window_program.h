@@ -3,6 +3,7 @@
 #include "app/VornicAppDelegate.h"
 #include "app/window/main_window.h"
 #include "app/window/window_front_end.h"
+#include "desktop/global_key.h"
 
 #include <QObject>
 
@@ -10,7 +11,6 @@ class QApplication;
 
 namespace vornic {
 
-class GlobalKey;
 class Recovery;
 class RegionSelection;
 class SingleInstance;
@@ -50,6 +50,8 @@ private:
     [[nodiscard]] bool canPerform(const QString &action) const;
     void connectWindow();
     void listenForKey();
+    void keyAnswered(GlobalKey::Answer answer);
+    [[nodiscard]] QString keyNote(GlobalKey::Answer answer) const;
     void selectOnScreen();
     void endSelection();
     [[nodiscard]] bool canToggle() const;

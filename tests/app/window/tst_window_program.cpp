@@ -1,4 +1,5 @@
 #include "app/session/unix_signals.h"
+#include "app/window/VNHintWndCtroller.h"
 #include "app/window/alert_box.h"
 #include "app/window/window_program.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -9,6 +10,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QLabel>
 #include <QPointer>
 #include <QSessionManager>
 #include <QTimer>
@@ -130,6 +132,27 @@ TEST_F(WindowProgramTest, ToggledWhileAQuestionStandsItDoesNothing)
     EXPECT_EQ(program.run(WindowProgram::recordFullAction, {}), 7); // asks for the movie's name
 }
 
+TEST_F(WindowProgramTest, WhereProgramsHaveNoKeysTheWindowTellsOfTheDesktopsOwn)
+{
+    QString told;
+    QString hint;
+    once([] { return QGuiApplication::focusWindow() != nullptr; },
+         [&] {
+             for (const QWidget *window : QApplication::topLevelWidgets()) {
+                 if (const auto *label = window->findChild<QLabel *>("shortcutProblem"))
+                     told = label->text();
+             }
+             VNHintWndCtroller::shareHintWndCtroller().beginSheetModalForWindow(nullptr, {});
+             hint = QApplication::activeModalWidget()->findChild<QLabel *>("explanation")->text();
+             VNHintWndCtroller::shareHintWndCtroller().cancelAction();
+             endSession();
+         });
+    EXPECT_EQ(program.run({}, {}), 0);
+    EXPECT_EQ(told, "Bind a desktop key to “vornic --toggle”.");
+    EXPECT_TRUE(hint.contains("bar with the clock"));
+    EXPECT_FALSE(hint.contains("Ctrl+Alt+R"));
+}
+
 /// What would show the movie's folder when a test is over already: it fails where there is no file browser, and the
 /// alert comes in the next test.
 void putSilentLauncher(const QTemporaryDir &folder)
@@ -149,6 +172,8 @@ int main(int argc, char **argv)
     const QTemporaryDir launchers;
     vornic::putSilentLauncher(launchers);
     qputenv("VORNIC_AUDIO", "none");
+    for (const char *desktop : { "DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE" })
+        qunsetenv(desktop);
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     return vornic::runWindowTests(argc, argv);
 }
