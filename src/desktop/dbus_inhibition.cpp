@@ -3,6 +3,7 @@
 #include "bus/dbus_call.h"
 
 #include <QCoreApplication>
+#include <QDBusObjectPath>
 
 #include <utility>
 
@@ -76,10 +77,18 @@ void DBusInhibition::giveBack(const Grant &grant) const
 {
     if (m_request.releaseMethod.isEmpty())
         return;
+    const bool isObject = !m_request.releaseInterface.isEmpty();
+    const QString object = grant.reply.arguments().value(0).value<QDBusObjectPath>().path();
+    if (isObject && object.isEmpty())
+        return;
     // To the process that gave it: to another one the cookie may mean somebody else's.
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        grant.reply.service(), grant.path, m_request.interface, m_request.releaseMethod);
-    call.setArguments(grant.reply.arguments());
+    QDBusMessage call
+        = QDBusMessage::createMethodCall(grant.reply.service(),
+                                         isObject ? object : grant.path,
+                                         isObject ? m_request.releaseInterface : m_request.interface,
+                                         m_request.releaseMethod);
+    if (!isObject)
+        call.setArguments(grant.reply.arguments());
     m_request.bus.send(call);
 }
 

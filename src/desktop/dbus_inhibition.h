@@ -20,6 +20,8 @@ struct InhibitRequest {
     QVariantList arguments; ///< of Inhibit
     /// Takes back the cookie that Inhibit gave; empty where it gives a descriptor that is closed for that.
     QString releaseMethod;
+    /// Where Inhibit gives an object of the service in place of a cookie: that object has the method, in this interface.
+    QString releaseInterface = {};
 };
 
 /// Keeps one service of the desktop from becoming idle; asks again when another process takes the service
@@ -39,7 +41,7 @@ public:
     void release();
 
 private:
-    /// An inhibition that the service granted: its reply holds the cookie or the descriptor.
+    /// An inhibition that the service granted: its reply holds what it gives.
     struct Grant {
         QDBusMessage reply;
         QString path;

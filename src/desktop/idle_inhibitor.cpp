@@ -1,6 +1,8 @@
 #include "desktop/idle_inhibitor.h"
 
+#include "base/wayland_session.h"
 #include "bus/dbus_call.h"
+#include "bus/portal_request.h"
 #include "desktop/application_id.h"
 #include "desktop/blanking_pause.h"
 #include "desktop/dbus_inhibition.h"
@@ -56,6 +58,24 @@ InhibitRequest loginManager(const QString &reason)
              {} };
 }
 
+/// The way of Wayland sessions, whose desktop may have none of the others.
+InhibitRequest portal(const QString &reason)
+{
+    const QString noWindow;
+    constexpr uint suspend = 4;
+    constexpr uint idle = 8;
+    return { sessionBus(),
+             QLatin1StringView(portal_names::service),
+             { QLatin1StringView(portal_names::path) },
+             QStringLiteral("org.freedesktop.portal.Inhibit"),
+             { noWindow,
+               suspend | idle,
+               QVariantMap { { QStringLiteral("handle_token"), portalToken() },
+                             { QStringLiteral("reason"), reason } } },
+             QStringLiteral("Close"),
+             QLatin1StringView(portal_names::request) };
+}
+
 std::unique_ptr<BlankingPause> pauseBlanking()
 {
 #ifdef VORNIC_X11
@@ -77,6 +97,8 @@ IdleInhibitor::IdleInhibitor(const QString &reason)
 {
     for (const auto &request : { screenSaver, sessionManager, powerManagement, loginManager })
         m_inhibitions.emplace_back(new DBusInhibition(request(reason)));
+    if (isWaylandSession())
+        m_inhibitions.emplace_back(new DBusInhibition(portal(reason)));
 }
 
 IdleInhibitor::~IdleInhibitor() = default;

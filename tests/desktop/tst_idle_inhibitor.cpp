@@ -2,7 +2,10 @@
 #include "desktop/idle_inhibitor.h"
 #include "support/fake_service.h"
 #include "support/private_bus.h"
+#include "support/scoped_environment.h"
 
+#include <QDBusArgument>
+#include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
 #include <QTemporaryDir>
@@ -398,6 +401,99 @@ TEST(IdleInhibitor, LosesTheDescriptorWithItsProcess)
     EXPECT_TRUE(lock.isHeld());
     client.signal(SIGKILL);
     EXPECT_TRUE(eventually([&] { return !lock.isHeld(); }));
+}
+
+/// A Wayland session with a portal, which the test plays; it gives the objects "/held/1", "/held/2" ...
+class InhibitPortalTest : public testing::Test
+{
+protected:
+    InhibitPortalTest() { environment.set("XDG_SESSION_TYPE", "wayland"); }
+
+    void SetUp() override { start(); }
+    void start(int first = 1)
+    {
+        service = std::make_unique<FakeService>(sessionBusDaemon(), "org.freedesktop.portal.Desktop");
+        service->setAnswer([next = first](const QDBusMessage &call) mutable {
+            return call.member() == inhibitMethod ? call.createReply(
+                       QVariant::fromValue(QDBusObjectPath(QStringLiteral("/held/%1").arg(next++))))
+                                                  : call.createReply();
+        });
+    }
+    [[nodiscard]] bool isAsked(std::size_t times = 1) const
+    {
+        return eventually([&] { return service->calls(inhibitMethod).size() == times; });
+    }
+    [[nodiscard]] std::vector<QDBusMessage> closed() const { return service->calls("Close"); }
+
+    test::ScopedEnvironment environment;
+    std::unique_ptr<FakeService> service;
+};
+
+TEST_F(InhibitPortalTest, IsAskedAndItsObjectClosedAtTheEnd)
+{
+    auto inhibitor = std::make_unique<IdleInhibitor>(reason);
+    ASSERT_TRUE(isAsked());
+    const QDBusMessage asked = service->calls(inhibitMethod).front();
+    EXPECT_EQ(asked.path(), "/org/freedesktop/portal/desktop");
+    EXPECT_EQ(asked.interface(), "org.freedesktop.portal.Inhibit");
+    EXPECT_EQ(asked.signature(), "sua{sv}");
+    EXPECT_EQ(asked.arguments().value(0), "") << "no window";
+    EXPECT_EQ(asked.arguments().value(1), 12U) << "suspend and idle";
+    EXPECT_EQ(qdbus_cast<QVariantMap>(asked.arguments().value(2)).value("reason"), reason);
+    ASSERT_TRUE(settle(*service));
+    EXPECT_TRUE(closed().empty());
+
+    inhibitor.reset();
+    ASSERT_TRUE(eventually([&] { return closed().size() == 1; }));
+    EXPECT_EQ(closed().front().path(), "/held/1");
+    EXPECT_EQ(closed().front().interface(), "org.freedesktop.portal.Request");
+    EXPECT_TRUE(closed().front().arguments().isEmpty());
+}
+
+TEST_F(InhibitPortalTest, IsToldTheEndWhenItAnswersAfterIt)
+{
+    service->setAnswer({});
+    auto inhibitor = std::make_unique<IdleInhibitor>(reason);
+    ASSERT_TRUE(isAsked());
+    inhibitor.reset();
+    const QDBusMessage asked = service->calls(inhibitMethod).front();
+    service->send(asked.createReply(QVariant::fromValue(QDBusObjectPath("/held/late"))));
+    ASSERT_TRUE(eventually([&] { return closed().size() == 1; }));
+    EXPECT_EQ(closed().front().path(), "/held/late");
+}
+
+TEST_F(InhibitPortalTest, IsAskedAgainWhenItIsBackAfterItsEnd)
+{
+    auto inhibitor = std::make_unique<IdleInhibitor>(reason);
+    ASSERT_TRUE(isAsked());
+    ASSERT_TRUE(settle(*service));
+    service.reset();
+    start(7);
+    ASSERT_TRUE(isAsked());
+    ASSERT_TRUE(settle(*service));
+    inhibitor.reset();
+    ASSERT_TRUE(eventually([&] { return closed().size() == 1; }));
+    EXPECT_EQ(closed().front().path(), "/held/7");
+}
+
+TEST_F(InhibitPortalTest, AnAnswerThatIsNoObjectClosesNothing)
+{
+    service->setAnswer([](const QDBusMessage &call) { return call.createReply(4711U); });
+    auto inhibitor = std::make_unique<IdleInhibitor>(reason);
+    ASSERT_TRUE(isAsked());
+    ASSERT_TRUE(settle(*service));
+    inhibitor.reset();
+    ASSERT_TRUE(settle(*service));
+    EXPECT_TRUE(closed().empty());
+}
+
+TEST_F(InhibitPortalTest, IsNotAskedInAnotherSession)
+{
+    environment.unset("XDG_SESSION_TYPE");
+    environment.unset("WAYLAND_DISPLAY");
+    const IdleInhibitor inhibitor(reason);
+    ASSERT_TRUE(settle(*service));
+    EXPECT_TRUE(service->calls(inhibitMethod).empty());
 }
 
 TEST(IdleInhibitor, NeedsNoService)
