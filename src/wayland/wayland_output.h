@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPoint>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -31,5 +32,12 @@ struct WaylandOutput {
 
 /// The one that lies at the origin of the compositor's coordinates, else the first; nothing when there is none.
 [[nodiscard]] std::optional<WaylandOutput> mainOutput(const std::vector<WaylandOutput> &outputs);
+/// The one called \a name; nothing when there is none, or the name is empty.
+[[nodiscard]] std::optional<WaylandOutput> outputNamed(const std::vector<WaylandOutput> &outputs,
+                                                       const QString &name);
+/// The one that a picture of \a pixels shows whose place in the compositor's coordinates is told to be \a position, if it
+/// is: the size counts more, as some desktops tell the origin of every monitor. Nothing when it is none of them.
+[[nodiscard]] std::optional<WaylandOutput>
+outputShown(const std::vector<WaylandOutput> &outputs, QSize pixels, std::optional<QPoint> position);
 
 } // namespace vornic
