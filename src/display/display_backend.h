@@ -64,6 +64,9 @@ public:
     [[nodiscard]] virtual QSize mainDisplaySize() const = 0;
     /// Where its top left lies on the desktop, from the desktop's top left: windows are placed by that.
     [[nodiscard]] virtual QPoint mainDisplayOrigin() const { return {}; }
+    /// How the desktop calls the monitor that it is, "DP-1", where there are others that might be recorded in its place;
+    /// else empty.
+    [[nodiscard]] virtual QString mainDisplayName() const { return {}; }
     /// The part of \a rectangle that lies on the display, without the pointer; null when none does, or when
     /// the server refuses. Blocks for one exchange with the server, or for none when nothing has changed.
     [[nodiscard]] virtual std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) = 0;

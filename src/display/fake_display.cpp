@@ -55,6 +55,8 @@ struct FakeDisplay::State {
     bool refusesGrabs = false;
     std::optional<QSize> reportedSize;
     std::uint32_t id = 1;
+    QPoint origin;
+    QString name;
     int grabs = 0;
     std::deque<RememberedGrab> remembered;
 
@@ -112,6 +114,13 @@ void FakeDisplay::setMainDisplayId(std::uint32_t id)
     m_state->id = id;
 }
 
+void FakeDisplay::setPlace(QPoint origin, const QString &name)
+{
+    const std::lock_guard lock(m_mutex);
+    m_state->origin = origin;
+    m_state->name = name;
+}
+
 int FakeDisplay::grabCount() const
 {
     const std::lock_guard lock(m_mutex);
@@ -149,6 +158,18 @@ QSize FakeDisplay::mainDisplaySize() const
 {
     const std::lock_guard lock(m_mutex);
     return m_state->reportedSize.value_or(m_state->picture.size());
+}
+
+QPoint FakeDisplay::mainDisplayOrigin() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_state->origin;
+}
+
+QString FakeDisplay::mainDisplayName() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_state->name;
 }
 
 std::shared_ptr<const BitmapImage> FakeDisplay::grab(const QRect &rectangle)

@@ -25,6 +25,8 @@ public:
     /// What is told instead of the real size, which grabs keep (a display that cannot say its size).
     void setReportedSize(QSize size);
     void setMainDisplayId(std::uint32_t id);
+    /// As one of several monitors: where it lies on the desktop, and its name.
+    void setPlace(QPoint origin, const QString &name);
     [[nodiscard]] int grabCount() const;
     /// True leaves every prepare() from now on to answerAccess(). Main thread, as the three below.
     void setAsksForAccess(bool asks) { m_asksForAccess = asks; }
@@ -38,6 +40,8 @@ public:
     void release() override;
     [[nodiscard]] std::uint32_t mainDisplayId() const override;
     [[nodiscard]] QSize mainDisplaySize() const override;
+    [[nodiscard]] QPoint mainDisplayOrigin() const override;
+    [[nodiscard]] QString mainDisplayName() const override;
     [[nodiscard]] std::shared_ptr<const BitmapImage> grab(const QRect &rectangle) override;
     [[nodiscard]] QPoint pointerPosition() override;
     [[nodiscard]] std::shared_ptr<const CursorShape> cursorShape() override;

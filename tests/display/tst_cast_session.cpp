@@ -65,6 +65,18 @@ TEST_F(CastSessionTest, AMonitorIsAskedForAndItsStreamIsGiven)
     EXPECT_EQ(m_portal->arguments("Start").value(1), "x11:1f");
 }
 
+TEST_F(CastSessionTest, WhereTheMonitorLiesIsTakenFromWhatIsToldOfTheStream)
+{
+    ASSERT_EQ(answer(), State::Granted);
+    EXPECT_FALSE(m_source.position);
+    m_portal->position = QPoint(1920, -40);
+    ASSERT_EQ(answer(), State::Granted);
+    EXPECT_EQ(m_source.position, QPoint(1920, -40));
+    m_portal->position = "somewhere";
+    ASSERT_EQ(answer(), State::Granted);
+    EXPECT_FALSE(m_source.position);
+}
+
 TEST_F(CastSessionTest, ThePointerComesBesideThePicturesWhereItCan)
 {
     ASSERT_EQ(answer(), State::Granted);

@@ -131,8 +131,11 @@ QVariantMap FakePortal::resultsOf(const QDBusMessage &call) const
 QVariantMap FakePortal::streams() const
 {
     QList<StreamEntry> streams;
+    QVariantMap properties { { QStringLiteral("source_type"), 1U } };
+    if (position.isValid())
+        properties[QStringLiteral("position")] = position;
     if (node != 0)
-        streams += { node, { { QStringLiteral("source_type"), 1U } } };
+        streams += { node, properties };
     QVariantMap results { { QStringLiteral("streams"), QVariant::fromValue(streams) } };
     if (!restoreToken.isEmpty())
         results[QStringLiteral("restore_token")] = restoreToken;

@@ -23,6 +23,7 @@ public:
     uint version = 4;
     uint cursorModes = 7;         ///< 1 hidden, 2 embedded, 4 metadata, added up
     std::uint32_t node = 42;      ///< of the stream; 0: there is none
+    QVariant position;            ///< of the stream's monitor; invalid: that is not told
     QString restoreToken;         ///< that Start gives; empty: none
     QHash<QString, uint> answers; ///< by the method's name; 0 where there is none: granted
     QStringList unanswered;       ///< methods whose dialog stands for good

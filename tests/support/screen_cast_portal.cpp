@@ -50,10 +50,12 @@ bool wirePlumberIsThere()
 
 } // namespace
 
-std::unique_ptr<ScreenCastPortal> ScreenCastPortal::start(const SwaySession &session, Consent consent)
+std::unique_ptr<ScreenCastPortal>
+ScreenCastPortal::start(const SwaySession &session, Consent consent, const QString &monitor)
 {
     std::unique_ptr<ScreenCastPortal> portal(new ScreenCastPortal);
-    return portal->startBus() && portal->startPipeWire(session) && portal->startPortal(session, consent)
+    return portal->startBus() && portal->startPipeWire(session)
+            && portal->startPortal(session, consent, monitor)
         ? std::move(portal)
         : nullptr;
 }
@@ -89,7 +91,7 @@ bool ScreenCastPortal::startPipeWire(const SwaySession &session)
         && startPart(Part::WirePlumber, { "wireplumber" }, wirePlumberIsThere);
 }
 
-bool ScreenCastPortal::startPortal(const SwaySession &session, Consent consent)
+bool ScreenCastPortal::startPortal(const SwaySession &session, Consent consent, const QString &monitor)
 {
     const QString portals = session.filePath(QStringLiteral("portals"));
     QDir().mkpath(portals);
@@ -102,7 +104,7 @@ bool ScreenCastPortal::startPortal(const SwaySession &session, Consent consent)
     // What a user chooses is what the chooser prints.
     write(settings,
           consent == Consent::Granted
-              ? QStringLiteral("[screencast]\noutput_name=HEADLESS-1\nchooser_type=none\n")
+              ? QStringLiteral("[screencast]\noutput_name=%1\nchooser_type=none\n").arg(monitor)
               : QStringLiteral("[screencast]\nchooser_type=simple\nchooser_cmd=true\n"));
     return startPart(Part::Backend,
                      { libraries + "xdg-desktop-portal-wlr", "--config", settings, "--loglevel", "ERROR" },

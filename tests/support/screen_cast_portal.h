@@ -30,9 +30,11 @@ public:
     enum class Consent { Granted, Refused };
 
     /// Returns once the portal answers on the bus, which is $DBUS_SESSION_BUS_ADDRESS of this process until the object
-    /// ends. Null, with the reason on standard error, when some part does not come up.
+    /// ends. Null, with the reason on standard error, when some part does not come up. \a monitor is what is granted.
     [[nodiscard]] static std::unique_ptr<ScreenCastPortal> start(const SwaySession &session,
-                                                                 Consent consent = Consent::Granted);
+                                                                 Consent consent = Consent::Granted,
+                                                                 const QString &monitor
+                                                                 = QStringLiteral("HEADLESS-1"));
     ~ScreenCastPortal();
     ScreenCastPortal(const ScreenCastPortal &) = delete;
     ScreenCastPortal &operator=(const ScreenCastPortal &) = delete;
@@ -44,7 +46,7 @@ private:
     ScreenCastPortal() = default;
     [[nodiscard]] bool startBus();
     [[nodiscard]] bool startPipeWire(const SwaySession &session);
-    [[nodiscard]] bool startPortal(const SwaySession &session, Consent consent);
+    [[nodiscard]] bool startPortal(const SwaySession &session, Consent consent, const QString &monitor);
     [[nodiscard]] bool startPart(Part part,
                                  const QStringList &command,
                                  const std::function<bool()> &isUp,

@@ -128,10 +128,23 @@ bool SwaySession::command(const QString &command) const
     return process && process->wait() == 0;
 }
 
-QImage SwaySession::screen() const
+bool SwaySession::addMonitor(QSize pixels, QPoint place) const
+{
+    const QString second = QStringLiteral("HEADLESS-2");
+    const auto settings = QStringLiteral("output %1 mode %2x%3@60Hz position %4 %5")
+                              .arg(second)
+                              .arg(pixels.width())
+                              .arg(pixels.height())
+                              .arg(place.x())
+                              .arg(place.y());
+    return command(QStringLiteral("create_output")) && command(settings)
+        && waitUntil([&] { return screen(second).size() == pixels; });
+}
+
+QImage SwaySession::screen(const QString &monitor) const
 {
     const QString file = filePath(QStringLiteral("screen.ppm"));
-    const auto process = ChildProcess::start({ "grim", "-c", "-t", "ppm", "-o", "HEADLESS-1", file });
+    const auto process = ChildProcess::start({ "grim", "-c", "-t", "ppm", "-o", monitor, file });
     return process && process->wait() == 0 ? QImage(file) : QImage();
 }
 

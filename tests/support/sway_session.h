@@ -4,6 +4,7 @@
 #include "support/scoped_environment.h"
 
 #include <QImage>
+#include <QPoint>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -42,8 +43,10 @@ public:
     [[nodiscard]] QString filePath(const QString &name) const { return m_folder.filePath(name); }
     /// Has the compositor do \a command, as "output HEADLESS-1 transform 90"; whether it did.
     bool command(const QString &command) const; // NOLINT(modernize-use-nodiscard)
-    /// What the monitor shows, in device pixels, with the pointer where one is shown.
-    [[nodiscard]] QImage screen() const;
+    /// What \a monitor shows, in device pixels, with the pointer where one is shown.
+    [[nodiscard]] QImage screen(const QString &monitor = QStringLiteral("HEADLESS-1")) const;
+    /// Plugs in a second monitor, HEADLESS-2; whether it is there then.
+    [[nodiscard]] bool addMonitor(QSize pixels, QPoint place) const;
     /// A frozen compositor answers nothing, as one that hangs.
     void setFrozen(bool isFrozen);
     /// Ends the compositor at once, as a crash would.

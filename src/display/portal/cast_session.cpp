@@ -24,13 +24,21 @@ constexpr uint cursorEmbedded = 2;
 constexpr uint cursorAsMetadata = 4;
 constexpr uint untilRevoked = 2;
 
-/// The number of the first stream in what Start has answered; nothing where there is none.
-std::optional<std::uint32_t> firstNode(const QVariantMap &results)
+std::optional<QPoint> positionIn(const QVariantMap &properties)
+{
+    const auto position = properties.value(QStringLiteral("position")).value<QDBusArgument>();
+    return position.currentSignature() == QLatin1StringView("(ii)")
+        ? std::optional(qdbus_cast<QPoint>(position))
+        : std::nullopt;
+}
+
+/// The first stream in what Start has answered; nothing where there is none.
+std::optional<CastSource> firstStream(const QVariantMap &results)
 {
     const auto streams = results.value(QStringLiteral("streams")).value<QDBusArgument>();
     if (streams.currentSignature() != QLatin1StringView("a(ua{sv})"))
         return std::nullopt;
-    std::optional<std::uint32_t> node;
+    std::optional<CastSource> stream;
     streams.beginArray();
     if (!streams.atEnd()) {
         uint number = 0;
@@ -38,9 +46,9 @@ std::optional<std::uint32_t> firstNode(const QVariantMap &results)
         streams.beginStructure();
         streams >> number >> properties;
         streams.endStructure();
-        node = number;
+        stream = CastSource { {}, number, positionIn(properties) };
     }
-    return node;
+    return stream;
 }
 
 void rememberToken(const QVariant &token)
@@ -163,16 +171,17 @@ void CastSession::start(const QVariantMap & /*results*/)
 void CastSession::openRemote(const QVariantMap &results)
 {
     rememberToken(results.value(QStringLiteral("restore_token")));
-    const std::optional<std::uint32_t> node = firstNode(results);
-    if (!node) {
+    const std::optional<CastSource> stream = firstStream(results);
+    if (!stream) {
         fail({});
         return;
     }
     const QDBusMessage call = portalCall(QLatin1StringView(portal_names::screenCast),
                                          QStringLiteral("OpenPipeWireRemote"),
                                          { QVariant::fromValue(QDBusObjectPath(m_path)), QVariantMap() });
-    callLater(sessionBus(), call, this, [this, node](const QDBusMessage &reply) {
-        CastSource source { reply.arguments().value(0).value<QDBusUnixFileDescriptor>(), *node };
+    callLater(sessionBus(), call, this, [this, stream](const QDBusMessage &reply) {
+        CastSource source = *stream;
+        source.remote = reply.arguments().value(0).value<QDBusUnixFileDescriptor>();
         if (isReply(reply) && source.remote.isValid())
             finish({}, source);
         else

@@ -6,10 +6,12 @@
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QObject>
+#include <QPoint>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace vornic {
 
@@ -17,6 +19,7 @@ namespace vornic {
 struct CastSource {
     QDBusUnixFileDescriptor remote;
     std::uint32_t node = 0;
+    std::optional<QPoint> position = {}; ///< of its monitor among the others, as far as the desktop tells
 };
 
 /// One session of the desktop's screen cast portal: from the question to the user until this program wants no more

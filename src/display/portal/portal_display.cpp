@@ -1,5 +1,6 @@
 #include "display/portal/portal_display.h"
 
+#include "base/user_defaults.h"
 #include "base/wayland_session.h"
 #include "bus/dbus_call.h"
 #include "display/bitmap_image.h"
@@ -18,6 +19,8 @@ namespace {
 
 /// A portal that is not running yet is started by the bus.
 constexpr std::chrono::seconds patience(5);
+/// As its name is stored.
+const QString monitorKey = QStringLiteral("com.kavlor.screenCastMonitor");
 
 } // namespace
 
@@ -41,6 +44,7 @@ std::unique_ptr<DisplayBackend> PortalDisplay::create(QString &whyNot)
 
 PortalDisplay::PortalDisplay()
     : m_outputs(WaylandOutputWatch::start())
+    , m_monitorName(user_defaults::value(monitorKey).toString())
 {
 }
 
@@ -56,6 +60,8 @@ void PortalDisplay::prepare(const QString &parentWindow, const AccessAnswer &ans
     m_cast = std::make_unique<ScreenCast>(parentWindow, [this, answer](const DisplayAccess &access) {
         if (access.state == DisplayAccess::State::Granted)
             setScreen(m_cast->screen());
+        if (access.state == DisplayAccess::State::Granted)
+            learnMonitor();
         answer(access);
     });
 }
@@ -88,8 +94,50 @@ QSize PortalDisplay::mainDisplaySize() const
 {
     if (const auto shown = screen())
         return shown->picture.size();
-    const auto main = m_outputs ? mainOutput(m_outputs->outputs()) : std::nullopt;
+    const auto main = monitor();
     return main ? main->pixels() : QSize(0, 0);
+}
+
+/// So many of its own pixels from the origin of the compositor's coordinates: divided by its factor that is its place.
+QPoint PortalDisplay::mainDisplayOrigin() const
+{
+    const auto main = monitor();
+    return main ? (QPointF(main->logical.topLeft()) * main->factor()).toPoint() : QPoint();
+}
+
+QString PortalDisplay::mainDisplayName() const
+{
+    const auto main = monitor();
+    return main && outputs().size() > 1 ? main->name : QString();
+}
+
+std::vector<WaylandOutput> PortalDisplay::outputs() const
+{
+    return m_outputs ? m_outputs->outputs() : std::vector<WaylandOutput>();
+}
+
+std::optional<WaylandOutput> PortalDisplay::monitor() const
+{
+    QString name;
+    {
+        const std::lock_guard lock(m_mutex);
+        name = m_monitorName;
+    }
+    const std::vector<WaylandOutput> all = outputs();
+    const auto chosen = outputNamed(all, name);
+    return chosen ? chosen : mainOutput(all);
+}
+
+/// Which one the stream shows; where that cannot be said, the main one.
+void PortalDisplay::learnMonitor()
+{
+    const auto shown = outputShown(outputs(), m_cast->screen()->picture.size(), m_cast->position());
+    const QString name = shown ? shown->name : QString();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_monitorName = name;
+    }
+    user_defaults::setValue(monitorKey, name);
 }
 
 std::shared_ptr<const BitmapImage> PortalDisplay::grab(const QRect &rectangle)

@@ -60,6 +60,7 @@ void ScreenCast::accessAnswered(const DisplayAccess &access, const CastSource &s
         finish(access);
         return;
     }
+    m_position = source.position;
     const auto onMain = [self = QPointer(this)](void (ScreenCast::*react)()) {
         return [self, react] {
             main_queue::async([self, react] {

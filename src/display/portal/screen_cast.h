@@ -5,9 +5,11 @@
 #include "display/portal/cast_picture.h"
 
 #include <QObject>
+#include <QPoint>
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 namespace vornic {
 
@@ -35,6 +37,8 @@ public:
     ~ScreenCast() override;
 
     [[nodiscard]] const std::shared_ptr<CastScreen> &screen() const { return m_screen; }
+    /// Of the monitor among the others, once access was granted; nothing where that is not told.
+    [[nodiscard]] std::optional<QPoint> position() const { return m_position; }
 
 private:
     void accessAnswered(const DisplayAccess &access, const CastSource &source);
@@ -44,6 +48,7 @@ private:
 
     DisplayBackend::AccessAnswer m_answer; ///< empty once it was given
     std::shared_ptr<CastScreen> m_screen = std::make_shared<CastScreen>();
+    std::optional<QPoint> m_position;
     std::unique_ptr<CastSession> m_session;
     std::unique_ptr<CastStream> m_stream;
     std::unique_ptr<TransparentPixel> m_pixel; ///< from when the compositor is made to draw
