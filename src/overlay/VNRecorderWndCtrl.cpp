@@ -1,5 +1,6 @@
 #include "overlay/VNRecorderWndCtrl.h"
 
+#include "display/main_display.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderView.h"
 #include "overlay/VNRecoderWindow.h"
@@ -74,10 +75,20 @@ void VNRecorderWndCtrl::followSelectedRect()
         m_window->setFrame(enlargeRectBounds(_options->selectedRect()));
 }
 
+/// The desktop's user may choose another monitor whenever a recording begins.
+void VNRecorderWndCtrl::followDisplay()
+{
+    const DisplayPlacement now = mainDisplayPlacement();
+    if (m_window && m_window->isOrderedIn() && !now.size.isEmpty()
+        && (now.size != m_placedOn.size || now.origin != m_placedOn.origin))
+        placeWindow();
+}
+
 void VNRecorderWndCtrl::reloadData()
 {
     if (!_recorderView)
         return;
+    followDisplay();
     _recorderView->redraw();
     const bool isRecording = VNRecorderViewWindowIsRecording(*_recorderView);
     if (std::exchange(m_shownRecording, isRecording) == isRecording || !m_window)
@@ -101,6 +112,7 @@ void VNRecorderWndCtrl::placeWindow()
         m_window->orderOut();
         return;
     }
+    m_placedOn = mainDisplayPlacement();
     m_window->setFrame(enlargeRectBounds(fullScreen ? VNOption::screenFrame() : _options->selectedRect()));
     m_window->orderFront();
     reloadData();

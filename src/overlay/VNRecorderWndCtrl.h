@@ -1,5 +1,6 @@
 #pragma once
 
+#include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderView.h"
 #include "overlay/VNRecoderViewDelegate.h"
@@ -72,9 +73,11 @@ private:
     void windowDidResignKey();
     void followSelectedRect();
     void watchScreen(const QScreen *screen);
+    void followDisplay();
 
     VNRecoderWindow *m_window = nullptr;
     bool m_shownRecording = false;
+    DisplayPlacement m_placedOn; ///< what the window's place was reckoned with last
     QPointer<VNRecoderView> _recorderView;
     QPointer<VNOption> _options;
     VNRecorderWndCtrlDelegate *_delegate = nullptr;

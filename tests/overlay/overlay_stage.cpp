@@ -6,6 +6,7 @@
 //   rect X Y W H          the selected rectangle
 //   picture FILE          the logo's picture
 //   recording 0|1         what the delegate answers, and reloadData
+//   monitor NAME X Y W H  the fake display is the monitor of that name and size, there on the desktop
 //   place                 places the overlay as the options say
 //   main X Y W H          shows the main window there (toolkit coordinates); "main" alone takes it away
 //   minimise              minimises the main window
@@ -18,6 +19,7 @@
 // Told: "rect X Y W H", "logo X Y", "picture W H" at every change, "main pressed" for a click on the main
 // window.
 
+#include "display/fake_display.h"
 #include "observing/key_path_observer.h"
 #include "options/VNOption.h"
 #include "overlay/VNRecoderWindow.h"
@@ -116,6 +118,8 @@ public:
             m_options.logoContext()->setNSImage(QImage(words.value(1)));
         else if (verb == u"recording")
             m_isRecording = words.value(1) == u"1";
+        else if (verb == u"monitor")
+            chooseMonitor(words);
         else if (verb == u"main")
             showMain(words);
         else if (verb == u"minimise" || verb == u"start")
@@ -143,6 +147,14 @@ public:
 
 private:
     bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override { return m_isRecording; }
+
+    static void chooseMonitor(const QStringList &words)
+    {
+        const auto display = std::dynamic_pointer_cast<FakeDisplay>(mainDisplay());
+        const QRect place = rectangle(words.mid(1)).toRect();
+        display->setPicture(QImage(place.size(), QImage::Format_RGB32));
+        display->setPlace(place.topLeft(), words.value(1));
+    }
 
     static QRectF rectangle(const QStringList &words)
     {

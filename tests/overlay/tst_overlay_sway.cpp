@@ -176,6 +176,67 @@ protected:
     QRectF current;
 };
 
+/// A second monitor, right of the first.
+class OverlaySecondMonitor : public OverlaySway
+{
+protected:
+    void SetUp() override
+    {
+        start(1);
+        ASSERT_TRUE(desktop->addMonitor(size, { display.width(), 0 }));
+        mouse = VirtualPointer::plugIn({ display.width() + size.width(), display.height() });
+        ASSERT_TRUE(mouse);
+        mouse->moveTo(aside);
+        place(frame); // on the first
+        ASSERT_TRUE(waitUntil([&] { return isFrameAt(onDesktop(frame)); }));
+        secondIsChosen = QStringLiteral("monitor HEADLESS-2 %1 0 %2 %3")
+                             .arg(display.width())
+                             .arg(size.width())
+                             .arg(size.height());
+    }
+
+    /// The frame's left bar, 60 pixels beneath its upper edge, on the second monitor.
+    [[nodiscard]] static QPoint onBar(const QRectF &shown)
+    {
+        return { static_cast<int>(shown.x()) + 3, size.height() - static_cast<int>(shown.bottom()) + 60 };
+    }
+    [[nodiscard]] bool isOnSecond(const QRectF &shown) const
+    {
+        const QPoint bar = onBar(shown);
+        return isLike(desktop->screen("HEADLESS-2").pixelColor(bar), lightGrey)
+            && isLike(desktop->screen("HEADLESS-2").pixelColor(bar - QPoint(6, 0)), background);
+    }
+    [[nodiscard]] bool isNotOnFirst() const
+    {
+        const QRect shown = onDesktop(frame);
+        return isLike(desktop->screen().pixelColor(shown.topLeft() + QPoint(3, 60)), background);
+    }
+
+    static constexpr QSize size { 1280, 800 };
+    static constexpr QRectF frame { 101, 83, 617, 411 };
+    QString secondIsChosen;
+};
+
+TEST_F(OverlaySecondMonitor, StandsOnTheMonitorThatIsRecorded)
+{
+    stage->say(secondIsChosen);
+    EXPECT_TRUE(waitUntil([&] { return isOnSecond(frame) && isNotOnFirst(); }));
+    const QPoint middle = QPoint(display.width(), 0) + onBar(frame) + QPoint(300, 100);
+    mouse->drag(middle, middle + QPoint(51, -17));
+    const QRectF moved = frame.translated(51, 17);
+    const QString wanted = "rect " + numbersOf(moved.adjusted(8, 8, -8, -8));
+    EXPECT_TRUE(waitUntil([&] { return lastTold("rect ") == wanted; })) << qPrintable(lastTold("rect "));
+    EXPECT_TRUE(waitUntil([&] { return isOnSecond(moved); }));
+}
+
+TEST_F(OverlaySecondMonitor, GoesThereWhenItIsChosenAsTheRecordingBegins)
+{
+    stage->say("main 100 100 200 100");
+    stage->say(secondIsChosen);
+    stage->say("recording 1");
+    EXPECT_TRUE(waitUntil([&] { return isOnSecond(frame) && isNotOnFirst(); }));
+}
+
 class OverlaySwayScaled : public OverlaySway, public ::testing::WithParamInterface<double>
 {
 };

@@ -1,5 +1,6 @@
 #include "overlay/wayland/layer_shell_server.h"
 
+#include "display/display_backend.h"
 #include "display/main_display.h"
 #include "geometry/toolkit_scale.h"
 
@@ -62,12 +63,20 @@ LayerShellServer::LayerShellServer(std::unique_ptr<WaylandConnection> connection
 
 LayerShellServer::~LayerShellServer() = default;
 
+WaylandOutput LayerShellServer::recordedMonitor() const
+{
+    const std::vector<WaylandOutput> all = m_connection->outputs().all();
+    const auto named = outputNamed(all, mainDisplay()->mainDisplayName());
+    return named ? *named : mainOutput(all).value_or(WaylandOutput());
+}
+
 void LayerShellServer::followMonitors()
 {
-    m_output = mainOutput(m_connection->outputs().all()).value_or(WaylandOutput());
+    m_output = recordedMonitor();
+    m_origin = mainDisplayPlacement().origin;
     const OutputGrid grid(m_output.factor());
-    m_mouse.setGrid(grid, mainDisplayPlacement().origin);
-    m_drops.setGrid(grid, mainDisplayPlacement().origin);
+    m_mouse.setGrid(grid, m_origin);
+    m_drops.setGrid(grid, m_origin);
     show();
 }
 
@@ -82,7 +91,7 @@ void LayerShellServer::show()
         return;
     m_surface->onClosed(
         [this] { QMetaObject::invokeMethod(this, &LayerShellServer::followMonitors, Qt::QueuedConnection); });
-    m_surface->setInputArea(m_appearance.inputArea.translated(-mainDisplayPlacement().origin));
+    m_surface->setInputArea(m_appearance.inputArea.translated(-m_origin));
 }
 
 void LayerShellServer::orderFront(QWindow & /*window*/)
@@ -100,7 +109,7 @@ void LayerShellServer::orderOut()
 
 QRegion LayerShellServer::onMonitor(const QRegion &pixelsOfOverlay) const
 {
-    return pixelsOfOverlay.translated(m_appearance.pixels.topLeft() - mainDisplayPlacement().origin);
+    return pixelsOfOverlay.translated(m_appearance.pixels.topLeft() - m_origin);
 }
 
 void LayerShellServer::repaint(const QRegion &pixels)
@@ -114,11 +123,15 @@ void LayerShellServer::setAppearance(QWindow & /*window*/, const OverlayAppearan
     const QRegion shownBefore = onMonitor(m_appearance.shape);
     const bool isElsewhere = m_appearance.pixels != appearance.pixels;
     m_appearance = appearance;
+    if (m_output != recordedMonitor() || m_origin != mainDisplayPlacement().origin) {
+        followMonitors();
+        return;
+    }
     if (!m_surface)
         return;
     const QRegion shown = onMonitor(appearance.shape);
     m_surface->repaint(isElsewhere ? shown + shownBefore : shown ^ shownBefore);
-    m_surface->setInputArea(appearance.inputArea.translated(-mainDisplayPlacement().origin));
+    m_surface->setInputArea(appearance.inputArea.translated(-m_origin));
 }
 
 void LayerShellServer::paint(QPainter &painter) const
@@ -126,7 +139,7 @@ void LayerShellServer::paint(QPainter &painter) const
     if (!m_paint)
         return;
     painter.setClipRegion(onMonitor(m_appearance.shape), Qt::IntersectClip);
-    painter.translate(m_appearance.pixels.topLeft() - mainDisplayPlacement().origin);
+    painter.translate(m_appearance.pixels.topLeft() - m_origin);
     m_paint(painter);
 }
 
@@ -143,7 +156,7 @@ QRegion LayerShellServer::pixelsOf(const QList<QWindow *> &windows, Pixels which
         const QRect logical = ToolkitScale(*window->screen()).pixelsOf(window->frameGeometry());
         pixels += grid.pixelsAround(logical.translated(-m_output.logical.topLeft()));
     }
-    return pixels.translated(mainDisplayPlacement().origin);
+    return pixels.translated(m_origin);
 }
 
 bool LayerShellServer::eventFilter(QObject *object, QEvent *event)

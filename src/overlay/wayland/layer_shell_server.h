@@ -16,7 +16,7 @@ namespace vornic {
 class InputReceiver;
 
 /// The overlay on a Wayland desktop whose compositor offers the layer shell: on a surface of our own as large as the
-/// main monitor, because a surface that moves is told the mouse in other coordinates by each compositor.
+/// recorded monitor, because a surface that moves is told the mouse in other coordinates by each compositor.
 ///
 /// Made by the table of backends; main thread only. Has a connection of its own to the compositor. The keyboard stays
 /// with the program's other windows.
@@ -50,6 +50,7 @@ protected:
 private:
     LayerShellServer(std::unique_ptr<WaylandConnection> connection, InputReceiver &receiver);
 
+    [[nodiscard]] WaylandOutput recordedMonitor() const;
     void followMonitors();
     void show();
     void paint(QPainter &painter) const;
@@ -61,7 +62,8 @@ private:
     WaylandDrops m_drops;
     Paint m_paint;
     OverlayAppearance m_appearance; ///< what was asked for last
-    WaylandOutput m_output;         ///< the main monitor
+    WaylandOutput m_output;         ///< the recorded monitor
+    QPoint m_origin;                ///< of it, as mainDisplayPlacement() tells
     bool m_isInFront = false;
     std::unique_ptr<OverlaySurface> m_surface; ///< null while there is nothing to be shown
 };
