@@ -7,6 +7,7 @@
 #include "app/window/headings.h"
 #include "app/window/options_view_model.h"
 #include "app/window/window_placement.h"
+#include "display/display_backend.h"
 #include "observing/key_path_binding.h"
 #include "options/VNLogoContext.h"
 #include "options/VNOption.h"
@@ -188,6 +189,8 @@ void MainWindow::connectStart()
 {
     connect(m_ui->recordButton, &QAbstractButton::clicked, this, &MainWindow::pressRecordButton);
     connect(&m_delegate, &VornicAppDelegate::clockTicked, this, &MainWindow::showClock);
+    for (const auto changed : { &QGuiApplication::screenAdded, &QGuiApplication::screenRemoved })
+        connect(qGuiApp, changed, this, &MainWindow::showMonitor);
     connect(m_ui->unfinishedLine, &UnfinishedLine::roomChanged, this, [this] {
         fitContents();
         keepOffRecorded();
@@ -271,6 +274,18 @@ void MainWindow::showForeignLetters()
     m_ui->foreignLettersBox->setVisible(!isDrawnAsTyped(m_delegate.options()->logoContext()->LogoText()));
 }
 
+/// Tells which monitor is recorded, where there are several.
+void MainWindow::showMonitor()
+{
+    const QString name = mainDisplay()->mainDisplayName();
+    const QString text = name.isEmpty() ? QString() : tr("Recorded monitor: %1").arg(name);
+    if (text == m_ui->monitorLine->text() && text.isEmpty() == m_ui->monitorLine->isHidden())
+        return;
+    m_ui->monitorLine->showText(text);
+    m_ui->monitorLine->setVisible(!text.isEmpty());
+    fitContents();
+}
+
 void MainWindow::foldLogo()
 {
     const bool unfolded = m_delegate.options()->logoContext()->LogoValidate();
@@ -339,6 +354,7 @@ void MainWindow::setBusy(bool busy)
 
 void MainWindow::reloadData()
 {
+    showMonitor();
     const bool font = m_delegate.allowedEditFont();
     m_ui->mLogoFontFillColorWell->setEnabled(font);
     m_ui->mLogoFontStrokeColorWell->setEnabled(font);

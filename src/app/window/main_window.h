@@ -87,6 +87,7 @@ private:
     void showAudioDevices();
     void showLogo();
     void showForeignLetters();
+    void showMonitor();
     void foldLogo();
     void fitContents();
     void showAbout();
