@@ -9,30 +9,60 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace vornic {
 
 namespace {
 
-wl_output *outputNamed(WaylandConnection &connection, const QString &name)
+/// On one monitor.
+struct Dot {
+    std::unique_ptr<ShmBuffer> buffer;
+    std::unique_ptr<LayerSurface> surface;
+};
+
+/// One for each monitor that lets itself be drawn on.
+std::vector<Dot> dotsOn(WaylandConnection &connection)
 {
-    const std::vector<WaylandOutput> outputs = connection.outputs().all();
-    const auto found = std::ranges::find(outputs, name, &WaylandOutput::name);
-    return found == outputs.end() ? nullptr : connection.outputs().handleOf(found->id);
+    std::vector<Dot> dots;
+    const QSize onePixel(1, 1);
+    const auto shm = connection.bind<wl_shm>(wl_shm_interface, 1);
+    if (!shm)
+        return dots;
+    for (const WaylandOutput &output : connection.outputs().all()) {
+        Dot dot { ShmBuffer::create(*shm, onePixel),
+                  LayerSurface::create(connection, connection.outputs().handleOf(output.id), onePixel) };
+        if (dot.buffer && dot.surface)
+            dots.push_back(std::move(dot));
+    }
+    return dots;
+}
+
+/// Whether any is shown; a monitor may just have gone.
+bool mapped(const std::vector<Dot> &dots)
+{
+    bool isAnyMapped = false;
+    for (const Dot &dot : dots) {
+        if (!dot.surface->isConfigured())
+            continue;
+        wl_surface_attach(dot.surface->get(), dot.buffer->handOver(), 0, 0);
+        wl_surface_damage_buffer(dot.surface->get(), 0, 0, 1, 1);
+        dot.surface->commit();
+        isAnyMapped = true;
+    }
+    return isAnyMapped;
 }
 
 } // namespace
 
-TransparentPixel::TransparentPixel(std::chrono::milliseconds time, const QString &output)
+TransparentPixel::TransparentPixel(std::chrono::milliseconds time)
     : m_wakeFd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
     // A system without another thread goes without the pixel.
-    if (!runGuarded("the transparent pixel", [&] {
-            m_thread = startThread("vornic pixel", [this, time, output] { run(time, output); });
-        }))
+    if (!runGuarded("the transparent pixel",
+                    [&] { m_thread = startThread("vornic pixel", [this, time] { run(time); }); }))
         m_state = State::Over;
 }
 
@@ -44,28 +74,17 @@ TransparentPixel::~TransparentPixel()
     close(m_wakeFd);
 }
 
-void TransparentPixel::run(std::chrono::milliseconds time, const QString &output)
+void TransparentPixel::run(std::chrono::milliseconds time)
 {
     if (const auto connection = WaylandConnection::open(m_wakeFd))
-        show(*connection, time, output);
+        show(*connection, time);
     m_state = State::Over;
 }
 
-void TransparentPixel::show(WaylandConnection &connection,
-                            std::chrono::milliseconds time,
-                            const QString &output)
+void TransparentPixel::show(WaylandConnection &connection, std::chrono::milliseconds time)
 {
-    const QSize onePixel(1, 1);
-    const auto shm = connection.bind<wl_shm>(wl_shm_interface, 1);
-    const auto buffer = shm ? ShmBuffer::create(*shm, onePixel) : nullptr;
-    const auto surface
-        = buffer ? LayerSurface::create(connection, outputNamed(connection, output), onePixel) : nullptr;
-    if (!surface || !connection.roundTrip() || !surface->isConfigured())
-        return;
-    wl_surface_attach(surface->get(), buffer->handOver(), 0, 0);
-    wl_surface_damage_buffer(surface->get(), 0, 0, 1, 1);
-    surface->commit();
-    if (!connection.roundTrip())
+    const std::vector<Dot> dots = dotsOn(connection);
+    if (dots.empty() || !connection.roundTrip() || !mapped(dots) || !connection.roundTrip())
         return;
     m_state = State::Shown;
     pollfd wake { m_wakeFd, POLLIN, 0 };

@@ -155,6 +155,31 @@ TEST_F(RecordSwayTest, AScreenThatStandsStillIsRecordedAgainAndAgain)
     }
 }
 
+TEST_F(RecordSwayTest, TheMonitorThatIsGrantedIsRecordedAlsoWhereItStandsStill)
+{
+    constexpr QSize second(1024, 768);
+    m_desktop = test::SwaySession::start({ .size = size });
+    ASSERT_TRUE(m_desktop);
+    ASSERT_TRUE(m_desktop->addMonitor(second, { size.width(), 0 }));
+    ASSERT_TRUE(m_desktop->command("output HEADLESS-2 bg #c08020 solid_color"));
+    ASSERT_TRUE(test::waitUntil(
+        [&] { return m_desktop->screen("HEADLESS-2").pixelColor(500, 400) == QColor(0xc0, 0x80, 0x20); }));
+    m_portal = test::ScreenCastPortal::start(*m_desktop, "HEADLESS-2");
+    ASSERT_TRUE(m_portal);
+    for (int i = 0; i < 2; ++i) { // the second stream of a still screen gets no picture by itself
+        const Result result = record({ "--duration", "0.5", "--overwrite" });
+        ASSERT_EQ(result.status, 0) << result.error.toStdString();
+        EXPECT_EQ(sizeOf(movie()), second);
+        const QColor shown = lastFrame(second).pixelColor(500, 400);
+        EXPECT_NEAR(shown.red(), 0xc0, 3);
+        EXPECT_NEAR(shown.green(), 0x80, 3);
+        EXPECT_NEAR(shown.blue(), 0x20, 3);
+    }
+    QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
+    ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+    EXPECT_THAT(settings.readAll().toStdString(), HasSubstr("HEADLESS-2")) << "for the next start";
+}
+
 TEST_F(RecordSwayTest, AMonitorThatIsTurnedIsRecordedUpright)
 {
     constexpr QSize small(800, 600); // which is not scaled, however it is turned
