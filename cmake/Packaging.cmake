@@ -16,7 +16,8 @@ rectangle is placed with the mouse, and a text or a picture can be put on
 the movie. A screen that stands still costs next to nothing, and whatever
 ends a recording, a full disk or a signal, leaves a complete movie.
 .
-It needs an X11 session.")
+It records X11 and Wayland sessions; on Wayland through the desktop's
+ScreenCast portal, which asks which monitor it may show.")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

@@ -89,6 +89,19 @@ class Help(unittest.TestCase):
         for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop", "vornic --toggle"):
             self.assertIn(f"`{command}`", self.text)
 
+    def test_tells_how_desktops_without_keys_for_programs_are_given_one(self):
+        section = self.text.split("## On Wayland")[1].split("\n## ")[0]
+        for desktop in ("GNOME", "KDE Plasma", "sway"):
+            self.assertRegex(section, rf"(?s)- \*\*{desktop}\*\*.*?`[^`]*vornic --toggle`", desktop)
+
+    def test_no_text_says_that_only_x11_is_recorded(self):
+        pages = ["README.md", "docs/help.md", "packaging/vornic.1", "cmake/Packaging.cmake"]
+        for page in pages + ["packaging/com.kavlor.vornic.metainfo.xml.in"]:
+            text = " ".join((SOURCE / page).read_text(encoding="utf-8").split())
+            self.assertIn("Wayland", text, page)
+            for wrong in ("X11 only,", "needs an X11 session", "No Wayland", "records X11 sessions."):
+                self.assertNotIn(wrong, text, page)
+
     def test_names_the_key_and_the_countdowns_that_the_program_has(self):
         settings = SOURCE / "src/app/session"
         key = re.findall(r'QStringLiteral\("(\w+(?:\+\w+)+)"\)', (settings / "start_settings.cpp").read_text())
