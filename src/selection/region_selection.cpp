@@ -73,8 +73,10 @@ void RegionSelection::lookAtDisplay()
     const auto still = std::exchange(m_lastLook, nullptr);
     if (still && QSize(still->width(), still->height()) == m_display.size)
         showWindow(*still);
-    else
+    else if (still)
         finish(std::nullopt);
+    else if (!std::exchange(m_isFinished, true))
+        emit displayNotShown();
 }
 
 void RegionSelection::showWindow(const BitmapImage &still)

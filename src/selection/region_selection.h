@@ -35,8 +35,10 @@ public:
 signals:
     /// In screen coordinates; everything is off the screen.
     void taken(const QRectF &rectangle);
-    /// Everything is off the screen. Also when the display has changed, cannot be grabbed, or the program ends.
+    /// Everything is off the screen. Also when the display has changed, or the program ends.
     void cancelled();
+    /// Nothing was ever on it: the display gives no picture of itself.
+    void displayNotShown();
 
 private:
     void lookAtDisplay();

@@ -303,6 +303,11 @@ void WindowProgram::selectOnScreen()
         endSelection();
     });
     connect(m_selection.get(), &RegionSelection::cancelled, this, &WindowProgram::endSelection);
+    connect(m_selection.get(), &RegionSelection::displayNotShown, this, [this] {
+        endSelection();
+        m_window->showStatus(
+            tr("The desktop does not show its screen for that; drag the frame, or type the numbers."));
+    });
     m_selection->begin();
 }
 

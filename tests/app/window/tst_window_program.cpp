@@ -8,6 +8,7 @@
 #include "support/scoped_environment.h"
 #include "window_main.h"
 
+#include <QAbstractButton>
 #include <QDir>
 #include <QDirIterator>
 #include <QLabel>
@@ -151,6 +152,35 @@ TEST_F(WindowProgramTest, WhereProgramsHaveNoKeysTheWindowTellsOfTheDesktopsOwn)
     EXPECT_EQ(told, "Bind a desktop key to “vornic --toggle”.");
     EXPECT_TRUE(hint.contains("bar with the clock"));
     EXPECT_FALSE(hint.contains("Ctrl+Alt+R"));
+}
+
+/// As a Wayland desktop does, which shows its screen to no program before a recording.
+TEST_F(WindowProgramTest, AChoiceOnAScreenThatIsNotShownIsToldToBeImpossible)
+{
+    const auto display = std::dynamic_pointer_cast<FakeDisplay>(mainDisplay());
+    display->setRefusesGrabs(true);
+    const auto part = [](const char *name) {
+        for (const QWidget *window : QApplication::topLevelWidgets()) {
+            if (auto *found = window->findChild<QWidget *>(name))
+                return found;
+        }
+        return static_cast<QWidget *>(nullptr);
+    };
+    QString told;
+    once([&] { return part("selectButton") && part("selectButton")->isVisible(); },
+         [&] {
+             qobject_cast<QAbstractButton *>(part("selectButton"))->click();
+             EXPECT_FALSE(part("selectButton")->isVisible()) << "the window is out of the way";
+             once([&] { return part("selectButton")->isVisible(); },
+                  [&] {
+                      for (const QLabel *label : part("statusLine")->findChildren<QLabel *>())
+                          told += label->text();
+                      endSession();
+                  });
+         });
+    EXPECT_EQ(program.run({}, {}), 0);
+    display->setRefusesGrabs(false);
+    EXPECT_TRUE(told.contains("The desktop does not show its screen for that")) << qPrintable(told);
 }
 
 /// What would show the movie's folder when a test is over already: it fails where there is no file browser, and the
