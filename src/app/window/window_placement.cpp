@@ -1,8 +1,8 @@
 #include "app/window/window_placement.h"
 
+#include "display/display_scale.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
-#include "geometry/toolkit_scale.h"
 #include "options/VNOption.h"
 #include "overlay/overlay_geometry.h"
 
@@ -102,7 +102,7 @@ QList<QRect> recordedAreas(VNOption &options)
     const auto add = [&](const QRectF &area) {
         const QRect pixels = desktopPixels(area & VNOption::screenFrame(), 0, display);
         if (!pixels.isEmpty())
-            areas += ToolkitScale(*screen).logicalAround(pixels);
+            areas += displayScale(*screen).logicalAround(pixels);
     };
     const QRectF recorded = options.recordsRectangle() ? options.selectedRect() : VNOption::screenFrame();
     if (options.recordsRectangle())

@@ -12,9 +12,9 @@
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "desktop/notifier.h"
+#include "display/display_scale.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
-#include "geometry/toolkit_scale.h"
 #include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/overlay_geometry.h"
 
@@ -37,7 +37,7 @@ void WindowProgress::showStopItem(const QString &title, const QRectF &recorded)
 {
     const QRect frame = desktopPixels(recorded, static_cast<int>(overlayMargin), mainDisplayPlacement());
     m_stopItem = std::make_unique<StopItem>(
-        title, ToolkitScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
+        title, displayScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_stopItem.get(), m_stop);
     m_isInMemory = liesInMemory(VNBufferMgr::cachePath());
 }
