@@ -29,6 +29,12 @@ VNRecoderWindow *VNRecoderView::recorderWindow() const
     return qobject_cast<VNRecoderWindow *>(window());
 }
 
+double VNRecoderView::pixelScale() const
+{
+    const VNRecoderWindow *window = recorderWindow();
+    return window ? window->pixelScale() : devicePixelRatioF();
+}
+
 bool VNRecoderView::isRecording()
 {
     return _delegate && _delegate->VNRecorderViewWindowIsRecording(*this);
@@ -88,12 +94,12 @@ void VNRecoderView::redraw()
 void VNRecoderView::repaintPixels(const QRegion &pixels)
 {
     const VNRecoderWindow *window = recorderWindow();
-    if (window && window->server().hasSurface()) {
+    if (window && window->isShownByServer()) {
         window->server().repaint(pixels);
         return;
     }
     const QPoint inset = window ? window->pixelInset() : QPoint();
-    const double scale = devicePixelRatioF();
+    const double scale = pixelScale();
     QRegion dirty;
     for (const QRect &part : pixels) {
         const QRectF inWindow = part.translated(inset);
@@ -112,6 +118,11 @@ QRegion VNRecoderView::mouseArea()
     if (isRecording())
         return {};
     return isRecordFullScreen() ? logoHitPixels(bounds(), mLogoContext) : QRegion(bounds().toAlignedRect());
+}
+
+QRect VNRecoderView::logoArea() const
+{
+    return logoPixels(mLogoContext, bounds());
 }
 
 std::optional<QPainterPath> VNRecoderView::getHotRegion(int region) const
@@ -174,7 +185,7 @@ DragRegion VNRecoderView::heldAt(QPointF mouseLocation)
         return regionAtFullScreen(point, mLogoContext);
     // The handles are of device pixels, fingers are not.
     constexpr double slackOfScaled = 4;
-    const double scale = devicePixelRatioF();
+    const double scale = pixelScale();
     return regionAt(point, bounds(), mLogoContext, scale >= 2 ? slackOfScaled * scale : 0);
 }
 
@@ -219,7 +230,7 @@ void VNRecoderView::drawRect(QPainter &painter)
 void VNRecoderView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
+    painter.scale(1 / pixelScale(), 1 / pixelScale());
     if (const VNRecoderWindow *window = recorderWindow())
         painter.translate(window->pixelInset());
     paintPixels(painter);

@@ -56,6 +56,8 @@ public:
     /// What a press may take hold of: all of it, or the logo while the full display is recorded, or nothing
     /// while a recording runs. Device pixels, y down from the view's upper left.
     [[nodiscard]] QRegion mouseArea();
+    /// The pixels that the logo is drawn within, as mouseArea(); empty without one.
+    [[nodiscard]] QRect logoArea() const;
     /// The pointer's shape there while no button is held.
     [[nodiscard]] Qt::CursorShape cursorAt(QPointF mouseLocation);
     /// What shows where nothing is translucent: device pixels, y down from the view's upper left.
@@ -114,6 +116,7 @@ protected:
 
 private:
     [[nodiscard]] VNRecoderWindow *recorderWindow() const;
+    [[nodiscard]] double pixelScale() const;
     [[nodiscard]] OverlayLook look();
     [[nodiscard]] QPointF viewPoint(QPointF mouseLocation) const;
     [[nodiscard]] DraggingInfo draggingInfo(const QDropEvent &event) const;

@@ -1,8 +1,8 @@
 #include "overlay/VNRecoderWindow.h"
 
+#include "display/display_scale.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
-#include "geometry/toolkit_scale.h"
 #include "overlay/VNRecoderView.h"
 #include "overlay/overlay_backend.h"
 #include "overlay/overlay_geometry.h"
@@ -49,7 +49,7 @@ QRect pixelsOfDesktop()
     QRect desktop(main.origin, main.size);
     const auto screens = QGuiApplication::screens();
     for (const QScreen *screen : screens)
-        desktop |= ToolkitScale(*screen).pixelsOf(screen->geometry());
+        desktop |= displayScale(*screen).pixelsOf(screen->geometry());
     return desktop.adjusted(-around, -around, around, around);
 }
 
@@ -67,8 +67,13 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
     setAttribute(Qt::WA_QuitOnClose, false);
     setMouseTracking(true);
     setWindowTitle(tr("Recorded rectangle"));
-    if (m_server->hasSurface())
-        leavePicturesToServer();
+    m_server->setPaint([this](QPainter &painter) {
+        if (m_view)
+            m_view->paintPixels(painter);
+    });
+    // For the toolkit the window is shown all the same, so that all that depends on that stays as it is.
+    setAttribute(Qt::WA_DontShowOnScreen, m_server->hasSurface());
+    setUpdatesEnabled(!m_server->hasSurface());
     connect(m_server.get(), &OverlayServer::compositingChanged, this, [this] {
         if (m_view)
             m_view->redraw();
@@ -82,17 +87,6 @@ VNRecoderWindow::VNRecoderWindow(const QRectF &contentRect,
         updateAppearance();
     });
     setFrame(contentRect);
-}
-
-/// For the toolkit the window is shown all the same, so that all that depends on that stays as it is.
-void VNRecoderWindow::leavePicturesToServer()
-{
-    setAttribute(Qt::WA_DontShowOnScreen);
-    setUpdatesEnabled(false);
-    m_server->setPaint([this](QPainter &painter) {
-        if (m_view)
-            m_view->paintPixels(painter);
-    });
 }
 
 VNRecoderWindow::VNRecoderWindow()
@@ -157,7 +151,7 @@ void VNRecoderWindow::place()
     m_held = m_onDesktop & desktop;
     if (!screen)
         return;
-    const ToolkitScale scale(*screen);
+    const ToolkitScale scale = displayScale(*screen);
     const QRect logical
         = scale.logicalAround(m_held.isEmpty() ? QRect(desktop.topLeft(), QSize(1, 1)) : m_held);
     m_toolkitPixels = scale.pixelsOf(logical);
@@ -182,21 +176,64 @@ void VNRecoderWindow::updateAppearance()
     const bool takesMouse = !m_view->isRecording();
     if (std::exchange(m_isLeftToTheDesktop, !takesMouse) == takesMouse)
         leaveOutOwnWindows();
+    const bool isInParts = m_server->keepsMouse() && (m_isLeftToTheDesktop || m_view->isRecordFullScreen());
+    const bool wasInParts = std::exchange(m_isInParts, isInParts);
+    if (isInParts && !wasInParts)
+        setOnScreen(false);
+    m_server->setAppearance(*windowHandle(), appearance());
+    if (wasInParts && !isInParts)
+        setOnScreen(true);
+}
+
+OverlayAppearance VNRecoderWindow::appearance() const
+{
     OverlayAppearance appearance;
-    const QRegion leftOut = m_ownWindows.translated(-m_toolkitPixels.topLeft());
+    const QRect shown = isShownByServer() ? m_onDesktop : m_toolkitPixels;
+    const QRegion leftOut = m_ownWindows.translated(-shown.topLeft());
     // Never all of it: one of the window managers goes on showing the holes of a window that has no shape any
     // more. On the first pixel nothing is drawn.
-    const QRegion whole = QRegion(QRect(QPoint(), m_toolkitPixels.size())) - QRect(0, 0, 1, 1);
+    const QRegion whole = QRegion(QRect(QPoint(), shown.size())) - QRect(0, 0, 1, 1);
     appearance.shape = (isTranslucent() ? whole : m_view->shape().translated(pixelInset())) - leftOut;
     appearance.pixels = m_onDesktop;
     // The toolkit rounds points to whole logical coordinates, which are not pixels then.
-    const bool needsInputWindow = m_server->hasSurface() || !isTranslucent() || devicePixelRatioF() != 1;
+    const bool needsInputWindow = isShownByServer() || !isTranslucent() || pixelScale() != 1;
     const QRegion taken = takenPixels();
     if (taken != QRegion(QRect(QPoint(), m_onDesktop.size())))
-        appearance.mouseShape = taken.translated(pixelInset()) & QRect(QPoint(), m_toolkitPixels.size());
+        appearance.mouseShape = taken.translated(pixelInset()) & QRect(QPoint(), shown.size());
     if (needsInputWindow && isVisible())
         appearance.inputArea = (taken.translated(m_onDesktop.topLeft()) & m_held) - m_ownWindows;
-    m_server->setAppearance(*windowHandle(), appearance);
+    if (m_isInParts)
+        appearance.parts = parts();
+    return appearance;
+}
+
+/// What is seen where nothing else may be in the way of the mouse: strips around the recorded rectangle, and the logo.
+QList<QRect> VNRecoderWindow::parts() const
+{
+    constexpr int margin = static_cast<int>(overlayMargin);
+    const DisplayPlacement main = mainDisplayPlacement();
+    const QRect display = QRect(main.origin, main.size).translated(-m_onDesktop.topLeft());
+    const QRect frame(QPoint(), m_onDesktop.size());
+    QList<QRect> parts;
+    for (const QRectF &strip : frameBars(frame, margin))
+        parts += strip.toRect() & display;
+    // Where a window cannot stand at every pixel it leaves out those at its edge.
+    const QRect logo = m_view->logoArea().adjusted(-1, -1, 1, 1);
+    parts += logo & frame.adjusted(margin, margin, -margin, -margin) & display;
+    parts.removeIf([](const QRect &part) { return part.isEmpty(); });
+    return parts;
+}
+
+/// For the toolkit the window stays shown.
+void VNRecoderWindow::setOnScreen(bool isOnScreen)
+{
+    const bool isShown = isVisible();
+    hide();
+    setAttribute(Qt::WA_DontShowOnScreen, !isOnScreen);
+    setUpdatesEnabled(isOnScreen);
+    setVisible(isShown);
+    if (isShown && isOnScreen)
+        m_server->orderFront(*windowHandle());
 }
 
 /// What of the frame takes the mouse: while the full display is recorded the logo, but all while a picture is
@@ -368,6 +405,26 @@ bool VNRecoderWindow::isTranslucent() const
     return m_server->isComposited();
 }
 
+bool VNRecoderWindow::isShownByServer() const
+{
+    return m_isInParts || m_server->hasSurface();
+}
+
+bool VNRecoderWindow::isExact() const
+{
+    return m_server->isExact();
+}
+
+double VNRecoderWindow::pixelScale() const
+{
+    return devicePixelRatioF() * displayPixelsPerScreenPixel();
+}
+
+QPoint VNRecoderWindow::pixelInset() const
+{
+    return isShownByServer() ? QPoint() : m_onDesktop.topLeft() - m_toolkitPixels.topLeft();
+}
+
 QPointF VNRecoderWindow::pixelOrigin() const
 {
     return screenPoint(QPointF(m_onDesktop.x(), m_onDesktop.y() + m_onDesktop.height()),
@@ -417,7 +474,7 @@ void VNRecoderWindow::showSize()
         m_size = std::make_unique<SizeLabel>();
     constexpr int margins = static_cast<int>(2 * overlayMargin);
     m_size->tell(m_onDesktop.size() - QSize(margins, margins),
-                 ToolkitScale(*screen).logicalAround(m_onDesktop),
+                 displayScale(*screen).logicalAround(m_onDesktop),
                  screen->availableGeometry());
 }
 

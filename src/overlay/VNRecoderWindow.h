@@ -15,6 +15,7 @@
 namespace vornic {
 
 class OverlayServer;
+struct OverlayAppearance;
 class SizeLabel;
 class VNRecoderWindowDelegate;
 
@@ -24,8 +25,8 @@ class VNRecoderWindowDelegate;
 /// no task bar, keeps its place at once and may reach beyond the edges of the display. With a compositing
 /// manager it is translucent; without one it is cut to what its view shows. The program's other windows are
 /// above it. It also has a hole where they are, while recording only where they are seen: some window managers
-/// keep windows like this one above all that they manage. Where the server has a surface for it, that is shown in its
-/// place.
+/// keep windows like this one above all that they manage. Where the server has a surface for it, or shows it in parts,
+/// these are shown in its place.
 class VNRecoderWindow : public QWidget, private InputReceiver
 {
     Q_OBJECT
@@ -79,7 +80,13 @@ public:
     /// The pixels of the frame, and how many the toolkit's window reaches beyond them at the upper left,
     /// where it cannot stand on every pixel.
     [[nodiscard]] QSize pixelSize() const { return m_onDesktop.size(); }
-    [[nodiscard]] QPoint pixelInset() const { return m_onDesktop.topLeft() - m_toolkitPixels.topLeft(); }
+    [[nodiscard]] QPoint pixelInset() const;
+    /// Pixels of the display for each of the window's coordinates.
+    [[nodiscard]] double pixelScale() const;
+    /// Whether the toolkit's window is not on the screen, because the server shows what is painted.
+    [[nodiscard]] bool isShownByServer() const;
+    /// Whether the frame can stand at every pixel of the display.
+    [[nodiscard]] bool isExact() const;
     /// What the toolkit's window holds of the frame's pixels, from the frame's upper left: nothing that is far
     /// off the desktop, however large a rectangle is asked for.
     [[nodiscard]] QRect heldPixels() const { return m_held.translated(-m_onDesktop.topLeft()); }
@@ -109,7 +116,6 @@ private:
     [[nodiscard]] bool filesEntered(const QMimeData &files, bool mayCopy) override;
     void filesLeft() override;
     [[nodiscard]] bool filesDropped(const QMimeData &files, QPoint onDesktop) override;
-    void leavePicturesToServer();
     void place();
     [[nodiscard]] bool mayBeShown() const;
     void followWindowAbove();
@@ -123,6 +129,9 @@ private:
     [[nodiscard]] QRegion takenPixels() const;
     void leaveOutOwnWindows();
     void updateAppearance();
+    [[nodiscard]] OverlayAppearance appearance() const;
+    [[nodiscard]] QList<QRect> parts() const;
+    void setOnScreen(bool isOnScreen);
 
     VNRecoderWindowDelegate *_recorderWnddelegate = nullptr;
     QRectF m_frame;
@@ -132,6 +141,7 @@ private:
         m_toolkitPixels; ///< the pixels of the toolkit's window; the frame's where the server shows the overlay
     QRegion m_ownWindows; ///< the pixels of the desktop where other windows of the program are
     bool m_isOrderedIn = false;
+    bool m_isInParts = false; ///< the server shows parts of it
     bool m_isAside = false;
     QElapsedTimer m_sinceLeft;         ///< the window above has lost the keyboard focus; invalid: not since
     bool m_isDragRefused = false;      ///< of the drag that goes on

@@ -29,6 +29,8 @@ public:
 
     /// The object that is told what the mouse does over the input area.
     [[nodiscard]] InputReceiver &receiver() const { return m_receiver; }
+    /// From now on a window keeps the mouse, as on servers that show the overlay in parts.
+    void setKeepsMouse() { m_keepsMouse = true; }
     /// A compositing manager comes or goes.
     void setComposited(bool isComposited);
     /// Another program begins to drag something, or ends.
@@ -51,6 +53,7 @@ public:
     [[nodiscard]] bool hasSurface() const override { return m_hasSurface; }
     void setPaint(const Paint &paint) override { m_paint = paint; }
     void repaint(const QRegion &pixels) override { m_repainted += pixels; }
+    [[nodiscard]] bool keepsMouse() const override { return m_keepsMouse; }
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
     [[nodiscard]] bool isDragging() const override { return m_isDragging; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
@@ -64,6 +67,7 @@ public:
 private:
     InputReceiver &m_receiver;
     const bool m_hasSurface;
+    bool m_keepsMouse = false;
     Paint m_paint;
     QRegion m_repainted;
     OverlayAppearance m_appearance;

@@ -18,6 +18,9 @@ struct OverlayAppearance {
     QRegion shape; ///< the part of the window that shows; device pixels from its upper left
     std::optional<QRegion> mouseShape; ///< what of that takes the mouse, as shape; nothing said: all
     QRegion inputArea; ///< where an invisible window takes the mouse in its place, pixels of the desktop
+    /// What is shown in place of the window, each in a window of its own, which takes no mouse but by the input area;
+    /// pixels from the upper left of \c pixels. Nothing said: the window.
+    std::optional<QList<QRect>> parts = {};
 };
 
 /// What the overlay's window needs of the desktop and the toolkit cannot ask for.
@@ -36,10 +39,15 @@ public:
     /// Whether the server shows the overlay itself. The toolkit's window then is never on the screen, and the input
     /// area is what takes the mouse.
     [[nodiscard]] virtual bool hasSurface() const { return false; }
-    /// What a server with a surface shows is painted by \a paint, whenever it pleases.
+    /// What a server shows itself, on a surface or in parts, is painted by \a paint, whenever it pleases.
     virtual void setPaint(const Paint & /*paint*/) { }
     /// \a pixels of the overlay, y down from its upper left, look otherwise now.
     virtual void repaint(const QRegion & /*pixels*/) { }
+    /// Whether a window keeps the mouse from the windows beneath it also where its mouse shape leaves it to them. The
+    /// overlay is shown in parts then, wherever the mouse is not all its own.
+    [[nodiscard]] virtual bool keepsMouse() const { return false; }
+    /// Whether the overlay can stand at every pixel of the display.
+    [[nodiscard]] virtual bool isExact() const { return true; }
 
     /// Whether the desktop shows through what is painted translucent.
     [[nodiscard]] virtual bool isComposited() const = 0;

@@ -561,6 +561,78 @@ TEST_F(RecoderSurface, APressDragsTheFrame)
     server.receiver().inputReleased();
 }
 
+/// The same where a window keeps the mouse from what lies beneath it.
+class RecoderInParts : public RecoderWindow
+{
+protected:
+    RecoderInParts()
+    {
+        server.setKeepsMouse();
+        window.orderFront();
+    }
+
+    void setRecording(bool isRecording)
+    {
+        delegate.isRecording = isRecording;
+        view.redraw();
+    }
+    void setFullScreen()
+    {
+        delegate.isFullScreen = true;
+        window.setFrame({ -8, -8, 1456, 916 });
+        view.redraw();
+    }
+    [[nodiscard]] bool isWindowOnScreen() const { return window.windowHandle()->isVisible(); }
+
+    const QList<QRect> strips { { 0, 8, 8, 600 }, { 808, 8, 8, 600 }, { 0, 0, 816, 8 }, { 0, 608, 816, 8 } };
+    /// With a pixel for the edges of the picture, and one that a coarser screen may leave out.
+    const QRect logoPart { 98, 616 - 142, 64, 44 };
+};
+
+TEST_F(RecoderInParts, IdleAroundARectangleItIsTheWindow)
+{
+    EXPECT_FALSE(appearance().parts);
+    EXPECT_TRUE(isWindowOnScreen());
+}
+
+TEST_F(RecoderInParts, RecordingItIsStripsAroundTheRectangleAndTheLogo)
+{
+    setRecording(true);
+    EXPECT_EQ(appearance().parts, strips);
+    EXPECT_FALSE(isWindowOnScreen());
+    EXPECT_TRUE(window.isVisible()) << "for the rest of the program";
+    EXPECT_TRUE(appearance().inputArea.isEmpty());
+    useLogo();
+    EXPECT_EQ(appearance().parts, strips + QList { logoPart });
+    setRecording(false);
+    EXPECT_FALSE(appearance().parts);
+    EXPECT_TRUE(isWindowOnScreen());
+    EXPECT_FALSE(appearance().mouseShape) << "all of it takes the mouse";
+}
+
+TEST_F(RecoderInParts, ALogoOnTheFrameIsInTheRectangleAlone)
+{
+    useLogo();
+    logo.setLogoPosition({ 4, 100 });
+    setRecording(true);
+    ASSERT_EQ(appearance().parts->size(), 5);
+    EXPECT_EQ(appearance().parts->last(), QRect(QPoint(8, logoPart.top()), QPoint(65, logoPart.bottom())));
+}
+
+TEST_F(RecoderInParts, OnTheFullDisplayItIsTheLogoWhichTakesTheMouse)
+{
+    useLogo();
+    setFullScreen();
+    const QRect picture(100, 916 - 140, 60, 40);
+    ASSERT_EQ(appearance().parts->size(), 1);
+    EXPECT_TRUE(appearance().parts->first().contains(picture));
+    EXPECT_TRUE(appearance().parts->first().width() < 70 && appearance().parts->first().height() < 50);
+    EXPECT_FALSE(appearance().inputArea.isEmpty());
+    setRecording(true);
+    EXPECT_EQ(appearance().parts->size(), 1) << "no strip fits on the display";
+    EXPECT_TRUE(appearance().inputArea.isEmpty());
+}
+
 } // namespace
 } // namespace vornic
 
