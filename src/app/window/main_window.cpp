@@ -310,7 +310,7 @@ void MainWindow::keepOffRecorded()
 {
     if (!isVisible() || isMinimized() || m_delegate.isRecording())
         return;
-    if (m_tellsOfCover)
+    if (m_tellsOfPlace)
         showStatus({});
     const QList<QRect> areas = recordedAreas(*m_delegate.options());
     if (areas.isEmpty())
@@ -320,12 +320,16 @@ void MainWindow::keepOffRecorded()
     const QPoint place = free.value_or(placeWithin(frameGeometry(), available));
     if (place != frameGeometry().topLeft())
         move(place);
-    if (free)
+    const bool hasRectangle = m_delegate.options()->recordsRectangle();
+    if (!free)
+        showStatus(hasRectangle
+                       ? tr("This window covers part of the rectangle; minimise it to see all of it.")
+                       : tr("This window covers part of the logo; minimise it to see all of it."));
+    else if (hasRectangle && m_frameIsExact && !m_frameIsExact())
+        showStatus(tr("At this scale of the screen the frame may be a pixel off what is recorded."));
+    else
         return;
-    showStatus(m_delegate.options()->recordsRectangle()
-                   ? tr("This window covers part of the rectangle; minimise it to see all of it.")
-                   : tr("This window covers part of the logo; minimise it to see all of it."));
-    m_tellsOfCover = true;
+    m_tellsOfPlace = true;
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -399,13 +403,13 @@ void MainWindow::showClock(qint64 timestamp)
 
 void MainWindow::showSaved(const QString &path, double seconds, const QString &flaws)
 {
-    m_tellsOfCover = false;
+    m_tellsOfPlace = false;
     m_ui->statusLine->showSaved(path, seconds, flaws);
 }
 
 void MainWindow::showStatus(const QString &sentence)
 {
-    m_tellsOfCover = false;
+    m_tellsOfPlace = false;
     m_ui->statusLine->showSentence(sentence);
 }
 

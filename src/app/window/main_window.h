@@ -2,7 +2,9 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace vornic {
 
@@ -44,8 +46,11 @@ public:
     void setShortcut(const QString &portable);
     /// Tells beneath the key why it does not work; empty: it does.
     void setShortcutProblem(const QString &sentence);
-    /// Moves the window off rectangle and logo where it hides part of them, or tells that there is no room.
+    /// Moves the window off rectangle and logo where it hides part of them, and tells what the user does not see as it is:
+    /// that there is no room, or that the frame cannot stand at every pixel.
     void keepOffRecorded();
+    /// \a isExact is asked whether the overlay's frame can stand at every pixel; where it cannot the window says so.
+    void setFrameIsExact(std::function<bool()> isExact) { m_frameIsExact = std::move(isExact); }
     /// Chooses the full display or the selected rectangle, and presses the record button; with a \a file it records
     /// at once, to there.
     void record(bool fullDisplay, const QString &file = {});
@@ -97,7 +102,8 @@ private:
     VornicAppDelegate &m_delegate;
     std::unique_ptr<OptionsViewModel> m_viewModel;
     bool m_shownRecording = false;
-    bool m_tellsOfCover = false; ///< the status line says that the window hides something
+    std::function<bool()> m_frameIsExact; ///< empty: it is
+    bool m_tellsOfPlace = false;          ///< the status line says what keepOffRecorded() has to tell
     std::unique_ptr<Ui::MainWindow> m_ui;
 };
 

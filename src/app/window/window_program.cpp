@@ -90,6 +90,7 @@ void WindowProgram::launch()
     m_frontEnd.progress().setLater([this] { m_delegate.later(); });
     m_frontEnd.progress().setKept([this] { m_recovery->recordingKept(); });
     m_overlay.window()->setWindowAbove(m_window.get());
+    m_window->setFrameIsExact([this] { return m_overlay.window()->isExact(); });
     new DialogPlacement([this] { return recordedAreas(*m_delegate.options()); }, this);
     connectWindow();
 }

@@ -122,6 +122,19 @@ TEST_F(PlacementTest, WithoutRoomItStaysAndSaysSo)
     EXPECT_EQ(status(), "Something else.");
 }
 
+TEST_F(PlacementTest, AFrameThatMayBeAPixelOffIsToldOf)
+{
+    bool isExact = false;
+    window->setFrameIsExact([&] { return isExact; });
+    control<VNRadioCell>("chkPartScreen").click();
+    EXPECT_EQ(status(), "At this scale of the screen the frame may be a pixel off what is recorded.");
+    control<VNRadioCell>("chkFullScreen").click();
+    EXPECT_EQ(status(), QString()) << "there is no frame";
+    isExact = true;
+    control<VNRadioCell>("chkPartScreen").click();
+    EXPECT_EQ(status(), QString());
+}
+
 TEST_F(PlacementTest, AUsualSizeMakesRoomToo)
 {
     options().setRecordRegion(1);
