@@ -10,6 +10,9 @@
 #ifdef VORNIC_X11
 #    include "overlay/x11/x11_overlay_server.h"
 #    include "overlay/x11/x11_window_on_top.h"
+#    ifdef VORNIC_WAYLAND
+#        include "overlay/x11/xwayland_overlay_server.h"
+#    endif
 #    include "x11/x11_connection.h"
 #    include "x11/x11_nesting.h"
 #    include "x11/x11_windows.h"
@@ -83,6 +86,9 @@ std::unique_ptr<WindowOnTop> keepByOthers(QWindow & /*window*/)
 constexpr std::array backendTable {
 #ifdef VORNIC_WAYLAND
     OverlayBackendEntry { "layer-shell", true, createLayerShell, keepByOthers },
+#    ifdef VORNIC_X11
+    OverlayBackendEntry { "xwayland", true, XwaylandOverlayServer::create, keepByOthers },
+#    endif
 #endif
 #ifdef VORNIC_X11
     OverlayBackendEntry { "x11", true, X11OverlayServer::create, X11WindowOnTop::create },

@@ -29,11 +29,12 @@ QRegion coverOf(const std::vector<StackedWindow> &stack, std::uint32_t window)
 
 } // namespace
 
-std::unique_ptr<OverlayServer> X11OverlayServer::create(InputReceiver &receiver)
+std::unique_ptr<X11OverlayServer> X11OverlayServer::open(InputReceiver &receiver)
 {
     auto connection = toolkitConnection() ? X11Connection::open() : nullptr;
-    return connection ? std::unique_ptr<OverlayServer>(new X11OverlayServer(std::move(connection), receiver))
-                      : nullptr;
+    return connection
+        ? std::unique_ptr<X11OverlayServer>(new X11OverlayServer(std::move(connection), receiver))
+        : nullptr;
 }
 
 X11OverlayServer::X11OverlayServer(std::unique_ptr<X11Connection> connection, InputReceiver &receiver)
@@ -96,8 +97,13 @@ void X11OverlayServer::takeFocus(QWindow &window)
 
 void X11OverlayServer::orderFront(QWindow &window)
 {
+    keepInFront(idOf(&window));
+}
+
+void X11OverlayServer::keepInFront(std::uint32_t window)
+{
     wait(); // until the window is there
-    m_stacking.keepOnTop(idOf(&window), m_inputWindow.id());
+    m_stacking.keepOnTop(window, m_inputWindow.id());
 }
 
 void X11OverlayServer::orderOut()

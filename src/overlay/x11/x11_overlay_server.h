@@ -16,14 +16,18 @@ namespace vornic {
 
 /// The overlay's window on an X11 desktop.
 ///
-/// Made by the table of backends; main thread only. Shapes go through the toolkit's own connection, everything
+/// Made by the table of backends and XwaylandOverlayServer; main thread only. Shapes go through the toolkit's own connection, everything
 /// else through one of ours.
 class X11OverlayServer final : public OverlayServer
 {
     Q_OBJECT
 public:
     /// Null where the toolkit's windows are not those of an X server. Borrows \a receiver for life.
-    [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver);
+    [[nodiscard]] static std::unique_ptr<X11OverlayServer> open(InputReceiver &receiver);
+    [[nodiscard]] static std::unique_ptr<OverlayServer> create(InputReceiver &receiver)
+    {
+        return open(receiver);
+    }
 
     [[nodiscard]] bool isComposited() const override { return m_compositing.isActive(); }
     [[nodiscard]] bool isDragging() const override { return m_drags.isActive(); }
@@ -34,6 +38,8 @@ public:
     void orderFront(QWindow &window) override;
     void orderOut() override;
     void wait() override;
+    /// orderFront() for a window that the toolkit does not know.
+    void keepInFront(std::uint32_t window);
 
 private:
     X11OverlayServer(std::unique_ptr<X11Connection> connection, InputReceiver &receiver);
