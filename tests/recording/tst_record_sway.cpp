@@ -164,7 +164,7 @@ TEST_F(RecordSwayTest, TheMonitorThatIsGrantedIsRecordedAlsoWhereItStandsStill)
     ASSERT_TRUE(m_desktop->command("output HEADLESS-2 bg #c08020 solid_color"));
     ASSERT_TRUE(test::waitUntil(
         [&] { return m_desktop->screen("HEADLESS-2").pixelColor(500, 400) == QColor(0xc0, 0x80, 0x20); }));
-    m_portal = test::ScreenCastPortal::start(*m_desktop, "HEADLESS-2");
+    m_portal = test::ScreenCastPortal::start(*m_desktop, Consent::Granted, "HEADLESS-2");
     ASSERT_TRUE(m_portal);
     for (int i = 0; i < 2; ++i) { // the second stream of a still screen gets no picture by itself
         const Result result = record({ "--duration", "0.5", "--overwrite" });
