@@ -2,6 +2,7 @@
 
 #include "base/PKTimebase.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -11,6 +12,7 @@ namespace vornic {
 namespace {
 
 constexpr double unset = std::numeric_limits<double>::quiet_NaN();
+constexpr double never = std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -28,12 +30,63 @@ void RecordingClock::goOnWithoutSound()
     m_origin = Origin::FirstPass;
 }
 
+void RecordingClock::pause()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_pauses.empty() || m_pauses.back().end < never)
+        m_pauses.push_back({ m_now(), never });
+}
+
+void RecordingClock::resume()
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_pauses.empty() && m_pauses.back().end == never)
+        m_pauses.back().end = m_now();
+}
+
+bool RecordingClock::isPaused() const
+{
+    const std::lock_guard lock(m_mutex);
+    return !m_pauses.empty() && m_pauses.back().end == never;
+}
+
+bool RecordingClock::wasPausedSince(double seconds) const
+{
+    const std::lock_guard lock(m_mutex);
+    return !m_pauses.empty() && m_pauses.back().end > seconds;
+}
+
+std::vector<RecordingClock::Span> RecordingClock::recordedPartsOf(double begin, double end) const
+{
+    std::vector<Span> parts;
+    const std::lock_guard lock(m_mutex);
+    for (const Span &pause : m_pauses) {
+        if (begin < std::min(pause.begin, end))
+            parts.push_back({ begin, std::min(pause.begin, end) });
+        begin = std::max(begin, pause.end);
+    }
+    if (begin < end)
+        parts.push_back({ begin, end });
+    return parts;
+}
+
+double RecordingClock::recordedSeconds(double time) const
+{
+    const double begin = origin();
+    if (!(time > begin))
+        return time - begin;
+    double seconds = 0;
+    for (const Span &part : recordedPartsOf(begin, time))
+        seconds += part.end - part.begin;
+    return seconds;
+}
+
 std::optional<std::int64_t> RecordingClock::timestamp() const
 {
-    const double origin = awaitsSound() ? m_firstSound : m_firstPass;
-    if (std::isnan(origin))
+    const double seconds = recordedSeconds(now());
+    if (std::isnan(seconds))
         return std::nullopt;
-    return static_cast<std::int64_t>((now() - origin) * static_cast<double>(PKTimebase));
+    return static_cast<std::int64_t>(seconds * static_cast<double>(PKTimebase));
 }
 
 void RecordingClock::setOnce(std::atomic<double> &time, double seconds)

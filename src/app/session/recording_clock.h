@@ -5,13 +5,16 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
+#include <vector>
 
 namespace vornic {
 
-/// The time of one recording: what o'clock it is, and since when its timestamps count.
+/// The time of one recording: what o'clock it is, since when its timestamps count, and when they stood still.
 ///
-/// Part of a Recording. The capture queue and the sound's thread set the origin, each its own; any thread reads.
+/// Part of a Recording. The capture queue and the sound's thread set the origin, each its own; the main thread pauses; any
+/// thread reads.
 class RecordingClock
 {
 public:
@@ -21,6 +24,12 @@ public:
     enum class Origin {
         FirstPass,  ///< the start of the first capture pass
         FirstSound, ///< the first sample of the sound
+    };
+
+    /// A time that is recorded, or not, in seconds of the absolute clock.
+    struct Span {
+        double begin = 0;
+        double end = 0;
     };
 
     explicit RecordingClock(Origin origin, Now now = absoluteTimeSeconds);
@@ -35,16 +44,33 @@ public:
     void goOnWithoutSound();
     [[nodiscard]] bool awaitsSound() const { return m_origin == Origin::FirstSound; }
 
-    /// Now in PKTimebase ticks from the origin, truncated toward zero; nothing while that is not known.
+    /// What follows is not recorded, until resume(). A second call changes nothing, and neither does a resume() alone.
+    void pause();
+    void resume();
+    [[nodiscard]] bool isPaused() const;
+    /// Not all that lies behind \a seconds is recorded.
+    [[nodiscard]] bool wasPausedSince(double seconds) const;
+    /// What is recorded of the time from \a begin to \a end, as far as is known now; in order.
+    [[nodiscard]] std::vector<Span> recordedPartsOf(double begin, double end) const;
+
+    /// The first sample of the sound; not a number before it has come.
+    [[nodiscard]] double beginOfSound() const { return m_firstSound; }
+    /// How much is recorded from the origin to \a time, in seconds; less than nothing before the origin, and not a number
+    /// while that is not known.
+    [[nodiscard]] double recordedSeconds(double time) const;
+    /// Now in PKTimebase ticks of recorded time from the origin, truncated toward zero; nothing while that is not known.
     [[nodiscard]] std::optional<std::int64_t> timestamp() const;
 
 private:
     static void setOnce(std::atomic<double> &time, double seconds);
+    [[nodiscard]] double origin() const { return awaitsSound() ? m_firstSound : m_firstPass; }
 
     Now m_now;
     std::atomic<Origin> m_origin;
     std::atomic<double> m_firstPass;  ///< not a number: it has not been
     std::atomic<double> m_firstSound; ///< not a number: it has not been
+    mutable std::mutex m_mutex;       ///< guards the one below
+    std::vector<Span> m_pauses;       ///< in order; the last one has no end while it lasts
 };
 
 } // namespace vornic

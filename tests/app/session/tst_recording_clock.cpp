@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace vornic {
 namespace {
 
@@ -65,6 +68,111 @@ TEST_F(RecordingClockTest, TruncatesTowardZero)
     EXPECT_EQ(clock.timestamp(), 1);
     time = 1000 - 1.9 / PKTimebase;
     EXPECT_EQ(clock.timestamp(), -1);
+}
+
+TEST_F(RecordingClockTest, StandsWhileItIsPaused)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    clock.passBegins(1000);
+    time = 1002;
+    clock.pause();
+    EXPECT_TRUE(clock.isPaused());
+    for (const double later : { 1002.0, 1002.1, 1500.7 }) {
+        time = later;
+        EXPECT_EQ(clock.timestamp(), 2 * PKTimebase);
+    }
+    clock.resume();
+    EXPECT_FALSE(clock.isPaused());
+    EXPECT_EQ(clock.timestamp(), 2 * PKTimebase);
+    time += 3;
+    EXPECT_EQ(clock.timestamp(), 5 * PKTimebase);
+}
+
+TEST_F(RecordingClockTest, ASecondPauseOrResumeChangesNothing)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    clock.passBegins(1000);
+    clock.resume();
+    EXPECT_FALSE(clock.isPaused());
+    time = 1001;
+    clock.pause();
+    time = 1002;
+    clock.pause();
+    time = 1003;
+    clock.resume();
+    time = 1004;
+    clock.resume();
+    EXPECT_EQ(clock.timestamp(), 2 * PKTimebase) << "one second before the pause, one behind it";
+}
+
+TEST_F(RecordingClockTest, ManyPausesAddUp)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    clock.passBegins(time);
+    for (int i = 0; i < 1000; ++i) {
+        time += 0.25;
+        clock.pause();
+        time += 0.75;
+        clock.resume();
+    }
+    EXPECT_EQ(clock.timestamp(), 250 * PKTimebase);
+}
+
+TEST_F(RecordingClockTest, WhatWasPausedBeforeTheOriginDoesNotCount)
+{
+    RecordingClock clock(Origin::FirstSound, setTime());
+    clock.pause();
+    EXPECT_FALSE(clock.timestamp());
+    time = 1001;
+    clock.soundBegins(1000.5);
+    EXPECT_EQ(clock.timestamp(), 0);
+    time = 1002;
+    clock.resume();
+    time = 1002.25;
+    EXPECT_EQ(clock.timestamp(), PKTimebase / 4);
+    EXPECT_EQ(clock.recordedSeconds(1000), -0.5);
+}
+
+TEST_F(RecordingClockTest, KnowsWhetherATimeSinceThenIsMissing)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    EXPECT_FALSE(clock.wasPausedSince(0));
+    time = 1001;
+    clock.pause();
+    EXPECT_TRUE(clock.wasPausedSince(1000));
+    EXPECT_TRUE(clock.wasPausedSince(1001.5)) << "it lasts";
+    time = 1002;
+    clock.resume();
+    EXPECT_TRUE(clock.wasPausedSince(1001.5));
+    EXPECT_FALSE(clock.wasPausedSince(1002));
+}
+
+TEST_F(RecordingClockTest, CutsATimeAtItsPauses)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    const auto parts = [&clock](double begin, double end) {
+        std::vector<std::pair<double, double>> found;
+        for (const RecordingClock::Span &part : clock.recordedPartsOf(begin, end))
+            found.emplace_back(part.begin, part.end);
+        return found;
+    };
+    using Parts = std::vector<std::pair<double, double>>;
+    EXPECT_EQ(parts(990, 1010), (Parts { { 990, 1010 } }));
+    EXPECT_EQ(parts(5, 5), Parts {});
+    time = 1001;
+    clock.pause();
+    EXPECT_EQ(parts(990, 1010), (Parts { { 990, 1001 } }));
+    EXPECT_EQ(parts(1002, 1010), Parts {});
+    time = 1002;
+    clock.resume();
+    time = 1003;
+    clock.pause();
+    time = 1004;
+    clock.resume();
+    EXPECT_EQ(parts(990, 1010), (Parts { { 990, 1001 }, { 1002, 1003 }, { 1004, 1010 } }));
+    EXPECT_EQ(parts(1001.5, 1002.5), (Parts { { 1002, 1002.5 } }));
+    EXPECT_EQ(parts(1001, 1002), Parts {});
+    EXPECT_EQ(parts(1004, 1005), (Parts { { 1004, 1005 } }));
 }
 
 /// A clock that starts at zero has an origin there, too.
