@@ -150,10 +150,8 @@ std::shared_ptr<PKVideoFrame2> PKScaleContext::scaleFrame(const PKVideoFrame2 &f
     } else {
         result = m_impl->scaled(frame);
     }
-    if (result) {
-        result->setTimeStamp(frame.timeStamp());
-        result->setDuration(frame.duration());
-    }
+    if (result)
+        result->takePlaceOf(frame);
     return result;
 }
 

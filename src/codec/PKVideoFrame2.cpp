@@ -54,6 +54,13 @@ PKPixelFormat PKVideoFrame2::pixFormat() const
     return m_planes ? PKPixelFormatYUV420P : PKPixelFormatRGB32;
 }
 
+void PKVideoFrame2::takePlaceOf(const PKVideoFrame2 &other)
+{
+    m_timeStamp = other.m_timeStamp;
+    m_duration = other.m_duration;
+    m_isKey = other.m_isKey;
+}
+
 std::shared_ptr<PKVideoFrame2> PKVideoFrame2::sharingPixels() const
 {
     return std::shared_ptr<PKVideoFrame2>(new PKVideoFrame2(*this));

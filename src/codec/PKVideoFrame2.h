@@ -57,6 +57,11 @@ public:
     void setTimeStamp(std::int64_t ticks) { m_timeStamp = ticks; }
     [[nodiscard]] std::int64_t duration() const { return m_duration; }
     void setDuration(std::int64_t ticks) { m_duration = ticks; }
+    /// The movie can be entered here, whatever the frames before: the encoder makes it a key frame.
+    [[nodiscard]] bool isKey() const { return m_isKey; }
+    void setIsKey(bool isKey) { m_isKey = isKey; }
+    /// Is shown in the place of \a other.
+    void takePlaceOf(const PKVideoFrame2 &other);
 
     /// A frame of its own times over the same pixels, which are not copied.
     [[nodiscard]] std::shared_ptr<PKVideoFrame2> sharingPixels() const;
@@ -81,6 +86,7 @@ private:
     int m_displayHeight = 0;
     std::int64_t m_timeStamp = 0;
     std::int64_t m_duration = 0;
+    bool m_isKey = false;
 };
 
 } // namespace vornic

@@ -32,8 +32,7 @@ std::shared_ptr<const PKVideoFrame2> FrameConformer::betweenBars(const PKVideoFr
     canvas->fillBlack();
     canvas->put(*picture.planes(), rest.width() / 4 * 2, rest.height() / 4 * 2);
     auto frame = std::make_shared<PKVideoFrame2>(canvas, m_size.width(), m_size.height());
-    frame->setTimeStamp(picture.timeStamp());
-    frame->setDuration(picture.duration());
+    frame->takePlaceOf(picture);
     return frame;
 }
 
@@ -65,8 +64,7 @@ FrameConformer::conform(const std::shared_ptr<const PKVideoFrame2> &frame)
         return shown.isEmpty() ? nullptr : frame;
     if (m_last && m_lastResult && shown == m_shown && frame->sharesPixelsWith(*m_last)) {
         const std::shared_ptr<PKVideoFrame2> same = m_lastResult->sharingPixels();
-        same->setTimeStamp(frame->timeStamp());
-        same->setDuration(frame->duration());
+        same->takePlaceOf(*frame);
         return same;
     }
     m_lastResult = scaled(*frame, shown);

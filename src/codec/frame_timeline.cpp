@@ -54,7 +54,7 @@ std::optional<FrameTimeline::Shown> FrameTimeline::next()
         m_pending->isNew = !m_pending->frame->sharesPixelsWith(*shown->frame);
         const std::int64_t begin = shown->frame->timeStamp();
         const std::int64_t longest = begin - m_changed < settlingTime ? longestWhileSettling : longestStill;
-        if (m_pending->isNew || m_pending->end - begin > longest)
+        if (m_pending->isNew || m_pending->frame->isKey() || m_pending->end - begin > longest)
             break;
         shown->end = m_pending->end;
         shown->frames += m_pending->frames;

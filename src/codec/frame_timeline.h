@@ -12,7 +12,7 @@ class PKVideoFrame2;
 /// The pictures that a movie shows, each until the next one, made of the frames that are read.
 ///
 /// Frames that are out of order are left out. A frame that shares the pixels of the one before only makes that one last
-/// longer. Made by a MovieWriter, used on its thread.
+/// longer, unless it is to be a key frame. Made by a MovieWriter, used on its thread.
 class FrameTimeline
 {
 public:

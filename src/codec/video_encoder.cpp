@@ -120,7 +120,7 @@ void VideoEncoder::encode(const FrameTimeline::Shown &shown, const PacketSink &s
 bool VideoEncoder::isKeyFrameDue(const FrameTimeline::Shown &shown) const
 {
     const std::int64_t seconds = m_hasChanged ? encoder_settings::keyFrameSeconds : m_stillKeyFrameSeconds;
-    return m_isFirst || shown.end - m_keyFrameTime > seconds * PKTimebase;
+    return m_isFirst || shown.frame->isKey() || shown.end - m_keyFrameTime > seconds * PKTimebase;
 }
 
 void VideoEncoder::finish(const PacketSink &sink)

@@ -17,6 +17,7 @@ std::shared_ptr<const PKVideoFrame2> whiteFrame(QSize size)
     auto frame = std::make_shared<PKVideoFrame2>(picture);
     frame->setTimeStamp(7);
     frame->setDuration(3);
+    frame->setIsKey(true);
     return frame;
 }
 
@@ -46,6 +47,7 @@ TEST(FrameConformer, aFrameOfAnotherShapeKeepsItsShapeBetweenBlackBars)
         EXPECT_EQ(whitePart(*frame), part) << shown.width() << 'x' << shown.height();
         EXPECT_EQ(frame->timeStamp(), 7);
         EXPECT_EQ(frame->duration(), 3);
+        EXPECT_TRUE(frame->isKey());
     };
     expectPart({ 160, 200 }, { 80, 0, 160, 200 });
     expectPart({ 320, 100 }, { 0, 50, 320, 100 });

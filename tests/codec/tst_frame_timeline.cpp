@@ -61,6 +61,9 @@ protected:
 
     std::int64_t m_skipped = 0;
 
+    /// The movie is to be enterable at the frame that was added last.
+    void makeKey() { m_last->setIsKey(true); }
+
 private:
     void addTimed(std::int64_t time, std::int64_t duration)
     {
@@ -152,6 +155,19 @@ TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
     ASSERT_EQ(all.size(), 9U);
     for (std::size_t i = 0; i < all.size(); ++i)
         EXPECT_EQ(all[i].isNew, i == 0 || i >= 7) << i;
+}
+
+TEST_F(FrameTimelineTest, aKeyFrameIsNeverPartOfTheOneBefore)
+{
+    add(0);
+    addSame(10);
+    addSame(20);
+    makeKey();
+    const auto all = shown();
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_PRED1(shows(0, 20, 2), all[0]);
+    EXPECT_TRUE(all[1].frame->isKey());
+    EXPECT_FALSE(all[0].frame->isKey());
 }
 
 TEST_F(FrameTimelineTest, aFrameThatLastsLongerByItselfStaysAsItIs)

@@ -114,6 +114,16 @@ TEST_F(MovieStillTest, whatStaysHasMoreKeyFramesWithSoundWhichMayBeSought)
     expectKeyFrames(30);
 }
 
+TEST_F(MovieStillTest, aFrameThatIsToBeAKeyFrameIsOneThoughNothingHasChanged)
+{
+    addStill(40);
+    const auto key = m_source.video[20]->sharingPixels();
+    key->setIsKey(true);
+    m_source.video[20] = key;
+    ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
+    EXPECT_EQ(keyFrames(), (QList<qint64> { 0, key->timeStamp() }));
+}
+
 TEST_F(MovieStillTest, aChangeIsAKeyFrameOrHasOneWithinTwoSeconds)
 {
     for (const int count : { 1, 1, 200, 30, 100, 1, 1, 1, 90, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 300 })
