@@ -33,6 +33,7 @@ constexpr QLatin1StringView durationKey("_duration");
 constexpr QLatin1StringView timestampKey("mTimestamp");
 constexpr QLatin1StringView cursorIndexKey("_cursorIndex");
 constexpr QLatin1StringView videoFrameKey("_videoFrame");
+constexpr QLatin1StringView followsPauseKey("followsPause");
 
 /// Never the index of a shape: the pointer is hidden.
 constexpr std::uint64_t noCursor = std::numeric_limits<std::uint64_t>::max();
@@ -71,6 +72,8 @@ void VNBufferDiscr::encodeScalars(KeyedArchiver &archiver) const
     archiver.encodeInt64(durationKey, std::bit_cast<std::int64_t>(_duration));
     archiver.encodeInt64(timestampKey, std::bit_cast<std::int64_t>(mTimestamp));
     archiver.encodeInt64(cursorIndexKey, std::bit_cast<std::int64_t>(_cursorIndex));
+    if (m_followsPause)
+        archiver.encodeBool(followsPauseKey, true);
 }
 
 void VNBufferDiscr::encodeVideoFrame(KeyedArchiver &archiver) const
@@ -90,6 +93,8 @@ void VNBufferDiscr::encodeWithCoder(KeyedArchiver &archiver) const
 void VNBufferDiscr::encodeWithCoder(KeyedArchiver &archiver, PictureSpooler &pictures) const
 {
     encodeScalars(archiver);
+    if (m_followsPause)
+        pictures.beginPart();
     pictures.encode(recordImage(), mTimestamp, archiver);
     encodeVideoFrame(archiver);
 }
@@ -101,6 +106,7 @@ std::unique_ptr<VNBufferDiscr> VNBufferDiscr::decodeAllButPicture(const KeyedUna
     record->_duration = std::bit_cast<std::uint64_t>(unarchiver.decodeInt64(durationKey));
     record->mTimestamp = std::bit_cast<std::uint64_t>(unarchiver.decodeInt64(timestampKey));
     record->_cursorIndex = std::bit_cast<std::uint64_t>(unarchiver.decodeInt64(cursorIndexKey));
+    record->m_followsPause = unarchiver.decodeBool(followsPauseKey);
     if (const auto frame = unarchiver.decodeObject(videoFrameKey))
         record->_videoFrame = PKVideoFrame2::createWithCoder(*frame);
     return record;
@@ -146,6 +152,7 @@ std::shared_ptr<PKVideoFrame2> VNBufferDiscr::getVideoFrameWithLogoContext(
     if (_videoFrame) {
         _videoFrame->setTimeStamp(std::bit_cast<std::int64_t>(mTimestamp));
         _videoFrame->setDuration(std::bit_cast<std::int64_t>(_duration));
+        _videoFrame->setIsKey(m_followsPause);
     }
     return _videoFrame;
 }

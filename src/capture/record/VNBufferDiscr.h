@@ -48,6 +48,9 @@ public:
     [[nodiscard]] std::uint64_t timestamp() const { return mTimestamp; }
     void setDuration(std::uint64_t ticks) { _duration = ticks; }
     [[nodiscard]] std::uint64_t duration() const { return _duration; }
+    /// The recording was paused before it: its picture is spooled whole, and a key frame of the movie.
+    void setFollowsPause(bool follows) { m_followsPause = follows; }
+    [[nodiscard]] bool followsPause() const { return m_followsPause; }
     /// The middle of the pixel under the hot spot, in screen coordinates (y up).
     [[nodiscard]] QPointF mouseLocation() const { return mMouseLocation; }
     [[nodiscard]] std::uint64_t cursorIndex() const { return _cursorIndex; }
@@ -113,6 +116,7 @@ private:
     std::shared_ptr<const JpegPicture> m_picture;
     QPointF mMouseLocation;
     std::uint64_t mTimestamp = 0;
+    bool m_followsPause = false;
 };
 
 } // namespace vornic

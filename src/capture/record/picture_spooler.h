@@ -24,8 +24,8 @@ public:
     /// \a timestamp in PKTimebase ticks. Writes nothing for a null image.
     void
     encode(const std::shared_ptr<const BitmapImage> &image, std::uint64_t timestamp, KeyedArchiver &archiver);
-    /// The next picture is written whole: it begins a new spool.
-    void beginSpool() { m_lastVersions.clear(); }
+    /// The next picture is written whole: it begins a new spool, or what follows a pause.
+    void beginPart() { m_lastVersions.clear(); }
 
 private:
     [[nodiscard]] bool isWholePictureDue(std::uint64_t timestamp) const;

@@ -73,7 +73,7 @@ void VNBufferMgr::prepareFileHandle()
     setOpened(open);
     m_video.queue().sync([&] {
         m_video.open(open.folder ? open.folder->video() : nullptr, open.journal);
-        m_pictures.beginSpool();
+        m_pictures.beginPart();
         m_picturesBack.forgetPicture();
         m_shapesBack.reset();
         m_lastShape = {};

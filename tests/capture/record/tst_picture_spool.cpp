@@ -257,7 +257,7 @@ TEST_F(PictureSpoolTest, ANewSpoolBeginsWithAWholePictureOfItsOwn)
     QImage picture = noisePicture(screenSize, 1);
     archiveOf(picture, 0);
     picture.setPixel(3, 20, 0);
-    m_spooler.beginSpool();
+    m_spooler.beginPart();
     const QByteArray archive = archiveOf(picture, 1000);
     EXPECT_EQ(formOf(archive), Form::Whole);
     EXPECT_FALSE(KeyedUnarchiver::create(archive)->containsValueForKey(newBandsKey));

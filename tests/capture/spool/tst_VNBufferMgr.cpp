@@ -8,6 +8,7 @@
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/spool_file.h"
 #include "codec/PKMuxerContext.h"
+#include "codec/PKVideoFrame2.h"
 #include "support/test_pictures.h"
 #include "support/wait_until.h"
 
@@ -511,6 +512,30 @@ TEST_F(BufferMgrTest, AWholePictureStandsAtLeastEveryTwoSeconds)
     EXPECT_NE(pictures[1], pictures[2]);
     EXPECT_EQ(pictures[2], pictures[3]);
     EXPECT_NE(pictures[3], pictures[4]);
+}
+
+TEST_F(BufferMgrTest, BehindAPauseAPictureStandsWholeAndIsAKeyFrame)
+{
+    const QImage picture = noisePicture({ 320, 200 }, 1);
+    for (const std::uint64_t ticks : { 1000U, 2000U, 3000U, 4000U }) {
+        const auto record = VNBufferDiscr::createWithScreenImage(grabOf(picture));
+        record->setBufferTimestamp(ticks);
+        record->setFollowsPause(ticks == 3000);
+        m_manager.pushRecordBuffer(*record);
+    }
+    const auto sizes = m_manager.recordSizes();
+    ASSERT_EQ(sizes.size(), 4U);
+    EXPECT_LT(sizes[1].second, sizes[0].second / 10) << "nothing has changed";
+    EXPECT_GE(sizes[2].second, sizes[0].second);
+    EXPECT_LT(sizes[3].second, sizes[0].second / 10);
+    for (const bool isKey : { false, false, true, false }) {
+        const auto record = m_manager.getBufferVideoFrame();
+        ASSERT_TRUE(record);
+        EXPECT_EQ(record->followsPause(), isKey) << record->timestamp();
+        const auto frame = record->getVideoFrameWithLogoContext(nullptr, {});
+        ASSERT_TRUE(frame);
+        EXPECT_EQ(frame->isKey(), isKey) << record->timestamp();
+    }
 }
 
 TEST_F(BufferMgrTest, ADamagedBlockCostsItselfAndTheMarksBehindIt)
