@@ -145,12 +145,16 @@ void AudioInput::dataRecord(AudioRecorder & /*recorder*/,
         m_spool.endAudioRecord();
         return;
     }
-    if (const std::shared_ptr<Recording> adopted = recording()) {
-        const double seconds = byteCount / (format.mBytesPerFrame * format.mSampleRate);
-        adopted->clock.soundBegins(adopted->clock.now() - seconds);
+    const QByteArray chunk(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount));
+    const std::shared_ptr<Recording> adopted = recording();
+    if (!adopted) {
+        m_spool.pushAudioBuffer(PKAudioRecorderData(chunk, format));
+        return;
     }
-    m_spool.pushAudioBuffer(PKAudioRecorderData(
-        QByteArray(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount)), format));
+    const double seconds = byteCount / (format.mBytesPerFrame * format.mSampleRate);
+    adopted->clock.soundBegins(adopted->clock.now() - seconds);
+    for (const QByteArray &part : adopted->recordedSound.partsOf(chunk, format))
+        m_spool.pushAudioBuffer(PKAudioRecorderData(part, format));
 }
 
 void AudioInput::soundWasLost(AudioRecorder & /*recorder*/)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/recorded_sound.h"
 #include "app/session/recording_clock.h"
 #include "capture/spool/recording_description.h"
 #include "codec/movie_statistics.h"
@@ -51,6 +52,7 @@ struct Recording {
     RecordQuality quality = RecordQuality::High;
     bool hasSound = false; ///< is asked for, from an input that was there
     RecordingClock clock { RecordingClock::Origin::FirstPass };
+    RecordedSound recordedSound { clock }; ///< on the recorder's thread
 
     bool isCaptured = false;         ///< passes run, or have run
     bool endsWithFirstFrame = false; ///< stopped before there was one

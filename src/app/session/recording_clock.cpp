@@ -70,23 +70,22 @@ std::vector<RecordingClock::Span> RecordingClock::recordedPartsOf(double begin, 
     return parts;
 }
 
-double RecordingClock::recordedSeconds(double time) const
+double RecordingClock::recordedSeconds(double begin, double end) const
 {
-    const double begin = origin();
-    if (!(time > begin))
-        return time - begin;
+    if (end < begin)
+        return end - begin;
     double seconds = 0;
-    for (const Span &part : recordedPartsOf(begin, time))
+    for (const Span &part : recordedPartsOf(begin, end))
         seconds += part.end - part.begin;
     return seconds;
 }
 
 std::optional<std::int64_t> RecordingClock::timestamp() const
 {
-    const double seconds = recordedSeconds(now());
-    if (std::isnan(seconds))
+    const double origin = awaitsSound() ? m_firstSound : m_firstPass;
+    if (std::isnan(origin))
         return std::nullopt;
-    return static_cast<std::int64_t>(seconds * static_cast<double>(PKTimebase));
+    return static_cast<std::int64_t>(recordedSeconds(origin, now()) * static_cast<double>(PKTimebase));
 }
 
 void RecordingClock::setOnce(std::atomic<double> &time, double seconds)

@@ -55,15 +55,13 @@ public:
 
     /// The first sample of the sound; not a number before it has come.
     [[nodiscard]] double beginOfSound() const { return m_firstSound; }
-    /// How much is recorded from the origin to \a time, in seconds; less than nothing before the origin, and not a number
-    /// while that is not known.
-    [[nodiscard]] double recordedSeconds(double time) const;
+    /// How much is recorded of the time from \a begin to \a end; less than nothing where that lies before.
+    [[nodiscard]] double recordedSeconds(double begin, double end) const;
     /// Now in PKTimebase ticks of recorded time from the origin, truncated toward zero; nothing while that is not known.
     [[nodiscard]] std::optional<std::int64_t> timestamp() const;
 
 private:
     static void setOnce(std::atomic<double> &time, double seconds);
-    [[nodiscard]] double origin() const { return awaitsSound() ? m_firstSound : m_firstPass; }
 
     Now m_now;
     std::atomic<Origin> m_origin;

@@ -130,7 +130,7 @@ TEST_F(RecordingClockTest, WhatWasPausedBeforeTheOriginDoesNotCount)
     clock.resume();
     time = 1002.25;
     EXPECT_EQ(clock.timestamp(), PKTimebase / 4);
-    EXPECT_EQ(clock.recordedSeconds(1000), -0.5);
+    EXPECT_EQ(clock.recordedSeconds(1000.5, 1000), -0.5);
 }
 
 TEST_F(RecordingClockTest, KnowsWhetherATimeSinceThenIsMissing)
