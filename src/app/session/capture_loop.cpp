@@ -19,8 +19,8 @@ namespace vornic {
 
 namespace {
 
-/// How long a pass waits for the sound that gives the recording its time origin.
-constexpr std::chrono::nanoseconds audioWait(25'000'000);
+/// How long a pass waits for the sound that gives the recording its time origin, or for the end of a pause.
+constexpr std::chrono::nanoseconds keepingWait(25'000'000);
 
 } // namespace
 
@@ -71,6 +71,7 @@ void CaptureLoop::pass()
         end();
         return;
     }
+    const double begin = m_recording->clock.now();
     std::shared_ptr<const BitmapImage> image = m_rectangle == QRectF()
         ? m_tools.display().readFullScreen()
         : m_tools.display().readPartScreen(m_rectangle);
@@ -78,8 +79,8 @@ void CaptureLoop::pass()
         logMessage(QStringLiteral("Failed to shot screen buffer."));
         logMessage(whyNoPicture(m_rectangle));
         spool.setExit(true);
-    } else if (!keepFrame(std::move(image))) {
-        schedule(audioWait);
+    } else if (!keepFrame(std::move(image), begin)) {
+        schedule(keepingWait);
         return;
     }
     schedule(captureDelay(m_frameRate));
@@ -90,9 +91,12 @@ void CaptureLoop::schedule(std::chrono::nanoseconds delay)
     m_tools.queue.after(delay, [self = shared_from_this()] { self->passOrEnd(); });
 }
 
-/// False when there is no time origin yet: the frame is dropped.
-bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image)
+/// False when there is no time origin yet, or when the recording was paused since \a begin, where the pass began: the
+/// frame is dropped. It is taken all the same, so that a display that goes is noticed.
+bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image, double begin)
 {
+    if (m_recording->clock.wasPausedSince(begin))
+        return false;
     const std::unique_ptr<VNBufferDiscr> record = VNBufferDiscr::createWithScreenImage(std::move(image));
     const std::optional<std::int64_t> timestamp = m_recording->clock.timestamp();
     if (!timestamp) {
@@ -100,6 +104,8 @@ bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image)
         return false;
     }
     record->setBufferTimestamp(static_cast<std::uint64_t>(*timestamp));
+    record->setFollowsPause(m_lastKept > 0 && m_recording->clock.wasPausedSince(m_lastKept));
+    m_lastKept = begin;
     tellNow([this, timestamp] { m_listener.frameKept(*timestamp); });
     m_tools.spool.pushRecordBuffer(*record);
     ++m_recording->framesGrabbed;

@@ -68,7 +68,7 @@ private:
     void passOrEnd();
     void pass();
     void schedule(std::chrono::nanoseconds delay);
-    [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image);
+    [[nodiscard]] bool keepFrame(std::shared_ptr<const BitmapImage> image, double begin);
     void tellOfAudioWait();
     void end();
     void tellNow(const std::function<void()> &tell) const;
@@ -81,6 +81,7 @@ private:
     QRectF m_rectangle; ///< on the capture queue, as all below
     double m_frameRate = 30;
     int m_passesWithoutOrigin = 0;
+    double m_lastKept = 0;   ///< when the pass began that kept a picture last; 0: none has
     MemoryReserve m_reserve; ///< for the end, where a pass finds no memory
 };
 

@@ -33,7 +33,8 @@ public:
     void setProbe(Probe probe) { m_probe = std::move(probe); }
     /// A recording begins, whose movie is that of the spool's muxer context.
     void begin();
-    /// A picture is kept, at \a seconds of the absolute clock and \a timestamp in PKTimebase ticks.
+    /// A picture is kept, at \a seconds of a clock that stands while the recording is paused, and \a timestamp in PKTimebase
+    /// ticks.
     void frameKept(double seconds, std::int64_t timestamp);
 
 private:

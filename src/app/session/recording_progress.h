@@ -20,6 +20,8 @@ public:
     /// recorded, in screen coordinates (y up).
     virtual void showStopItem(const QString & /*title*/, const QRectF & /*recorded*/) { }
     virtual void setStopItemTitle(const QString & /*title*/) { }
+    /// The recording is paused, and the clock stands; or it goes on.
+    virtual void showPaused(bool /*isPaused*/) { }
     virtual void hideStopItem() { }
     /// Told about once a second while pictures are kept, until hideStopItem().
     virtual void showRoom(const RecordingRoom & /*room*/) { }

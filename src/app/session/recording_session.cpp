@@ -15,6 +15,7 @@
 #include "app/session/recording_questions.h"
 #include "app/session/recording_settings.h"
 #include "app/session/time_text.h"
+#include "base/PKTimebase.h"
 #include "base/error.h"
 #include "base/main_queue.h"
 #include "base/native_path.h"
@@ -94,7 +95,10 @@ SerialQueue &RecordingSession::imgCaptureQueue()
 void RecordingSession::setPhase(Phase phase)
 {
     const bool wasRecording = isRecording();
+    const bool wasPaused = isPaused();
     m_phase = phase;
+    if (wasPaused && !isPaused())
+        emit pausedChanged();
     if (isRecording() == wasRecording)
         return;
     // Whether sound is switched on counts only where it is switched, where the region changes, and at the launch.
@@ -336,7 +340,7 @@ void RecordingSession::describePicture(PKMuxerContext &context, RecordQuality qu
 
 void RecordingSession::frameKept(std::int64_t timestamp)
 {
-    m_diskWatch->frameKept(m_recording->clock.now(), timestamp);
+    m_diskWatch->frameKept(static_cast<double>(timestamp) / PKTimebase, timestamp);
     if (m_recording->stopItemIsShown)
         m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
     emit clockTicked(timestamp);
@@ -401,6 +405,29 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
         return;
     releaseDisplay();
     executeStopRecord();
+}
+
+bool RecordingSession::isPaused() const
+{
+    return m_phase == Phase::Capturing && m_recording->clock.isPaused();
+}
+
+bool RecordingSession::mayPause() const
+{
+    return m_phase == Phase::Capturing && m_recording->framesGrabbed > 0 && !m_spool->exit();
+}
+
+void RecordingSession::pauseOrResume()
+{
+    if (!mayPause())
+        return;
+    RecordingClock &clock = m_recording->clock;
+    if (clock.isPaused())
+        clock.resume();
+    else
+        clock.pause();
+    m_frontEnd.progress.showPaused(clock.isPaused());
+    emit pausedChanged();
 }
 
 void RecordingSession::stopRecord()

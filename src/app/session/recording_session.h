@@ -85,6 +85,10 @@ public:
     /// is not clear or sound is waited for, it ends with the first one, and without sound; a second call does not wait.
     /// While the display is made ready that is given up.
     void stopRecord();
+    /// Goes on only after the next call; what lies between is not in the movie. Nothing before the first picture.
+    void pauseOrResume();
+    [[nodiscard]] bool mayPause() const;
+    [[nodiscard]] bool isPaused() const;
     /// The desktop is asked for its screen, and perhaps asks its user.
     [[nodiscard]] bool awaitsDisplay() const { return m_awaitsDisplay; }
     /// There is sound, or it is still waited for.
@@ -123,6 +127,8 @@ public:
 
 signals:
     void stateChanged();
+    /// isPaused() is another now.
+    void pausedChanged();
     /// The timestamp of a kept frame, in PKTimebase ticks.
     void clockTicked(qint64 timestamp);
     /// The questions ended without a recording: the user thought better of it, or it cannot be made.

@@ -49,6 +49,7 @@ public:
     double announcedSeconds = 0;
     QString announcedFlaws;
     QStringList titles; ///< of the stop item
+    QList<bool> pauses; ///< paused, and going on
     QStringList kept;   ///< the ids of recordings
     QStringList alerts; ///< message and informative text
     QList<double> percents;
@@ -105,6 +106,7 @@ public:
         titles += title;
     }
     void setStopItemTitle(const QString &title) override { titles += title; }
+    void showPaused(bool isPaused) override { pauses += isPaused; }
     void hideStopItem() override { told += "hideStopItem"; }
     void showRoom(const RecordingRoom &room) override { rooms += room; }
     void warnOfLittleRoom(const RecordingRoom &room) override { warnings += room; }
