@@ -40,6 +40,11 @@ bool VNRecoderView::isRecording()
     return _delegate && _delegate->VNRecorderViewWindowIsRecording(*this);
 }
 
+bool VNRecoderView::isPaused()
+{
+    return _delegate && _delegate->VNRecorderViewWindowIsPaused(*this);
+}
+
 bool VNRecoderView::isRecordFullScreen()
 {
     return _delegate && _delegate->VNRecorderViewWindowIsRecordFullScreen(*this);
@@ -75,6 +80,7 @@ OverlayLook VNRecoderView::look()
 {
     const VNRecoderWindow *window = recorderWindow();
     OverlayLook look { bounds(), isRecording(), isActiveWindow(), !window || window->isTranslucent(), {} };
+    look.isPaused = isPaused();
     if (window && window->heldPixels() != look.bounds.toAlignedRect())
         look.held = window->heldPixels();
     return look;

@@ -43,6 +43,7 @@ public:
     /// Borrowed; null: idle and in rectangle mode.
     void setDelegate(VNRecoderViewDelegate *delegate) { _delegate = delegate; }
     [[nodiscard]] bool isRecording();
+    [[nodiscard]] bool isPaused();
     [[nodiscard]] bool isRecordFullScreen();
     /// Borrowed; may be null.
     void setLogoContext(VNLogoContext *logo);

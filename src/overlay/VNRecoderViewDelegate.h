@@ -15,6 +15,8 @@ public:
     /// Dragging has moved or resized the window.
     virtual void VNRecorderViewWindowFrameDidChanged(VNRecoderView & /*view*/) { }
     virtual bool VNRecorderViewWindowIsRecording(VNRecoderView & /*view*/) { return false; }
+    /// A recording that runs keeps no pictures now.
+    virtual bool VNRecorderViewWindowIsPaused(VNRecoderView & /*view*/) { return false; }
     virtual bool VNRecorderViewWindowIsRecordFullScreen(VNRecoderView & /*view*/) { return false; }
 };
 

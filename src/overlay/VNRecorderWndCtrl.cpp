@@ -133,6 +133,11 @@ bool VNRecorderWndCtrl::VNRecorderViewWindowIsRecording(VNRecoderView & /*view*/
     return _delegate && _delegate->VNRecorderWndCtrlIsRecording(*this);
 }
 
+bool VNRecorderWndCtrl::VNRecorderViewWindowIsPaused(VNRecoderView & /*view*/)
+{
+    return _delegate && _delegate->VNRecorderWndCtrlIsPaused(*this);
+}
+
 bool VNRecorderWndCtrl::VNRecoderWindowCanBecameKeyWindow(VNRecoderWindow & /*window*/)
 {
     return _delegate && !_delegate->VNRecorderWndCtrlIsRecording(*this);

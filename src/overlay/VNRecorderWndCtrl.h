@@ -59,6 +59,7 @@ public:
     [[nodiscard]] static QRectF excludeRectBounds(const QRectF &rectangle);
 
     bool VNRecorderViewWindowIsRecording(VNRecoderView &view) override;
+    bool VNRecorderViewWindowIsPaused(VNRecoderView &view) override;
     bool VNRecorderViewWindowIsRecordFullScreen(VNRecoderView &view) override;
     void VNRecorderViewWindowFrameDidChanged(VNRecoderView &view) override;
     /// Nobody asks: the window takes the focus at any time.

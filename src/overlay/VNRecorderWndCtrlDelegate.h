@@ -14,6 +14,8 @@ public:
 
     /// Whether a recording runs now.
     virtual bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) { return false; }
+    /// Whether it is paused.
+    virtual bool VNRecorderWndCtrlIsPaused(VNRecorderWndCtrl & /*controller*/) { return false; }
 };
 
 } // namespace vornic

@@ -82,10 +82,50 @@ QRegion pixelsOfDisc(const QRectF &square)
     return pixels;
 }
 
+/// What is seen of \a bar in \a held where it is dashed.
+void addDashes(std::vector<QRectF> &parts, const QRectF &bar, const QRectF &held)
+{
+    constexpr double dash = 16;
+    constexpr double period = 28;
+    const QRectF seen = bar & held;
+    const bool isUpright = bar.height() > bar.width();
+    const double begin = isUpright ? bar.top() : bar.left();
+    const double end = isUpright ? seen.bottom() : seen.right();
+    const double before = std::floor(((isUpright ? seen.top() : seen.left()) - begin) / period);
+    for (double at = begin + before * period; !seen.isEmpty() && at < end; at += period)
+        parts.push_back((isUpright ? QRectF(bar.left(), at, bar.width(), dash)
+                                   : QRectF(at, bar.top(), dash, bar.height()))
+                        & seen);
+}
+
+/// The parts of the frame in \a held; y as they have it.
+std::vector<QRectF> frameParts(const OverlayLook &look, const QRectF &held)
+{
+    std::vector<QRectF> parts;
+    for (const QRectF &bar : hotBars(look.bounds)) {
+        if (look.isPaused)
+            addDashes(parts, bar, held);
+        else
+            parts.push_back(bar & held);
+    }
+    return parts;
+}
+
 QRegion frameRegion(const QRectF &bounds)
 {
     const QRect outer = bounds.toRect().adjusted(2, 2, -2, -2);
     return QRegion(outer) - QRegion(outer.adjusted(4, 4, -4, -4));
+}
+
+/// The pixels of the frame; y down.
+QRegion shownFrame(const OverlayLook &look)
+{
+    if (!look.isPaused)
+        return frameRegion(look.bounds);
+    QRegion frame;
+    for (const QRectF &part : frameParts(look, look.held ? QRectF(*look.held) : look.bounds))
+        frame += part.toRect();
+    return frame;
 }
 
 QRegion hairlineRegion(const QRectF &bounds)
@@ -173,8 +213,8 @@ void paintOverlay(QPainter &painter, const OverlayLook &look, const VNLogoContex
         painter.fillRect(subjectRadiusBound(look.bounds) & held, tintColor());
     for (const QRectF &line : frameBars(hairlineBounds(look.bounds), 1))
         painter.fillRect(line & held, hairlineColor());
-    for (const QRectF &bar : hotBars(look.bounds))
-        painter.fillRect(bar & held, frameColor(look));
+    for (const QRectF &part : frameParts(look, held))
+        painter.fillRect(part, frameColor(look));
     painter.setRenderHint(QPainter::Antialiasing);
     if (!look.isRecording)
         fillHandles(painter, look, held);
@@ -209,7 +249,7 @@ LogoStencil stencilOf(const VNLogoContext *logo, const QRectF &bounds, const std
 
 QRegion overlayShape(const OverlayLook &look, const LogoStencil &logo)
 {
-    QRegion shape = hairlineRegion(look.bounds) + frameRegion(look.bounds) + logo.shape;
+    QRegion shape = hairlineRegion(look.bounds) + shownFrame(look) + logo.shape;
     if (!look.isRecording)
         shape += handlesRegion(look.bounds);
     return look.held ? shape & *look.held : shape;
@@ -220,7 +260,7 @@ void paintShapedOverlay(QPainter &painter, const OverlayLook &look, const LogoSt
     const QRegion held(look.held.value_or(look.bounds.toAlignedRect()));
     for (const QRect &line : hairlineRegion(look.bounds) & held)
         painter.fillRect(line, opaqueHairlineColor());
-    for (const QRect &bar : frameRegion(look.bounds) & held)
+    for (const QRect &bar : shownFrame(look) & held)
         painter.fillRect(bar, frameColor(look));
     if (!look.isRecording) {
         for (const QRect &part : handlesRegion(look.bounds) & held)
@@ -233,9 +273,10 @@ QRegion changedRegion(const OverlayLook &before, const OverlayLook &after)
 {
     if (before == after)
         return {};
-    OverlayLook beforeWithFocus = before;
-    beforeWithFocus.isKey = after.isKey;
-    if (beforeWithFocus == after)
+    OverlayLook beforeButFrame = before;
+    beforeButFrame.isKey = after.isKey;
+    beforeButFrame.isPaused = after.isPaused;
+    if (beforeButFrame == after)
         return frameRegion(after.bounds);
     return after.bounds.toAlignedRect();
 }

@@ -22,6 +22,7 @@ struct OverlayLook {
     bool isTranslucent = true; ///< a compositing manager lets the desktop show through
     /// The pixels of the view that the window holds, y down from the view's upper left; nothing said: all.
     std::optional<QRect> held = std::nullopt;
+    bool isPaused = false; ///< the recording is: the frame is dashed
 
     friend bool operator==(const OverlayLook &, const OverlayLook &) = default;
 };

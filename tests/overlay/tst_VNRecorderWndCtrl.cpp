@@ -17,7 +17,10 @@ public:
         return isRecording;
     }
 
+    bool VNRecorderWndCtrlIsPaused(VNRecorderWndCtrl & /*controller*/) override { return isPaused; }
+
     bool isRecording = false;
+    bool isPaused = false;
     VNRecorderWndCtrl *asked = nullptr;
 };
 
@@ -220,6 +223,27 @@ TEST_F(RecorderWndCtrl, RecordingHidesTintAndHandlesAtOnce)
     EXPECT_EQ(pixel(400, 300).alpha(), 0);
     EXPECT_EQ(pixel(4, 1), QColor(0, 0, 0, 128)) << "the frame's dark outline alone";
     EXPECT_EQ(pixel(400, 4).alpha(), 255);
+}
+
+TEST_F(RecorderWndCtrl, APausedRecordingHasADashedFrame)
+{
+    overlay.placeWindow();
+    delegate.isRecording = true;
+    overlay.reloadData();
+    const auto gaps = [this] {
+        const QImage image = overlay.recorderView()->grab().toImage();
+        int count = 0;
+        for (int x = 2; x < image.width() - 2; ++x)
+            count += image.pixelColor(x, 4).alpha() == 0 ? 1 : 0;
+        return count;
+    };
+    EXPECT_EQ(gaps(), 0);
+    delegate.isPaused = true;
+    overlay.reloadData();
+    EXPECT_GT(gaps(), 200);
+    delegate.isPaused = false;
+    overlay.reloadData();
+    EXPECT_EQ(gaps(), 0);
 }
 
 TEST_F(RecorderWndCtrl, WindowDelegateAnswersTheOppositeOfRecording)

@@ -95,6 +95,41 @@ TEST_P(OverlayPainting, RecordingLeavesOnlyTheFrame)
     EXPECT_EQ(image.copy(recorded), none);
 }
 
+TEST_P(OverlayPainting, TheFrameIsDashedWhileTheRecordingIsPaused)
+{
+    OverlayLook look { .bounds = bounds, .isRecording = true };
+    const QImage whole = painted(look);
+    look.isPaused = true;
+    const QImage dashed = painted(look);
+    int dashes = 0;
+    int gaps = 0;
+    for (int x = 2; x < 214; ++x) {
+        const bool isGap = at(dashed, x, 3) == nothing;
+        (isGap ? gaps : dashes) += 1;
+        EXPECT_EQ(at(dashed, x, 3), isGap ? nothing : lightGrey) << x;
+        EXPECT_EQ(at(whole, x, 3), lightGrey) << x;
+        EXPECT_EQ(at(dashed, x, 1), hairline) << "the outline stays";
+    }
+    EXPECT_GT(gaps, 60);
+    EXPECT_GT(dashes, 100);
+    int upright = 0;
+    for (int y = 8; y < 108; ++y)
+        upright += at(dashed, 3, y) == nothing ? 1 : 0;
+    EXPECT_GT(upright, 30);
+}
+
+/// Windows hold a part of a large overlay: the dashes do not depend on which.
+TEST_P(OverlayPainting, DashesAreTheSameInEveryPart)
+{
+    OverlayLook look { .bounds = bounds, .isRecording = true };
+    look.isPaused = true;
+    const QImage whole = painted(look);
+    look.held = QRect(50, 56, 90, 60);
+    const QImage part = painted(look);
+    for (int x = 50; x < 140; ++x)
+        EXPECT_EQ(at(part, x, 3), at(whole, x, 3)) << x;
+}
+
 TEST_P(OverlayPainting, LogoLiesOverEverythingWhileItIsOn)
 {
     VNLogoContext logo;
@@ -183,6 +218,21 @@ TEST_F(ShapedOverlay, RecordingShowsNothingInsideTheRectangle)
     EXPECT_EQ(image.pixelColor(4, 4), white);
     EXPECT_EQ(image.pixelColor(1, 50), QColor(64, 64, 64)) << "so that it is seen on white";
     EXPECT_EQ(image.pixelColor(50, 114), QColor(64, 64, 64));
+}
+
+TEST_F(ShapedOverlay, ADashedFrameIsCutOut)
+{
+    OverlayLook look { .bounds = bounds, .isRecording = true, .isTranslucent = false };
+    paint(look);
+    const QRegion whole = shape;
+    look.isPaused = true;
+    paint(look);
+    EXPECT_TRUE(isShapeAllThatIsPainted());
+    const QRegion gaps = whole - shape;
+    EXPECT_TRUE((shape - whole).isEmpty());
+    EXPECT_GT(gaps.rectCount(), 10);
+    EXPECT_TRUE((gaps - (QRegion(2, 2, 212, 112) - QRegion(6, 6, 204, 104))).isEmpty())
+        << "the outline stays";
 }
 
 TEST_F(ShapedOverlay, LogoIsCutOutPixelByPixel)
@@ -286,6 +336,19 @@ TEST(OverlayOfHugeBounds, IsPaintedWhereTheWindowHoldsIt)
     EXPECT_TRUE(isTint(image.pixelColor(50, 50)));
 }
 
+/// Otherwise the dashes of all of it would be reckoned.
+TEST(OverlayOfHugeBounds, IsDashedWhereTheWindowHoldsIt)
+{
+    OverlayLook look { .bounds = QRectF(0, 0, 40'000, 1e9), .held = QRect(39'900, 0, 100, 80) };
+    look.isRecording = true;
+    look.isPaused = true;
+    const QRegion shape = overlayShape(look, {});
+    EXPECT_LT(shape.rectCount(), 100);
+    const QRect upright(39'994, 6, 4, 74);
+    EXPECT_TRUE(shape.intersects(upright));
+    EXPECT_FALSE((QRegion(upright) - shape).isEmpty()) << "there are gaps";
+}
+
 TEST(ChangedRegion, IsNoMoreThanWhatLooksOtherwise)
 {
     const OverlayLook look { bounds };
@@ -293,6 +356,9 @@ TEST(ChangedRegion, IsNoMoreThanWhatLooksOtherwise)
     OverlayLook focused = look;
     focused.isKey = true;
     EXPECT_EQ(changedRegion(look, focused), QRegion(2, 2, 212, 112) - QRegion(6, 6, 204, 104));
+    OverlayLook paused = look;
+    paused.isPaused = true;
+    EXPECT_EQ(changedRegion(look, paused), changedRegion(look, focused)) << "the frame";
     OverlayLook recording = focused;
     recording.isRecording = true;
     EXPECT_EQ(changedRegion(look, recording), QRegion(bounds.toRect()));
