@@ -79,6 +79,16 @@ void CommandLineFrontEnd::setStopItemTitle(const QString &title)
         tell(line);
 }
 
+void CommandLineFrontEnd::showPaused(bool isPaused)
+{
+    const QString line = isPaused ? QCoreApplication::translate("vornic", "%1, paused").arg(m_lastTitle)
+                                  : QCoreApplication::translate("vornic", "%1, recording").arg(m_lastTitle);
+    if (m_isTerminal)
+        standardError().redraw(line);
+    else
+        tell(line);
+}
+
 void CommandLineFrontEnd::showRoom(const RecordingRoom &room)
 {
     m_room = sizeAndRoom(room);

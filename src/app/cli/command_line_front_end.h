@@ -48,6 +48,7 @@ public:
     void displayDeclined() override;
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
+    void showPaused(bool isPaused) override;
     void hideStopItem() override;
     void soundIsMissing(const std::function<void()> &goOn) override;
     void showRoom(const RecordingRoom &room) override;

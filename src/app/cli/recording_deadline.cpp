@@ -35,6 +35,7 @@ RecordingDeadline::RecordingDeadline(RecordingSession &session, double seconds)
         else
             m_timer.stop();
     });
+    connect(&session, &RecordingSession::pausedChanged, this, &RecordingDeadline::followPause);
     connect(&session,
             &RecordingSession::clockTicked,
             this,
@@ -65,6 +66,16 @@ void RecordingDeadline::endAt(Clock::time_point time)
     const Clock::duration left
         = std::clamp<Clock::duration>(m_end - Clock::now(), Clock::duration::zero(), longestTimer);
     m_timer.start(std::chrono::ceil<std::chrono::milliseconds>(left));
+}
+
+void RecordingDeadline::followPause()
+{
+    if (m_session.isPaused()) {
+        m_left = m_end - Clock::now();
+        m_timer.stop();
+    } else if (m_session.phase() == RecordingSession::Phase::Capturing) {
+        endAt(Clock::now() + m_left);
+    }
 }
 
 void RecordingDeadline::look()

@@ -37,6 +37,7 @@ void runLoop(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std
         frontEnd.leaveAsked();
         session.leave();
     });
+    QObject::connect(&signalled, &UnixSignals::pauseAsked, &session, [&session] { session.pauseOrResume(); });
     const auto terminate = [&session] { session.terminate(); };
     QObject::connect(&session, &RecordingSession::recordingRefused, &session, terminate);
     QObject::connect(&session, &RecordingSession::stateChanged, &session, [&session] {

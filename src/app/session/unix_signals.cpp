@@ -23,12 +23,13 @@ constexpr std::array handledSignals {
     HandledSignal { SIGTERM, SA_RESTART },
     HandledSignal { SIGHUP, SA_RESTART },
     HandledSignal { SIGQUIT, SA_RESTART | static_cast<int>(SA_RESETHAND) },
+    HandledSignal { SIGUSR1, SA_RESTART },
 };
 
 std::array<struct sigaction, handledSignals.size()> actionsBefore {};
 
-/// The handler may only do what is safe in a signal: it writes the number to the first socket, and to the watch. Neither
-/// may hold it up, and whoever was interrupted keeps its errno.
+/// The handler may only do what is safe in a signal: it writes the number to the first socket, and to the watch where the
+/// program is to end. Neither may hold it up, and whoever was interrupted keeps its errno.
 std::array<int, 2> sockets { -1, -1 };
 int watched = -1;
 
@@ -37,7 +38,7 @@ void handleSignal(int number)
     const int error = errno;
     const auto byte = static_cast<unsigned char>(number);
     static_cast<void>(!::write(sockets[0], &byte, sizeof byte));
-    if (watched >= 0)
+    if (watched >= 0 && number != SIGUSR1)
         static_cast<void>(!::send(watched, &byte, sizeof byte, MSG_DONTWAIT | MSG_NOSIGNAL));
     errno = error;
 }
@@ -82,6 +83,10 @@ void UnixSignals::readSignal()
 {
     unsigned char number = 0;
     while (::read(sockets[1], &number, sizeof number) == 1) {
+        if (number == SIGUSR1) {
+            emit pauseAsked();
+            continue;
+        }
         if (m_watch)
             m_watch->heard();
         if (number == SIGQUIT)

@@ -11,7 +11,7 @@ namespace vornic {
 
 class SignalWatch;
 
-/// SIGINT, SIGTERM, SIGHUP and SIGQUIT as Qt signals on the main thread.
+/// SIGINT, SIGTERM, SIGHUP, SIGQUIT and SIGUSR1 as Qt signals on the main thread.
 ///
 /// At most one exists; made by main after the application object. A SIGHUP that the program was started to ignore, as
 /// nohup does, stays ignored. Only the first SIGQUIT comes here: a second one ends the program at once.
@@ -28,6 +28,8 @@ signals:
     void terminationAsked(int number);
     /// To end now, and to leave the work for later.
     void leaveAsked();
+    /// To pause what is recorded, or to go on with it.
+    void pauseAsked();
 
 private:
     void readSignal();

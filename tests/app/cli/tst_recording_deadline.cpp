@@ -107,6 +107,32 @@ TEST_F(RecordingDeadlineTest, WhatWasWaitedForSoundThatCameDoesNotCount)
     EXPECT_GT(session->counts().framesWritten, 2U);
 }
 
+TEST_F(RecordingDeadlineTest, NoTimePassesWhileTheRecordingIsPaused)
+{
+    record(0.6);
+    ASSERT_TRUE(waitUntil([this] { return session->mayPause(); }));
+    session->pauseOrResume();
+    QElapsedTimer sincePause;
+    sincePause.start();
+    ASSERT_TRUE(waitUntil([&] { return sincePause.elapsed() >= 1000; }));
+    ASSERT_EQ(session->phase(), RecordingSession::Phase::Capturing);
+    const std::uint64_t before = session->counts().framesGrabbed;
+    session->pauseOrResume();
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(deadline->isReached());
+    EXPECT_GT(session->counts().framesGrabbed, before) << "what was left of it is recorded";
+}
+
+TEST_F(RecordingDeadlineTest, WhoIsStoppedWhilePausedIsNotOutOfTime)
+{
+    record(0.6);
+    ASSERT_TRUE(waitUntil([this] { return session->mayPause(); }));
+    session->pauseOrResume();
+    session->stopRecord();
+    ASSERT_TRUE(hasEnded());
+    EXPECT_FALSE(deadline->isReached());
+}
+
 TEST_F(RecordingDeadlineTest, ATimeThatIsOverWhileTheMovieIsWrittenWasNotReached)
 {
     record(1);

@@ -28,6 +28,20 @@ TEST(UnixSignalsTest, AFloodOfThemHoldsNobodyUp)
     EXPECT_EQ(asked.first().first().toInt(), SIGTERM);
 }
 
+TEST(UnixSignalsTest, EachTellsWhatIsAskedFor)
+{
+    const UnixSignals signalled([] {});
+    QSignalSpy ended(&signalled, &UnixSignals::terminationAsked);
+    QSignalSpy left(&signalled, &UnixSignals::leaveAsked);
+    QSignalSpy paused(&signalled, &UnixSignals::pauseAsked);
+    for (const int number : { SIGUSR1, SIGUSR1, SIGINT, SIGQUIT })
+        std::raise(number);
+    EXPECT_TRUE(test::waitUntil([&] { return !left.isEmpty(); }));
+    EXPECT_EQ(paused.size(), 2);
+    EXPECT_EQ(ended.size(), 1);
+    EXPECT_EQ(left.size(), 1);
+}
+
 TEST(UnixSignalsTest, WhoeverIsInterruptedKeepsItsErrno)
 {
     const UnixSignals signalled;
