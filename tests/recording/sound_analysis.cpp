@@ -74,7 +74,13 @@ std::vector<double> flashesIn(const QString &movie)
     return flashes;
 }
 
-Distances distancesIn(const QString &movie)
+/// A flash whose darkness and silence before it a pause has cut has no beginning to measure.
+static bool isCut(double flash, const QList<double> &cuts)
+{
+    return std::ranges::any_of(cuts, [&](double cut) { return cut > flash - 0.3 && cut < flash + 0.06; });
+}
+
+Distances distancesIn(const QString &movie, const QList<double> &cuts)
 {
     const std::vector<double> beeps = beepsIn(testing::decodedSound(movie));
     if (beeps.empty())
@@ -83,7 +89,7 @@ Distances distancesIn(const QString &movie)
     std::printf("picture after sound, ms:");
     for (const double flash : flashesIn(movie)) {
         // The output's latency changes when it begins to be recorded, and a beep that plays just then is cut.
-        if (flash < 1)
+        if (flash < 1 || isCut(flash, cuts))
             continue;
         const double nearest
             = *std::ranges::min_element(beeps, {}, [&](double beep) { return std::abs(beep - flash); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 #include <cstddef>
@@ -34,7 +35,8 @@ struct Distances {
     [[nodiscard]] bool areSmall() const { return count >= 6 && median <= 20 && largest <= 40; }
 };
 
-/// Of a movie's pictures from its sound, without the first second; prints them.
-Distances distancesIn(const QString &movie);
+/// Of a movie's pictures from its sound, without the first second and the flashes that begin near one of \a cuts, seconds;
+/// prints them.
+Distances distancesIn(const QString &movie, const QList<double> &cuts = {});
 
 } // namespace vornic

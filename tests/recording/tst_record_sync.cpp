@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 #include <numbers>
+#include <random>
+#include <utility>
 
 namespace vornic {
 
@@ -46,6 +48,8 @@ protected:
             "parec",
             { "--device=speakers.monitor", "--rate=48000", "--channels=2", "--format=s16le", reference() });
     }
+    std::mt19937 random { std::random_device()() };
+
     QString reference() const { return folder.filePath("reference.raw"); }
 
     std::vector<std::int16_t> referenceSound() const
@@ -81,6 +85,44 @@ protected:
                     tone.quietest,
                     tone.loudest);
         return tone;
+    }
+
+    /// Records with twenty pauses, and what is recorded and what is not of random length.
+    void recordWithPauses()
+    {
+        const auto program = startVornic(QStringList { "record", "--ignore-low-space" } + small
+                                         + QStringList { "--audio", "--overwrite", "o.mp4" });
+        QString told;
+        ASSERT_TRUE(waitForText(*program, "00:00:00", told)) << qPrintable(told);
+        std::uniform_int_distribution<int> recorded(700, 1400);
+        std::uniform_int_distribution<int> paused(30, 700);
+        for (int pause = 0; pause < 20; ++pause) {
+            letPass(std::chrono::milliseconds(recorded(random)));
+            for (const auto &[word, rest] :
+                 { std::pair(", paused", paused(random)), std::pair(", recording", 0) }) {
+                told.clear();
+                ASSERT_NO_FATAL_FAILURE(signal(*program, SIGUSR1));
+                ASSERT_TRUE(waitForText(*program, word, told)) << qPrintable(told);
+                letPass(std::chrono::milliseconds(rest));
+            }
+        }
+        letPass(std::chrono::milliseconds(recorded(random)));
+        ASSERT_NO_FATAL_FAILURE(signal(*program, SIGINT));
+        ASSERT_EQ(finish(*program).status, 0);
+    }
+
+    /// Where the movie is cut: at its key frames, of which some follow no pause.
+    QList<double> keyFrames() const
+    {
+        const QJsonObject probed = probe(movie());
+        const QList<qint64> times = testing::numbersOf(probed, "frames", "video", "pts");
+        const QList<qint64> isKey = testing::numbersOf(probed, "frames", "video", "key_frame");
+        QList<double> keys;
+        for (qsizetype i = 0; i < std::min(times.size(), isKey.size()); ++i) {
+            if (isKey[i] == 1)
+                keys += static_cast<double>(times[i]) / 90'000;
+        }
+        return keys;
     }
 };
 
@@ -133,6 +175,22 @@ TEST_P(RecordSyncTest, FlashesAndBeepsAreInStep)
         found = distancesIn(movie());
     }
     EXPECT_TRUE(found.areSmall());
+    EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
+}
+
+/// Each pause loses nothing but itself, and sound and picture lose the same.
+TEST_P(RecordSyncTest, FlashesAndBeepsStayInStepThroughTwentyPauses)
+{
+    startSound();
+    ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
+    const auto player = play({ "flashes", "400", "0.7" });
+    Distances found;
+    for (int attempt = 0; attempt < attempts && (attempt == 0 || !found.areSmall()); ++attempt) {
+        ASSERT_NO_FATAL_FAILURE(recordWithPauses());
+        found = distancesIn(movie(), keyFrames());
+    }
+    EXPECT_TRUE(found.areSmall());
+    EXPECT_GE(keyFrames().size(), 20);
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.1);
 }
 
