@@ -70,6 +70,10 @@ void VornicAppDelegate::followSession()
         reloadOverlay();
         m_frontEnd.progress.reloadData();
     });
+    connect(&session, &RecordingSession::pausedChanged, this, [this] {
+        reloadOverlay();
+        emit pausedChanged();
+    });
     connect(&session, &RecordingSession::clockTicked, this, &VornicAppDelegate::clockTicked);
     connect(&session, &RecordingSession::recordingRefused, this, &VornicAppDelegate::recordingRefused);
     connect(&session, &RecordingSession::readyToTerminate, this, &VornicAppDelegate::readyToTerminate);

@@ -60,6 +60,10 @@ public:
     [[nodiscard]] bool allowedAudioRecord() const;
     void alertError(const QString &text);
     [[nodiscard]] bool windowShouldClose() { return m_session->mayQuit(); }
+    [[nodiscard]] bool VNRecorderWndCtrlIsPaused(VNRecorderWndCtrl & /*controller*/) override
+    {
+        return isPaused();
+    }
     /// The main window closes: the overlay goes with it.
     void windowWillClose();
     [[nodiscard]] bool VNRecorderWndCtrlIsRecording(VNRecorderWndCtrl & /*controller*/) override
@@ -104,6 +108,9 @@ public:
     }
     /// The desktop is asked for its screen, which a stop gives up.
     [[nodiscard]] bool awaitsDisplay() const { return m_session && m_session->awaitsDisplay(); }
+    [[nodiscard]] bool isPaused() const { return m_session && m_session->isPaused(); }
+    [[nodiscard]] bool mayPause() const { return m_session && m_session->mayPause(); }
+    void pauseOrResume() { m_session->pauseOrResume(); }
     void recorded() { m_session->recorded(); }
     void recordNow(const QString &file = {}) { m_session->recordNow(file); }
     void startRecordSelectOutFile() { m_session->startRecordSelectOutFile(); }
@@ -163,6 +170,7 @@ signals:
     void allowedEditFontChanged();
     void allowedAudioRecordChanged();
     /// As the session's signals of these names.
+    void pausedChanged();
     void clockTicked(qint64 timestamp);
     void recordingRefused();
     void readyToTerminate();

@@ -191,6 +191,7 @@ void MainWindow::connectStart()
     connect(&m_delegate, &VornicAppDelegate::clockTicked, this, &MainWindow::showClock);
     for (const auto changed : { &QGuiApplication::screenAdded, &QGuiApplication::screenRemoved })
         connect(qGuiApp, changed, this, &MainWindow::showMonitor);
+    connect(&m_delegate, &VornicAppDelegate::pausedChanged, this, [this] { showClock(m_clock); });
     connect(m_ui->unfinishedLine, &UnfinishedLine::roomChanged, this, [this] {
         fitContents();
         keepOffRecorded();
@@ -393,7 +394,10 @@ void MainWindow::showClock(qint64 timestamp)
 {
     if (!m_delegate.isCapturing())
         return;
-    const QString text = tr("Sto&p   %1").arg(stringFromeTimestamp(timestamp));
+    m_clock = timestamp;
+    const QString clock = stringFromeTimestamp(timestamp);
+    const QString text
+        = m_delegate.isPaused() ? tr("Sto&p   %1, paused").arg(clock) : tr("Sto&p   %1").arg(clock);
     if (text == m_ui->recordButton->text())
         return;
     m_ui->recordButton->setText(text);

@@ -101,6 +101,7 @@ private:
 
     VornicAppDelegate &m_delegate;
     std::unique_ptr<OptionsViewModel> m_viewModel;
+    qint64 m_clock = 0; ///< of the recording, as it is shown; PKTimebase ticks
     bool m_shownRecording = false;
     std::function<bool()> m_frameIsExact; ///< empty: it is
     bool m_tellsOfPlace = false;          ///< the status line says what keepOffRecorded() has to tell

@@ -69,6 +69,9 @@ StopBar::StopBar(const QRect &recorded)
     m_button->setIcon(QIcon(QStringLiteral(":/skin/ministopRecorder1.png")));
     m_button->setIconSize({ 18, 18 });
     connect(m_button, &QAbstractButton::clicked, this, &StopBar::stopAsked);
+    m_pauseButton = addButton({});
+    connect(m_pauseButton, &QAbstractButton::clicked, this, &StopBar::pauseAsked);
+    setPaused(false);
     m_pointerTimer.setInterval(lookMs);
     connect(&m_pointerTimer, &QTimer::timeout, this, &StopBar::watchPointer);
 }
@@ -100,6 +103,16 @@ void StopBar::offerToGoOnWithoutSound(bool isOffered)
 void StopBar::setTitle(const QString &title)
 {
     m_button->setText(title);
+    fit();
+}
+
+void StopBar::setPaused(bool isPaused)
+{
+    m_isPaused = isPaused;
+    const QString name = isPaused ? tr("Go on with the recording") : tr("Pause the recording");
+    m_pauseButton->setText(isPaused ? tr("Resume") : tr("Pause"));
+    m_pauseButton->setToolTip(name);
+    m_pauseButton->setAccessibleName(name);
     fit();
 }
 
@@ -164,7 +177,8 @@ void StopBar::watchPointer()
 {
     const bool isRecorded = geometry().intersects(m_recorded);
     const bool isAsking = m_goOnButton && !m_goOnButton->isHidden();
-    if (!isRecorded || isAsking || (isVisible() && (geometry().contains(QCursor::pos()) || isActiveWindow())))
+    if (!isRecorded || isAsking || m_isPaused
+        || (isVisible() && (geometry().contains(QCursor::pos()) || isActiveWindow())))
         m_sinceNeeded.start();
     if (!pointerCallsIt())
         m_sinceAtEdge.invalidate();
@@ -261,9 +275,10 @@ bool StopBar::endsDrag()
     m_pressedAt.reset();
     if (!std::exchange(m_isDragging, false))
         return false;
-    m_button->setDown(false);
-    if (m_goOnButton)
-        m_goOnButton->setDown(false);
+    for (PushButton *button : { m_button, m_pauseButton, m_goOnButton }) {
+        if (button)
+            button->setDown(false);
+    }
     return true;
 }
 

@@ -20,7 +20,7 @@ class WindowOnTop;
 /// avoid, from the upper right on; in the upper right one where none is.
 [[nodiscard]] QPoint stopBarPosition(QSize bar, const QRect &available, const QRect &avoid);
 
-/// The small bar that stops a recording, with the running clock on its button.
+/// The small bar that stops a recording, with the running clock on its button, or pauses it.
 ///
 /// Made by StopItem while a recording runs; main thread only. It can be dragged by any part of it and closed by
 /// nobody. It never asks for the keyboard focus, and a key that reaches it counts only after a moment without keys,
@@ -35,6 +35,9 @@ public:
     ~StopBar() override;
 
     void setTitle(const QString &title);
+    /// The second button goes on with the recording, or pauses it. A bar that waits to go on does not hide itself, as no
+    /// picture is kept.
+    void setPaused(bool isPaused);
     /// What the button's tool tip tells beneath what it does.
     void setRoom(const QString &room);
     /// Shows it, or takes it off the screen.
@@ -48,6 +51,7 @@ public:
 
 signals:
     void stopAsked();
+    void pauseAsked();
     void goOnWithoutSoundAsked();
 
 protected:
@@ -71,8 +75,10 @@ private:
     QRect m_recorded;
     bool m_isWanted = false;
     bool m_isAbove = false;
+    bool m_isPaused = false;
     bool m_isHidingItself = false; ///< wanted, but not to be in the movie for longer
     PushButton *m_button = nullptr;
+    PushButton *m_pauseButton = nullptr;
     PushButton *m_goOnButton = nullptr;   ///< null until sound is missing
     std::unique_ptr<WindowOnTop> m_onTop; ///< while it is above full-screen windows
     std::optional<QPoint> m_pressedAt;    ///< the pointer at the press, on the screen

@@ -6,6 +6,8 @@
 #include "desktop/silent_bus.h"
 
 #include <QMenu>
+#include <QPainter>
+#include <QPixmap>
 
 #include <utility>
 
@@ -18,6 +20,27 @@ QIcon stopIcon()
     return QIcon(QStringLiteral(":/skin/ministopRecorder1.png"));
 }
 
+/// A grey disc with two white bars, in the place of the red one with a square.
+QIcon pausedIcon()
+{
+    QIcon icon;
+    for (const int side : { 16, 18, 22, 24, 32, 36, 48, 64 }) {
+        QPixmap picture(side, side);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(side / 18.0, side / 18.0);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(0x70, 0x70, 0x70));
+        painter.drawEllipse(QRectF(1, 1, 16, 16));
+        for (const double left : { 5.5, 10.0 })
+            painter.fillRect(QRectF(left, 5, 2.5, 8), Qt::white);
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
+}
+
 } // namespace
 
 StopItem::StopItem(const QString &title, const QRect &recorded)
@@ -27,6 +50,7 @@ StopItem::StopItem(const QString &title, const QRect &recorded)
     if (hasTray())
         makeTrayIcon();
     connect(m_bar.get(), &StopBar::stopAsked, this, &StopItem::stopAsked);
+    connect(m_bar.get(), &StopBar::pauseAsked, this, &StopItem::pauseAsked);
     connect(m_bar.get(), &StopBar::goOnWithoutSoundAsked, this, &StopItem::goOnWithoutSound);
     connect(m_fullScreen.get(), &FullScreenWatch::changed, this, &StopItem::showBarWhereNeeded);
     connect(&m_blinking, &QTimer::timeout, this, &StopItem::blink);
@@ -49,6 +73,8 @@ void StopItem::makeTrayIcon()
     m_goOnAction = m_menu->addAction(tr("Go on without sound"));
     m_goOnAction->setVisible(false);
     connect(m_goOnAction, &QAction::triggered, this, &StopItem::goOnWithoutSound);
+    m_pauseAction = m_menu->addAction(QString());
+    connect(m_pauseAction, &QAction::triggered, this, &StopItem::pauseAsked);
     connect(m_menu->addAction(stopIcon(), tr("Stop the recording")),
             &QAction::triggered,
             this,
@@ -110,7 +136,7 @@ void StopItem::drawAttention()
 void StopItem::blink()
 {
     --m_blinksLeft;
-    m_trayIcon->setIcon(m_blinksLeft % 2 == 0 ? stopIcon() : applicationIcon());
+    m_trayIcon->setIcon(m_blinksLeft % 2 == 0 ? icon() : applicationIcon());
     if (m_blinksLeft == 0)
         m_blinking.stop();
 }
@@ -131,6 +157,20 @@ void StopItem::setTitle(const QString &title)
     showTexts();
 }
 
+QIcon StopItem::icon() const
+{
+    return m_isPaused ? pausedIcon() : stopIcon();
+}
+
+void StopItem::setPaused(bool isPaused)
+{
+    m_isPaused = isPaused;
+    m_bar->setPaused(isPaused);
+    if (m_trayIcon && !m_blinking.isActive())
+        m_trayIcon->setIcon(icon());
+    showTexts();
+}
+
 void StopItem::setSoundIsLost(bool isLost)
 {
     m_soundIsLost = isLost;
@@ -148,13 +188,16 @@ void StopItem::setRoom(const QString &room)
 
 void StopItem::showTexts()
 {
-    const QString title = m_soundIsLost ? tr("%1, no sound").arg(m_title) : m_title;
+    QString title = m_isPaused ? tr("%1, paused").arg(m_title) : m_title;
+    if (m_soundIsLost)
+        title = tr("%1, no sound").arg(title);
     m_bar->setTitle(title);
     if (!m_trayIcon)
         return;
     const QString text = m_room.isEmpty() ? title : QStringLiteral("%1, %2").arg(title, m_room);
     m_trayIcon->setToolTip(tr("Vornic is recording: %1. Click to stop.").arg(text));
     m_clock->setText(tr("Recording: %1").arg(text));
+    m_pauseAction->setText(m_isPaused ? tr("Go on with the recording") : tr("Pause the recording"));
 }
 
 } // namespace vornic

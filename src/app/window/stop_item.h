@@ -37,6 +37,8 @@ public:
     void setRoom(const QString &room);
     /// Told beside the clock, for as long as it is so.
     void setSoundIsLost(bool isLost);
+    /// Told beside the clock and by the tray icon.
+    void setPaused(bool isPaused);
     /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
     /// the window manager would give it to the bar.
     void allowBar();
@@ -49,9 +51,11 @@ public:
 
 signals:
     void stopAsked();
+    void pauseAsked();
 
 private:
     void makeTrayIcon();
+    [[nodiscard]] QIcon icon() const;
     void showTexts();
     void showBarWhereNeeded();
     void goOnWithoutSound();
@@ -60,14 +64,16 @@ private:
     QString m_title;
     QString m_room;
     bool m_soundIsLost = false;
+    bool m_isPaused = false;
     bool m_isBarAllowed = false;
     std::function<void()> m_goOn; ///< empty but while sound is missing
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon; ///< null where the desktop has no tray
     QAction *m_clock = nullptr;                  ///< in m_menu
+    QAction *m_pauseAction = nullptr;            ///< in m_menu
     QAction *m_goOnAction = nullptr;             ///< in m_menu
     QTimer m_blinking;
-    int m_blinksLeft = 0; ///< changes of the tray icon; an even number leaves the stop icon
+    int m_blinksLeft = 0; ///< changes of the tray icon; an even number leaves icon()
     std::unique_ptr<StopBar> m_bar;
     std::unique_ptr<FullScreenWatch> m_fullScreen;
 };

@@ -58,6 +58,7 @@ WindowProgram::WindowProgram(QApplication &application,
         m_frontEnd.questions().end();
         m_delegate.leave();
     });
+    connect(&signalled, &UnixSignals::pauseAsked, &m_delegate, &VornicAppDelegate::pauseOrResume);
     connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
     connect(&instance,
             &SingleInstance::actionAsked,
@@ -87,6 +88,7 @@ void WindowProgram::launch()
     m_window = std::make_unique<MainWindow>(m_delegate);
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_recovery = std::make_unique<Recovery>(m_delegate, m_frontEnd.questions(), *m_window);
+    m_frontEnd.progress().setPause([this] { m_delegate.pauseOrResume(); });
     m_frontEnd.progress().setLater([this] { m_delegate.later(); });
     m_frontEnd.progress().setKept([this] { m_recovery->recordingKept(); });
     m_overlay.window()->setWindowAbove(m_window.get());

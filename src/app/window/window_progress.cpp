@@ -39,6 +39,10 @@ void WindowProgress::showStopItem(const QString &title, const QRectF &recorded)
     m_stopItem = std::make_unique<StopItem>(
         title, displayScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_stopItem.get(), m_stop);
+    QObject::connect(m_stopItem.get(), &StopItem::pauseAsked, m_stopItem.get(), [this] {
+        if (m_pause)
+            m_pause();
+    });
     m_isInMemory = liesInMemory(VNBufferMgr::cachePath());
 }
 
@@ -48,6 +52,12 @@ void WindowProgress::setStopItemTitle(const QString &title)
         return;
     m_stopItem->withdrawOffer(); // told of a picture that is kept: nothing is waited for
     m_stopItem->setTitle(title);
+}
+
+void WindowProgress::showPaused(bool isPaused)
+{
+    if (m_stopItem)
+        m_stopItem->setPaused(isPaused);
 }
 
 void WindowProgress::hideStopItem()

@@ -32,6 +32,8 @@ public:
 
     /// Called when the user asks for the end of the recording.
     void setStop(std::function<void()> stop) { m_stop = std::move(stop); }
+    /// Called when the user pauses the recording, or goes on with it.
+    void setPause(std::function<void()> pause) { m_pause = std::move(pause); }
     /// Called when the user puts the movie off that is written.
     void setLater(std::function<void()> later) { m_later = std::move(later); }
     /// Called when a recording is kept that has no movie.
@@ -39,6 +41,7 @@ public:
 
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
+    void showPaused(bool isPaused) override;
     void hideStopItem() override;
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;
@@ -61,6 +64,7 @@ public:
 private:
     const MainWindowLink &m_main;
     std::function<void()> m_stop;
+    std::function<void()> m_pause;
     std::function<void()> m_later;
     std::function<void()> m_kept;
     std::unique_ptr<StopItem> m_stopItem;

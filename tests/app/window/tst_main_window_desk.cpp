@@ -271,6 +271,24 @@ protected:
     const QTemporaryDir folder;
 };
 
+TEST_F(RecordingWindowTest, TheClockStandsWhileTheRecordingIsPaused)
+{
+    recordButton().click();
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.mayPause(); }));
+    const QSize size = window->size();
+    delegate.pauseOrResume();
+    EXPECT_TRUE(recordButton().text().endsWith(", paused")) << recordButton().text().toStdString();
+    EXPECT_TRUE(isStop());
+    EXPECT_EQ(delegate.state(), 1);
+    EXPECT_EQ(window->size(), size);
+    delegate.pauseOrResume();
+    EXPECT_FALSE(recordButton().text().endsWith(", paused"));
+    delegate.pauseOrResume();
+    QTest::keyClick(&recordButton(), Qt::Key_Return);
+    ASSERT_TRUE(test::waitUntil([this] { return !delegate.isRecording(); }));
+    EXPECT_EQ(recordButton().text(), "&Record");
+}
+
 TEST_F(RecordingWindowTest, TheButtonStopsWhileTheScreenIsTaken)
 {
     window->showStatus("Of the recording before.");

@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QToolTip>
 #include <QtTest>
@@ -81,6 +82,54 @@ TEST_F(WindowProgressTest, TheRoomIsToldInTheWindowAndByTheBar)
         EXPECT_EQ(status(), "Something else.");
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+}
+
+TEST_F(WindowProgressTest, TheBarPausesAndGoesOn)
+{
+    int asked = 0;
+    progress().setPause([&asked] { ++asked; });
+    startRecording();
+    ASSERT_TRUE(stopButton());
+    progress().setStopItemTitle("00:00:12");
+    const QList<QAbstractButton *> buttons = stopButton()->window()->findChildren<QAbstractButton *>();
+    ASSERT_EQ(buttons.size(), 2);
+    QAbstractButton &pause = *buttons[1];
+    EXPECT_EQ(pause.text(), "Pause");
+    EXPECT_EQ(pause.accessibleName(), "Pause the recording");
+    pause.click();
+    EXPECT_EQ(asked, 1);
+    progress().showPaused(true);
+    EXPECT_EQ(stopButton()->text(), "00:00:12, paused");
+    EXPECT_EQ(pause.text(), "Resume");
+    EXPECT_EQ(pause.accessibleName(), "Go on with the recording");
+    progress().soundIsLost(true);
+    EXPECT_EQ(stopButton()->text(), "00:00:12, paused, no sound");
+    progress().soundIsLost(false);
+    pause.click();
+    EXPECT_EQ(asked, 2);
+    progress().showPaused(false);
+    EXPECT_EQ(stopButton()->text(), "00:00:12");
+    EXPECT_EQ(pause.text(), "Pause");
+    progress().hideStopItem();
+    progress().showPaused(true); // told behind the end
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST_F(WindowProgressTest, ABarInTheMovieStaysWhileNoPictureIsKept)
+{
+    QCursor::setPos(700, 500);
+    showStopItem(QRectF(0, 0, 1440, 900));
+    progress().showPaused(true);
+    window->show();
+    window->activateWindow();
+    QElapsedTimer shown;
+    shown.start();
+    ASSERT_TRUE(test::waitUntil([&] { return shown.hasExpired(3500); }));
+    EXPECT_TRUE(stopButton()) << "it hides after three seconds otherwise";
+    progress().showPaused(false);
+    EXPECT_TRUE(test::waitUntil([] { return !stopButton(); }));
+    progress().hideStopItem();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST_F(WindowProgressTest, WhoLooksForTheProgramSeesTheBarThatHadHiddenItself)
