@@ -61,7 +61,7 @@ _vornic()
     fi
     local words=
     case $command in
-    '') words='record recover devices --record= --stop --toggle --help --version' ;;
+    '') words='record recover devices --record= --stop --toggle --pause --help --version' ;;
     record) words='--region --quality --audio --audio= --duration --overwrite --ignore-low-space --help' ;;
     recover) words='--quality --overwrite --delete --help' ;;
     esac

@@ -18,6 +18,7 @@ complete -c vornic -n $window -l record -x -a 'full\t"The full display" rectangl
 complete -c vornic -n $recordinto -a '(__fish_complete_suffix .mp4)'
 complete -c vornic -n $window -l stop -d 'End the recording of the window that runs'
 complete -c vornic -n $window -l toggle -d 'Begin a recording, or end the one that runs'
+complete -c vornic -n $window -l pause -d 'Pause it, or go on with it'
 complete -c vornic -n $window -s v -l version -d 'Print the version'
 complete -c vornic -n 'not __fish_seen_subcommand_from devices' -s h -l help -d 'List the commands and options'
 

@@ -96,6 +96,8 @@ QString actionFor(CommandLine::Task task)
         return QLatin1StringView(WindowProgram::stopAction);
     case CommandLine::Task::Toggle:
         return QLatin1StringView(WindowProgram::toggleAction);
+    case CommandLine::Task::Pause:
+        return QLatin1StringView(WindowProgram::pauseAction);
     case CommandLine::Task::Show:
         break;
     }
@@ -111,7 +113,7 @@ QString movieFile(const CommandLine &line)
 /// Why the window that runs does not do \a task now, or that there is none that could.
 QString refusalOf(CommandLine::Task task)
 {
-    if (task == CommandLine::Task::Stop)
+    if (task == CommandLine::Task::Stop || task == CommandLine::Task::Pause)
         return QCoreApplication::translate("vornic", "Vornic is not recording.");
     if (task == CommandLine::Task::Toggle)
         return QCoreApplication::translate(
@@ -129,7 +131,8 @@ std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
         = instance.isOnly() ? SingleInstance::Answer::None : instance.handOver(actionFor(line.task), file);
     if (answer == SingleInstance::Answer::Taken)
         return 0;
-    if (answer == SingleInstance::Answer::None && line.task != CommandLine::Task::Stop)
+    const bool needsRecording = line.task == CommandLine::Task::Stop || line.task == CommandLine::Task::Pause;
+    if (answer == SingleInstance::Answer::None && !needsRecording)
         return std::nullopt;
     logMessage(refusalOf(line.task));
     return 1;

@@ -34,7 +34,9 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
                          record the full display, or the selected rectangle; with FILE.mp4 at once
       --stop             end the recording of the window that runs
       --toggle           begin a recording at once, or end the one that runs: for a key of the desktop
-  vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it
+      --pause            pause it; again goes on with it
+  vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it,
+                         SIGUSR1 pauses it and goes on with it
       --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
                          ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
       --quality high|medium
@@ -66,6 +68,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addOptions({ value("record"),
                         flag("stop"),
                         flag("toggle"),
+                        flag("pause"),
                         value("region"),
                         value("quality"),
                         flag("audio"),
@@ -155,8 +158,9 @@ CommandLine withMovieFile(const CommandLine &line)
 CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
 {
     if (!parser.isSet(QStringLiteral("record"))) {
-        line.task
-            = parser.isSet(QStringLiteral("stop")) ? CommandLine::Task::Stop : CommandLine::Task::Toggle;
+        line.task = parser.isSet(QStringLiteral("stop")) ? CommandLine::Task::Stop
+            : parser.isSet(QStringLiteral("pause"))      ? CommandLine::Task::Pause
+                                                         : CommandLine::Task::Toggle;
         return line;
     }
     const QString value = parser.value(QStringLiteral("record"));
@@ -176,7 +180,7 @@ CommandLine readWindow(const QCommandLineParser &parser, CommandLine line)
 CommandLine readRecord(const QCommandLineParser &parser, CommandLine line)
 {
     line.action = CommandLine::Action::Record;
-    for (const auto *option : { "record", "stop", "toggle" }) {
+    for (const auto *option : { "record", "stop", "toggle", "pause" }) {
         if (parser.isSet(QLatin1StringView(option)))
             return wrongUsage(CommandLine::tr("--%1 is an option of the window, not of \"vornic record\".")
                                   .arg(QLatin1StringView(option)));
@@ -285,7 +289,9 @@ CommandLine parseCommandLine(const QStringList &arguments)
     if (!words.isEmpty() && words.first() == QStringLiteral("recover"))
         return readRecover(parser, line);
     const bool records = parser.isSet(QStringLiteral("record"));
-    const bool acts = parser.isSet(QStringLiteral("stop")) || parser.isSet(QStringLiteral("toggle"));
+    const bool acts = std::ranges::any_of(std::array { "stop", "toggle", "pause" }, [&](const char *option) {
+        return parser.isSet(QLatin1StringView(option));
+    });
     const bool isForWindow = records || (acts && words.isEmpty());
     if (isForWindow && parser.optionNames().size() == 1)
         return readWindow(parser, line);

@@ -23,7 +23,7 @@ public:
 
     // Window
     /// What the window does at once, the one that runs already where there is one.
-    enum class Task { Show, RecordFullDisplay, RecordRectangle, Stop, Toggle };
+    enum class Task { Show, RecordFullDisplay, RecordRectangle, Stop, Toggle, Pause };
     Task task = Task::Show;
 
     QString file; ///< the movie; empty where the window's save panel asks for it, or recover finds a name

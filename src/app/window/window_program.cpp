@@ -198,6 +198,8 @@ bool WindowProgram::canPerform(const QString &action) const
         return canToggle();
     if (action == QLatin1StringView(stopAction))
         return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || isCountingDown;
+    if (action == QLatin1StringView(pauseAction))
+        return m_delegate.mayPause();
     return !m_delegate.isRecording() && !m_delegate.awaitsDisplay() && !isCountingDown && !m_selection;
 }
 
@@ -220,6 +222,10 @@ void WindowProgram::perform(const QString &action, const QString &file)
     if (action == QLatin1StringView(stopAction)) {
         m_frontEnd.questions().cancelCountdown();
         m_delegate.stopRecord();
+        return;
+    }
+    if (action == QLatin1StringView(pauseAction)) {
+        m_delegate.pauseOrResume();
         return;
     }
     if (m_delegate.isCapturing()) {

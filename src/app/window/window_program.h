@@ -28,6 +28,7 @@ public:
     static constexpr auto recordRectangleAction = "record-rectangle";
     static constexpr auto stopAction = "stop";
     static constexpr auto toggleAction = "toggle";
+    static constexpr auto pauseAction = "pause";
 
     WindowProgram(QApplication &application, const UnixSignals &signalled, SingleInstance &instance);
     ~WindowProgram() override;

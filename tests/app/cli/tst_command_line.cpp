@@ -35,6 +35,12 @@ TEST(CommandLineTest, TheWindowMayBeginToRecord)
     EXPECT_EQ(parseCommandLine({ "vornic", "--record=full", "a.mp4", "b.mp4" }).problem,
               "--record takes one FILE.mp4, not 2.");
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "a.mp4" }).action, CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--pause" }).task, CommandLine::Task::Pause);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--pause" }).action, CommandLine::Action::Window);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--pause", "a.mp4" }).action, CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "--pause", "--stop" }).action, CommandLine::Action::WrongUsage);
+    EXPECT_EQ(parseCommandLine({ "vornic", "record", "--pause", "a.mp4" }).action,
+              CommandLine::Action::WrongUsage);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).task, CommandLine::Task::Stop);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop" }).action, CommandLine::Action::Window);
     EXPECT_EQ(parseCommandLine({ "vornic", "--stop", "--record=full" }).action,
