@@ -11,6 +11,13 @@ namespace {
 const QString countdownKey = QStringLiteral("com.kavlor.countdown");
 const QString audioDeviceKey = QStringLiteral("com.kavlor.audioDevice");
 const QString shortcutKey = QStringLiteral("com.kavlor.shortcut");
+const QString pauseShortcutKey = QStringLiteral("com.kavlor.pauseShortcut");
+
+QString storedKey(const QString &key, const QString &unlessStored)
+{
+    const QVariant stored = user_defaults::value(key);
+    return stored.isValid() ? stored.toString() : unlessStored;
+}
 
 } // namespace
 
@@ -27,13 +34,22 @@ void setCountdownSeconds(int seconds)
 
 QString shortcut()
 {
-    const QVariant stored = user_defaults::value(shortcutKey);
-    return stored.isValid() ? stored.toString() : QStringLiteral("Ctrl+Alt+R");
+    return storedKey(shortcutKey, QStringLiteral("Ctrl+Alt+R"));
 }
 
 void setShortcut(const QString &portableText)
 {
     user_defaults::setValue(shortcutKey, portableText);
+}
+
+QString pauseShortcut()
+{
+    return storedKey(pauseShortcutKey, QStringLiteral("Ctrl+Alt+P"));
+}
+
+void setPauseShortcut(const QString &portableText)
+{
+    user_defaults::setValue(pauseShortcutKey, portableText);
 }
 
 QString audioDevice()

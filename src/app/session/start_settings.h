@@ -21,6 +21,10 @@ void setCountdownSeconds(int seconds);
 [[nodiscard]] QString shortcut();
 void setShortcut(const QString &portableText);
 
+/// The same for the key that pauses a recording and goes on with it; "Ctrl+Alt+P" where nothing is stored.
+[[nodiscard]] QString pauseShortcut();
+void setPauseShortcut(const QString &portableText);
+
 /// The name of the audio input that the user chose last; empty where none was chosen.
 [[nodiscard]] QString audioDevice();
 void setAudioDevice(const QString &name);

@@ -199,11 +199,18 @@ void MainWindow::connectStart()
     connect(m_ui->statusLine, &StatusLine::openAsked, this, &MainWindow::openAsked);
     connect(m_ui->statusLine, &StatusLine::revealAsked, this, &MainWindow::revealAsked);
     setShortcut(start_settings::shortcut());
-    connect(m_ui->shortcutField, &ShortcutField::chosen, this, [this](const QString &portable) {
+    m_ui->pauseShortcutField->setShortcut(start_settings::pauseShortcut());
+    connectShortcut(*m_ui->shortcutField, &MainWindow::shortcutChosen);
+    connectShortcut(*m_ui->pauseShortcutField, &MainWindow::pauseShortcutChosen);
+}
+
+void MainWindow::connectShortcut(const ShortcutField &field, void (MainWindow::*chosen)(const QString &))
+{
+    connect(&field, &ShortcutField::chosen, this, [this, chosen](const QString &portable) {
         setShortcutProblem({});
-        emit shortcutChosen(portable);
+        emit(this->*chosen)(portable);
     });
-    connect(m_ui->shortcutField, &ShortcutField::refused, this, [this] {
+    connect(&field, &ShortcutField::refused, this, [this] {
         setShortcutProblem(tr("Hold Ctrl, Alt or Super with it."));
     });
 }

@@ -9,6 +9,7 @@
 namespace vornic {
 
 class OptionsViewModel;
+class ShortcutField;
 class UnfinishedLine;
 class VNColorWell;
 class VNComboboxView;
@@ -66,6 +67,8 @@ signals:
     void unfinishedAsked();
     /// The user has chosen another key, or none where it is empty.
     void shortcutChosen(const QString &portable);
+    /// The same for the key that pauses.
+    void pauseShortcutChosen(const QString &portable);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -87,6 +90,7 @@ private:
     void connectRegion();
     void connectLogo();
     void connectStart();
+    void connectShortcut(const ShortcutField &field, void (MainWindow::*chosen)(const QString &));
     void connectMenu();
     void connectColorWell(VNColorWell &well, const char *selector);
     void showAudioDevices();

@@ -43,6 +43,21 @@ QString nativeText(const QString &portableText)
     return QKeySequence(portableText, QKeySequence::PortableText).toString(QKeySequence::NativeText);
 }
 
+/// What stands beneath the keys in the window because of the one that pauses.
+QString pauseKeyNote(GlobalKey::Answer answer)
+{
+    switch (answer) {
+    case GlobalKey::Answer::TakenByOther:
+        return WindowProgram::tr("Another program has the key that pauses.");
+    case GlobalKey::Answer::NoSuchKey:
+        return WindowProgram::tr("The keyboard does not have the key that pauses.");
+    case GlobalKey::Answer::NotOnThisDesktop:
+        return WindowProgram::tr("Bind a desktop key to “vornic --pause”.");
+    default:
+        return {};
+    }
+}
+
 } // namespace
 
 WindowProgram::WindowProgram(QApplication &application,
@@ -51,6 +66,7 @@ WindowProgram::WindowProgram(QApplication &application,
     : m_delegate(m_frontEnd.frontEnd())
     , m_overlay(VNRecorderWndCtrl::shareRecorderWndCtrl())
     , m_key(GlobalKey::create())
+    , m_pauseKey(GlobalKey::createForMoment())
 {
     launch();
     connect(&signalled, &UnixSignals::terminationAsked, this, &WindowProgram::endUnattended);
@@ -67,7 +83,8 @@ WindowProgram::WindowProgram(QApplication &application,
     instance.setActionCheck([this](const QString &action) { return canPerform(action); });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
     connect(m_key.get(), &GlobalKey::answered, this, &WindowProgram::keyAnswered);
-    listenForKey();
+    connect(m_pauseKey.get(), &GlobalKey::pressed, &m_delegate, &VornicAppDelegate::pauseOrResume);
+    listenForKeys();
     followSession(application);
 }
 
@@ -112,7 +129,11 @@ void WindowProgram::connectWindow()
         connect(window, asked, this, [this] { m_frontEnd.progress().stepAside(); });
     connect(window, &MainWindow::shortcutChosen, this, [this](const QString &key) {
         start_settings::setShortcut(key);
-        listenForKey();
+        listenForKeys();
+    });
+    connect(window, &MainWindow::pauseShortcutChosen, this, [this](const QString &key) {
+        start_settings::setPauseShortcut(key);
+        listenForKeys();
     });
 }
 
@@ -255,9 +276,17 @@ void WindowProgram::toggle()
     }
 }
 
-void WindowProgram::listenForKey()
+/// The first trouble is told. A key that is to do both does what the first one does.
+void WindowProgram::listenForKeys()
 {
-    keyAnswered(m_key->listenFor(start_settings::shortcut()));
+    const QString key = start_settings::shortcut();
+    const QString pauseKey = start_settings::pauseShortcut();
+    const bool isSame = !key.isEmpty() && key == pauseKey;
+    static_cast<void>(m_pauseKey->listenFor({}));
+    const GlobalKey::Answer answer = m_key->listenFor(key);
+    m_pauseKeyNote = isSame ? tr("Both keys are the same: it does not pause.")
+                            : pauseKeyNote(m_pauseKey->listenFor(pauseKey));
+    keyAnswered(answer);
 }
 
 void WindowProgram::keyAnswered(GlobalKey::Answer answer)
@@ -267,7 +296,8 @@ void WindowProgram::keyAnswered(GlobalKey::Answer answer)
         start_settings::setShortcut({});
         m_window->setShortcut({});
     }
-    m_window->setShortcutProblem(keyNote(answer));
+    const QString note = keyNote(answer);
+    m_window->setShortcutProblem(note.isEmpty() ? m_pauseKeyNote : note);
     const bool isHeard = answer == GlobalKey::Answer::Heard || answer == GlobalKey::Answer::Asked;
     const QString given = m_key->givenKey();
     VNHintWndCtroller::shareHintWndCtroller().setKey(

@@ -50,7 +50,7 @@ private:
     void perform(const QString &action, const QString &file);
     [[nodiscard]] bool canPerform(const QString &action) const;
     void connectWindow();
-    void listenForKey();
+    void listenForKeys();
     void keyAnswered(GlobalKey::Answer answer);
     [[nodiscard]] QString keyNote(GlobalKey::Answer answer) const;
     void selectOnScreen();
@@ -65,6 +65,8 @@ private:
     std::unique_ptr<Recovery> m_recovery;
     std::unique_ptr<RegionSelection> m_selection; ///< null but while the user chooses a rectangle
     std::unique_ptr<GlobalKey> m_key;             ///< that starts and stops from any program
+    std::unique_ptr<GlobalKey> m_pauseKey;        ///< that pauses and goes on
+    QString m_pauseKeyNote;                       ///< empty where it is heard
 };
 
 } // namespace vornic

@@ -20,12 +20,15 @@ TEST_F(StartSettingsTest, WithoutStoredValuesNothingIsCountedDownAndThereIsAKey)
 {
     EXPECT_EQ(start_settings::countdownSeconds(), 0);
     EXPECT_EQ(start_settings::shortcut(), "Ctrl+Alt+R");
+    EXPECT_EQ(start_settings::pauseShortcut(), "Ctrl+Alt+P");
 }
 
 TEST_F(StartSettingsTest, WhatIsChosenIsStored)
 {
     start_settings::setCountdownSeconds(5);
     start_settings::setShortcut("Meta+F9");
+    start_settings::setPauseShortcut("Meta+F8");
+    EXPECT_EQ(start_settings::pauseShortcut(), "Meta+F8");
     EXPECT_EQ(start_settings::countdownSeconds(), 5);
     EXPECT_EQ(start_settings::shortcut(), "Meta+F9");
 }

@@ -447,11 +447,17 @@ TEST_F(MainWindowTest, EdgesOfTheColumnsAreAligned)
           "chkEnableAudio",
           "countdownLabel",
           "shortcutLabel",
+          "pauseShortcutLabel",
           "afterTitle",
           "chkReveal",
           "logoXLabel",
           "scaleLabel" },
-        { "mVideoQualityView", "mAudioDevicesView", "countdownView", "shortcutField", "scaleSlider" },
+        { "mVideoQualityView",
+          "mAudioDevicesView",
+          "countdownView",
+          "shortcutField",
+          "pauseShortcutField",
+          "scaleSlider" },
     };
     for (const QList<const char *> &names : sameLeft) {
         for (const char *name : names)
@@ -483,6 +489,7 @@ TEST_F(MainWindowTest, EveryControlHasAToolTip)
     EXPECT_FALSE(widget("logoImageView").toolTip().isEmpty());
     EXPECT_FALSE(widget("logoTextField").toolTip().isEmpty());
     EXPECT_FALSE(widget("shortcutField").toolTip().isEmpty());
+    EXPECT_FALSE(widget("pauseShortcutField").toolTip().isEmpty());
     // A device's name may be longer than its list.
     EXPECT_TRUE(widget("mAudioDevicesView").toolTip().endsWith("Microphone"));
     control<VNCheckCell>("chkEnableAudio").click();

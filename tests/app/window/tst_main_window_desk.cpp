@@ -250,6 +250,19 @@ TEST_F(MainWindowTest, WhereThereAreSeveralMonitorsItTellsWhichIsRecorded)
     EXPECT_EQ(window->height(), height);
 }
 
+TEST_F(MainWindowTest, TheKeyThatPausesIsShownAndChosen)
+{
+    auto &field = control<ShortcutField>("pauseShortcutField");
+    EXPECT_EQ(field.shortcut(), "Ctrl+Alt+P");
+    const QSignalSpy chosen(window.get(), &MainWindow::pauseShortcutChosen);
+    const QSignalSpy other(window.get(), &MainWindow::shortcutChosen);
+    QTest::keyClick(&field, Qt::Key_F8, Qt::MetaModifier);
+    EXPECT_EQ(chosen, (QList<QVariantList> { { "Meta+F8" } }));
+    QTest::keyClick(&field, Qt::Key_B);
+    EXPECT_EQ(control<QLabel>("shortcutProblem").text(), "Hold Ctrl, Alt or Super with it.");
+    EXPECT_TRUE(other.isEmpty());
+}
+
 class RecordingWindowTest : public MainWindowTest
 {
 protected:
