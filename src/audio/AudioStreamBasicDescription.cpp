@@ -79,6 +79,11 @@ std::uint16_t checksumOf(const AudioStreamBasicDescription &format)
     return qChecksum(bytes);
 }
 
+char silenceOf(const AudioStreamBasicDescription &format)
+{
+    return format.mBitsPerChannel == 8 ? static_cast<char>(0x80) : '\0';
+}
+
 AudioStreamBasicDescription defaultAudioStreamBasicDescription()
 {
     AudioStreamBasicDescription format;

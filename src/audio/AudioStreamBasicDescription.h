@@ -42,6 +42,9 @@ struct AudioStreamBasicDescription {
 /// the next.
 [[nodiscard]] std::uint16_t checksumOf(const AudioStreamBasicDescription &format);
 
+/// Each byte of a sample that is silence.
+[[nodiscard]] char silenceOf(const AudioStreamBasicDescription &format);
+
 /// What every recording asks for: 48,000 Hz, 2 channels, 16-bit signed, packed.
 [[nodiscard]] AudioStreamBasicDescription defaultAudioStreamBasicDescription();
 

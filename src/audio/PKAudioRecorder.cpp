@@ -2,6 +2,7 @@
 
 #include "audio/PKAudioControl.h"
 #include "audio/PKAudioRecorderDelegate.h"
+#include "audio/clocked_sound.h"
 #include "audio/pulse_connection.h"
 #include "base/clock.h"
 #include "base/log.h"
@@ -12,6 +13,8 @@
 #include <pulse/timeval.h>
 
 #include <algorithm>
+#include <optional>
+#include <stdexcept>
 #include <utility>
 
 namespace vornic {
@@ -53,11 +56,6 @@ std::optional<pa_sample_spec> sampleSpecOf(const AudioStreamBasicDescription &fo
     if (format.mBytesPerFrame != pa_frame_size(&spec))
         return std::nullopt;
     return spec;
-}
-
-char silenceOf(const AudioStreamBasicDescription &format)
-{
-    return format.mBitsPerChannel == 8 ? static_cast<char>(0x80) : '\0';
 }
 
 } // namespace
@@ -102,7 +100,13 @@ bool PKAudioRecorder::startRecordWithFormat(const AudioStreamBasicDescription &f
     m_pending.clear();
     m_beginsSoon = false;
     m_lossIsTold = false;
-    m_timeline.emplace(format.mSampleRate);
+    if (!sampleSpecOf(format))
+        return false;
+    try {
+        m_sound = std::make_unique<ClockedSound>(format);
+    } catch (const std::runtime_error &) {
+        return false;
+    }
     return openStream();
 }
 
@@ -142,7 +146,7 @@ bool PKAudioRecorder::connectStream()
     m_awaitsTiming = false;
     m_askedForTiming = 0;
     m_held.clear();
-    m_timeline->reopened();
+    m_sound->timeline().reopened();
     m_stream = pa_stream_new(m_connection.readyContext(), "Screen recording", &*spec, nullptr);
     if (!m_stream)
         return false;
@@ -176,7 +180,7 @@ void PKAudioRecorder::streamChanged()
 {
     const pa_stream_state_t state = pa_stream_get_state(m_stream);
     m_isLost = m_isLost || !PA_STREAM_IS_GOOD(state);
-    if (m_isLost && m_timeline->hasStarted() && !std::exchange(m_lossIsTold, true)) {
+    if (m_isLost && m_sound->timeline().hasStarted() && !std::exchange(m_lossIsTold, true)) {
         logMessage(QStringLiteral("The audio input device is gone; the recording goes on without sound."));
         tell(&PKAudioRecorderDelegate::soundWasLost);
     } else if (state == PA_STREAM_READY && std::exchange(m_lossIsTold, false)) {
@@ -206,7 +210,7 @@ void PKAudioRecorder::devicesListed()
 void PKAudioRecorder::read()
 {
     const double now = absoluteTimeSeconds();
-    m_timeline->arrived(now);
+    m_sound->timeline().arrived(now);
     const void *bytes = nullptr;
     std::size_t byteCount = 0;
     while (pa_stream_peek(m_stream, &bytes, &byteCount) >= 0 && byteCount > 0) {
@@ -224,7 +228,7 @@ void PKAudioRecorder::read()
 
 void PKAudioRecorder::askForTiming(double now)
 {
-    const double interval = m_timeline->isSettled() ? timingInterval : 0;
+    const double interval = m_sound->timeline().isSettled() ? timingInterval : 0;
     if (m_awaitsTiming || now - m_askedForTiming < interval)
         return;
     pa_operation *operation = pa_stream_update_timing_info(
@@ -258,26 +262,27 @@ void PKAudioRecorder::takeTiming()
     const double onTheWay
         = (static_cast<double>(timing->source_usec) - static_cast<double>(timing->sink_usec))
         / PA_USEC_PER_SEC;
-    m_timeline->addAnswer(time,
-                          static_cast<double>(timing->write_index) / m_format.mBytesPerFrame
-                              + onTheWay * m_format.mSampleRate);
+    m_sound->timeline().addAnswer(time,
+                                  static_cast<double>(timing->write_index) / m_format.mBytesPerFrame
+                                      + onTheWay * m_format.mSampleRate);
 }
 
 void PKAudioRecorder::placeHeld()
 {
     const auto frames = static_cast<std::uint64_t>(m_held.size()) / m_format.mBytesPerFrame;
-    if (!m_timeline->hasStarted()) {
-        m_timeline->leaveOut(frames);
+    if (!m_sound->timeline().hasStarted()) {
+        m_sound->timeline().leaveOut(frames);
         m_held.clear();
-        if (m_timeline->isSettled() && !std::exchange(m_beginsSoon, true))
+        if (m_sound->timeline().isSettled() && !std::exchange(m_beginsSoon, true))
             m_deliveries.async([this] { begin(); });
         return;
     }
-    if (!m_timeline->isSettled())
+    if (!m_sound->timeline().isSettled())
         return;
-    const CaptureTimeline::Placement placement = m_timeline->place(frames);
-    queueSilence(placement.silence);
-    m_pending += m_held.sliced(static_cast<qsizetype>(placement.drop) * m_format.mBytesPerFrame);
+    m_sound->place(m_held, [this](const QByteArray &samples) {
+        m_pending += samples;
+        queuePending();
+    });
     m_held.clear();
     queuePending();
 }
@@ -296,21 +301,11 @@ void PKAudioRecorder::begin()
         delegate = m_delegate;
         format = m_format;
         silence = QByteArray(static_cast<qsizetype>(chunkBytes()), silenceOf(format));
-        m_timeline->start(absoluteTimeSeconds() - 1 / chunksPerSecond - pictureDelay,
-                          chunkBytes() / format.mBytesPerFrame);
+        m_sound->start(absoluteTimeSeconds() - 1 / chunksPerSecond - pictureDelay,
+                       chunkBytes() / format.mBytesPerFrame);
     }
     if (delegate)
         delegate->dataRecord(*this, silence.constData(), static_cast<std::uint32_t>(silence.size()), format);
-}
-
-void PKAudioRecorder::queueSilence(std::uint64_t frames)
-{
-    for (std::uint64_t left = frames * m_format.mBytesPerFrame; left > 0;) {
-        const auto part = std::min<std::uint64_t>(left, chunkBytes());
-        m_pending.append(static_cast<qsizetype>(part), silenceOf(m_format));
-        left -= part;
-        queuePending();
-    }
 }
 
 void PKAudioRecorder::queuePending()

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "audio/audio_recorder.h"
-#include "audio/capture_timeline.h"
 #include "base/serial_queue.h"
 
 #include <QByteArray>
 
-#include <optional>
+#include <memory>
 
 struct pa_stream;
 
 namespace vornic {
 
+class ClockedSound;
 class PKAudioControl;
 class PulseConnection;
 
@@ -20,7 +20,8 @@ class PulseConnection;
 /// Made through the control, which it may not outlive. Samples arrive on the connection's thread; chunks are
 /// delivered on a queue of the recorder's own, under no lock, so that a delegate that is slow or that asks the
 /// control something holds up no one. The first chunk is 20 ms of silence: it ends at the very moment at which
-/// it is delivered, and every frame after it stands where it was captured, whatever the server's latency. A device
+/// it is delivered, and every frame after it stands where it was captured, whatever the server's latency and however
+/// true the device's clock. A device
 /// that vanishes is recorded again when it is back.
 class PKAudioRecorder final : public AudioRecorder
 {
@@ -50,7 +51,6 @@ private:
     void takeTiming();
     void placeHeld();
     void begin();
-    void queueSilence(std::uint64_t frames);
     void queuePending();
     void queueChunk(QByteArray chunk);
     [[nodiscard]] std::size_t chunkBytes() const;
@@ -62,11 +62,11 @@ private:
     std::uint32_t m_deviceID;
     PKAudioRecorderDelegate *m_delegate = nullptr;
     AudioStreamBasicDescription m_format;
-    pa_stream *m_stream = nullptr; ///< null: not recording
-    bool m_isLost = false;         ///< the stream ended by itself
-    bool m_lossIsTold = false;     ///< the delegate was told of it, and not of the sound's return
-    std::optional<CaptureTimeline> m_timeline;
-    double m_askedForTiming = 0; ///< absolute clock; 0: not since the stream was opened
+    pa_stream *m_stream = nullptr;         ///< null: not recording
+    bool m_isLost = false;                 ///< the stream ended by itself
+    bool m_lossIsTold = false;             ///< the delegate was told of it, and not of the sound's return
+    std::unique_ptr<ClockedSound> m_sound; ///< null before the first start
+    double m_askedForTiming = 0;           ///< absolute clock; 0: not since the stream was opened
     bool m_awaitsTiming = false;
     bool m_beginsSoon = false; ///< begin() is queued
     QByteArray m_held;         ///< as the device gave them, until it is known when they were captured

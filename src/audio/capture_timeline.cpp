@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t maximumAnswers = 15;
 constexpr std::size_t answersToSettle = 11;
 
-/// The smallest difference that is taken for a gap, not for the server's imprecision, seconds.
+/// The smallest difference that is taken for a gap, and not for a clock that is off or an imprecise answer, seconds.
 constexpr double gap = 0.025;
 
 /// When no frames arrive for this long, the device captures none, seconds.
@@ -45,6 +45,7 @@ void CaptureTimeline::reopened()
     m_taken = 0;
     m_lastArrival = 0;
     m_isAligned = false;
+    m_drift = {};
 }
 
 bool CaptureTimeline::isSettled() const
@@ -55,7 +56,7 @@ bool CaptureTimeline::isSettled() const
 void CaptureTimeline::start(double time, std::uint64_t frames)
 {
     m_start = time;
-    m_position = frames;
+    m_position = static_cast<double>(frames);
     m_hasStarted = true;
 }
 
@@ -70,7 +71,7 @@ double CaptureTimeline::medianOffset() const
 CaptureTimeline::Placement CaptureTimeline::place(std::uint64_t frames)
 {
     const double captured = medianOffset() + static_cast<double>(m_taken) / m_framesPerSecond;
-    const double error = captured - (m_start + static_cast<double>(m_position) / m_framesPerSecond);
+    const double error = captured - (m_start + m_position / m_framesPerSecond);
     Placement placement;
     if (!m_isAligned || std::abs(error) > gap) {
         const auto wrong = static_cast<std::uint64_t>(std::llround(std::abs(error) * m_framesPerSecond));
@@ -79,9 +80,12 @@ CaptureTimeline::Placement CaptureTimeline::place(std::uint64_t frames)
         else
             placement.drop = std::min(wrong, frames);
         m_isAligned = placement.drop < frames;
+    } else {
+        placement.stretch = m_drift.follow(error, static_cast<double>(frames) / m_framesPerSecond);
     }
     m_taken += frames;
-    m_position += placement.silence + frames - placement.drop;
+    m_position += static_cast<double>(placement.silence)
+        + static_cast<double>(frames - placement.drop) * (1 + placement.stretch);
     return placement;
 }
 
