@@ -66,6 +66,25 @@ std::uint32_t PKAudioControl::deviceIDFromName(const QString &name)
     return m_table.idOf(name);
 }
 
+bool PKAudioControl::hasSystemSound()
+{
+    const PulseConnection::Lock lock(*m_connection);
+    m_connection->waitUntil(m_deadline, [this] { return m_hasAnswer; });
+    return m_table.isThere(systemSoundID);
+}
+
+bool PKAudioControl::isSystemSound(std::uint32_t deviceID)
+{
+    const PulseConnection::Lock lock(*m_connection);
+    return m_table.isThere(deviceID) && m_table.sourceOf(deviceID) == m_table.sourceOf(systemSoundID);
+}
+
+bool PKAudioControl::isMonitor(std::uint32_t deviceID)
+{
+    const PulseConnection::Lock lock(*m_connection);
+    return m_table.isMonitor(deviceID);
+}
+
 void PKAudioControl::setDelegate(PKAudioControlDelegate *delegate)
 {
     m_announcement->delegate = delegate;
@@ -98,6 +117,7 @@ void PKAudioControl::serverChanged()
     }
     m_arriving.clear();
     m_defaultSource.clear();
+    m_defaultOutput.clear();
     takeList();
 }
 
@@ -128,7 +148,9 @@ void PKAudioControl::readDevices()
     forget(pa_context_get_server_info(
         context,
         [](pa_context *, const pa_server_info *info, void *self) {
-            static_cast<PKAudioControl *>(self)->m_defaultSource = info ? info->default_source_name : "";
+            auto &control = *static_cast<PKAudioControl *>(self);
+            control.m_defaultSource = info ? info->default_source_name : "";
+            control.m_defaultOutput = info ? info->default_sink_name : "";
         },
         this));
     forget(pa_context_get_source_info_list(
@@ -145,14 +167,16 @@ void PKAudioControl::readDevices()
 
 void PKAudioControl::takeSource(const pa_source_info &source)
 {
-    m_arriving.push_back(
-        { source.name, QString::fromUtf8(source.description), source.monitor_of_sink != PA_INVALID_INDEX });
+    m_arriving.push_back({ source.name,
+                           QString::fromUtf8(source.description),
+                           source.monitor_of_sink != PA_INVALID_INDEX,
+                           source.monitor_of_sink_name });
 }
 
 void PKAudioControl::takeList()
 {
     m_hasAnswer = true;
-    if (m_table.update(std::exchange(m_arriving, {}), m_defaultSource))
+    if (m_table.update(std::exchange(m_arriving, {}), m_defaultSource, m_defaultOutput))
         devicesChanged();
     for (PKAudioRecorder *recorder : m_recorders)
         recorder->devicesListed();

@@ -29,6 +29,9 @@ public:
     explicit PKAudioControl(const QByteArray &server = {});
     ~PKAudioControl() override;
 
+    [[nodiscard]] bool hasSystemSound() override;
+    [[nodiscard]] bool isSystemSound(std::uint32_t deviceID) override;
+    [[nodiscard]] bool isMonitor(std::uint32_t deviceID) override;
     /// Waits for the server's first answer, a second at most since the control was made.
     [[nodiscard]] QStringList inputDevicesName() override;
     [[nodiscard]] std::uint32_t deviceIDFromName(const QString &name) override;
@@ -62,6 +65,7 @@ private:
     AudioDeviceTable m_table;
     std::vector<AudioInputFacts> m_arriving; ///< of the answer that is coming in
     QByteArray m_defaultSource;
+    QByteArray m_defaultOutput;
     std::vector<PKAudioRecorder *> m_recorders;
     bool m_hasAnswer = false;
     bool m_isReading = false;

@@ -142,6 +142,7 @@ bool PKAudioRecorder::connectStream()
     const QByteArray source = m_control.sourceOf(m_deviceID);
     if (!spec || source.isEmpty() || !m_connection.readyContext())
         return false;
+    m_source = source;
     m_isLost = false;
     m_awaitsTiming = false;
     m_askedForTiming = 0;
@@ -197,10 +198,13 @@ void PKAudioRecorder::tell(void (PKAudioRecorderDelegate::*what)(AudioRecorder &
         m_deliveries.async([this, what, delegate = m_delegate] { (delegate->*what)(*this); });
 }
 
-/// A stream that has failed is replaced only where its device is there: otherwise the next list is waited for.
+/// A stream that has failed is replaced only where its device is there: otherwise the next list is waited for. What the
+/// system plays is another device as soon as the default output is.
 void PKAudioRecorder::devicesListed()
 {
-    if (!m_stream || !m_isLost || !m_control.isThere(m_deviceID))
+    if (!m_stream || !m_control.isThere(m_deviceID))
+        return;
+    if (!m_isLost && m_control.sourceOf(m_deviceID) == m_source)
         return;
     closeStream();
     if (!connectStream())

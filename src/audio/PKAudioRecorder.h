@@ -22,7 +22,7 @@ class PulseConnection;
 /// control something holds up no one. The first chunk is 20 ms of silence: it ends at the very moment at which
 /// it is delivered, and every frame after it stands where it was captured, whatever the server's latency and however
 /// true the device's clock. A device
-/// that vanishes is recorded again when it is back.
+/// that vanishes is recorded again when it is back; what the system plays is recorded where it is played.
 class PKAudioRecorder final : public AudioRecorder
 {
 public:
@@ -63,6 +63,7 @@ private:
     PKAudioRecorderDelegate *m_delegate = nullptr;
     AudioStreamBasicDescription m_format;
     pa_stream *m_stream = nullptr;         ///< null: not recording
+    QByteArray m_source;                   ///< the server's name of what the stream records
     bool m_isLost = false;                 ///< the stream ended by itself
     bool m_lossIsTold = false;             ///< the delegate was told of it, and not of the sound's return
     std::unique_ptr<ClockedSound> m_sound; ///< null before the first start

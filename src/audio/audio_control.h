@@ -22,6 +22,17 @@ public:
     AudioControl(const AudioControl &) = delete;
     AudioControl &operator=(const AudioControl &) = delete;
 
+    /// The ID of what the system plays: the monitor of the output that is the default one at the time. It is none of the
+    /// list's.
+    static constexpr std::uint32_t systemSoundID = 0xFFFFFFFF;
+    /// Whether there is an output to record it from.
+    [[nodiscard]] virtual bool hasSystemSound() { return false; }
+    /// Whether that device is what the system plays, as it is now.
+    [[nodiscard]] virtual bool isSystemSound(std::uint32_t /*deviceID*/) { return false; }
+
+    /// Whether that device is the monitor of an output, which is silent while nothing is played.
+    [[nodiscard]] virtual bool isMonitor(std::uint32_t /*deviceID*/) { return false; }
+
     /// The devices' names in the order in which to show them, the desktop's default device first. No two
     /// devices have the same name.
     [[nodiscard]] virtual QStringList inputDevicesName() = 0;

@@ -1,5 +1,7 @@
 #include "audio/audio_device_table.h"
 
+#include "audio/audio_control.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -15,15 +17,22 @@ bool hasName(const Devices &devices, const QString &name)
 
 } // namespace
 
-bool AudioDeviceTable::update(std::vector<AudioInputFacts> inputs, const QByteArray &defaultSource)
+bool AudioDeviceTable::update(std::vector<AudioInputFacts> inputs,
+                              const QByteArray &defaultSource,
+                              const QByteArray &defaultOutput)
 {
+    const auto system = std::ranges::find_if(inputs, [&](const AudioInputFacts &input) {
+        return input.isMonitor && !defaultOutput.isEmpty() && input.output == defaultOutput;
+    });
+    if (system != inputs.end())
+        m_systemSource = system->source;
     std::ranges::stable_sort(inputs, {}, [&](const AudioInputFacts &input) {
         return input.source == defaultSource ? 0 : input.isMonitor ? 2 : 1;
     });
     std::vector<Device> devices;
     for (const AudioInputFacts &input : inputs) {
         m_ids.try_emplace(input.source, static_cast<std::uint32_t>(m_ids.size() + 1));
-        devices.push_back({ input.source, distinctName(input, devices) });
+        devices.push_back({ input.source, distinctName(input, devices), input.isMonitor });
     }
     return std::exchange(m_devices, devices) != devices;
 }
@@ -54,8 +63,16 @@ std::uint32_t AudioDeviceTable::idOf(const QString &name) const
 
 QByteArray AudioDeviceTable::sourceOf(std::uint32_t id) const
 {
+    if (id == AudioControl::systemSoundID)
+        return m_systemSource;
     const auto found = std::ranges::find(m_ids, id, [](const auto &entry) { return entry.second; });
     return found == m_ids.end() ? QByteArray() : found->first;
+}
+
+bool AudioDeviceTable::isMonitor(std::uint32_t id) const
+{
+    const auto found = std::ranges::find(m_devices, sourceOf(id), &Device::source);
+    return found != m_devices.end() && found->isMonitor;
 }
 
 bool AudioDeviceTable::isThere(std::uint32_t id) const

@@ -14,6 +14,8 @@ public:
     static constexpr std::uint32_t microphoneID = 1; ///< plays a tone with clicks
     static constexpr std::uint32_t monitorID = 2;    ///< is silent
 
+    [[nodiscard]] bool hasSystemSound() override { return true; }
+    [[nodiscard]] bool isMonitor(std::uint32_t deviceID) override { return deviceID != microphoneID; }
     /// "Fake microphone" and "Monitor of fake output".
     [[nodiscard]] QStringList inputDevicesName() override;
     [[nodiscard]] std::uint32_t deviceIDFromName(const QString &name) override;

@@ -20,7 +20,8 @@ constexpr double chunksPerSecond = 50;
 
 bool isDevice(std::uint32_t deviceID)
 {
-    return deviceID == FakeAudioControl::microphoneID || deviceID == FakeAudioControl::monitorID;
+    return deviceID == FakeAudioControl::microphoneID || deviceID == FakeAudioControl::monitorID
+        || deviceID == AudioControl::systemSoundID;
 }
 
 bool canBeRecorded(const AudioStreamBasicDescription &format)

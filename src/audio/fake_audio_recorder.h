@@ -10,7 +10,7 @@ namespace vornic {
 /// Records a fake device: sound that is computed, the same to the bit in every recording.
 ///
 /// Frame n of a recording of the microphone is sample n of a 440 Hz sine (toneLevel) that begins at phase 0, but
-/// for a click of one millisecond (clickLevel) in the middle of each second; the monitor is silent.
+/// for a click of one millisecond (clickLevel) in the middle of each second; the monitor is silent, and so is what the system plays.
 ///
 /// Made by FakeAudioControl. A thread of its own delivers chunks of 20 ms. The recording begins at the moment of
 /// startRecordWithFormat(); each chunk comes when its last frame is due by the absolute clock, and chunks that

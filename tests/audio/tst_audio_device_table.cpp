@@ -1,3 +1,4 @@
+#include "audio/audio_control.h"
 #include "audio/audio_device_table.h"
 
 #include <gtest/gtest.h>
@@ -57,6 +58,30 @@ TEST(AudioDeviceTableTest, OnlyWhatShowsIsAChange)
     EXPECT_FALSE(table.update({ laptop, desk }, "gone"));
     EXPECT_TRUE(table.update({ laptop, { "usb-1", "Renamed", false } }, "pci-1"));
     EXPECT_TRUE(table.update({}, {}));
+}
+
+TEST(AudioDeviceTableTest, WhatTheSystemPlaysIsTheMonitorOfTheDefaultOutput)
+{
+    constexpr std::uint32_t system = AudioControl::systemSoundID;
+    const AudioInputFacts speakers { "out.monitor", "Monitor of Speakers", true, "out" };
+    const AudioInputFacts headset { "usb.monitor", "Monitor of Headset", true, "usb" };
+    AudioDeviceTable table;
+    EXPECT_FALSE(table.isThere(system));
+    table.update({ laptop }, "pci-1", "out");
+    EXPECT_FALSE(table.isThere(system)) << "an output without a monitor";
+    table.update({ laptop, speakers, headset }, "pci-1", "out");
+    EXPECT_EQ(table.sourceOf(system), "out.monitor");
+    EXPECT_TRUE(table.isThere(system));
+    table.update({ laptop, speakers, headset }, "pci-1", "usb");
+    EXPECT_EQ(table.sourceOf(system), "usb.monitor");
+    table.update({ laptop }, "pci-1", {});
+    EXPECT_FALSE(table.isThere(system));
+    EXPECT_EQ(table.idOf("Monitor of Headset"), 0U);
+    table.update({ laptop, speakers }, "pci-1", "out");
+    EXPECT_EQ(table.sourceOf(system), "out.monitor");
+    EXPECT_TRUE(table.isMonitor(table.idOf("Monitor of Speakers")));
+    EXPECT_FALSE(table.isMonitor(table.idOf("Built-in Microphone")));
+    EXPECT_FALSE(table.isMonitor(0));
 }
 
 TEST(AudioDeviceTableTest, UnknownNamesAndNumbersAreNoDevice)
