@@ -4,11 +4,15 @@
 #include "display/main_display.h"
 #include "geometry/y_up.h"
 
+#include <algorithm>
+
 namespace vornic {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int fullLevel = 100;
 
 /// The upper bound is applied last, and so wins where the bounds cross.
 double clamped(double value, double lower, double upper)
@@ -18,6 +22,13 @@ double clamped(double value, double lower, double upper)
     if (value > upper)
         value = upper;
     return value;
+}
+
+/// Stored is by how much it differs from the full level, so that zero stands for that.
+int levelFrom(const KeyedUnarchiver &coder, QLatin1StringView key)
+{
+    const std::int64_t percent = std::int64_t { fullLevel } + coder.decodeInt32(key);
+    return static_cast<int>(std::clamp<std::int64_t>(percent, 0, VNOption::maxLevel));
 }
 
 } // namespace
@@ -33,6 +44,9 @@ VNOption::VNOption(const KeyedUnarchiver &coder)
     : _recordRegion(coder.decodeInt32("_recordRegion"_L1))
     , _selectedRect(coder.decodeRect("_recordBounds"_L1))
     , _enableAudio(coder.decodeBool("_enableAudio"_L1))
+    , m_recordsSystemSound(coder.decodeBool("recordsSystemSound"_L1))
+    , m_inputLevel(levelFrom(coder, "inputLevelChange"_L1))
+    , m_systemLevel(levelFrom(coder, "systemLevelChange"_L1))
     , _showInFinder(coder.decodeBool("_showInFinder"_L1))
     , _openRecorded(coder.decodeBool("_openRecorded"_L1))
     , _recordQuality(coder.decodeInt32("_recordQuality"_L1))
@@ -60,6 +74,9 @@ void VNOption::encodeWithCoder(KeyedArchiver &coder) const
     coder.encodeBool("_enableAudio"_L1, _enableAudio);
     coder.encodeBool("_showInFinder"_L1, _showInFinder);
     coder.encodeBool("_openRecorded"_L1, _openRecorded);
+    coder.encodeBool("recordsSystemSound"_L1, m_recordsSystemSound);
+    coder.encodeInt32("inputLevelChange"_L1, m_inputLevel - fullLevel);
+    coder.encodeInt32("systemLevelChange"_L1, m_systemLevel - fullLevel);
 }
 
 void VNOption::declareDependencies()
@@ -138,6 +155,24 @@ void VNOption::setEnableAudio(bool enable)
 {
     _enableAudio = enable;
     notifyChanged({ "enableAudio" });
+}
+
+void VNOption::setRecordsSystemSound(bool records)
+{
+    m_recordsSystemSound = records;
+    notifyChanged({ "recordsSystemSound" });
+}
+
+void VNOption::setInputLevel(int percent)
+{
+    m_inputLevel = std::clamp(percent, 0, maxLevel);
+    notifyChanged({ "inputLevel" });
+}
+
+void VNOption::setSystemLevel(int percent)
+{
+    m_systemLevel = std::clamp(percent, 0, maxLevel);
+    notifyChanged({ "systemLevel" });
 }
 
 void VNOption::setShowInFinderWhenFinished(bool show)

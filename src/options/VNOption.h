@@ -25,6 +25,10 @@ class VNOption : public ObservableObject
     Q_PROPERTY(int recordQuality READ recordQuality WRITE setRecordQuality NOTIFY recordQualityChanged)
     Q_PROPERTY(vornic::VNLogoContext *logoContext READ logoContext CONSTANT)
     Q_PROPERTY(bool enableAudio READ enableAudio WRITE setEnableAudio NOTIFY enableAudioChanged)
+    Q_PROPERTY(bool recordsSystemSound READ recordsSystemSound WRITE setRecordsSystemSound NOTIFY
+                   recordsSystemSoundChanged)
+    Q_PROPERTY(int inputLevel READ inputLevel WRITE setInputLevel NOTIFY inputLevelChanged)
+    Q_PROPERTY(int systemLevel READ systemLevel WRITE setSystemLevel NOTIFY systemLevelChanged)
     Q_PROPERTY(bool showInFinderWhenFinished READ showInFinderWhenFinished WRITE setShowInFinderWhenFinished
                    NOTIFY showInFinderWhenFinishedChanged)
     Q_PROPERTY(bool openRecordedWhenFinished READ openRecordedWhenFinished WRITE setOpenRecordedWhenFinished
@@ -68,6 +72,15 @@ public:
     [[nodiscard]] RecordQuality quality() const { return static_cast<RecordQuality>(_recordQuality); }
     [[nodiscard]] bool enableAudio() const { return _enableAudio; }
     void setEnableAudio(bool enable);
+    /// What the system plays is recorded too, wherever sound is.
+    [[nodiscard]] bool recordsSystemSound() const { return m_recordsSystemSound; }
+    void setRecordsSystemSound(bool records);
+    /// How loud the input and the system are in the movie, in percent; from 0 to maxLevel.
+    static constexpr int maxLevel = 150;
+    [[nodiscard]] int inputLevel() const { return m_inputLevel; }
+    void setInputLevel(int percent);
+    [[nodiscard]] int systemLevel() const { return m_systemLevel; }
+    void setSystemLevel(int percent);
     [[nodiscard]] bool showInFinderWhenFinished() const { return _showInFinder; }
     void setShowInFinderWhenFinished(bool show);
     [[nodiscard]] bool openRecordedWhenFinished() const { return _openRecorded; }
@@ -122,6 +135,9 @@ signals:
     void recordRegionChanged();
     void recordQualityChanged();
     void enableAudioChanged();
+    void recordsSystemSoundChanged();
+    void inputLevelChanged();
+    void systemLevelChanged();
     void showInFinderWhenFinishedChanged();
     void openRecordedWhenFinishedChanged();
     void isRecordFullScreenChanged();
@@ -145,6 +161,9 @@ private:
     QRectF _selectedRect;
     std::unique_ptr<VNLogoContext> _logoContext;
     bool _enableAudio = false;
+    bool m_recordsSystemSound = false;
+    int m_inputLevel = 100;
+    int m_systemLevel = 100;
     bool _showInFinder = false;
     bool _openRecorded = false;
     int _recordQuality = 0;

@@ -69,6 +69,9 @@ std::unique_ptr<VNOption> changedOptions()
     options->setRecordRegion(1);
     options->setEnableAudio(true);
     options->setOpenRecordedWhenFinished(true);
+    options->setRecordsSystemSound(true);
+    options->setInputLevel(130);
+    options->setSystemLevel(0);
     VNLogoContext *logo = options->logoContext();
     logo->setLogoValidate(true);
     logo->setLogoType(2);
@@ -113,6 +116,9 @@ TEST_F(OptionsArchiveTest, OptionsComeBackAsTheyWere)
     EXPECT_TRUE(options->enableAudio());
     EXPECT_TRUE(options->showInFinderWhenFinished());
     EXPECT_TRUE(options->openRecordedWhenFinished());
+    EXPECT_TRUE(options->recordsSystemSound());
+    EXPECT_EQ(options->inputLevel(), 130);
+    EXPECT_EQ(options->systemLevel(), 0);
     const VNLogoContext *logo = options->logoContext();
     EXPECT_TRUE(logo->LogoValidate());
     EXPECT_EQ(logo->LogoType(), 2);
@@ -136,7 +142,7 @@ TEST_F(OptionsArchiveTest, AnArchivedObjectArchivesToTheSameBytes)
 TEST_F(OptionsArchiveTest, EveryKeyHasItsValueType)
 {
     const QCborMap map = archiveOf(*changedOptions());
-    EXPECT_EQ(map.size(), 7);
+    EXPECT_EQ(map.size(), 10);
     EXPECT_TRUE(map["_logoContext"_L1].isMap());
     EXPECT_EQ(map["_recordBounds"_L1].toArray().size(), 4);
     EXPECT_TRUE(map["_recordQuality"_L1].isInteger());
@@ -144,6 +150,9 @@ TEST_F(OptionsArchiveTest, EveryKeyHasItsValueType)
     EXPECT_TRUE(map["_enableAudio"_L1].isBool());
     EXPECT_TRUE(map["_showInFinder"_L1].isBool());
     EXPECT_TRUE(map["_openRecorded"_L1].isBool());
+    EXPECT_TRUE(map["recordsSystemSound"_L1].isBool());
+    EXPECT_TRUE(map["inputLevelChange"_L1].isInteger());
+    EXPECT_TRUE(map["systemLevelChange"_L1].isInteger());
     const QCborMap logo = map["_logoContext"_L1].toMap();
     EXPECT_EQ(logo.size(), 11);
     EXPECT_TRUE(logo["mLogoValidate"_L1].isBool());
@@ -183,7 +192,10 @@ TEST_F(OptionsArchiveTest, KeysAreWrittenInTheirOrder)
                             "_recordRegion",
                             "_enableAudio",
                             "_showInFinder",
-                            "_openRecorded" }));
+                            "_openRecorded",
+                            "recordsSystemSound",
+                            "inputLevelChange",
+                            "systemLevelChange" }));
     EXPECT_EQ(keysInOrder(archivedData(*options->logoContext())),
               QStringList({ "mLogoValidate",
                             "mLogoType",
@@ -311,6 +323,9 @@ const KeyRow<VNOption> optionRows[] = {
     { "_enableAudio", [](VNOption &o) { return !o.enableAudio(); } },
     { "_showInFinder", [](VNOption &o) { return !o.showInFinderWhenFinished(); } },
     { "_openRecorded", [](VNOption &o) { return !o.openRecordedWhenFinished(); } },
+    { "recordsSystemSound", [](VNOption &o) { return !o.recordsSystemSound(); } },
+    { "inputLevelChange", [](VNOption &o) { return o.inputLevel() == 100; } },
+    { "systemLevelChange", [](VNOption &o) { return o.systemLevel() == 100; } },
 };
 
 const KeyRow<VNLogoContext> logoRows[] = {

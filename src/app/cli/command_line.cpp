@@ -42,6 +42,7 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
       --quality high|medium
                          30 or 20 pictures a second; default high
       --audio[=NAME]     sound too: of the first audio input device, or of the one named
+      --system-audio     what the system plays, too; mixed with --audio, or alone
       --duration SECONDS
       --overwrite        replace FILE.mp4; without it an existing file is refused
       --ignore-low-space go on below the free-space limit
@@ -72,6 +73,7 @@ void addOptions(QCommandLineParser &parser)
                         value("region"),
                         value("quality"),
                         flag("audio"),
+                        flag("system-audio"),
                         value("duration"),
                         flag("overwrite"),
                         flag("ignore-low-space"),
@@ -142,6 +144,7 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
         line.durationSeconds = seconds;
     }
     line.audio = parser.isSet(QStringLiteral("audio"));
+    line.systemAudio = parser.isSet(QStringLiteral("system-audio"));
     line.overwrite = parser.isSet(QStringLiteral("overwrite"));
     line.ignoreLowSpace = parser.isSet(QStringLiteral("ignore-low-space"));
     return {};

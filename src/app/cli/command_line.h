@@ -32,7 +32,8 @@ public:
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
     RecordQuality quality = RecordQuality::High;
     bool audio = false;
-    QString audioDevice; ///< empty: the first
+    QString audioDevice;      ///< empty: the first
+    bool systemAudio = false; ///< what the system plays, too
     std::optional<double> durationSeconds;
     bool overwrite = false; ///< also of a movie that is recovered
     bool ignoreLowSpace = false;
@@ -41,6 +42,8 @@ public:
     QString recording;                         ///< its id, or how that begins; empty: all are listed
     bool deletes = false;                      ///< in place of making the movie
     std::optional<RecordQuality> otherQuality; ///< than the one that it was recorded with
+
+    [[nodiscard]] bool hasSound() const { return audio || systemAudio; }
 };
 
 /// Reads the arguments; the first one is the program's name. Problems are told in the language of the

@@ -58,7 +58,7 @@ QString whyTooLittleSpace(bool ignoreLowSpace)
 
 QString whyNoSound(const CommandLine &line)
 {
-    if (!line.audio)
+    if (!line.hasSound())
         return {};
     if (QString reason = noAudioReason(); !reason.isEmpty())
         return reason;
@@ -66,6 +66,8 @@ QString whyNoSound(const CommandLine &line)
     if (devices.isEmpty())
         return QCoreApplication::translate("vornic",
                                            "There is no audio input device; is the sound server running?");
+    if (line.systemAudio && !mainAudioControl().hasSystemSound())
+        return QCoreApplication::translate("vornic", "There is no output whose sound could be recorded.");
     return {};
 }
 
@@ -130,7 +132,8 @@ std::unique_ptr<VNOption> optionsFrom(const CommandLine &line)
 {
     auto options = std::make_unique<VNOption>();
     options->setRecordQuality(static_cast<int>(line.quality));
-    options->setEnableAudio(line.audio);
+    options->setEnableAudio(line.hasSound());
+    options->setRecordsSystemSound(line.systemAudio);
     if (line.region) {
         options->setIsRecordFullScreen(false);
         options->setSelectedRect(VNOption::convertScreenRectFromQuartz(QRectF(*line.region)));
@@ -153,7 +156,7 @@ QStringList
 whatIsMissing(const CommandLine &line, const RecordingSession &session, bool ranOutOfTime, bool wasAskedToEnd)
 {
     QStringList sentences;
-    if (line.audio && session.counts().audioSeconds == 0)
+    if (line.hasSound() && session.counts().audioSeconds == 0)
         sentences += QCoreApplication::translate("vornic", "No sound came: the movie has none.");
     if (line.durationSeconds && !ranOutOfTime && !wasAskedToEnd)
         sentences += QCoreApplication::translate(
@@ -184,7 +187,8 @@ int runRecordCommand(const CommandLine &line)
     }
     cleanUpLeftBehind();
     const std::unique_ptr<VNOption> options = optionsFrom(line);
-    RecordingSession session(frontEnd.frontEnd(), *options, line.audio ? &mainAudioControl() : nullptr);
+    RecordingSession session(frontEnd.frontEnd(), *options, line.hasSound() ? &mainAudioControl() : nullptr);
+    session.setUsesInput(line.audio);
     chooseAudioDevice(session.audioInput(), line);
     std::optional<RecordingDeadline> deadline;
     if (line.durationSeconds)

@@ -5,6 +5,7 @@
 #include "audio/PKAudioRecorderData.h"
 #include "audio/audio_control.h"
 #include "audio/audio_recorder.h"
+#include "audio/mixed_recorder.h"
 #include "base/exception_text.h"
 #include "base/log.h"
 #include "base/main_queue.h"
@@ -13,6 +14,7 @@
 
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace vornic {
 
@@ -86,6 +88,39 @@ void AudioInput::selAudioDevice()
 {
     if (AudioRecorder *recorder = audioRecorder())
         recorder->setDeviceID(currentAudioID());
+    if (m_mixed)
+        m_mixed->setDeviceID(currentAudioID());
+}
+
+/// Made at the first call; null without a control.
+MixedRecorder *AudioInput::mixedRecorder()
+{
+    if (!m_mixed && m_control) {
+        try {
+            std::vector<std::unique_ptr<AudioRecorder>> recorders;
+            recorders.push_back(m_control->createRecorder(currentAudioID()));
+            recorders.push_back(m_control->createRecorder(AudioControl::systemSoundID));
+            m_mixed = std::make_unique<MixedRecorder>(std::move(recorders));
+            m_mixed->setDelegate(this);
+        } catch (const std::system_error &) { // no thread to be had
+            logMessage(QStringLiteral("The sound cannot be mixed: %1").arg(textOfHandledException()));
+        }
+    }
+    return m_mixed.get();
+}
+
+/// One input as it is goes no further way than it has to. What the system plays is not recorded twice.
+AudioRecorder *AudioInput::recorderOfChoice()
+{
+    if (m_choice.input && m_choice.system && m_control && m_control->isSystemSound(currentAudioID()))
+        m_choice.system = false;
+    MixedRecorder *mixed = m_choice.isPlain() ? nullptr : mixedRecorder();
+    if (!mixed)
+        return audioRecorder();
+    mixed->setParts({ { m_choice.input, m_choice.inputPercent / 100.0 },
+                      { m_choice.system, m_choice.systemPercent / 100.0 } },
+                    MixedRecorder::Layout::Mixed);
+    return mixed;
 }
 
 void AudioInput::adopt(std::shared_ptr<Recording> recording)
@@ -103,7 +138,7 @@ std::shared_ptr<Recording> AudioInput::recording() const
 
 void AudioInput::start(PKMuxerContext &context)
 {
-    AudioRecorder *recorder = audioRecorder();
+    AudioRecorder *recorder = recorderOfChoice();
     if (!recorder || !recorder->startRecordWithFormat(defaultAudioStreamBasicDescription())) {
         logMessage(QStringLiteral("Can support 16bit, 8bit record."));
         return;
@@ -128,6 +163,8 @@ void AudioInput::stop()
 {
     if (m_recorder)
         m_recorder->stopRecord();
+    if (m_mixed)
+        m_mixed->stopRecord();
 }
 
 void AudioInput::endCapture()

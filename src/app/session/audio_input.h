@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/sound_choice.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 
@@ -17,6 +18,7 @@ namespace vornic {
 class AudioControl;
 class AudioDeviceList;
 class AudioRecorder;
+class MixedRecorder;
 class PKMuxerContext;
 class VNBufferMgr;
 struct AudioStreamBasicDescription;
@@ -45,6 +47,9 @@ public:
     /// The user has chosen a device in the list.
     void selAudioDevice();
 
+    /// Of the recordings that begin from now on.
+    void setChoice(const SoundChoice &choice) { m_choice = choice; }
+
     /// What comes from now on belongs to \a recording.
     void adopt(std::shared_ptr<Recording> recording);
     /// Starts the recorder for the adopted recording and enters what it delivers into \a context; without usable
@@ -70,13 +75,17 @@ signals:
 
 private:
     void addDevices(const QStringList &names);
+    [[nodiscard]] AudioRecorder *recorderOfChoice();
+    [[nodiscard]] MixedRecorder *mixedRecorder();
     void tellOfLoss(bool isLost);
     [[nodiscard]] std::shared_ptr<Recording> recording() const;
 
     VNBufferMgr &m_spool;
     AudioControl *m_control;
     std::unique_ptr<AudioDeviceList> m_devices;
-    std::unique_ptr<AudioRecorder> m_recorder;
+    SoundChoice m_choice;
+    std::unique_ptr<AudioRecorder> m_recorder; ///< of the input alone
+    std::unique_ptr<MixedRecorder> m_mixed;    ///< of input and system; null before it is needed
     /// The recorder, once it has started: what the capture queue stops. Null where the recording has no sound.
     std::atomic<AudioRecorder *> m_startedRecorder = nullptr;
     std::stop_source m_gone;                ///< requested at the end: what is queued comes too late

@@ -319,10 +319,13 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
     const auto context = std::make_shared<PKMuxerContext>(path, PKMuxerContext::formatMp4);
     context->setReplacedFile(m_replacedFile);
     describePicture(*context, quality);
-    if (audio)
+    if (audio) {
+        m_audio->setChoice(
+            { m_usesInput, m_options.inputLevel(), m_options.recordsSystemSound(), m_options.systemLevel() });
         m_audio->start(*context);
-    else
+    } else {
         context->setAudioCodecID(PKMuxerContext::audioCodecNone);
+    }
     m_spool->setMuxerContext(context);
     m_diskWatch->begin();
 }

@@ -63,6 +63,8 @@ public:
     [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
     /// The clock of the recordings that begin from now on, for tests.
     void setClock(RecordingClock::Now now) { m_now = std::move(now); }
+    /// Whether the device that the list shows is recorded, where sound is; or only what the system plays.
+    void setUsesInput(bool uses) { m_usesInput = uses; }
     /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
     void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
 
@@ -173,6 +175,7 @@ private:
     std::function<std::chrono::nanoseconds()> m_settlingTime;
     Phase m_phase = Phase::Idle;
     bool m_terminating = false;
+    bool m_usesInput = true;
     QString m_chosenFile;                             ///< the save panel's answer
     std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
     std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()

@@ -68,6 +68,7 @@ TEST(CommandLineTest, Commands)
     for (const char *option : { "--region",
                                 "--quality",
                                 "--audio",
+                                "--system-audio",
                                 "--duration",
                                 "--overwrite",
                                 "--ignore-low-space",
@@ -116,6 +117,19 @@ TEST(CommandLineTest, AudioNeedsNoName)
     EXPECT_TRUE(line.audio);
     EXPECT_TRUE(line.audioDevice.isEmpty());
     EXPECT_EQ(line.file, "o.mp4");
+}
+
+TEST(CommandLineTest, WhatTheSystemPlaysIsRecordedAloneOrBesideAnInput)
+{
+    const CommandLine alone = parse({ "record", "--system-audio", "o.mp4" });
+    EXPECT_TRUE(alone.systemAudio);
+    EXPECT_FALSE(alone.audio);
+    EXPECT_TRUE(alone.hasSound());
+    const CommandLine both = parse({ "record", "--audio=Desk microphone", "--system-audio", "o.mp4" });
+    EXPECT_TRUE(both.systemAudio && both.audio);
+    EXPECT_EQ(both.audioDevice, "Desk microphone");
+    EXPECT_FALSE(parse({ "record", "o.mp4" }).hasSound());
+    EXPECT_EQ(parse({ "--system-audio" }).problem, "--system-audio is an option of \"vornic record\".");
 }
 
 TEST(CommandLineTest, RecoveringListsMakesOrDeletes)

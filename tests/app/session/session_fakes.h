@@ -218,6 +218,7 @@ public:
     QStringList names;
     PKAudioControlDelegate *delegate = nullptr;
     FakeAudioRecorder *recorder = nullptr; ///< the one that was made last
+    QList<FakeAudioRecorder *> recorders;  ///< all that were made
     std::function<void()> onStart;         ///< of the recorders that are made from now on
 
     QStringList inputDevicesName() override { return names; }
@@ -232,6 +233,7 @@ public:
         auto made = std::make_unique<FakeAudioRecorder>(deviceID);
         recorder = made.get();
         recorder->onStart = onStart;
+        recorders += recorder;
         return made;
     }
 };

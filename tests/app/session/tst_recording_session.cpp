@@ -23,6 +23,7 @@
 #include <atomic>
 #include <new>
 #include <thread>
+#include <vector>
 
 namespace vornic {
 namespace {
@@ -124,6 +125,51 @@ TEST_F(RecordingSessionTest, TheFirstSoundIsTheOrigin)
     ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= before + 2; }));
     for (qsizetype i = 0; i < timestamps.size(); ++i)
         EXPECT_EQ(timestamps[i], PKTimebase / 10 + i * PKTimebase / 4);
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+}
+
+TEST_F(RecordingSessionTest, InputAndSystemAreOneSoundAtTheirLevels)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    options.setRecordsSystemSound(true);
+    options.setInputLevel(150);
+    options.setSystemLevel(50);
+    session->recorded();
+    const QList<FakeAudioRecorder *> &recorders = audioControl.recorders;
+    ASSERT_TRUE(waitUntil([&] { return recorders.size() == 2 && recorders.last()->startCount == 1; }));
+    EXPECT_EQ(recorders[0]->deviceID, 11U);
+    EXPECT_EQ(recorders[1]->deviceID, AudioControl::systemSoundID);
+    EXPECT_EQ(recorders[0]->startCount, 1);
+    // As recorders begin: 20 ms of silence that end now.
+    const QByteArray leadIn(3840, '\0');
+    for (FakeAudioRecorder *recorder : recorders)
+        recorder->deliver(leadIn.constData(), 3840);
+    // A second of one value: 150 % of it and half of it are twice as much.
+    const std::vector<std::int16_t> samples(96'000, 5000);
+    for (FakeAudioRecorder *recorder : recorders)
+        recorder->deliver(samples.data(), 192'000);
+    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    session->stopRecord();
+    ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+    const std::vector<std::int16_t> heard = testing::decodedSound(*frontEnd.path);
+    ASSERT_GT(heard.size(), 60'000U);
+    EXPECT_NEAR(heard[48'000], 10'000, 300);
+}
+
+TEST_F(RecordingSessionTest, OnlyWhatTheSystemPlaysIsRecordedWhereThatIsAskedFor)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    options.setRecordsSystemSound(true);
+    session->setUsesInput(false);
+    session->recorded();
+    const QList<FakeAudioRecorder *> &recorders = audioControl.recorders;
+    ASSERT_TRUE(waitUntil([&] { return recorders.size() == 2 && recorders.last()->startCount == 1; }));
+    EXPECT_EQ(recorders[0]->startCount, 0) << "the microphone stays closed";
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
 }

@@ -1,0 +1,141 @@
+#include "record_sound_fixture.h"
+
+#include <cmath>
+#include <functional>
+#include <numbers>
+
+namespace vornic {
+
+using test::SoundServer;
+using testing::probe;
+
+namespace {
+
+/// Whole periods of both fit into 10 ms: the one does not disturb what is measured of the other.
+constexpr double inputHertz = 400;
+constexpr double systemHertz = 1000;
+
+double decibels(double ratio)
+{
+    return 20 * std::log10(ratio);
+}
+
+} // namespace
+
+/// Two outputs: what "Feed" plays stands for what a microphone hears, and "Speakers" is the default one.
+class TwoSoundsTest : public RecordSoundTest
+{
+protected:
+    void startBoth()
+    {
+        // None of the server's own threads may be late for the tone to be whole.
+        startSound(4096);
+        feed = sound->addOutput("feed", "Feed");
+        ASSERT_FALSE(feed.isEmpty());
+        ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
+        sound->pactl({ "set-default-sink", "speakers" });
+    }
+    /// A sine into the output of that name, until the process ends; it is heard when this returns.
+    std::unique_ptr<QProcess> playInto(const QString &output, double hertz, double amplitude) const
+    {
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment variables = environment();
+        variables.insert("PULSE_SINK", output);
+        process->setProcessEnvironment(variables);
+        process->start(QStringLiteral(VORNIC_PLAY_SOUND),
+                       { "tone", "120", QString::number(hertz), QString::number(amplitude) });
+        process->waitForReadyRead(20'000);
+        return process;
+    }
+    /// Records both sounds, does \a meanwhile after two seconds, and stops two seconds after that.
+    void recordWhile(const QStringList &options, const std::function<void()> &meanwhile)
+    {
+        const auto recorder = startVornic(QStringList { "record", "--ignore-low-space" } + small + options
+                                          + QStringList { "o.mp4" });
+        QString said;
+        ASSERT_TRUE(waitForText(*recorder, "00:00:00", said)) << said.toStdString();
+        letPass(std::chrono::seconds(2));
+        meanwhile();
+        letPass(std::chrono::seconds(3));
+        signal(*recorder, SIGINT);
+        const Result result = finish(*recorder);
+        EXPECT_EQ(result.status, 0) << result.error.toStdString();
+    }
+    /// Of the hundredths of a second from \a first on, how many have the tone.
+    static std::ptrdiff_t heardSince(const std::vector<HeardTone> &tones, std::size_t first)
+    {
+        return first >= tones.size()
+            ? 0
+            : std::count_if(tones.begin() + static_cast<std::ptrdiff_t>(first),
+                            tones.end(),
+                            [](const HeardTone &tone) { return tone.amplitude > 0.05; });
+    }
+    /// From the second half second on to a tenth before the end, the tone has its level and goes on without a break.
+    static void expectUnbroken(const std::vector<HeardTone> &tones, double amplitude)
+    {
+        ASSERT_GT(tones.size(), 100U);
+        for (std::size_t i = 50; i + 10 < tones.size(); ++i) {
+            EXPECT_NEAR(decibels(tones[i].amplitude / amplitude), 0, 1) << i;
+            const double step = std::remainder(tones[i].phase - tones[i - 1].phase, 2 * std::numbers::pi);
+            EXPECT_LT(std::abs(step), 0.05) << i;
+        }
+    }
+
+    QString feed; ///< the module, for SoundServer::remove()
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers, TwoSoundsTest, bothServers, nameOfServer);
+
+TEST_P(TwoSoundsTest, BothAreInTheMixAtTheirLevelsForAsLongAsItLasts)
+{
+    startBoth();
+    const auto first = playInto("feed", inputHertz, 0.25);
+    const auto second = playInto("speakers", systemHertz, 0.125);
+    const Result result
+        = record(small + QStringList { "--audio=Monitor of Feed", "--system-audio", "--duration", "30" });
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    const std::vector<std::int16_t> heard = testing::decodedSound(movie());
+    expectUnbroken(tonesIn(heard, inputHertz), 0.25);
+    expectUnbroken(tonesIn(heard, systemHertz), 0.125);
+    EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.3);
+}
+
+TEST_P(TwoSoundsTest, AnotherDefaultOutputIsHeardAsSoonAsItIsOne)
+{
+    startBoth();
+    const auto first = playInto("speakers", systemHertz, 0.25);
+    const auto second = playInto("feed", inputHertz, 0.25);
+    recordWhile({ "--system-audio" }, [this] { sound->pactl({ "set-default-sink", "feed" }); });
+    const std::vector<std::int16_t> heard = testing::decodedSound(movie());
+    const std::vector<HeardTone> before = tonesIn(heard, systemHertz);
+    const std::vector<HeardTone> after = tonesIn(heard, inputHertz);
+    EXPECT_GT(heardSince(before, 0), 120);
+    EXPECT_GT(heardSince(after, 0), 120);
+    EXPECT_EQ(heardSince(before, before.size() - 50), 0);
+    EXPECT_GE(heardSince(after, after.size() - 50), 40);
+}
+
+TEST_P(TwoSoundsTest, OneThatVanishesDoesNotDisturbTheOther)
+{
+    startBoth();
+    const auto first = playInto("feed", inputHertz, 0.25);
+    const auto second = playInto("speakers", systemHertz, 0.125);
+    recordWhile({ "--audio=Monitor of Feed", "--system-audio" }, [this] { sound->remove(feed); });
+    const std::vector<std::int16_t> heard = testing::decodedSound(movie());
+    expectUnbroken(tonesIn(heard, systemHertz), 0.125);
+    const std::vector<HeardTone> vanished = tonesIn(heard, inputHertz);
+    EXPECT_GT(heardSince(vanished, 0), 120);
+    EXPECT_EQ(heardSince(vanished, vanished.size() - 50), 0);
+}
+
+TEST_P(TwoSoundsTest, WhatIsPlayedIsNotRecordedTwice)
+{
+    startBoth();
+    const auto player = playInto("speakers", systemHertz, 0.25);
+    const Result result
+        = record(small + QStringList { "--audio=Monitor of Speakers", "--system-audio", "--duration", "2" });
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    expectUnbroken(tonesIn(testing::decodedSound(movie()), systemHertz), 0.25);
+}
+
+} // namespace vornic
