@@ -4,6 +4,8 @@
 #include "controls/VNComboboxView.h"
 #include "controls/VNDragDropImageView.h"
 #include "controls/VNSliderCell.h"
+#include "controls/level_access.h"
+#include "controls/level_meter.h"
 #include "controls/slider_access.h"
 
 #include <QMenu>
@@ -16,6 +18,8 @@ QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *obje
 {
     if (auto *slider = qobject_cast<VNSliderCell *>(object))
         return new SliderAccess(slider);
+    if (auto *meter = qobject_cast<LevelMeter *>(object))
+        return new LevelAccess(meter);
     if (auto *view = qobject_cast<VNComboboxView *>(object))
         return new PaintedControlAccess(view, QAccessible::ComboBox);
     if (auto *well = qobject_cast<VNColorWell *>(object))

@@ -10,6 +10,7 @@
 #include "controls/VNSliderCell.h"
 #include "controls/VNStepperCell.h"
 #include "controls/VNTextFieldCell.h"
+#include "controls/level_meter.h"
 #include "controls/number_field.h"
 #include "controls/push_button.h"
 #include "controls/record_button.h"
@@ -26,6 +27,7 @@
 #include <QPainter>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -92,6 +94,21 @@ QWidget *slider(QWidget *parent, int value)
     auto *cell = new VNSliderCell(parent);
     cell->setRange(0, 100);
     cell->setValue(value);
+    return cell;
+}
+
+/// \a peak as a share of the loudest that there is, after a louder one a second ago; below 0: nobody listens.
+QWidget *meter(QWidget *parent, double peak)
+{
+    auto *cell = new LevelMeter(parent);
+    cell->setFixedWidth(140);
+    cell->setListening(peak >= 0);
+    if (peak > 0) {
+        cell->addPeak(std::min(2 * peak, 1.0));
+        cell->advance(1);
+        cell->addPeak(peak);
+        cell->advance(0.05);
+    }
     return cell;
 }
 
@@ -170,6 +187,11 @@ std::vector<Row> rows()
         { QStringLiteral("VNSliderCell"), [](QWidget *p) { return slider(p, 0); } },
         { {}, [](QWidget *p) { return slider(p, 40); } },
         { {}, [](QWidget *p) { return slider(p, 100); } },
+        { QStringLiteral("LevelMeter: nobody listens"), [](QWidget *p) { return meter(p, -1); } },
+        { QStringLiteral("silent"), [](QWidget *p) { return meter(p, 0); } },
+        { QStringLiteral("speaking"), [](QWidget *p) { return meter(p, 0.1); } },
+        { QStringLiteral("loud"), [](QWidget *p) { return meter(p, 0.4); } },
+        { QStringLiteral("clipping"), [](QWidget *p) { return meter(p, 0.8); } },
         { QStringLiteral("VNTextFieldCell"),
           [](QWidget *p) { return field(p, QStringLiteral("Made with Vornic")); } },
         { {}, [](QWidget *p) { return field(p, QString()); } },
