@@ -1,5 +1,6 @@
 #include "audio/mixed_recorder.h"
 
+#include "audio/sound_peak.h"
 #include "base/log.h"
 
 #include <algorithm>
@@ -127,6 +128,11 @@ void MixedRecorder::dataRecord(AudioRecorder &recorder,
     QByteArray chunk(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount));
     m_queue.async([this, &source = sourceOf(recorder), chunk = std::move(chunk), time] {
         take(source, chunk, time);
+        if (source.part.heard) {
+            source.part.heard(peakOf(chunk.constData(), static_cast<std::uint32_t>(chunk.size()), m_format),
+                              static_cast<double>(chunk.size())
+                                  / (m_format.mBytesPerFrame * m_format.mSampleRate));
+        }
         deliver(readyUntil());
     });
 }

@@ -29,6 +29,9 @@ public:
     struct Part {
         bool isOn = true;
         double level = 1; ///< its sound is multiplied by as much
+        /// Called on the queue with each chunk as it came: its loudest sample, as a share of the loudest that there is,
+        /// and its length in seconds. May be empty.
+        std::function<void(double peak, double seconds)> heard = {};
     };
     /// Whether the devices are mixed, or stand beside each other: the first in the first channels, and so on.
     enum class Layout { Mixed, SideBySide };

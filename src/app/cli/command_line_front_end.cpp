@@ -106,6 +106,11 @@ void CommandLineFrontEnd::soundIsMissing(const std::function<void()> &goOn)
     goOn();
 }
 
+void CommandLineFrontEnd::nothingIsHeard(const QString &name)
+{
+    alertError(QCoreApplication::translate("vornic", "Nothing is heard from %1.").arg(name));
+}
+
 void CommandLineFrontEnd::hideStopItem()
 {
     standardError().endRedrawnLine();

@@ -6,6 +6,7 @@
 #include "audio/audio_control.h"
 #include "audio/audio_recorder.h"
 #include "audio/mixed_recorder.h"
+#include "audio/sound_peak.h"
 #include "base/exception_text.h"
 #include "base/log.h"
 #include "base/main_queue.h"
@@ -117,7 +118,9 @@ AudioRecorder *AudioInput::recorderOfChoice()
     MixedRecorder *mixed = m_choice.isPlain() ? nullptr : mixedRecorder();
     if (!mixed)
         return audioRecorder();
-    mixed->setParts({ { m_choice.input, m_choice.inputPercent / 100.0 },
+    mixed->setParts({ { m_choice.input,
+                        m_choice.inputPercent / 100.0,
+                        [this](double peak, double seconds) { inputHeard(peak, seconds); } },
                       { m_choice.system, m_choice.systemPercent / 100.0 } },
                     MixedRecorder::Layout::Mixed);
     return mixed;
@@ -138,6 +141,9 @@ std::shared_ptr<Recording> AudioInput::recording() const
 
 void AudioInput::start(PKMuxerContext &context)
 {
+    const bool isMicrophone = m_choice.input && m_control && !m_control->isMonitor(currentAudioID());
+    m_microphone = isMicrophone ? m_devices->stringValue() : QString();
+    m_silence = {};
     AudioRecorder *recorder = recorderOfChoice();
     if (!recorder || !recorder->startRecordWithFormat(defaultAudioStreamBasicDescription())) {
         logMessage(QStringLiteral("Can support 16bit, 8bit record."));
@@ -173,7 +179,14 @@ void AudioInput::endCapture()
         recorder->stopRecord();
 }
 
-void AudioInput::dataRecord(AudioRecorder & /*recorder*/,
+/// On the thread of the chunks.
+void AudioInput::inputHeard(double peak, double seconds)
+{
+    if (m_silence.isNoticed(peak, seconds) && !m_microphone.isEmpty())
+        tell([this, name = m_microphone] { emit nothingHeard(name); });
+}
+
+void AudioInput::dataRecord(AudioRecorder &recorder,
                             const void *bytes,
                             std::uint32_t byteCount,
                             const AudioStreamBasicDescription &format)
@@ -182,13 +195,17 @@ void AudioInput::dataRecord(AudioRecorder & /*recorder*/,
         m_spool.endAudioRecord();
         return;
     }
+    const double seconds = byteCount / (format.mBytesPerFrame * format.mSampleRate);
+    const double peak = peakOf(bytes, byteCount, format);
+    if (&recorder == m_recorder.get())
+        inputHeard(peak, seconds);
+    tell([this, peak] { emit levelHeard(peak); });
     const QByteArray chunk(static_cast<const char *>(bytes), static_cast<qsizetype>(byteCount));
     const std::shared_ptr<Recording> adopted = recording();
     if (!adopted) {
         m_spool.pushAudioBuffer(PKAudioRecorderData(chunk, format));
         return;
     }
-    const double seconds = byteCount / (format.mBytesPerFrame * format.mSampleRate);
     adopted->clock.soundBegins(adopted->clock.now() - seconds);
     for (const QByteArray &part : adopted->recordedSound.partsOf(chunk, format))
         m_spool.pushAudioBuffer(PKAudioRecorderData(part, format));
@@ -204,12 +221,17 @@ void AudioInput::soundCameBack(AudioRecorder & /*recorder*/)
     tellOfLoss(false);
 }
 
-/// Told on the main thread, unless another recording has begun by then.
 void AudioInput::tellOfLoss(bool isLost)
 {
-    main_queue::async([this, isLost, told = recording(), gone = m_gone.get_token()] {
+    tell([this, isLost] { emit soundIsLost(isLost); });
+}
+
+/// On the main thread, unless another recording has begun by then.
+void AudioInput::tell(const std::function<void()> &what)
+{
+    main_queue::async([this, what, told = recording(), gone = m_gone.get_token()] {
         if (!gone.stop_requested() && told && told == recording())
-            emit soundIsLost(isLost);
+            what();
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/silence_watch.h"
 #include "app/session/sound_choice.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
@@ -9,6 +10,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <stop_token>
@@ -70,6 +72,11 @@ public:
 signals:
     /// The input of the recording that runs is gone (true), or there again.
     void soundIsLost(bool isLost);
+    /// The loudest sample of the last hundredths of a second of the recording that runs, as a share of the loudest that
+    /// there is.
+    void levelHeard(double peak);
+    /// For ten seconds the microphone of that name has given nothing but digital silence; once a recording.
+    void nothingHeard(const QString &name);
     /// Devices have come or gone.
     void devicesChanged();
 
@@ -78,12 +85,16 @@ private:
     [[nodiscard]] AudioRecorder *recorderOfChoice();
     [[nodiscard]] MixedRecorder *mixedRecorder();
     void tellOfLoss(bool isLost);
+    void inputHeard(double peak, double seconds);
+    void tell(const std::function<void()> &what);
     [[nodiscard]] std::shared_ptr<Recording> recording() const;
 
     VNBufferMgr &m_spool;
     AudioControl *m_control;
     std::unique_ptr<AudioDeviceList> m_devices;
     SoundChoice m_choice;
+    QString m_microphone;   ///< the input that is recorded; empty where it is a monitor, which may be silent
+    SilenceWatch m_silence; ///< on the thread of the chunks
     std::unique_ptr<AudioRecorder> m_recorder; ///< of the input alone
     std::unique_ptr<MixedRecorder> m_mixed;    ///< of input and system; null before it is needed
     /// The recorder, once it has started: what the capture queue stops. Null where the recording has no sound.

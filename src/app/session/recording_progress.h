@@ -33,6 +33,11 @@ public:
     /// The sound's input is gone: pictures go on, and so does the sound once the input is there again, which is told with
     /// false.
     virtual void soundIsLost(bool /*isLost*/) { }
+    /// How loud the sound is that is recorded, many times a second: the loudest sample, as a share of the loudest that there
+    /// is.
+    virtual void showLevel(double /*peak*/) { }
+    /// For ten seconds the microphone \a name has given nothing but digital silence: it may be muted. Once a recording.
+    virtual void nothingIsHeard(const QString & /*name*/) { }
     /// Calls \a done once the screen shows nothing more of the windows that have just been hidden, at once or later.
     virtual void whenScreenIsClear(std::function<void()> done) { done(); }
     /// Puts the main window and the overlay behind what has just been opened.

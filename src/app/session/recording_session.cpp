@@ -54,6 +54,7 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
             enableAudioDevices(); // an empty list stays as it is
     });
     connect(m_audio.get(), &AudioInput::soundIsLost, this, &RecordingSession::soundIsLost);
+    followLevel();
 }
 
 RecordingSession::~RecordingSession()
@@ -391,6 +392,18 @@ void RecordingSession::soundIsLost(bool isLost)
         return;
     m_recording->soundWasLost = true;
     m_frontEnd.progress.soundIsLost(isLost);
+}
+
+void RecordingSession::followLevel()
+{
+    connect(m_audio.get(), &AudioInput::levelHeard, this, [this](double peak) {
+        if (m_phase == Phase::Capturing)
+            m_frontEnd.progress.showLevel(peak);
+    });
+    connect(m_audio.get(), &AudioInput::nothingHeard, this, [this](const QString &name) {
+        if (m_phase == Phase::Capturing)
+            m_frontEnd.progress.nothingIsHeard(name);
+    });
 }
 
 void RecordingSession::spoolFull()

@@ -163,6 +163,7 @@ private:
     bool endWithFirstFrame();
     void goOnWithoutSound();
     void soundIsLost(bool isLost);
+    void followLevel();
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
     void muxerFailed(const Error &error);

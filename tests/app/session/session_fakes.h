@@ -53,6 +53,7 @@ public:
     QStringList kept;   ///< the ids of recordings
     QStringList alerts; ///< message and informative text
     QList<double> percents;
+    QList<double> levels;  ///< of the sound that is recorded
     QRectF recordedRegion; ///< that the stop item was told of
     QList<RecordingRoom> rooms;
     QList<RecordingRoom> warnings; ///< of little room
@@ -80,6 +81,8 @@ public:
         answer(countsToTheEnd);
     }
     void displayDeclined() override { told += "declined"; }
+    void showLevel(double peak) override { levels += peak; }
+    void nothingIsHeard(const QString &name) override { told += "nothingIsHeard " + name; }
     void soundIsMissing(const std::function<void()> &goOn) override
     {
         told += "soundIsMissing";
@@ -182,7 +185,13 @@ public:
     std::uint32_t deviceID;
     std::function<void()> onStart;
     std::function<void()> onStop;
+    std::function<void()> onDestroyed;
 
+    ~FakeAudioRecorder() override
+    {
+        if (onDestroyed)
+            onDestroyed();
+    }
     void setDelegate(PKAudioRecorderDelegate *newDelegate) override { m_delegate = newDelegate; }
     void setDeviceID(std::uint32_t newID) override { deviceID = newID; }
     bool startRecordWithFormat(const AudioStreamBasicDescription &asked) override
@@ -216,6 +225,7 @@ class FakeAudioControl final : public AudioControl
 {
 public:
     QStringList names;
+    QList<std::uint32_t> monitors; ///< their numbers
     PKAudioControlDelegate *delegate = nullptr;
     FakeAudioRecorder *recorder = nullptr; ///< the one that was made last
     QList<FakeAudioRecorder *> recorders;  ///< all that were made
@@ -227,6 +237,7 @@ public:
         const qsizetype index = names.indexOf(name);
         return index < 0 ? 0 : static_cast<std::uint32_t>(11 + index);
     }
+    bool isMonitor(std::uint32_t deviceID) override { return monitors.contains(deviceID); }
     void setDelegate(PKAudioControlDelegate *newDelegate) override { delegate = newDelegate; }
     std::unique_ptr<AudioRecorder> createRecorder(std::uint32_t deviceID) override
     {

@@ -1,3 +1,4 @@
+#include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/disk_watch.h"
 #include "app/session/new_movie_file.h"
@@ -20,6 +21,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <new>
 #include <thread>
@@ -157,6 +159,40 @@ TEST_F(RecordingSessionTest, InputAndSystemAreOneSoundAtTheirLevels)
     const std::vector<std::int16_t> heard = testing::decodedSound(*frontEnd.path);
     ASSERT_GT(heard.size(), 60'000U);
     EXPECT_NEAR(heard[48'000], 10'000, 300);
+}
+
+TEST_F(RecordingSessionTest, TheLevelIsToldAndAMicrophoneThatGivesNothingOnce)
+{
+    audioControl.names = QStringList { "Microphone", "Monitor of Speakers" };
+    audioControl.monitors = { 12 };
+    makeSession();
+    options.setEnableAudio(true);
+    const std::vector<std::int16_t> silence(96'000, 0);
+    const std::vector<std::int16_t> loud(96'000, -16384);
+    const QList<FakeAudioRecorder *> &recorders = audioControl.recorders;
+    // The input alone, both sounds, and the input again, which is a monitor by then.
+    for (const qsizetype input : { 0, 1, 0 }) {
+        frontEnd.told.clear();
+        frontEnd.levels.clear();
+        timestamps.clear();
+        const bool isMonitor = recorders.size() == 3;
+        options.setRecordsSystemSound(input == 1);
+        session->audioInput().devices().setIndexOfSelected(isMonitor ? 1 : 0);
+        const int before = recorders.size() > input ? recorders[input]->startCount.load() : 0;
+        session->recorded();
+        ASSERT_TRUE(
+            waitUntil([&] { return recorders.size() > input && recorders[input]->startCount > before; }));
+        recorders[input]->deliver(silence.data(), 3840); // as a recorder begins
+        recorders[input]->deliver(loud.data(), 192'000);
+        for (int second = 0; second < 12; ++second)
+            recorders[input]->deliver(silence.data(), 192'000);
+        ASSERT_TRUE(waitUntil([&] { return frontEnd.levels.size() >= 13 && timestamps.size() > 1; }));
+        EXPECT_NEAR(*std::ranges::max_element(frontEnd.levels), 0.5, 0.01);
+        session->stopRecord();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+        EXPECT_EQ(frontEnd.told.count("nothingIsHeard Microphone"), isMonitor ? 0 : 1) << input;
+        EXPECT_EQ(frontEnd.told.count("nothingIsHeard Monitor of Speakers"), 0);
+    }
 }
 
 TEST_F(RecordingSessionTest, OnlyWhatTheSystemPlaysIsRecordedWhereThatIsAskedFor)
