@@ -26,6 +26,8 @@ VornicAppDelegate::VornicAppDelegate(const FrontEnd &frontEnd, std::unique_ptr<V
     declareDependency("allowedEditOptions", { "state" });
     declareDependency("allowedEditRecordRegion", { "state", "options.recordRegion" });
     declareDependency("allowedEditLogo", { "state", "options.logoContext.LogoValidate" });
+    declareDependency("allowedEditSound", { "state", "options.enableAudio", "allowedAudioRecord" });
+    declareDependency("allowedEditSystemLevel", { "allowedEditSound", "options.recordsSystemSound" });
     declareDependency("allowedEditFont",
                       { "state", "options.logoContext.LogoValidate", "options.logoContext.LogoType" });
 }
@@ -164,6 +166,16 @@ bool VornicAppDelegate::allowedEditFont()
 bool VornicAppDelegate::allowedAudioRecord() const
 {
     return !isRecording() && m_session && audio().hasDevices();
+}
+
+bool VornicAppDelegate::allowedEditSound()
+{
+    return allowedAudioRecord() && options() && options()->enableAudio();
+}
+
+bool VornicAppDelegate::allowedEditSystemLevel()
+{
+    return allowedEditSound() && options()->recordsSystemSound();
 }
 
 void VornicAppDelegate::alertError(const QString &text)

@@ -28,6 +28,8 @@ class VornicAppDelegate : public ObservableObject, public VNRecorderWndCtrlDeleg
         bool allowedEditRecordRegion READ allowedEditRecordRegion NOTIFY allowedEditRecordRegionChanged)
     Q_PROPERTY(bool allowedEditLogo READ allowedEditLogo NOTIFY allowedEditLogoChanged)
     Q_PROPERTY(bool allowedEditFont READ allowedEditFont NOTIFY allowedEditFontChanged)
+    Q_PROPERTY(bool allowedEditSound READ allowedEditSound NOTIFY allowedEditSoundChanged)
+    Q_PROPERTY(bool allowedEditSystemLevel READ allowedEditSystemLevel NOTIFY allowedEditSystemLevelChanged)
     Q_PROPERTY(bool allowedAudioRecord READ allowedAudioRecord NOTIFY allowedAudioRecordChanged)
 
 public:
@@ -58,6 +60,9 @@ public:
     [[nodiscard]] bool allowedEditLogo();
     [[nodiscard]] bool allowedEditFont();
     [[nodiscard]] bool allowedAudioRecord() const;
+    /// Sound is switched on, and there is some to be recorded.
+    [[nodiscard]] bool allowedEditSound();
+    [[nodiscard]] bool allowedEditSystemLevel();
     void alertError(const QString &text);
     [[nodiscard]] bool windowShouldClose() { return m_session->mayQuit(); }
     [[nodiscard]] bool VNRecorderWndCtrlIsPaused(VNRecorderWndCtrl & /*controller*/) override
@@ -169,6 +174,8 @@ signals:
     void allowedEditLogoChanged();
     void allowedEditFontChanged();
     void allowedAudioRecordChanged();
+    void allowedEditSoundChanged();
+    void allowedEditSystemLevelChanged();
     /// As the session's signals of these names.
     void pausedChanged();
     void clockTicked(qint64 timestamp);

@@ -2,6 +2,7 @@
 
 #include "app/VornicAppDelegate.h"
 #include "app/session/audio_device_list.h"
+#include "app/session/level_watch.h"
 #include "app/session/start_settings.h"
 #include "app/session/time_text.h"
 #include "app/window/headings.h"
@@ -36,6 +37,8 @@ constexpr const char *partOfLogo = "partOfLogo";
 constexpr int sliderColumn = 6;
 constexpr int fieldColumn = 7;
 constexpr int sliderWidth = 116;
+/// Of the sliders beside the meter and the box of the system's sound.
+constexpr int levelWidth = 90;
 
 /// As the list of devices or of qualities holds it.
 void showItems(VNComboboxView &view, const QStringList &titles)
@@ -59,6 +62,11 @@ MainWindow::MainWindow(VornicAppDelegate &delegate)
     m_ui->rotationSlider->setValueRange(-180, 180, 1);
     for (VNSliderCell *slider : findChildren<VNSliderCell *>())
         slider->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // as wide as the column
+    for (VNSliderCell *slider : { m_ui->inputLevelSlider, m_ui->systemLevelSlider }) {
+        slider->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        slider->setFixedWidth(levelWidth);
+        slider->setValueRange(0, VNOption::maxLevel, 5);
+    }
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(true); // Enter presses the one with the focus
     QSizePolicy keepsItsPlace = m_ui->savePI->sizePolicy();
@@ -135,6 +143,7 @@ void MainWindow::bindControls()
 void MainWindow::connectActions()
 {
     connectRegion();
+    connectSound();
     connectLogo();
     connectStart();
     connectMenu();
@@ -153,6 +162,55 @@ void MainWindow::connectRegion()
     });
     connect(m_viewModel.get(), &OptionsViewModel::sizePresetChosen, this, &MainWindow::keepOffRecorded);
     connect(m_ui->selectButton, &QAbstractButton::clicked, this, &MainWindow::selectOnScreenAsked);
+}
+
+void MainWindow::connectSound()
+{
+    const VNOption &options = *m_delegate.options();
+    for (const auto changed : { &VNOption::inputLevelChanged, &VNOption::systemLevelChanged })
+        connect(&options, changed, this, &MainWindow::showSoundLevels);
+    showSoundLevels();
+}
+
+void MainWindow::setLevelWatch(LevelWatch *watch)
+{
+    m_levelWatch = watch;
+    connect(watch, &LevelWatch::heard, m_ui->levelMeter, &LevelMeter::addPeak);
+    connect(watch, &LevelWatch::nothingHeard, this, [this](const QString &name) {
+        showStatus(tr("Nothing is heard from %1.").arg(name));
+    });
+    connect(m_delegate.options(), &VNOption::enableAudioChanged, this, &MainWindow::listen);
+    connect(&m_delegate.audioDevicesView(), &AudioDeviceList::changed, this, &MainWindow::listen);
+    for (const auto changed :
+         { &VornicAppDelegate::stateChanged, &VornicAppDelegate::allowedAudioRecordChanged })
+        connect(&m_delegate, changed, this, &MainWindow::listen);
+    listen();
+}
+
+/// Nobody's microphone is open for a meter that nobody sees.
+bool MainWindow::mayListen() const
+{
+    return isVisible() && !isMinimized() && !m_delegate.isRecording() && m_delegate.options()->enableAudio()
+        && m_delegate.allowedAudioRecord();
+}
+
+void MainWindow::listen()
+{
+    if (!m_levelWatch)
+        return;
+    const bool listens = mayListen();
+    m_levelWatch->listenTo(listens ? m_delegate.audioDevicesView().stringValue() : QString());
+    m_ui->levelMeter->setListening(listens);
+}
+
+/// The numbers, which the sliders do not tell.
+void MainWindow::showSoundLevels()
+{
+    const VNOption &options = *m_delegate.options();
+    m_ui->inputLevelSlider->setToolTip(
+        tr("How loud the input is in the movie: %1 %").arg(options.inputLevel()));
+    m_ui->systemLevelSlider->setToolTip(
+        tr("How loud is in the movie what the system plays: %1 %").arg(options.systemLevel()));
 }
 
 void MainWindow::connectLogo()
@@ -343,8 +401,22 @@ void MainWindow::keepOffRecorded()
 void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
+    listen();
     if (!event->spontaneous())
         windowHandle()->installEventFilter(this);
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    QMainWindow::hideEvent(event);
+    listen();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        listen();
 }
 
 /// The first time that the window is on the screen, when its frame and its place are known.

@@ -8,6 +8,7 @@
 
 namespace vornic {
 
+class LevelWatch;
 class OptionsViewModel;
 class ShortcutField;
 class UnfinishedLine;
@@ -31,6 +32,8 @@ public:
     explicit MainWindow(VornicAppDelegate &delegate);
     ~MainWindow() override;
 
+    /// Shows how loud the chosen input is, while it may be seen and nothing is recorded; borrowed for life.
+    void setLevelWatch(LevelWatch *watch);
     /// The busy indicator.
     void setBusy(bool busy);
     /// Enables the controls that may be used now, and makes the record button what it is now.
@@ -73,6 +76,8 @@ signals:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private slots:
@@ -88,12 +93,16 @@ private:
     void bindControls();
     void connectActions();
     void connectRegion();
+    void connectSound();
     void connectLogo();
     void connectStart();
     void connectShortcut(const ShortcutField &field, void (MainWindow::*chosen)(const QString &));
     void connectMenu();
     void connectColorWell(VNColorWell &well, const char *selector);
     void showAudioDevices();
+    void showSoundLevels();
+    void listen();
+    [[nodiscard]] bool mayListen() const;
     void showLogo();
     void showForeignLetters();
     void showMonitor();
@@ -106,6 +115,7 @@ private:
     VornicAppDelegate &m_delegate;
     std::unique_ptr<OptionsViewModel> m_viewModel;
     qint64 m_clock = 0; ///< of the recording, as it is shown; PKTimebase ticks
+    LevelWatch *m_levelWatch = nullptr;
     bool m_shownRecording = false;
     std::function<bool()> m_frameIsExact; ///< empty: it is
     bool m_tellsOfPlace = false;          ///< the status line says what keepOffRecorded() has to tell

@@ -1,5 +1,6 @@
 #include "app/window/stop_bar.h"
 
+#include "controls/level_meter.h"
 #include "controls/push_button.h"
 #include "overlay/window_on_top.h"
 
@@ -20,6 +21,7 @@ namespace vornic {
 namespace {
 
 constexpr int barMargin = 16;
+constexpr int meterWidth = 110;
 /// How long a bar that is in the movie stays, and how long the pointer rests before it comes back.
 constexpr qint64 visibleMs = 3000;
 constexpr qint64 restMs = 250;
@@ -119,6 +121,21 @@ void StopBar::setPaused(bool isPaused)
 void StopBar::setRoom(const QString &room)
 {
     m_button->setToolTip(tr("Stop the recording") + u'\n' + room);
+}
+
+void StopBar::showLevel(double peak)
+{
+    if (!m_meter) {
+        m_meter = new LevelMeter(this);
+        m_meter->setFixedWidth(meterWidth);
+        m_meter->setAccessibleName(tr("Level of the sound that is recorded"));
+        m_meter->setToolTip(m_meter->accessibleName());
+        m_meter->setListening(true);
+        static_cast<QBoxLayout *>(layout())->insertWidget(1, m_meter);
+        m_meter->show();
+        fit();
+    }
+    m_meter->addPeak(peak);
 }
 
 void StopBar::fit()

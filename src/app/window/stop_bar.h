@@ -13,6 +13,7 @@
 
 namespace vornic {
 
+class LevelMeter;
 class PushButton;
 class WindowOnTop;
 
@@ -40,6 +41,8 @@ public:
     void setPaused(bool isPaused);
     /// What the button's tool tip tells beneath what it does.
     void setRoom(const QString &room);
+    /// How loud the sound is: the loudest sample, as a share of the loudest that there is. The first one brings the meter.
+    void showLevel(double peak);
     /// Shows it, or takes it off the screen.
     void setWanted(bool isWanted);
     /// Above full-screen windows, where no window manager helps; otherwise an ordinary window, so that the keyboard
@@ -79,6 +82,7 @@ private:
     bool m_isHidingItself = false; ///< wanted, but not to be in the movie for longer
     PushButton *m_button = nullptr;
     PushButton *m_pauseButton = nullptr;
+    LevelMeter *m_meter = nullptr;        ///< null before sound comes
     PushButton *m_goOnButton = nullptr;   ///< null until sound is missing
     std::unique_ptr<WindowOnTop> m_onTop; ///< while it is above full-screen windows
     std::optional<QPoint> m_pressedAt;    ///< the pointer at the press, on the screen

@@ -171,6 +171,11 @@ void StopItem::setPaused(bool isPaused)
     showTexts();
 }
 
+void StopItem::showLevel(double peak)
+{
+    m_bar->showLevel(peak);
+}
+
 void StopItem::setSoundIsLost(bool isLost)
 {
     m_soundIsLost = isLost;

@@ -39,6 +39,8 @@ public:
     void setSoundIsLost(bool isLost);
     /// Told beside the clock and by the tray icon.
     void setPaused(bool isPaused);
+    /// How loud the sound is: the loudest sample, as a share of the loudest that there is.
+    void showLevel(double peak);
     /// The bar may be shown, where it is needed: the main window is gone, and another one has the keyboard focus. Before,
     /// the window manager would give it to the bar.
     void allowBar();

@@ -1,5 +1,6 @@
 #include "app/window/window_program.h"
 
+#include "app/session/level_watch.h"
 #include "app/session/start_settings.h"
 #include "app/session/stored_options.h"
 #include "app/session/unix_signals.h"
@@ -103,6 +104,8 @@ void WindowProgram::launch()
     m_delegate.setHelpDocument(helpDocument());
     m_delegate.applicationDidFinishLaunching();
     m_window = std::make_unique<MainWindow>(m_delegate);
+    m_levelWatch = std::make_unique<LevelWatch>(&mainAudioControl());
+    m_window->setLevelWatch(m_levelWatch.get());
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_recovery = std::make_unique<Recovery>(m_delegate, m_frontEnd.questions(), *m_window);
     m_frontEnd.progress().setPause([this] { m_delegate.pauseOrResume(); });

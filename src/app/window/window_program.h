@@ -11,6 +11,7 @@ class QApplication;
 
 namespace vornic {
 
+class LevelWatch;
 class Recovery;
 class RegionSelection;
 class SingleInstance;
@@ -61,6 +62,7 @@ private:
     WindowFrontEnd m_frontEnd;
     VornicAppDelegate m_delegate;
     VNRecorderWndCtrl &m_overlay;
+    std::unique_ptr<LevelWatch> m_levelWatch;
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<Recovery> m_recovery;
     std::unique_ptr<RegionSelection> m_selection; ///< null but while the user chooses a rectangle

@@ -113,6 +113,20 @@ void WindowProgress::soundIsLost(bool isLost)
                        .action = {} });
 }
 
+void WindowProgress::showLevel(double peak)
+{
+    if (m_stopItem)
+        m_stopItem->showLevel(peak);
+}
+
+void WindowProgress::nothingIsHeard(const QString &name)
+{
+    m_notifier->show({ .title = tr("Nothing is heard from %1.").arg(name),
+                       .body = tr("It may be muted, or switched off. The recording goes on."),
+                       .actionLabel = {},
+                       .action = {} });
+}
+
 void WindowProgress::minimiseMainWindow()
 {
     if (!m_main.window)

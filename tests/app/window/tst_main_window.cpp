@@ -226,6 +226,31 @@ TEST_F(MainWindowTest, ListsHaveTheirItemsAndActions)
     EXPECT_EQ(delegate.audioDevicesView().stringValue(), "Monitor of Speakers");
 }
 
+TEST_F(MainWindowTest, WhatTheSystemPlaysHasABoxAndEachSoundALevel)
+{
+    auto &box = control<VNCheckCell>("chkSystemSound");
+    auto &input = control<VNSliderCell>("inputLevelSlider");
+    auto &system = control<VNSliderCell>("systemLevelSlider");
+    EXPECT_FALSE(box.isEnabled() || input.isEnabled() || system.isEnabled()) << "without sound";
+    control<VNCheckCell>("chkEnableAudio").click();
+    EXPECT_TRUE(box.isEnabled() && input.isEnabled());
+    EXPECT_FALSE(system.isEnabled());
+    box.click();
+    EXPECT_TRUE(options().recordsSystemSound());
+    EXPECT_TRUE(system.isEnabled());
+    EXPECT_EQ(system.doubleValue(), 100);
+    EXPECT_EQ(system.maxValue(), 150);
+    QTest::keyClick(&system, Qt::Key_Right);
+    EXPECT_EQ(options().systemLevel(), 105);
+    EXPECT_TRUE(system.toolTip().contains("105 %")) << system.toolTip().toStdString();
+    options().setInputLevel(50);
+    EXPECT_EQ(input.doubleValue(), 50);
+    EXPECT_TRUE(input.toolTip().contains("50 %"));
+    EXPECT_EQ(options().inputLevel(), 50);
+    control<VNCheckCell>("chkEnableAudio").click();
+    EXPECT_FALSE(box.isEnabled() || input.isEnabled() || system.isEnabled());
+}
+
 TEST_F(MainWindowTest, WhatCannotBeUsedLooksSo)
 {
     const QList<const char *> controls { "offsetXField",
@@ -413,7 +438,7 @@ TEST_P(FoldingTest, TheLogosControlsAreFoldedAwayWithoutALogo)
     EXPECT_EQ(window->width(), folded.width());
     EXPECT_EQ(widget("recordButton").size(), record.size());
     EXPECT_EQ(widget("widthField").geometry(), width); // nothing above it moves
-    EXPECT_EQ(widget("chkOpen").x(), widget("logoXLabel").x());
+    EXPECT_EQ(widget("afterTitle").x(), widget("logoXLabel").x());
     control<VNCheckCell>("chkLogo").click();
     EXPECT_EQ(window->size(), folded);
     EXPECT_EQ(widget("recordButton").geometry(), record);
@@ -445,15 +470,18 @@ TEST_F(MainWindowTest, EdgesOfTheColumnsAreAligned)
         { "widthField", "heightField", "sizeView" },
         { "qualityTitle",
           "chkEnableAudio",
+          "chkSystemSound",
           "countdownLabel",
           "shortcutLabel",
           "pauseShortcutLabel",
           "afterTitle",
-          "chkReveal",
           "logoXLabel",
           "scaleLabel" },
         { "mVideoQualityView",
           "mAudioDevicesView",
+          "levelMeter",
+          "chkReveal",
+          "chkOpen",
           "countdownView",
           "shortcutField",
           "pauseShortcutField",
@@ -465,7 +493,14 @@ TEST_F(MainWindowTest, EdgesOfTheColumnsAreAligned)
     }
     const QList<QList<const char *>> sameRight {
         { "widthField", "sizeView", "selectButton", "logoTextField", "mLogoFontFillColorWell" },
-        { "mVideoQualityView", "shortcutField", "logoXField", "rotationField", "statusLine", "recordButton" },
+        { "mVideoQualityView",
+          "inputLevelSlider",
+          "systemLevelSlider",
+          "shortcutField",
+          "logoXField",
+          "rotationField",
+          "statusLine",
+          "recordButton" },
     };
     for (const QList<const char *> &names : sameRight) {
         for (const char *name : names)

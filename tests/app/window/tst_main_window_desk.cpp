@@ -1,10 +1,12 @@
 #include "app/session/audio_device_list.h"
+#include "app/session/level_watch.h"
 #include "app/session/start_settings.h"
 #include "app/window/shortcut_field.h"
 #include "app/window/status_line.h"
 #include "controls/VNCheckCell.h"
 #include "controls/VNComboboxView.h"
 #include "controls/VNRadioCell.h"
+#include "controls/level_meter.h"
 #include "controls/record_button.h"
 #include "main_window_test.h"
 #include "support/wait_until.h"
@@ -13,6 +15,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtTest>
 
 // The main window among other windows, and while it records.
@@ -48,6 +51,67 @@ TEST_F(WithoutSoundTest, SoundCannotBeSwitchedOnWithoutAnInput)
     audioControl.names.clear();
     delegate.audioControlInputDeviceChanged(audioControl);
     EXPECT_FALSE(sound.isEnabled());
+}
+
+class LevelTest : public MainWindowTest
+{
+protected:
+    LevelTest() { window->setLevelWatch(&watch); }
+    ~LevelTest() override
+    {
+        frontEnd.window = nullptr;
+        window.reset();
+    }
+    LevelMeter &meter() { return control<LevelMeter>("levelMeter"); }
+
+    LevelWatch watch { &audioControl };
+};
+
+TEST_F(LevelTest, TheInputIsListenedToWhileItsLevelMayBeSeen)
+{
+    EXPECT_EQ(watch.device(), QString()) << "sound is off";
+    EXPECT_FALSE(meter().isListening());
+    control<VNCheckCell>("chkEnableAudio").click();
+    EXPECT_EQ(watch.device(), "Microphone");
+    EXPECT_TRUE(meter().isListening());
+    QTest::keyClick(&widget("mAudioDevicesView"), Qt::Key_Down);
+    EXPECT_EQ(watch.device(), "Monitor of Speakers");
+    window->hide();
+    EXPECT_EQ(watch.device(), QString());
+    EXPECT_FALSE(meter().isListening());
+    window->show();
+    EXPECT_EQ(watch.device(), "Monitor of Speakers");
+    window->setWindowState(Qt::WindowMinimized);
+    EXPECT_EQ(watch.device(), QString());
+    window->setWindowState(Qt::WindowNoState);
+    EXPECT_EQ(watch.device(), "Monitor of Speakers");
+    audioControl.names.clear();
+    delegate.audioControlInputDeviceChanged(audioControl);
+    EXPECT_EQ(watch.device(), QString());
+}
+
+TEST_F(LevelTest, WhileSomethingIsRecordedTheInputIsOpenForThatAlone)
+{
+    const QTemporaryDir folder;
+    frontEnd.path = folder.filePath("movie.mp4");
+    control<VNCheckCell>("chkEnableAudio").click();
+    EXPECT_EQ(watch.device(), "Microphone");
+    delegate.recorded();
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.isCapturing(); }));
+    EXPECT_EQ(watch.device(), QString());
+    delegate.stopRecord();
+    ASSERT_TRUE(test::waitUntil([this] { return !delegate.isRecording(); }));
+    EXPECT_EQ(watch.device(), "Microphone");
+}
+
+TEST_F(LevelTest, TheMeterShowsWhatIsHeardAndTheWindowThatNothingIs)
+{
+    control<VNCheckCell>("chkEnableAudio").click();
+    emit watch.heard(0.5);
+    meter().advance(0.01);
+    EXPECT_EQ(meter().level(), -6);
+    emit watch.nothingHeard("Microphone");
+    EXPECT_EQ(control<StatusLine>("statusLine").text(), "Nothing is heard from Microphone.");
 }
 
 class PlacementTest : public MainWindowTest

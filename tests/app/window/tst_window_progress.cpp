@@ -5,6 +5,7 @@
 #include "app/window/window_front_end.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
+#include "controls/level_meter.h"
 #include "main_window_test.h"
 #include "support/fake_service.h"
 #include "support/wait_until.h"
@@ -129,6 +130,25 @@ TEST_F(WindowProgressTest, ABarInTheMovieStaysWhileNoPictureIsKept)
     progress().showPaused(false);
     EXPECT_TRUE(test::waitUntil([] { return !stopButton(); }));
     progress().hideStopItem();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST_F(WindowProgressTest, TheBarShowsHowLoudTheSoundIsWhereThereIsSome)
+{
+    startRecording();
+    ASSERT_TRUE(stopButton());
+    const QWidget &bar = *stopButton()->window();
+    EXPECT_FALSE(bar.findChild<LevelMeter *>());
+    const int withoutMeter = bar.width();
+    progress().showLevel(0.5);
+    auto *meter = bar.findChild<LevelMeter *>();
+    ASSERT_TRUE(meter);
+    EXPECT_GT(bar.width(), withoutMeter);
+    EXPECT_FALSE(meter->accessibleName().isEmpty());
+    meter->advance(0.01);
+    EXPECT_EQ(meter->level(), -6);
+    progress().hideStopItem();
+    progress().showLevel(0.5); // behind the end
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
