@@ -328,7 +328,7 @@ void CastSource::fill(pw_buffer &buffer, const SourceFrame &frame)
                     frame.picture.constScanLine(y),
                     static_cast<std::size_t>(frame.picture.width()) * 4);
     if (auto *const header = metadata<spa_meta_header>(filled, SPA_META_Header))
-        *header = { 0, 0, 0, 0, ++m_sequence };
+        *header = { 0, 0, 0, 0, m_counts ? ++m_sequence : 0 };
     if (auto *const transform = metadata<spa_meta_videotransform>(filled, SPA_META_VideoTransform))
         transform->transform = static_cast<std::uint32_t>(frame.transform);
     fillDamage(filled, frame.damage);

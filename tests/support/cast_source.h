@@ -53,6 +53,8 @@ public:
     [[nodiscard]] bool sendUntil(const SourceFrame &frame, const std::function<bool()> &isSo);
     /// Leaves out a number, as for a frame that was lost.
     void loseFrame() { ++m_sequence; }
+    /// From now on frames have no numbers, as those of some compositors.
+    void stopCounting() { m_counts = false; }
     /// How many buffers there are.
     [[nodiscard]] int bufferCount() const { return m_bufferCount; }
 
@@ -71,6 +73,7 @@ private:
     QSize m_size; ///< under the library's lock, as the next
     QSize m_agreedSize;
     std::uint64_t m_sequence = 0; ///< of the last frame; on the test's thread
+    bool m_counts = true;         ///< the same
     std::atomic<std::uint32_t> m_node;
     std::atomic<bool> m_isStreaming = false;
     std::atomic<int> m_bufferCount = 0;

@@ -95,8 +95,7 @@ TEST(SwayPixel, ItIsThereForItsTimeAtMost)
 }
 
 /// A pixel that is asked for while the compositor hangs is shown when it goes on. That is not so where somebody has
-/// waited for answers meanwhile, be it for the first pixel or for the end of the second: without an answer they are
-/// given up.
+/// waited for answers meanwhile, be it for that pixel or for the end of others: without an answer it is given up.
 TEST(SwayPixel, ACompositorThatHangsHoldsUpNobody)
 {
     const auto desktop = SwaySession::start({ .size = { 320, 200 } });
@@ -106,9 +105,8 @@ TEST(SwayPixel, ACompositorThatHangsHoldsUpNobody)
     for (int attempt = 0; attempt < attempts && state != State::Shown; ++attempt) {
         desktop->setFrozen(true);
         const TransparentPixel pixel(std::chrono::hours(1));
-        {
-            const TransparentPixel second(std::chrono::hours(1));
-        }
+        for (int other = 0; other < 2; ++other)
+            const TransparentPixel ended(std::chrono::hours(1));
         desktop->setFrozen(false);
         ASSERT_TRUE(isDecided(pixel));
         state = pixel.state();
