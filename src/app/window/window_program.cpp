@@ -54,9 +54,13 @@ QString pauseKeyNote(GlobalKey::Answer answer)
         return WindowProgram::tr("The keyboard does not have the key that pauses.");
     case GlobalKey::Answer::NotOnThisDesktop:
         return WindowProgram::tr("Bind a desktop key to “vornic --pause”.");
-    default:
-        return {};
+    case GlobalKey::Answer::Heard:
+    case GlobalKey::Answer::Asked:
+    case GlobalKey::Answer::Declined:
+    case GlobalKey::Answer::NotSet:
+        break;
     }
+    return {};
 }
 
 } // namespace
