@@ -329,6 +329,13 @@ void ScreenPainter::setCursor(const QImage &picture, QPoint hotSpot)
     sync();
 }
 
+QPoint ScreenPainter::pointerPosition() const
+{
+    const Reply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
+    return pointer ? QPoint(pointer->root_x, pointer->root_y) : QPoint();
+}
+
 void ScreenPainter::movePointer(QPoint position)
 {
     xcb_warp_pointer(m_connection,

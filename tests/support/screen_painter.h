@@ -57,6 +57,8 @@ public:
     /// The shape of the pointer over everything that sets none of its own.
     void setCursor(const QImage &picture, QPoint hotSpot);
     void movePointer(QPoint position);
+    /// Where the server takes the pointer to be.
+    [[nodiscard]] QPoint pointerPosition() const;
 
     void sync() const;
 
