@@ -28,6 +28,7 @@ complete -c vornic -n $record -l audio -d 'Sound too, of the first audio input d
 complete -c vornic -n $record -a '(string match -q -- "--audio=*" (commandline -ct); and vornic devices 2>/dev/null | string replace -r "^" -- --audio=)' \
     -d 'Audio input device'
 complete -c vornic -n $record -l system-audio -d 'What the system plays, too'
+complete -c vornic -n $record -l separate-tracks -d 'A track for each of the two sounds'
 complete -c vornic -n $record -l duration -x -d 'End the recording by itself: seconds'
 complete -c vornic -n $record -l overwrite -d 'Replace the file'
 complete -c vornic -n $record -l ignore-low-space -d 'Go on below the free-space limit'

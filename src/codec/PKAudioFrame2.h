@@ -3,6 +3,7 @@
 #include <QByteArray>
 
 #include <cstdint>
+#include <memory>
 
 namespace vornic {
 
@@ -24,6 +25,9 @@ public:
     [[nodiscard]] std::int32_t sampleFormat() const { return m_sampleFormat; }
     [[nodiscard]] std::int32_t numberOfChannel() const { return m_numberOfChannel; }
     [[nodiscard]] std::int32_t sampleRate() const { return m_sampleRate; }
+    /// A block of \a count of its channels, from the one with the number \a first on; a channel that it does not have is
+    /// silent.
+    [[nodiscard]] std::shared_ptr<const PKAudioFrame2> channels(std::int32_t first, std::int32_t count) const;
     /// 0 for an empty block.
     [[nodiscard]] std::int32_t numberOfSamples() const { return m_numberOfSamples; }
     [[nodiscard]] const QByteArray &samples() const { return m_samples; }

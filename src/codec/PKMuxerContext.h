@@ -3,6 +3,7 @@
 #include "codec/file_identity.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <optional>
@@ -55,6 +56,10 @@ public:
     /// 0: no sound track.
     [[nodiscard]] int audioCodecID() const { return m_audioCodecID; }
     void setAudioCodecID(int id) { m_audioCodecID = id; }
+    /// The titles of the sound tracks, where there are several: the first has the first two channels of the sound, and so
+    /// on. Empty: one track of all channels, without a title.
+    [[nodiscard]] const QStringList &audioTracks() const { return m_audioTracks; }
+    void setAudioTracks(QStringList titles) { m_audioTracks = std::move(titles); }
     /// The expected format of the sound; that of each PKAudioFrame2 is what counts.
     [[nodiscard]] std::int32_t samplerate() const { return m_samplerate; }
     void setSamplerate(std::int32_t hertz) { m_samplerate = hertz; }
@@ -73,6 +78,7 @@ private:
     double m_frameRate = 0;
     std::int32_t m_videoBitrate = 0;
     int m_audioCodecID = audioCodecNone;
+    QStringList m_audioTracks;
     std::int32_t m_samplerate = 0;
     std::int32_t m_numberOfChannels = 0;
     std::int32_t m_sampleFormat = 0;

@@ -4,6 +4,7 @@
 #include <QSize>
 
 #include <cstdint>
+#include <vector>
 
 namespace vornic {
 
@@ -17,10 +18,14 @@ struct MovieContents {
     std::int64_t end = 0;    ///< until when the last one is shown, in PKTimebase ticks
     QByteArray lastFrame;    ///< MovieProof::endingOf() its packet
 
-    int channels = 0;
-    int sampleRate = 0;       ///< hertz
-    std::int64_t samples = 0; ///< in each channel; 0: there is no sound track
-    QByteArray lastSound;     ///< MovieProof::endingOf() the last packet
+    /// One track of sound.
+    struct Sound {
+        int channels = 0;
+        int sampleRate = 0;       ///< hertz
+        std::int64_t samples = 0; ///< in each channel; 0: the track is left out
+        QByteArray last;          ///< MovieProof::endingOf() the last packet
+    };
+    std::vector<Sound> sounds; ///< in the order of their tracks
 };
 
 } // namespace vornic

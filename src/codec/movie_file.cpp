@@ -79,6 +79,18 @@ int MovieFile::addTrack(const AVCodecContext &encoder)
     return stream->index;
 }
 
+int MovieFile::addTrack(const AVCodecContext &encoder, const QString &title, bool isDefault)
+{
+    const int track = addTrack(encoder);
+    AVStream &stream = *m_format->streams[track];
+    const QByteArray text = title.toUtf8();
+    // Some players read the one, some the other.
+    for (const char *key : { "title", "handler_name" })
+        checkWritten(av_dict_set(&stream.metadata, key, text.constData(), 0));
+    stream.disposition = isDefault ? AV_DISPOSITION_DEFAULT : 0;
+    return track;
+}
+
 void MovieFile::writeHeader()
 {
     AVDictionary *options = nullptr;

@@ -28,6 +28,8 @@ public:
 
     /// The new track's number. The encoder must be open and must have been told to give a global header.
     int addTrack(const AVCodecContext &encoder);
+    /// The same for one of several of a kind: players show the \a title, and play the default one.
+    int addTrack(const AVCodecContext &encoder, const QString &title, bool isDefault);
     /// After the last track.
     void writeHeader();
     /// Takes the packet's contents. Packets of one track come in order, those of different tracks in any.

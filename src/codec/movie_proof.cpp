@@ -2,7 +2,6 @@
 
 #include "base/PKTimebase.h"
 #include "base/log.h"
-#include "codec/movie_contents.h"
 #include "codec/movie_failure.h"
 
 #include <algorithm>
@@ -41,7 +40,7 @@ MovieProof::MovieProof(int borrowedDescriptor, QString filename)
 void MovieProof::check(const MovieContents &contents)
 {
     checkPictures(contents);
-    checkSound(contents);
+    checkSounds(contents);
 }
 
 /// The window is larger than what is taken of it, so that no part of a start code at its beginning is taken.
@@ -56,8 +55,10 @@ QByteArray MovieProof::endingOf(QByteArrayView packet)
 
 void MovieProof::checkPictures(const MovieContents &contents)
 {
-    AVStream *const stream = onlyStream(AVMEDIA_TYPE_VIDEO);
-    require(stream != nullptr, QStringLiteral("no pictures"));
+    const std::vector<AVStream *> streams = streamsOf(AVMEDIA_TYPE_VIDEO);
+    require(!streams.empty(), QStringLiteral("no pictures"));
+    require(streams.size() == 1, QStringLiteral("two tracks of pictures"));
+    AVStream *const stream = streams.front();
     const QSize size(stream->codecpar->width, stream->codecpar->height);
     require(size == contents.pictureSize,
             QStringLiteral("pictures of %1 x %2 pixels").arg(size.width()).arg(size.height()));
@@ -72,24 +73,30 @@ void MovieProof::checkPictures(const MovieContents &contents)
     checkSamples(*stream, contents.lastFrame);
 }
 
-void MovieProof::checkSound(const MovieContents &contents)
+void MovieProof::checkSounds(const MovieContents &contents)
 {
-    AVStream *const stream = onlyStream(AVMEDIA_TYPE_AUDIO);
-    if (contents.samples == 0) {
-        require(stream == nullptr, QStringLiteral("sound that was not put in"));
-        return;
+    const std::vector<AVStream *> streams = streamsOf(AVMEDIA_TYPE_AUDIO);
+    std::size_t found = 0;
+    for (const MovieContents::Sound &sound : contents.sounds) {
+        if (sound.samples == 0)
+            continue;
+        require(found < streams.size(), QStringLiteral("no sound"));
+        checkSound(*streams[found++], sound);
     }
-    require(stream != nullptr, QStringLiteral("no sound"));
-    const AVCodecParameters &format = *stream->codecpar;
-    require(format.sample_rate == contents.sampleRate && format.ch_layout.nb_channels == contents.channels,
+    require(found == streams.size(), QStringLiteral("sound that was not put in"));
+}
+
+void MovieProof::checkSound(AVStream &stream, const MovieContents::Sound &sound)
+{
+    const AVCodecParameters &format = *stream.codecpar;
+    require(format.sample_rate == sound.sampleRate && format.ch_layout.nb_channels == sound.channels,
             QStringLiteral("sound of %1 Hz, %2 channels")
                 .arg(format.sample_rate)
                 .arg(format.ch_layout.nb_channels));
-    const std::int64_t samples
-        = av_rescale_q(stream->duration, stream->time_base, { 1, contents.sampleRate });
-    require(std::abs(samples - contents.samples) <= maxSoundDifference,
-            QStringLiteral("%1 of %2 samples of sound").arg(samples).arg(contents.samples));
-    checkSamples(*stream, contents.lastSound);
+    const std::int64_t samples = av_rescale_q(stream.duration, stream.time_base, { 1, sound.sampleRate });
+    require(std::abs(samples - sound.samples) <= maxSoundDifference,
+            QStringLiteral("%1 of %2 samples of sound").arg(samples).arg(sound.samples));
+    checkSamples(stream, sound.last);
 }
 
 /// All samples of a track lie within the file, and the last one is as it was put in.
@@ -115,17 +122,14 @@ void MovieProof::checkSamples(AVStream &stream, const QByteArray &lastEnding)
             QStringLiteral("another last sample than was put in"));
 }
 
-AVStream *MovieProof::onlyStream(AVMediaType type) const
+std::vector<AVStream *> MovieProof::streamsOf(AVMediaType type) const
 {
-    AVStream *found = nullptr;
+    std::vector<AVStream *> streams;
     for (unsigned i = 0; i < m_format->nb_streams; ++i) {
-        AVStream *const stream = m_format->streams[i];
-        if (stream->codecpar->codec_type != type)
-            continue;
-        require(found == nullptr, QStringLiteral("two tracks of one type"));
-        found = stream;
+        if (m_format->streams[i]->codecpar->codec_type == type)
+            streams.push_back(m_format->streams[i]);
     }
-    return found;
+    return streams;
 }
 
 void MovieProof::require(bool isTrue, const QString &otherwise) const

@@ -2,16 +2,16 @@
 
 #include "codec/av_support.h"
 #include "codec/descriptor_stream.h"
+#include "codec/movie_contents.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 namespace vornic {
-
-struct MovieContents;
 
 /// A finished movie file that is read again, to find in it what was put in: the recording that it was made from may
 /// be deleted then, and not before.
@@ -32,10 +32,10 @@ public:
 
 private:
     void checkPictures(const MovieContents &contents);
-    void checkSound(const MovieContents &contents);
+    void checkSounds(const MovieContents &contents);
+    void checkSound(AVStream &stream, const MovieContents::Sound &sound);
     void checkSamples(AVStream &stream, const QByteArray &lastEnding);
-    /// Null where there is none of that type.
-    [[nodiscard]] AVStream *onlyStream(AVMediaType type) const;
+    [[nodiscard]] std::vector<AVStream *> streamsOf(AVMediaType type) const;
     void require(bool isTrue, const QString &otherwise) const;
     [[noreturn]] void fail(const QString &finding) const;
 

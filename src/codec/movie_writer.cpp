@@ -16,7 +16,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace vornic {
 
@@ -42,10 +44,8 @@ public:
         , m_videoTrack(m_file.addTrack(m_video.codec()))
         , m_length(source.PKMuxerTaskLength())
     {
-        if (context.audioCodecID() != PKMuxerContext::audioCodecNone) {
-            m_audio.emplace(context.audioCodecID());
-            m_audioTrack = m_file.addTrack(m_audio->codec());
-        }
+        if (context.audioCodecID() != PKMuxerContext::audioCodecNone)
+            addSounds(context);
         m_file.writeHeader();
         m_contents.pictureSize = { m_video.codec().width, m_video.codec().height };
     }
@@ -54,12 +54,13 @@ public:
     {
         encodeFrames();
         encodeAudio(std::nullopt);
-        if (m_audio) {
-            m_audio->finish(m_audioSink);
-            m_contents.channels = m_audio->codec().ch_layout.nb_channels;
-            m_contents.sampleRate = m_audio->codec().sample_rate;
-            m_contents.samples = m_audio->samples();
-            m_statistics.audioSeconds = m_audio->seconds();
+        for (const auto &sound : m_sounds) {
+            sound->encoder.finish(sound->sink);
+            m_contents.sounds.push_back({ sound->encoder.codec().ch_layout.nb_channels,
+                                          sound->encoder.codec().sample_rate,
+                                          sound->encoder.samples(),
+                                          sound->last });
+            m_statistics.audioSeconds = sound->encoder.seconds();
         }
         m_video.finish(m_videoSink);
         m_statistics.file = m_file.complete(m_contents, m_replaced);
@@ -68,6 +69,45 @@ public:
     }
 
 private:
+    /// One track of sound; all have the same times.
+    struct Sound {
+        explicit Sound(int codecId)
+            : encoder(codecId)
+        {
+        }
+
+        AudioEncoder encoder;
+        int track = 0;
+        QByteArray last; ///< MovieProof::endingOf() the last packet
+        PacketSink sink;
+    };
+
+    void addSounds(const PKMuxerContext &context)
+    {
+        const QStringList &titles = context.audioTracks();
+        for (qsizetype i = 0; i < std::max<qsizetype>(titles.size(), 1); ++i) {
+            Sound &sound = *m_sounds.emplace_back(std::make_unique<Sound>(context.audioCodecID()));
+            sound.track = titles.isEmpty() ? m_file.addTrack(sound.encoder.codec())
+                                           : m_file.addTrack(sound.encoder.codec(), titles.at(i), i == 0);
+            sound.sink = [this, &sound](AVPacket &packet) {
+                sound.last = MovieProof::endingOf({ packet.data, packet.size });
+                m_file.mux(packet, sound.track, sound.encoder.timeBase());
+            };
+        }
+    }
+
+    void addBlock(const PKAudioFrame2 &block)
+    {
+        if (m_sounds.size() == 1) {
+            m_sounds.front()->encoder.add(block, m_sounds.front()->sink);
+            return;
+        }
+        for (std::size_t i = 0; i < m_sounds.size(); ++i) {
+            const auto pair = block.channels(static_cast<std::int32_t>(2 * i), 2);
+            m_sounds[i]->encoder.add(*pair, m_sounds[i]->sink);
+        }
+    }
+
     void encodeFrames()
     {
         FrameReader reader([this] { return readFrame(); }, m_stop);
@@ -110,13 +150,15 @@ private:
     /// Encodes sound up to \a endTicks, or all that is left.
     void encodeAudio(std::optional<std::int64_t> endTicks)
     {
-        while (
-            m_audio && !m_audioHasEnded
-            && (!endTicks
-                || m_audio->seconds() * static_cast<double>(PKTimebase) <= static_cast<double>(*endTicks))) {
+        const auto isWanted = [&] {
+            return !endTicks
+                || m_sounds.front()->encoder.seconds() * static_cast<double>(PKTimebase)
+                <= static_cast<double>(*endTicks);
+        };
+        while (!m_sounds.empty() && !m_audioHasEnded && isWanted()) {
             const auto block = m_source.PKMuxerTaskGetAudioFrame();
             if (block)
-                m_audio->add(*block, m_audioSink);
+                addBlock(*block);
             m_audioHasEnded = !block;
         }
     }
@@ -140,12 +182,6 @@ private:
             m_progress(100 * std::clamp(*share, 0.0, 1.0));
     }
 
-    void muxAudioPacket(AVPacket &packet)
-    {
-        m_contents.lastSound = MovieProof::endingOf({ packet.data, packet.size });
-        m_file.mux(packet, m_audioTrack, m_audio->timeBase());
-    }
-
     PKMuxerTaskDataSource &m_source;
     const ProgressSink &m_progress;
     std::stop_token m_stop;
@@ -154,15 +190,13 @@ private:
     std::optional<FileIdentity> m_replaced;
     MovieFile m_file;
     VideoEncoder m_video;
-    std::optional<AudioEncoder> m_audio;
+    std::vector<std::unique_ptr<Sound>> m_sounds; ///< empty where the movie has none
     int m_videoTrack;
-    int m_audioTrack = 0;
     std::int64_t m_length; ///< of the recording, ticks
     bool m_audioHasEnded = false;
     MovieStatistics m_statistics;
     MovieContents m_contents;
     PacketSink m_videoSink = [this](AVPacket &packet) { muxVideoPacket(packet); };
-    PacketSink m_audioSink = [this](AVPacket &packet) { muxAudioPacket(packet); };
 };
 
 } // namespace

@@ -41,10 +41,7 @@ protected:
         ASSERT_GT(m_lastSound.size, endBytes);
         m_contents = contentsOfPictures(30);
         m_contents.lastFrame = endOf(m_lastFrame);
-        m_contents.channels = 2;
-        m_contents.sampleRate = 48000;
-        m_contents.samples = 48000;
-        m_contents.lastSound = endOf(m_lastSound);
+        m_contents.sounds = { { 2, 48000, 48000, endOf(m_lastSound) } };
     }
     static void TearDownTestSuite() { m_folder.reset(); }
 
@@ -155,15 +152,19 @@ TEST_F(MovieProofTest, picturesOfAnotherTime)
 
 TEST_F(MovieProofTest, soundOfAnotherLength)
 {
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.samples += 1024; }), "");
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.samples += 1025; }), "48000 of 49025 samples of sound");
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.samples -= 1025; }), "48000 of 46975 samples of sound");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().samples += 1024; }), "");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().samples += 1025; }),
+              "48000 of 49025 samples of sound");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().samples -= 1025; }),
+              "48000 of 46975 samples of sound");
 }
 
 TEST_F(MovieProofTest, soundOfAnotherFormat)
 {
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sampleRate = 44100; }), "sound of 48000 Hz, 2 channels");
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.channels = 1; }), "sound of 48000 Hz, 2 channels");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().sampleRate = 44100; }),
+              "sound of 48000 Hz, 2 channels");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().channels = 1; }),
+              "sound of 48000 Hz, 2 channels");
 }
 
 TEST_F(MovieProofTest, soundThatIsMissing)
@@ -171,15 +172,15 @@ TEST_F(MovieProofTest, soundThatIsMissing)
     const QString silent = m_folder->filePath(QStringLiteral("soundless.mp4"));
     makeMovie(silent, 30, 0);
     MovieContents contents = contentsOfPictures(30);
-    contents.channels = 2;
-    contents.sampleRate = 48000;
-    contents.samples = 1;
+    contents.sounds = { { 2, 48000, 1, {} } };
     EXPECT_EQ(faultOf(silent, contents), "no sound");
 }
 
 TEST_F(MovieProofTest, soundThatNobodyPutIn)
 {
-    EXPECT_EQ(faultWhere([](MovieContents &it) { it.samples = 0; }), "sound that was not put in");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.front().samples = 0; }),
+              "sound that was not put in");
+    EXPECT_EQ(faultWhere([](MovieContents &it) { it.sounds.push_back(it.sounds.front()); }), "no sound");
 }
 
 TEST_F(MovieProofTest, aFileThatIsCutShort)

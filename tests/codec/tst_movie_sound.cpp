@@ -3,6 +3,7 @@
 #include "movie_test_support.h"
 
 #include <QJsonArray>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -196,6 +197,65 @@ TEST_F(MovieSoundTest, soundAndPicturesOfOneTimeLieTogetherInTheFile)
         (packet[u"codec_type"].toString() == u"video" ? lastVideo : lastAudio) = time;
         ASSERT_LE(std::abs(lastVideo - lastAudio), 1.5);
     }
+}
+
+/// The sound of the audio track with that number, as interleaved stereo.
+std::vector<std::int16_t> decodedTrack(const QString &movie, int track)
+{
+    const QTemporaryDir folder;
+    const QString alone = folder.filePath(QStringLiteral("track.mp4"));
+    EXPECT_EQ(
+        QProcess::execute(
+            QStringLiteral("ffmpeg"),
+            { "-v", "error", "-i", movie, "-map", QStringLiteral("0:a:%1").arg(track), "-c", "copy", alone }),
+        0);
+    return decodedSound(alone);
+}
+
+TEST_F(MovieSoundTest, pairsOfChannelsBecomeTracksWithTitles)
+{
+    m_source.addGreys({ 64, 48 }, 30);
+    const auto first = tone<std::int16_t>(1000, 48000, 2, 48000, 16000, 0);
+    const auto second = tone<std::int16_t>(400, 48000, 2, 48000, 8000, 0);
+    std::vector<std::int16_t> both;
+    for (std::size_t i = 0; i < first.size(); i += 2)
+        both.insert(both.end(), { first[i], first[i + 1], second[i], second[i + 1] });
+    addSound(both, 48000, 4, 4800);
+    auto context = videoContext(m_movie, { 64, 48 });
+    context.setAudioCodecID(PKMuxerContext::audioCodecAac);
+    context.setAudioTracks({ QStringLiteral("Mikrofon (Büro)"), QStringLiteral("What the system plays") });
+    const auto report = runTask(context, m_source);
+    ASSERT_TRUE(report.isComplete()) << report.reason();
+    QList<QJsonObject> tracks;
+    for (const QJsonValue &stream : probe(m_movie).value(u"streams").toArray()) {
+        if (stream[u"codec_type"].toString() == u"audio")
+            tracks += stream.toObject();
+    }
+    ASSERT_EQ(tracks.size(), 2);
+    for (qsizetype i = 0; i < 2; ++i) {
+        EXPECT_EQ(tracks[i][u"tags"][u"handler_name"].toString(), context.audioTracks().at(i));
+        EXPECT_EQ(tracks[i][u"disposition"][u"default"].toInt(), i == 0 ? 1 : 0);
+        EXPECT_EQ(tracks[i][u"channels"].toInt(), 2);
+        const std::vector<std::int16_t> sound = decodedTrack(m_movie, static_cast<int>(i));
+        ASSERT_NEAR(static_cast<double>(sound.size()), 96'000, 4096);
+        for (const std::size_t channel : { 0U, 1U }) {
+            EXPECT_NEAR(amplitudeOf(sound, channel, 1000, 4800, 38'400), i == 0 ? 16000 : 0, 400);
+            EXPECT_NEAR(amplitudeOf(sound, channel, 400, 4800, 38'400), i == 0 ? 0 : 8000, 400);
+        }
+    }
+}
+
+TEST(PKAudioFrame2, givesSomeOfItsChannels)
+{
+    const std::vector<std::int16_t> samples { 1, 2, 3, 4, 5, 6 };
+    const PKAudioFrame2 frame(1, 3, 48000, 2, samples.data());
+    EXPECT_EQ(frame.channels(1, 2)->samples(), QByteArray::fromHex("0200030005000600"));
+    EXPECT_EQ(frame.channels(1, 2)->numberOfChannel(), 2);
+    EXPECT_EQ(frame.channels(2, 2)->samples(), QByteArray::fromHex("0300000006000000"));
+    EXPECT_EQ(frame.channels(3, 2)->samples(), QByteArray(8, '\0')) << "it has none of them";
+    const unsigned char unsignedSamples[] = { 1, 2 };
+    EXPECT_EQ(PKAudioFrame2(0, 1, 48000, 2, unsignedSamples).channels(0, 2)->samples(),
+              QByteArray::fromHex("01800280"));
 }
 
 TEST(PKAudioFrame2, copiesItsSamples)

@@ -1,5 +1,7 @@
 #include "record_sound_fixture.h"
 
+#include <QJsonArray>
+
 #include <cmath>
 #include <functional>
 #include <numbers>
@@ -99,6 +101,41 @@ TEST_P(TwoSoundsTest, BothAreInTheMixAtTheirLevelsForAsLongAsItLasts)
     expectUnbroken(tonesIn(heard, inputHertz), 0.25);
     expectUnbroken(tonesIn(heard, systemHertz), 0.125);
     EXPECT_NEAR(lengthOf(probe(movie()), "audio"), lengthOf(probe(movie()), "video"), 0.3);
+}
+
+TEST_P(TwoSoundsTest, EachIsATrackWhereThatIsAskedFor)
+{
+    startBoth();
+    const auto first = playInto("feed", inputHertz, 0.25);
+    const auto second = playInto("speakers", systemHertz, 0.125);
+    const Result result
+        = record(small
+                 + QStringList {
+                     "--audio=Monitor of Feed", "--system-audio", "--separate-tracks", "--duration", "4" });
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    QStringList titles;
+    for (const QJsonValue &stream : probe(movie()).value(u"streams").toArray()) {
+        if (stream[u"codec_type"].toString() == u"audio")
+            titles += stream[u"tags"][u"handler_name"].toString();
+    }
+    EXPECT_EQ(titles, QStringList({ "Monitor of Feed", "What the system plays" }));
+    for (const int track : { 0, 1 }) {
+        const auto extracting = start("ffmpeg",
+                                      { "-v",
+                                        "error",
+                                        "-y",
+                                        "-i",
+                                        "o.mp4",
+                                        "-map",
+                                        QStringLiteral("0:a:%1").arg(track),
+                                        "-c",
+                                        "copy",
+                                        "track.mp4" });
+        ASSERT_EQ(finish(*extracting).status, 0);
+        const std::vector<std::int16_t> heard = testing::decodedSound(movie("track.mp4"));
+        expectUnbroken(tonesIn(heard, track == 0 ? inputHertz : systemHertz), track == 0 ? 0.25 : 0.125);
+        EXPECT_EQ(heardSince(tonesIn(heard, track == 0 ? systemHertz : inputHertz), 0), 0) << "of the other";
+    }
 }
 
 TEST_P(TwoSoundsTest, AnotherDefaultOutputIsHeardAsSoonAsItIsOne)

@@ -43,6 +43,7 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
                          30 or 20 pictures a second; default high
       --audio[=NAME]     sound too: of the first audio input device, or of the one named
       --system-audio     what the system plays, too; mixed with --audio, or alone
+      --separate-tracks  not mixed: a track for --audio, and one for --system-audio
       --duration SECONDS
       --overwrite        replace FILE.mp4; without it an existing file is refused
       --ignore-low-space go on below the free-space limit
@@ -74,6 +75,7 @@ void addOptions(QCommandLineParser &parser)
                         value("quality"),
                         flag("audio"),
                         flag("system-audio"),
+                        flag("separate-tracks"),
                         value("duration"),
                         flag("overwrite"),
                         flag("ignore-low-space"),
@@ -145,6 +147,9 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
     }
     line.audio = parser.isSet(QStringLiteral("audio"));
     line.systemAudio = parser.isSet(QStringLiteral("system-audio"));
+    line.separateTracks = parser.isSet(QStringLiteral("separate-tracks"));
+    if (line.separateTracks && !(line.audio && line.systemAudio))
+        return CommandLine::tr("--separate-tracks needs --audio and --system-audio.");
     line.overwrite = parser.isSet(QStringLiteral("overwrite"));
     line.ignoreLowSpace = parser.isSet(QStringLiteral("ignore-low-space"));
     return {};

@@ -32,8 +32,9 @@ public:
     std::optional<QRect> region; ///< pixels from the top left of the main display, y down; none: all of it
     RecordQuality quality = RecordQuality::High;
     bool audio = false;
-    QString audioDevice;      ///< empty: the first
-    bool systemAudio = false; ///< what the system plays, too
+    QString audioDevice;         ///< empty: the first
+    bool systemAudio = false;    ///< what the system plays, too
+    bool separateTracks = false; ///< of both
     std::optional<double> durationSeconds;
     bool overwrite = false; ///< also of a movie that is recovered
     bool ignoreLowSpace = false;

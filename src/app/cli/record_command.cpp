@@ -189,6 +189,7 @@ int runRecordCommand(const CommandLine &line)
     const std::unique_ptr<VNOption> options = optionsFrom(line);
     RecordingSession session(frontEnd.frontEnd(), *options, line.hasSound() ? &mainAudioControl() : nullptr);
     session.setUsesInput(line.audio);
+    session.setSeparateTracks(line.separateTracks);
     chooseAudioDevice(session.audioInput(), line);
     std::optional<RecordingDeadline> deadline;
     if (line.durationSeconds)

@@ -122,7 +122,7 @@ AudioRecorder *AudioInput::recorderOfChoice()
                         m_choice.inputPercent / 100.0,
                         [this](double peak, double seconds) { inputHeard(peak, seconds); } },
                       { m_choice.system, m_choice.systemPercent / 100.0 } },
-                    MixedRecorder::Layout::Mixed);
+                    isSeparate() ? MixedRecorder::Layout::SideBySide : MixedRecorder::Layout::Mixed);
     return mixed;
 }
 
@@ -161,6 +161,8 @@ void AudioInput::start(PKMuxerContext &context)
     context.setAudioCodecID(PKMuxerContext::audioCodecAac);
     context.setSamplerate(static_cast<std::int32_t>(format.mSampleRate));
     context.setNumberOfChannels(static_cast<std::int32_t>(format.mChannelsPerFrame));
+    if (isSeparate() && recorder == m_mixed.get())
+        context.setAudioTracks({ m_devices->stringValue(), tr("What the system plays") });
     context.setSampleFormat(format.mBitsPerChannel == 16 ? PKMuxerContext::sampleFormatSigned16
                                                          : PKMuxerContext::sampleFormatUnsigned8);
 }

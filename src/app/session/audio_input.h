@@ -82,6 +82,7 @@ signals:
 
 private:
     void addDevices(const QStringList &names);
+    [[nodiscard]] bool isSeparate() const { return m_choice.separate && m_choice.input && m_choice.system; }
     [[nodiscard]] AudioRecorder *recorderOfChoice();
     [[nodiscard]] MixedRecorder *mixedRecorder();
     void tellOfLoss(bool isLost);

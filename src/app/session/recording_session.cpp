@@ -321,8 +321,11 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
     context->setReplacedFile(m_replacedFile);
     describePicture(*context, quality);
     if (audio) {
-        m_audio->setChoice(
-            { m_usesInput, m_options.inputLevel(), m_options.recordsSystemSound(), m_options.systemLevel() });
+        m_audio->setChoice({ m_usesInput,
+                             m_options.inputLevel(),
+                             m_options.recordsSystemSound(),
+                             m_options.systemLevel(),
+                             m_separateTracks });
         m_audio->start(*context);
     } else {
         context->setAudioCodecID(PKMuxerContext::audioCodecNone);

@@ -65,6 +65,8 @@ public:
     void setClock(RecordingClock::Now now) { m_now = std::move(now); }
     /// Whether the device that the list shows is recorded, where sound is; or only what the system plays.
     void setUsesInput(bool uses) { m_usesInput = uses; }
+    /// The input and what the system plays become a track each, where both are recorded.
+    void setSeparateTracks(bool separate) { m_separateTracks = separate; }
     /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
     void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
 
@@ -177,6 +179,7 @@ private:
     Phase m_phase = Phase::Idle;
     bool m_terminating = false;
     bool m_usesInput = true;
+    bool m_separateTracks = false;
     QString m_chosenFile;                             ///< the save panel's answer
     std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
     std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()

@@ -10,6 +10,8 @@ struct SoundChoice {
     int inputPercent = 100;  ///< 0 to 150
     bool system = false;     ///< what the system plays
     int systemPercent = 100; ///< 0 to 150
+    /// Each is a track of its own; where both are recorded.
+    bool separate = false;
 
     /// The input's sound is taken as it is.
     [[nodiscard]] bool isPlain() const { return input && !system && inputPercent == 100; }

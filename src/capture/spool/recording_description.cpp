@@ -5,6 +5,9 @@
 
 #include <QTimeZone>
 
+#include <array>
+#include <utility>
+
 namespace vornic {
 
 namespace {
@@ -30,6 +33,8 @@ constexpr QLatin1StringView audioCodecKey("audioCodecID");
 constexpr QLatin1StringView samplerateKey("samplerate");
 constexpr QLatin1StringView channelsKey("numberOfChannels");
 constexpr QLatin1StringView sampleFormatKey("sampleFormat");
+/// Of the sound tracks, in their order; missing where there is one, which has no title.
+constexpr std::array trackTitleKeys { QLatin1StringView("audioTrack.1"), QLatin1StringView("audioTrack.2") };
 
 void encodeMovie(const PKMuxerContext &movie, KeyedArchiver &archiver)
 {
@@ -44,6 +49,8 @@ void encodeMovie(const PKMuxerContext &movie, KeyedArchiver &archiver)
     archiver.encodeInt32(samplerateKey, movie.samplerate());
     archiver.encodeInt32(channelsKey, movie.numberOfChannels());
     archiver.encodeInt32(sampleFormatKey, movie.sampleFormat());
+    for (std::size_t i = 0; i < trackTitleKeys.size() && std::cmp_less(i, movie.audioTracks().size()); ++i)
+        archiver.encodeString(trackTitleKeys[i], movie.audioTracks().at(static_cast<qsizetype>(i)));
 }
 
 PKMuxerContext decodeMovie(const KeyedUnarchiver &unarchiver)
@@ -62,6 +69,12 @@ PKMuxerContext decodeMovie(const KeyedUnarchiver &unarchiver)
     movie.setSamplerate(unarchiver.decodeInt32(samplerateKey));
     movie.setNumberOfChannels(unarchiver.decodeInt32(channelsKey));
     movie.setSampleFormat(unarchiver.decodeInt32(sampleFormatKey));
+    QStringList titles;
+    for (const QLatin1StringView key : trackTitleKeys) {
+        if (const std::optional<QString> title = unarchiver.decodeString(key))
+            titles += *title;
+    }
+    movie.setAudioTracks(titles);
     return movie;
 }
 

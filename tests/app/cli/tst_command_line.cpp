@@ -69,6 +69,7 @@ TEST(CommandLineTest, Commands)
                                 "--quality",
                                 "--audio",
                                 "--system-audio",
+                                "--separate-tracks",
                                 "--duration",
                                 "--overwrite",
                                 "--ignore-low-space",
@@ -129,6 +130,12 @@ TEST(CommandLineTest, WhatTheSystemPlaysIsRecordedAloneOrBesideAnInput)
     EXPECT_TRUE(both.systemAudio && both.audio);
     EXPECT_EQ(both.audioDevice, "Desk microphone");
     EXPECT_FALSE(parse({ "record", "o.mp4" }).hasSound());
+    EXPECT_FALSE(both.separateTracks);
+    EXPECT_TRUE(
+        parse({ "record", "--audio", "--system-audio", "--separate-tracks", "o.mp4" }).separateTracks);
+    for (const char *one : { "--audio", "--system-audio" })
+        EXPECT_EQ(parse({ "record", one, "--separate-tracks", "o.mp4" }).problem,
+                  "--separate-tracks needs --audio and --system-audio.");
     EXPECT_EQ(parse({ "--system-audio" }).problem, "--system-audio is an option of \"vornic record\".");
 }
 

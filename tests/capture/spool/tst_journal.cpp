@@ -41,6 +41,7 @@ RecordingDescription someDescription()
     movie.setAudioCodecID(PKMuxerContext::audioCodecAac);
     movie.setSamplerate(48000);
     movie.setNumberOfChannels(2);
+    movie.setAudioTracks({ QStringLiteral("Mikrofon (Büro)"), QStringLiteral("System") });
     movie.setSampleFormat(PKMuxerContext::sampleFormatSigned16);
     description.movie = movie;
     return description;
@@ -115,6 +116,7 @@ TEST(Journal, ADescriptionComesBackWhole)
     EXPECT_EQ(read->movie->audioCodecID(), written.movie->audioCodecID());
     EXPECT_EQ(read->movie->samplerate(), written.movie->samplerate());
     EXPECT_EQ(read->movie->numberOfChannels(), written.movie->numberOfChannels());
+    EXPECT_EQ(read->movie->audioTracks(), written.movie->audioTracks());
     EXPECT_EQ(read->movie->sampleFormat(), written.movie->sampleFormat());
 }
 
