@@ -433,6 +433,69 @@
         <source>Vornic has to end, and cannot wait for the display any longer.</source>
         <translation>Vornic muss enden und kann nicht länger auf den Bildschirm warten.</translation>
     </message>
+    <message>
+        <source>The desktop was not allowed to show its screen to Vornic.</source>
+        <translation>Dem Desktop wurde nicht erlaubt, Vornic seinen Bildschirm zu zeigen.</translation>
+    </message>
+    <message>
+        <source>%1, paused</source>
+        <translation>%1, angehalten</translation>
+    </message>
+    <message>
+        <source>%1, recording</source>
+        <translation>%1, Aufnahme läuft</translation>
+    </message>
+    <message>
+        <source>Nothing is heard from %1.</source>
+        <translation>Von %1 ist nichts zu hören.</translation>
+    </message>
+    <message>
+        <source>Nothing was recorded.</source>
+        <translation>Es wurde nichts aufgenommen.</translation>
+    </message>
+    <message>
+        <source>There is no output whose sound could be recorded.</source>
+        <translation>Es gibt keine Ausgabe, deren Ton aufgenommen werden könnte.</translation>
+    </message>
+    <message>
+        <source>Vornic cannot record now: it writes a movie, or waits for an answer.</source>
+        <translation>Vornic kann jetzt nicht aufnehmen: Es schreibt einen Film oder wartet auf eine Antwort.</translation>
+    </message>
+    <message>
+        <source>Start or stop a recording</source>
+        <translation>Aufnahme starten oder beenden</translation>
+    </message>
+    <message>
+        <source>it has ended</source>
+        <translation>es wurde beendet</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal gives no pictures of its screen.</source>
+        <translation>Das Portal des Desktops gibt keine Bilder seines Bildschirms.</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal gives no pictures of its screen: %1.</source>
+        <translation>Das Portal des Desktops gibt keine Bilder seines Bildschirms: %1.</translation>
+    </message>
+    <message>
+        <source>This desktop has no screen cast portal, through which its screen could be recorded.</source>
+        <translation>Dieser Desktop hat kein Portal für Bildschirmaufnahmen (ScreenCast), über das sein Bildschirm aufgenommen werden könnte.</translation>
+    </message>
+    <message>
+        <source>There is no Wayland session to record: the environment variable WAYLAND_DISPLAY is not set.</source>
+        <translation>Es gibt keine Wayland-Sitzung, die aufgenommen werden könnte: Die Umgebungsvariable WAYLAND_DISPLAY ist nicht gesetzt.</translation>
+    </message>
+    <message>
+        <source>The desktop sends no picture of its screen.</source>
+        <translation>Der Desktop sendet kein Bild seines Bildschirms.</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::AudioInput</name>
+    <message>
+        <source>What the system plays</source>
+        <translation>Was das System abspielt</translation>
+    </message>
 </context>
 <context>
     <name>vornic::ColorPanel</name>
@@ -519,6 +582,10 @@
         <source>a number of seconds above 0, %1 at most</source>
         <translation>eine Zahl von Sekunden über 0, höchstens %1</translation>
     </message>
+    <message>
+        <source>--separate-tracks needs --audio and --system-audio.</source>
+        <translation>--separate-tracks braucht --audio und --system-audio.</translation>
+    </message>
 </context>
 <context>
     <name>vornic::Countdown</name>
@@ -536,6 +603,10 @@
     <message>
         <source>Esc cancels</source>
         <translation>Esc bricht ab</translation>
+    </message>
+    <message>
+        <source>A click cancels</source>
+        <translation>Ein Klick bricht ab</translation>
     </message>
 </context>
 <context>
@@ -1002,6 +1073,66 @@
         <source>Unfinished recordings…</source>
         <translation>Unfertige Aufnahmen …</translation>
     </message>
+    <message>
+        <source>How loud the input is, and how loud it was at most in the last moments; 0 dB is too loud</source>
+        <translation>Wie laut der Eingang ist und wie laut er eben höchstens war; 0 dB ist zu laut</translation>
+    </message>
+    <message>
+        <source>Level of the audio input</source>
+        <translation>Pegel des Audioeingangs</translation>
+    </message>
+    <message>
+        <source>Level of the input, in percent</source>
+        <translation>Pegel des Eingangs, in Prozent</translation>
+    </message>
+    <message>
+        <source>Record the sound of the default output too, whichever that is at the time</source>
+        <translation>Auch den Ton der Standardausgabe aufnehmen, welche das auch gerade ist</translation>
+    </message>
+    <message>
+        <source>and what the system plays</source>
+        <translation>und was das System abspielt</translation>
+    </message>
+    <message>
+        <source>Level of what the system plays, in percent</source>
+        <translation>Pegel der Systemwiedergabe, in Prozent</translation>
+    </message>
+    <message>
+        <source>Pause key</source>
+        <translation>Pausentaste</translation>
+    </message>
+    <message>
+        <source>Press the keys that are to pause a recording and go on with it from any program; Backspace for none</source>
+        <translation>Tasten drücken, die in jedem Programm eine Aufnahme anhalten und fortsetzen sollen; Rücktaste für keine</translation>
+    </message>
+    <message>
+        <source>Key that pauses a recording and goes on with it</source>
+        <translation>Taste, die eine Aufnahme anhält und fortsetzt</translation>
+    </message>
+    <message>
+        <source>Nothing is heard from %1.</source>
+        <translation>Von %1 ist nichts zu hören.</translation>
+    </message>
+    <message>
+        <source>How loud the input is in the movie: %1 %</source>
+        <translation>Wie laut der Eingang im Film ist: %1 %</translation>
+    </message>
+    <message>
+        <source>How loud is in the movie what the system plays: %1 %</source>
+        <translation>Wie laut im Film ist, was das System abspielt: %1 %</translation>
+    </message>
+    <message>
+        <source>Recorded monitor: %1</source>
+        <translation>Aufgenommener Bildschirm: %1</translation>
+    </message>
+    <message>
+        <source>At this scale of the screen the frame may be a pixel off what is recorded.</source>
+        <translation>Bei dieser Skalierung des Bildschirms kann der Rahmen um ein Pixel von dem abweichen, was aufgenommen wird.</translation>
+    </message>
+    <message>
+        <source>Sto&amp;p   %1, paused</source>
+        <translation>Sto&amp;pp   %1, angehalten</translation>
+    </message>
 </context>
 <context>
     <name>vornic::OptionsViewModel</name>
@@ -1143,6 +1274,26 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <source>Go on without sound</source>
         <translation>Ohne Ton weiter</translation>
     </message>
+    <message>
+        <source>Go on with the recording</source>
+        <translation>Die Aufnahme fortsetzen</translation>
+    </message>
+    <message>
+        <source>Pause the recording</source>
+        <translation>Die Aufnahme anhalten</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation>Weiter</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Level of the sound that is recorded</source>
+        <translation>Pegel des aufgenommenen Tons</translation>
+    </message>
 </context>
 <context>
     <name>vornic::StopItem</name>
@@ -1165,6 +1316,18 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>%1, no sound</source>
         <translation>%1, kein Ton</translation>
+    </message>
+    <message>
+        <source>%1, paused</source>
+        <translation>%1, angehalten</translation>
+    </message>
+    <message>
+        <source>Go on with the recording</source>
+        <translation>Die Aufnahme fortsetzen</translation>
+    </message>
+    <message>
+        <source>Pause the recording</source>
+        <translation>Die Aufnahme anhalten</translation>
     </message>
 </context>
 <context>
@@ -1420,10 +1583,6 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
         <translation>Diese Taste hat die Tastatur nicht.</translation>
     </message>
     <message>
-        <source>This desktop does not let programs have such a key.</source>
-        <translation>Auf diesem Desktop bekommen Programme kein solches Kürzel.</translation>
-    </message>
-    <message>
         <source>The display is gone.</source>
         <translation>Die Anzeige ist weg.</translation>
     </message>
@@ -1442,6 +1601,42 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>%1. %2 (%3)</source>
         <translation>%1. %2 (%3)</translation>
+    </message>
+    <message>
+        <source>Another program has the key that pauses.</source>
+        <translation>Ein anderes Programm hat die Taste, die anhält.</translation>
+    </message>
+    <message>
+        <source>The keyboard does not have the key that pauses.</source>
+        <translation>Die Tastatur hat die Taste nicht, die anhält.</translation>
+    </message>
+    <message>
+        <source>Bind a desktop key to “vornic --pause”.</source>
+        <translation>Legen Sie eine Taste des Desktops auf „vornic --pause“.</translation>
+    </message>
+    <message>
+        <source>Both keys are the same: it does not pause.</source>
+        <translation>Beide Tasten sind gleich: Sie hält nicht an.</translation>
+    </message>
+    <message>
+        <source>The desktop has this key for it: %1</source>
+        <translation>Der Desktop hat dafür diese Taste: %1</translation>
+    </message>
+    <message>
+        <source>Bind a desktop key to “vornic --toggle”.</source>
+        <translation>Legen Sie „vornic --toggle“ auf eine Taste des Desktops.</translation>
+    </message>
+    <message>
+        <source>The desktop was not allowed to give the key.</source>
+        <translation>Der Desktop durfte die Taste nicht vergeben.</translation>
+    </message>
+    <message>
+        <source>Choose its key in the desktop&apos;s settings.</source>
+        <translation>Wählen Sie die Taste in den Einstellungen des Desktops.</translation>
+    </message>
+    <message>
+        <source>The desktop does not show its screen for that; drag the frame, or type the numbers.</source>
+        <translation>Dafür zeigt der Desktop seinen Bildschirm nicht; ziehen Sie den Rahmen oder geben Sie die Zahlen ein.</translation>
     </message>
 </context>
 <context>
@@ -1501,6 +1696,14 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Another file has come to stand in %1 and is kept; the movie is %2.</source>
         <translation>Unter %1 steht inzwischen eine andere Datei, die erhalten bleibt; der Film ist %2.</translation>
+    </message>
+    <message>
+        <source>Nothing is heard from %1.</source>
+        <translation>Von %1 ist nichts zu hören.</translation>
+    </message>
+    <message>
+        <source>It may be muted, or switched off. The recording goes on.</source>
+        <translation>Vielleicht ist das Gerät stumm oder ausgeschaltet. Die Aufnahme läuft weiter.</translation>
     </message>
 </context>
 <context>
