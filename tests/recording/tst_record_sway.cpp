@@ -1,6 +1,8 @@
 #include "record_sway_fixture.h"
 #include "support/virtual_pointer.h"
 
+#include <gmock/gmock.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -177,7 +179,7 @@ TEST_F(RecordSwayTest, TheMonitorThatIsGrantedIsRecordedAlsoWhereItStandsStill)
     }
     QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
     ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
-    EXPECT_THAT(settings.readAll().toStdString(), HasSubstr("HEADLESS-2")) << "for the next start";
+    EXPECT_THAT(settings.readAll().toStdString(), ::testing::HasSubstr("HEADLESS-2")) << "for the next start";
 }
 
 TEST_F(RecordSwayTest, AMonitorThatIsTurnedIsRecordedUpright)
