@@ -45,7 +45,8 @@ endfunction()
 #
 # A program that is fed random inputs: by hand "fuzz_name [inputs [seed]]", and by CTest 100,000, or fewer where a
 # sanitizer makes them slow. There it takes the processor only while no other test wants it, and keeps its files in
-# memory: what is fed to it is bytes, and a disk would make it and the tests beside it wait.
+# memory: what is fed to it is bytes, and a disk would make it and the tests beside it wait. One of them runs at a time,
+# beside tests that mostly wait.
 function(vornic_fuzzer source)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   set(inputs 100000)
@@ -56,5 +57,6 @@ function(vornic_fuzzer source)
   add_executable(${name} ${source})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} vornic::test_support vornic::warnings)
   add_test(NAME ${name} COMMAND nice -n 19 $<TARGET_FILE:${name}> ${inputs})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 1500 LABELS unit COST 500 ENVIRONMENT TMPDIR=/dev/shm)
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT 1500 LABELS unit COST 500 RESOURCE_LOCK fuzzer ENVIRONMENT TMPDIR=/dev/shm)
 endfunction()
