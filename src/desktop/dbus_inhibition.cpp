@@ -79,8 +79,6 @@ void DBusInhibition::giveBack(const Grant &grant) const
         return;
     const bool isObject = !m_request.releaseInterface.isEmpty();
     const QString object = grant.reply.arguments().value(0).value<QDBusObjectPath>().path();
-    if (isObject && object.isEmpty())
-        return;
     // To the process that gave it: to another one the cookie may mean somebody else's.
     QDBusMessage call
         = QDBusMessage::createMethodCall(grant.reply.service(),
