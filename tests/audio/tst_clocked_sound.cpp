@@ -169,8 +169,8 @@ TEST_F(ClockedSoundTest, SoundThatStopsLeavesSilenceAndTheClockIsStillKnown)
     stop(7);
     hear(100, 200, slow);
     EXPECT_NEAR(length(), elapsed(), 0.003);
-    const auto silent = std::ranges::search_n(recorded, static_cast<std::ptrdiff_t>(6.9 * rate), 0);
-    EXPECT_FALSE(silent.empty());
+    EXPECT_NE(std::search_n(recorded.begin(), recorded.end(), static_cast<std::ptrdiff_t>(6.9 * rate), 0),
+              recorded.end());
     for (double second = 68; second < 97; ++second)
         EXPECT_LT(std::abs(latenessAt(100, second)), 0.002) << second;
 }
