@@ -1,7 +1,7 @@
 #include "record_sway_fixture.h"
 #include "support/virtual_pointer.h"
 
-#include <gmock/gmock.h>
+#include <QDirIterator>
 
 #include <cstdio>
 #include <cstdlib>
@@ -179,7 +179,27 @@ TEST_F(RecordSwayTest, TheMonitorThatIsGrantedIsRecordedAlsoWhereItStandsStill)
     }
     QFile settings(folder.filePath("config/kavlor/Vornic.conf"));
     ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
-    EXPECT_THAT(settings.readAll().toStdString(), ::testing::HasSubstr("HEADLESS-2")) << "for the next start";
+    EXPECT_TRUE(settings.readAll().contains("HEADLESS-2")) << "for the next start";
+}
+
+/// As by a key of the desktop that is bound to the command.
+TEST_F(RecordSwayTest, ToggledTwiceItRecordsAMovie)
+{
+    startDesktop();
+    const auto program = startVornic({ "--toggle" }); // there is none yet
+    const auto spooled = [this] {
+        QDirIterator files(folder.path(), { "vornicvideo.tmp" }, QDir::Files, QDirIterator::Subdirectories);
+        return files.hasNext() && QFileInfo(files.next()).size() > 0;
+    };
+    ASSERT_TRUE(test::waitUntil(spooled));
+    EXPECT_EQ(vornic({ "--toggle" }).status, 0);
+    const QDir home(m_desktop->filePath("home"));
+    EXPECT_TRUE(test::waitUntil([&] { return !home.entryList({ "*.mp4" }).isEmpty(); }));
+    const QString movie = home.filePath(home.entryList({ "*.mp4" }).value(0));
+    EXPECT_EQ(sizeOf(movie), size);
+    EXPECT_EQ(vornic({ "--stop" }).status, 1) << "nothing records any more";
+    signal(*program, SIGTERM);
+    EXPECT_EQ(finish(*program).status, 0);
 }
 
 TEST_F(RecordSwayTest, AMonitorThatIsTurnedIsRecordedUpright)
