@@ -102,6 +102,12 @@ protected:
                 QImage(luma, size.width(), size.height(), size.width(), QImage::Format_Grayscale8)));
         return numbers;
     }
+    [[nodiscard]] double secondsBetween(int first, int last) const
+    {
+        const auto passed
+            = m_drawnAt.at(static_cast<std::size_t>(last)) - m_drawnAt.at(static_cast<std::size_t>(first));
+        return std::chrono::duration<double>(passed).count();
+    }
     /// In how many thirtieths of a second the compositor has drawn something new, from the picture \a first to \a last.
     [[nodiscard]] std::size_t newThirtieths(int first, int last) const
     {

