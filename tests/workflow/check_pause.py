@@ -33,17 +33,17 @@ class Tray:
     """Its menu, opened with the right button, which no screen reader is told of, and its picture."""
 
     def __init__(self, _):
-        self.icon = wait(tray_icon)
+        wait(tray_icon)
 
     def is_paused(self, paused):
-        x, y = self.icon
+        x, y = wait(tray_icon)  # the panel moves it until it has settled
         pixel = subprocess.run(["ffmpeg", "-v", "error", "-f", "x11grab", "-draw_mouse", "0", "-video_size", "2x2", "-i",
                                 f"{os.environ['DISPLAY']}+{x - 6},{y}", "-frames:v", "1", "-f", "rawvideo", "-pix_fmt",
                                 "rgb24", "-"], capture_output=True, check=True).stdout[:3]
         return pixel[0] > pixel[1] + 60 if not paused else max(pixel) - min(pixel) < 10 and pixel[0] > 80
 
     def press(self, _):
-        xdotool("mousemove", *self.icon, "click", 3)
+        xdotool("mousemove", *wait(tray_icon), "click", 3)
         time.sleep(0.5)  # until the menu has the keyboard
         key("Down", "Return")
         xdotool("mousemove", 640, 300)
