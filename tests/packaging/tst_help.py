@@ -86,7 +86,8 @@ class Help(unittest.TestCase):
         self.assertEqual(make("# A\n\nB.\n\n## C\n\nD.\n")[0], 0)
 
     def test_names_the_commands_for_keys_as_the_program_has_them(self):
-        for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop", "vornic --toggle"):
+        for command in ("vornic --record=full", "vornic --record=rectangle", "vornic --stop", "vornic --toggle",
+                        "vornic --pause"):
             self.assertIn(f"`{command}`", self.text)
 
     def test_tells_how_desktops_without_keys_for_programs_are_given_one(self):
@@ -102,12 +103,13 @@ class Help(unittest.TestCase):
             for wrong in ("X11 only,", "needs an X11 session", "No Wayland", "records X11 sessions."):
                 self.assertNotIn(wrong, text, page)
 
-    def test_names_the_key_and_the_countdowns_that_the_program_has(self):
+    def test_names_the_keys_and_the_countdowns_that_the_program_has(self):
         settings = SOURCE / "src/app/session"
-        key = re.findall(r'QStringLiteral\("(\w+(?:\+\w+)+)"\)', (settings / "start_settings.cpp").read_text())
-        self.assertEqual(len(key), 1)
+        keys = re.findall(r'QStringLiteral\("(\w+(?:\+\w+)+)"\)', (settings / "start_settings.cpp").read_text())
+        self.assertEqual(len(keys), 2, "one starts and stops, the other one pauses")
         for page in ("docs/help.md", "README.md", "packaging/vornic.1"):
-            self.assertIn(key[0], (SOURCE / page).read_text(encoding="utf-8"), page)
+            for key in keys:
+                self.assertIn(key, (SOURCE / page).read_text(encoding="utf-8"), page)
         seconds = re.search(r"countdowns[^{]*{([^}]*)}", (settings / "start_settings.h").read_text()).group(1)
         without, *rest, last = [number.strip() for number in seconds.split(",")]
         self.assertEqual(without, "0")
