@@ -14,10 +14,19 @@ constexpr std::int64_t defaultDuration = PKTimebase / 30;
 
 /// How long equal frames become one at most. A player that seeks waits for a picture no longer than that, and the
 /// encoder makes a still picture sharper with each: soon after a change, while it can still be seen to get sharper, it
-/// has shorter ones.
+/// has shorter ones. The first lasts longer, as most pictures of a busy screen are no longer there behind it.
 constexpr std::int64_t longestStill = PKTimebase / 2;
+constexpr std::int64_t longestAtFirst = PKTimebase / 5;
 constexpr std::int64_t longestWhileSettling = PKTimebase / 10;
 constexpr std::int64_t settlingTime = PKTimebase / 2;
+
+/// Of a frame that begins \a age ticks after the last change.
+std::int64_t longestAt(std::int64_t age)
+{
+    if (age == 0)
+        return longestAtFirst;
+    return age < settlingTime ? longestWhileSettling : longestStill;
+}
 
 } // namespace
 
@@ -53,8 +62,8 @@ std::optional<FrameTimeline::Shown> FrameTimeline::next()
     while (shown && (m_pending = nextFrame())) {
         m_pending->isNew = !m_pending->frame->sharesPixelsWith(*shown->frame);
         const std::int64_t begin = shown->frame->timeStamp();
-        const std::int64_t longest = begin - m_changed < settlingTime ? longestWhileSettling : longestStill;
-        if (m_pending->isNew || m_pending->frame->isKey() || m_pending->end - begin > longest)
+        if (m_pending->isNew || m_pending->frame->isKey()
+            || m_pending->end - begin > longestAt(begin - m_changed))
             break;
         shown->end = m_pending->end;
         shown->frames += m_pending->frames;

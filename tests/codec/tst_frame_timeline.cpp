@@ -116,17 +116,20 @@ TEST_F(FrameTimelineTest, equalFramesAreOneToTheTick)
     EXPECT_PRED1(shows(9001, 9019, 2), all[1]);
 }
 
-TEST_F(FrameTimelineTest, equalFramesAreOneForATenthOfASecondUntilTheyHaveSettledAndThenForHalf)
+TEST_F(FrameTimelineTest, equalFramesAreOneForAFifthOfASecondThenForTenthsAndThenForHalf)
 {
     add(0);
     for (int i = 1; i < 32; ++i)
         addSame(i * thirtieth, thirtieth);
     const auto all = shown();
-    ASSERT_EQ(all.size(), 7U);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_PRED1(shows(3 * i * thirtieth, 3 * (i + 1) * thirtieth, 3), all[static_cast<std::size_t>(i)]);
-    EXPECT_PRED1(shows(PKTimebase / 2, PKTimebase, 15), all[5]);
-    EXPECT_PRED1(shows(PKTimebase, PKTimebase + 2 * thirtieth, 2), all[6]);
+    ASSERT_EQ(all.size(), 6U);
+    EXPECT_PRED1(shows(0, 6 * thirtieth, 6), all[0]);
+    for (int i = 1; i < 4; ++i) {
+        const std::int64_t begin = 3 * (i + 1) * thirtieth;
+        EXPECT_PRED1(shows(begin, begin + 3 * thirtieth, 3), all[static_cast<std::size_t>(i)]);
+    }
+    EXPECT_PRED1(shows(PKTimebase / 2, PKTimebase, 15), all[4]);
+    EXPECT_PRED1(shows(PKTimebase, PKTimebase + 2 * thirtieth, 2), all[5]);
 }
 
 TEST_F(FrameTimelineTest, eachChangeSettlesAnew)
@@ -135,13 +138,14 @@ TEST_F(FrameTimelineTest, eachChangeSettlesAnew)
     for (int i = 1; i < 25; ++i)
         addSame(i * thirtieth);
     add(25 * thirtieth);
-    for (int i = 26; i < 30; ++i)
+    for (int i = 26; i < 35; ++i)
         addSame(i * thirtieth, thirtieth);
     const auto all = shown();
     ASSERT_EQ(all.size(), 8U);
-    EXPECT_PRED1(shows(15 * thirtieth, 25 * thirtieth, 10), all[5]);
-    EXPECT_PRED1(shows(25 * thirtieth, 28 * thirtieth, 3), all[6]);
-    EXPECT_PRED1(shows(28 * thirtieth, 30 * thirtieth, 2), all[7]);
+    EXPECT_PRED1(shows(15 * thirtieth, 25 * thirtieth, 10), all[4]);
+    EXPECT_PRED1(shows(25 * thirtieth, 31 * thirtieth, 6), all[5]);
+    EXPECT_PRED1(shows(31 * thirtieth, 34 * thirtieth, 3), all[6]);
+    EXPECT_PRED1(shows(34 * thirtieth, 35 * thirtieth, 1), all[7]);
 }
 
 TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
@@ -152,9 +156,9 @@ TEST_F(FrameTimelineTest, whatShowsThePictureBeforeIsNotNew)
     add(32 * thirtieth);
     add(33 * thirtieth, thirtieth);
     const auto all = shown();
-    ASSERT_EQ(all.size(), 9U);
+    ASSERT_EQ(all.size(), 8U);
     for (std::size_t i = 0; i < all.size(); ++i)
-        EXPECT_EQ(all[i].isNew, i == 0 || i >= 7) << i;
+        EXPECT_EQ(all[i].isNew, i == 0 || i >= 6) << i;
 }
 
 TEST_F(FrameTimelineTest, aKeyFrameIsNeverPartOfTheOneBefore)

@@ -78,9 +78,9 @@ TEST(MovieQuality, aStillPageOfSmallTextIsSharpAfterTwoSeconds)
     const auto original = converter.scaleFrame(PKVideoFrame2(page));
     const auto spooled = converter.scaleFrame(PKVideoFrame2(throughJpeg(page)));
     ListSource source;
-    // Five of a tenth of a second each, then of half a second.
-    constexpr int count = 13;
-    constexpr int countInTwoSeconds = 8;
+    // One of a fifth of a second, three of a tenth each, then of half a second.
+    constexpr int count = 12;
+    constexpr int countInTwoSeconds = 7;
     for (int i = 0; i < 45; ++i) {
         auto frame = spooled->sharingPixels();
         frame->setTimeStamp(i * PKTimebase / 10);

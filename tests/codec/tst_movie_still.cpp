@@ -88,8 +88,9 @@ TEST_F(MovieStillTest, everyChangeIsShownAtItsTimeAndWhatStaysIsNotStoredAgain)
         EXPECT_TRUE(times.contains(change)) << change;
     for (qsizetype i = 0; i < times.size(); ++i) {
         const qint64 change = *std::prev(std::ranges::upper_bound(m_changes, times[i]));
-        const bool isSettling = times[i] - change < PKTimebase / 2;
-        EXPECT_LE(durations[i], isSettling ? PKTimebase / 10 : PKTimebase / 2) << "at " << times[i];
+        const qint64 age = times[i] - change;
+        const qint64 part = age == 0 ? 5 : age < PKTimebase / 2 ? 10 : 2;
+        EXPECT_LE(durations[i], PKTimebase / part) << "at " << times[i];
         EXPECT_EQ(times[i] + durations[i], i + 1 < times.size() ? times[i + 1] : m_now);
     }
     EXPECT_LT(times.size(), m_passes / 4);
@@ -193,7 +194,7 @@ TEST_F(MovieStillTest, whatStaysBesideABlinkingCursorIsTheSamePixels)
     const QJsonObject probed = probe(m_movie);
     const QList<qint64> isKey
         = numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), QStringLiteral("key_frame"));
-    constexpr int picturesABlink = 5;
+    constexpr int picturesABlink = 4;
     ASSERT_EQ(isKey.size(), 20 * picturesABlink);
     const QByteArray planes = decodedPlanes(m_movie);
     int compared = 0;
