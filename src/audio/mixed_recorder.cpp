@@ -62,15 +62,19 @@ bool MixedRecorder::startRecordWithFormat(const AudioStreamBasicDescription &for
             isOn.push_back(source.part.isOn);
     });
     bool isAnyStarted = false;
+    std::vector<Source *> silent;
     for (std::size_t i = 0; i < m_sources.size(); ++i) {
         if (!isOn[i])
             continue;
-        const bool isStarted = m_sources[i].recorder->startRecordWithFormat(format);
-        isAnyStarted = isAnyStarted || isStarted;
-        if (!isStarted) {
-            logMessage(QStringLiteral("One of the sounds to be recorded does not start."));
-            m_queue.sync([&] { m_sources[i].isLost = true; });
-        }
+        if (m_sources[i].recorder->startRecordWithFormat(format))
+            isAnyStarted = true;
+        else
+            silent.push_back(&m_sources[i]);
+    }
+    for (Source *source : silent) {
+        logMessage(QStringLiteral("One of the sounds to be recorded does not start."));
+        if (isAnyStarted)
+            m_queue.sync([this, source] { setLost(*source, true); });
     }
     return isAnyStarted;
 }
@@ -173,13 +177,18 @@ void MixedRecorder::take(Source &source, const QByteArray &chunk, double time)
     }
 }
 
-/// Told once for all: as long as one of them is heard, the sound is not lost.
+/// As long as one of them is heard, the sound is not lost.
 void MixedRecorder::setLost(Source &source, bool isLost)
 {
     const bool wereLost = allAreLost();
-    source.isLost = isLost;
-    if (m_delegate && allAreLost() != wereLost)
-        allAreLost() ? m_delegate->soundWasLost(*this) : m_delegate->soundCameBack(*this);
+    const bool isNews = std::exchange(source.isLost, isLost) != isLost;
+    const bool areLost = allAreLost();
+    if (areLost == wereLost) {
+        if (isNews && source.part.lost)
+            source.part.lost(isLost);
+    } else if (m_delegate) {
+        areLost ? m_delegate->soundWasLost(*this) : m_delegate->soundCameBack(*this);
+    }
     if (m_origin)
         deliver(readyUntil());
 }

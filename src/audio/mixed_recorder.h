@@ -32,6 +32,9 @@ public:
         /// Called on the queue with each chunk as it came: its loudest sample, as a share of the loudest that there is,
         /// and its length in seconds. May be empty.
         std::function<void(double peak, double seconds)> heard = {};
+        /// Called on the queue when the device is lost while another is heard (true), and when it is back (false). May be
+        /// empty.
+        std::function<void(bool isLost)> lost = {};
     };
     /// Whether the devices are mixed, or stand beside each other: the first in the first channels, and so on.
     enum class Layout { Mixed, SideBySide };

@@ -67,7 +67,10 @@ protected:
                double systemLevel = 1,
                MixedRecorder::Layout layout = MixedRecorder::Layout::Mixed)
     {
-        mixer->setParts({ { true, microphoneLevel }, { true, systemLevel } }, layout);
+        mixer->setParts(
+            { { true, microphoneLevel, {}, [this](bool isLost) { microphoneTold += isLost ? 1 : -1; } },
+              { true, systemLevel, {}, [this](bool isLost) { systemTold += isLost ? 1 : -1; } } },
+            layout);
         ASSERT_TRUE(mixer->startRecordWithFormat(defaultAudioStreamBasicDescription()));
     }
     /// Time goes on to \a end, and these devices deliver what they hear.
@@ -132,6 +135,8 @@ protected:
     double shortest = 1;
     int losses = 0;
     int returns = 0;
+    int microphoneTold = 0; ///< 1 once it is lost
+    int systemTold = 0;
     std::unique_ptr<MixedRecorder> mixer; ///< last: it calls what is above
 
 private:
@@ -286,21 +291,37 @@ TEST_F(MixedRecorderTest, OneThatIsLostIsNotWaitedForAndComesBackInItsTime)
     EXPECT_EQ(returns, 0);
 }
 
-TEST_F(MixedRecorderTest, OnlyTheLossOfAllIsToldAndTheFirstReturn)
+TEST_F(MixedRecorderTest, TheLossOfOneIsToldAsItsOwnAlone)
 {
     start();
     hear(1001, { &microphone, &system });
     system.recorder->delegate->soundWasLost(*system.recorder);
+    system.recorder->delegate->soundWasLost(*system.recorder);
     settle();
     EXPECT_EQ(losses, 0);
+    EXPECT_EQ(systemTold, 1);
     microphone.recorder->delegate->soundWasLost(*microphone.recorder);
     settle();
     EXPECT_EQ(losses, 1);
     system.recorder->delegate->soundCameBack(*system.recorder);
+    settle();
+    EXPECT_EQ(returns, 1);
+    EXPECT_EQ(systemTold, 1) << "which was told for both";
     microphone.recorder->delegate->soundCameBack(*microphone.recorder);
     settle();
     EXPECT_EQ(losses, 1);
     EXPECT_EQ(returns, 1);
+    EXPECT_EQ(microphoneTold, -1) << "with sound there already, as one of two";
+}
+
+TEST_F(MixedRecorderTest, OneThatDoesNotStartIsLost)
+{
+    microphone.recorder->starts = false;
+    start();
+    settle();
+    EXPECT_EQ(microphoneTold, 1);
+    EXPECT_EQ(systemTold, 0);
+    EXPECT_EQ(losses, 0);
 }
 
 TEST_F(MixedRecorderTest, SideBySideEachHasChannelsOfItsOwn)

@@ -63,6 +63,7 @@ protected:
         signal(*recorder, SIGINT);
         const Result result = finish(*recorder);
         EXPECT_EQ(result.status, 0) << result.error.toStdString();
+        told = said + result.error;
     }
     /// Of the hundredths of a second from \a first on, how many have the tone.
     static std::ptrdiff_t heardSince(const std::vector<HeardTone> &tones, std::size_t first)
@@ -118,6 +119,7 @@ protected:
     }
 
     QString feed; ///< the module, for SoundServer::remove()
+    QString told; ///< by the last recordWhile()
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, TwoSoundsTest, bothServers, nameOfServer);
@@ -192,6 +194,7 @@ TEST_P(TwoSoundsTest, OneThatVanishesDoesNotDisturbTheOther)
             first->waitForFinished();
             sound->remove(std::exchange(feed, {}));
         });
+        EXPECT_TRUE(told.contains("“Monitor of Feed” is gone")) << told.toStdString();
         const std::vector<std::int16_t> heard = testing::decodedSound(movie());
         const std::vector<HeardTone> vanished = tonesIn(heard, inputHertz);
         EXPECT_GT(heardSince(vanished, 0), 120);

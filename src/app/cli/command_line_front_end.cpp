@@ -106,6 +106,13 @@ void CommandLineFrontEnd::soundIsMissing(const std::function<void()> &goOn)
     goOn();
 }
 
+void CommandLineFrontEnd::oneSoundIsLost(const QString &name, bool isLost)
+{
+    alertError((isLost ? QCoreApplication::translate("vornic", "“%1” is gone; the other sound is recorded.")
+                       : QCoreApplication::translate("vornic", "“%1” is back."))
+                   .arg(name));
+}
+
 void CommandLineFrontEnd::nothingIsHeard(const QString &name)
 {
     alertError(QCoreApplication::translate("vornic", "Nothing is heard from %1.").arg(name));

@@ -51,6 +51,7 @@ public:
     void showPaused(bool isPaused) override;
     void hideStopItem() override;
     void soundIsMissing(const std::function<void()> &goOn) override;
+    void oneSoundIsLost(const QString &name, bool isLost) override;
     void nothingIsHeard(const QString &name) override;
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;

@@ -118,12 +118,30 @@ AudioRecorder *AudioInput::recorderOfChoice()
     MixedRecorder *mixed = m_choice.isPlain() ? nullptr : mixedRecorder();
     if (!mixed)
         return audioRecorder();
-    mixed->setParts({ { m_choice.input,
-                        m_choice.inputPercent / 100.0,
-                        [this](double peak, double seconds) { inputHeard(peak, seconds); } },
-                      { m_choice.system, m_choice.systemPercent / 100.0 } },
-                    isSeparate() ? MixedRecorder::Layout::SideBySide : MixedRecorder::Layout::Mixed);
+    setPartsOf(*mixed);
     return mixed;
+}
+
+void AudioInput::setPartsOf(MixedRecorder &mixed)
+{
+    const auto teller = [this](const QString &name) {
+        return
+            [this, name](bool isLost) { tell([this, name, isLost] { emit oneSoundIsLost(name, isLost); }); };
+    };
+    const QStringList names = soundNames();
+    MixedRecorder::Part input { m_choice.input, m_choice.inputPercent / 100.0 };
+    input.heard = [this](double peak, double seconds) { inputHeard(peak, seconds); };
+    input.lost = teller(names[0]);
+    MixedRecorder::Part system { m_choice.system, m_choice.systemPercent / 100.0 };
+    system.lost = teller(names[1]);
+    mixed.setParts({ input, system },
+                   isSeparate() ? MixedRecorder::Layout::SideBySide : MixedRecorder::Layout::Mixed);
+}
+
+/// Of the input, and of what the system plays.
+QStringList AudioInput::soundNames() const
+{
+    return { m_devices->stringValue(), tr("What the system plays") };
 }
 
 void AudioInput::adopt(std::shared_ptr<Recording> recording)
@@ -162,7 +180,7 @@ void AudioInput::start(PKMuxerContext &context)
     context.setSamplerate(static_cast<std::int32_t>(format.mSampleRate));
     context.setNumberOfChannels(static_cast<std::int32_t>(format.mChannelsPerFrame));
     if (isSeparate() && recorder == m_mixed.get())
-        context.setAudioTracks({ m_devices->stringValue(), tr("What the system plays") });
+        context.setAudioTracks(soundNames());
     context.setSampleFormat(format.mBitsPerChannel == 16 ? PKMuxerContext::sampleFormatSigned16
                                                          : PKMuxerContext::sampleFormatUnsigned8);
 }

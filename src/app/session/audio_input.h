@@ -72,6 +72,8 @@ public:
 signals:
     /// The input of the recording that runs is gone (true), or there again.
     void soundIsLost(bool isLost);
+    /// Of two sounds, the one of that name is gone while the other is heard (true), or there again.
+    void oneSoundIsLost(const QString &name, bool isLost);
     /// The loudest sample of the last hundredths of a second of the recording that runs, as a share of the loudest that
     /// there is.
     void levelHeard(double peak);
@@ -85,6 +87,8 @@ private:
     [[nodiscard]] bool isSeparate() const { return m_choice.separate && m_choice.input && m_choice.system; }
     [[nodiscard]] AudioRecorder *recorderOfChoice();
     [[nodiscard]] MixedRecorder *mixedRecorder();
+    void setPartsOf(MixedRecorder &mixed);
+    [[nodiscard]] QStringList soundNames() const;
     void tellOfLoss(bool isLost);
     void inputHeard(double peak, double seconds);
     void tell(const std::function<void()> &what);

@@ -16,6 +16,10 @@ QString movieFlaws(const Recording &recording, const RecordingCounts &counts)
     else if (recording.soundWasLost)
         flaws += QCoreApplication::translate(
             "vornic", "The audio input was gone for a time: the movie has no sound of it.");
+    else if (const QString &name = recording.soundLostOfTwo; !name.isEmpty())
+        flaws += QCoreApplication::translate("vornic",
+                                             "“%1” was gone for a time: the movie has no sound of it.")
+                     .arg(name);
     if (counts.framesSkipped > 0)
         flaws += QCoreApplication::translate("vornic",
                                              "Pictures or pieces of sound that could not be used: %1.")

@@ -33,6 +33,8 @@ public:
     /// The sound's input is gone: pictures go on, and so does the sound once the input is there again, which is told with
     /// false.
     virtual void soundIsLost(bool /*isLost*/) { }
+    /// Of two sounds, the one called \a name is gone, and the other is heard; false once it is there again.
+    virtual void oneSoundIsLost(const QString & /*name*/, bool /*isLost*/) { }
     /// How loud the sound is that is recorded, many times a second: the loudest sample, as a share of the loudest that there
     /// is.
     virtual void showLevel(double /*peak*/) { }

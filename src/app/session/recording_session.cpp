@@ -53,8 +53,7 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
         if (m_audio->hasDevices())
             enableAudioDevices(); // an empty list stays as it is
     });
-    connect(m_audio.get(), &AudioInput::soundIsLost, this, &RecordingSession::soundIsLost);
-    followLevel();
+    followSound();
 }
 
 RecordingSession::~RecordingSession()
@@ -397,8 +396,18 @@ void RecordingSession::soundIsLost(bool isLost)
     m_frontEnd.progress.soundIsLost(isLost);
 }
 
-void RecordingSession::followLevel()
+void RecordingSession::oneSoundIsLost(const QString &name, bool isLost)
 {
+    if (m_phase != Phase::Capturing)
+        return;
+    m_recording->soundLostOfTwo = name;
+    m_frontEnd.progress.oneSoundIsLost(name, isLost);
+}
+
+void RecordingSession::followSound()
+{
+    connect(m_audio.get(), &AudioInput::soundIsLost, this, &RecordingSession::soundIsLost);
+    connect(m_audio.get(), &AudioInput::oneSoundIsLost, this, &RecordingSession::oneSoundIsLost);
     connect(m_audio.get(), &AudioInput::levelHeard, this, [this](double peak) {
         if (m_phase == Phase::Capturing)
             m_frontEnd.progress.showLevel(peak);

@@ -165,7 +165,8 @@ private:
     bool endWithFirstFrame();
     void goOnWithoutSound();
     void soundIsLost(bool isLost);
-    void followLevel();
+    void oneSoundIsLost(const QString &name, bool isLost);
+    void followSound();
     void startWriting();
     void muxerReported(const QString &action, const QVariant &value);
     void muxerFailed(const Error &error);

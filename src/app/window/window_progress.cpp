@@ -113,6 +113,18 @@ void WindowProgress::soundIsLost(bool isLost)
                        .action = {} });
 }
 
+void WindowProgress::oneSoundIsLost(const QString &name, bool isLost)
+{
+    if (!m_stopItem)
+        return;
+    m_notifier->show({ .title = (isLost ? tr("“%1” is gone") : tr("“%1” is back")).arg(name),
+                       .body = isLost
+                           ? tr("The recording goes on with the other sound, and with both once it is back.")
+                           : tr("Its sound is recorded again."),
+                       .actionLabel = {},
+                       .action = {} });
+}
+
 void WindowProgress::showLevel(double peak)
 {
     if (m_stopItem)

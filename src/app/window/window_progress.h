@@ -47,6 +47,7 @@ public:
     void warnOfLittleRoom(const RecordingRoom &room) override;
     void soundIsMissing(const std::function<void()> &goOn) override;
     void soundIsLost(bool isLost) override;
+    void oneSoundIsLost(const QString &name, bool isLost) override;
     void showLevel(double peak) override;
     void nothingIsHeard(const QString &name) override;
     void whenScreenIsClear(std::function<void()> done) override;

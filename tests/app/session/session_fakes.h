@@ -89,6 +89,10 @@ public:
         goOnWithoutSound = goOn;
     }
     void soundIsLost(bool isLost) override { told += isLost ? "soundIsLost" : "soundIsBack"; }
+    void oneSoundIsLost(const QString &name, bool isLost) override
+    {
+        told += name + (isLost ? " is lost" : " is back");
+    }
     void whenScreenIsClear(std::function<void()> done) override
     {
         if (holdsScreen)

@@ -628,6 +628,34 @@ TEST_F(RecordingSessionTest, SoundThatIsLostAndComesBackIsToldAtOnceAndAtTheEnd)
     EXPECT_EQ(frontEnd.announcedFlaws, QString());
 }
 
+TEST_F(RecordingSessionTest, OneOfTwoSoundsThatIsLostIsToldByItsName)
+{
+    audioControl.names += "Microphone";
+    makeSession();
+    options.setEnableAudio(true);
+    options.setRecordsSystemSound(true);
+    const QList<FakeAudioRecorder *> &recorders = audioControl.recorders;
+    const QStringList names { "Microphone", "What the system plays" };
+    for (const qsizetype lost : { 0, 1 }) {
+        frontEnd.told.clear();
+        timestamps.clear();
+        session->recorded();
+        ASSERT_TRUE(waitUntil([&] { return recorders.size() == 2 && recorders[1]->startCount > lost; }));
+        const QByteArray samples(3840, 'a');
+        for (FakeAudioRecorder *recorder : recorders)
+            recorder->deliver(samples.constData(), 3840);
+        ASSERT_TRUE(waitUntil([&] { return !timestamps.isEmpty(); }));
+        recorders[lost]->lose();
+        ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains(names[lost] + " is lost"); }));
+        recorders[lost]->comeBack();
+        ASSERT_TRUE(waitUntil([&] { return frontEnd.told.contains(names[lost] + " is back"); }));
+        EXPECT_FALSE(frontEnd.told.contains("soundIsLost")) << "the other is heard";
+        session->stopRecord();
+        ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
+        EXPECT_TRUE(frontEnd.announcedFlaws.contains(names[lost])) << frontEnd.announcedFlaws.toStdString();
+    }
+}
+
 TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)
 {
     makeSession();

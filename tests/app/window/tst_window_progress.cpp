@@ -239,8 +239,13 @@ TEST_F(WindowProgressTest, SoundThatIsLostIsToldByTheBarAndANotification)
     EXPECT_EQ(stopButton()->text(), "00:00:01");
     ASSERT_TRUE(QTest::qWaitFor([&] { return server.calls("Notify").size() == 2; }, 20'000));
     EXPECT_EQ(server.calls("Notify").back().arguments().value(3), "The audio input is back");
+    progress().oneSoundIsLost("Headset", true);
+    EXPECT_EQ(stopButton()->text(), "00:00:01") << "there is sound";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.calls("Notify").size() == 3; }, 20'000));
+    EXPECT_EQ(server.calls("Notify").back().arguments().value(3), "“Headset” is gone");
     progress().hideStopItem();
     progress().soundIsLost(true); // behind the end
+    progress().oneSoundIsLost("Headset", true);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
