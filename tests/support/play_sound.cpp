@@ -3,6 +3,9 @@
 ///   vornic_play_sound tone SECONDS HERTZ AMPLITUDE     a sine, to the default output; amplitude up to 1
 ///   vornic_play_sound flashes COUNT SECONDS-APART      beeps of 200 ms, and while each is heard,
 ///                                                      $DISPLAY or $WAYLAND_DISPLAY is white
+///   vornic_play_sound flashes COUNT SECONDS-APART HERTZ X Y WIDTH HEIGHT
+///                                                      the same with beeps of that pitch, and of $DISPLAY
+///                                                      only that rectangle is white
 ///
 /// Prints "playing" once something is heard.
 
@@ -175,17 +178,17 @@ int playTone(double seconds, double hertz, double amplitude)
     return 0;
 }
 
-int playFlashes(int count, double apart)
+int playFlashes(int count, double apart, double hertz, const QRect &patch)
 {
     // Rendering ahead of the server's needs, which a loaded machine meets late, moves no beep.
     Player player(
         [=](std::int64_t frame) {
             const double time = std::fmod(static_cast<double>(frame) / framesPerSecond, apart);
             const bool beeps = frame > framesPerSecond / 2 && time < beepSeconds;
-            return beeps ? 0.5 * sine(1000, frame) : 0.0;
+            return beeps ? 0.5 * sine(hertz, frame) : 0.0;
         },
         0.5);
-    const auto light = vornic::test::screenLight();
+    const auto light = patch.isEmpty() ? vornic::test::screenLight() : vornic::test::screenPatch(patch);
     if (!light)
         return 1;
     tellThatItPlays(player);
@@ -205,7 +208,13 @@ int main(int argc, char **argv)
     if (words.size() == 4 && words[0] == "tone")
         return playTone(std::stod(words[1]), std::stod(words[2]), std::stod(words[3]));
     if (words.size() == 3 && words[0] == "flashes")
-        return playFlashes(std::stoi(words[1]), std::stod(words[2]));
-    std::fprintf(stderr, "vornic_play_sound tone SECONDS HERTZ AMPLITUDE | flashes COUNT SECONDS-APART\n");
+        return playFlashes(std::stoi(words[1]), std::stod(words[2]), 1000, {});
+    if (words.size() == 8 && words[0] == "flashes") {
+        const QRect patch(std::stoi(words[4]), std::stoi(words[5]), std::stoi(words[6]), std::stoi(words[7]));
+        return playFlashes(std::stoi(words[1]), std::stod(words[2]), std::stod(words[3]), patch);
+    }
+    std::fprintf(stderr,
+                 "vornic_play_sound tone SECONDS HERTZ AMPLITUDE | "
+                 "flashes COUNT SECONDS-APART [HERTZ X Y WIDTH HEIGHT]\n");
     return 2;
 }

@@ -17,4 +17,13 @@ ScreenLight screenLight()
     return {};
 }
 
+ScreenLight screenPatch([[maybe_unused]] const QRect &rectangle)
+{
+#ifdef VORNIC_X11
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return x11Patch(rectangle);
+#endif
+    return {};
+}
+
 } // namespace vornic::test

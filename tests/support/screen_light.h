@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QRect>
+
 #include <functional>
 
 namespace vornic::test {
@@ -12,8 +14,12 @@ using ScreenLight = std::function<void(bool isWhite)>;
 /// empty where there is no display.
 [[nodiscard]] ScreenLight screenLight();
 
+/// The same over a part of $DISPLAY alone, and without a mark: nothing else is drawn there. Empty on other displays.
+[[nodiscard]] ScreenLight screenPatch(const QRect &rectangle);
+
 /// What it chooses from, each where the build knows such displays.
 [[nodiscard]] ScreenLight x11Light();
+[[nodiscard]] ScreenLight x11Patch(const QRect &rectangle);
 [[nodiscard]] ScreenLight waylandLight();
 
 } // namespace vornic::test

@@ -26,4 +26,22 @@ ScreenLight x11Light()
     };
 }
 
+ScreenLight x11Patch(const QRect &rectangle)
+{
+    const std::shared_ptr<ScreenPainter> painter = ScreenPainter::connect();
+    if (!painter)
+        return {};
+    QImage black(rectangle.size(), QImage::Format_RGB32);
+    black.fill(Qt::black);
+    QImage white(rectangle.size(), QImage::Format_RGB32);
+    white.fill(Qt::white);
+    const auto window = painter->showWindow(black, rectangle.topLeft());
+    painter->sync();
+    return [=, wasWhite = false](bool isWhite) mutable {
+        if (isWhite != wasWhite)
+            painter->drawInWindow(window, isWhite ? white : black, { 0, 0 });
+        wasWhite = isWhite;
+    };
+}
+
 } // namespace vornic::test
