@@ -1,6 +1,7 @@
-// vornic_show_counter [--fps N]
+// vornic_show_counter [--fps N] [--strip]
 //
-// Fills the screen of $DISPLAY with a counter that a script can read from a movie, and with noise that fills a spool.
+// Fills the screen of $DISPLAY with a counter that a script can read from a movie, and with noise that fills a spool; with
+// --strip, a window of 640 x 40 pixels in the upper left corner with the counter alone.
 //
 // The upper quarter holds two rows of 20 blocks: the number's bits, the highest first, white for 1, and below them
 // their opposites. The picture is changed at once, so that no grab can see half a number. A line is written to
@@ -28,6 +29,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int bits = 20;
+constexpr int stripWidth = 640;
+constexpr int stripHeight = 40;
 
 std::int16_t coordinate(int value)
 {
@@ -39,22 +42,22 @@ std::uint16_t length(int value)
     return static_cast<std::uint16_t>(value);
 }
 
-/// A window over the whole screen that shows numbers. Made and used by main().
+/// A window over the whole screen, or a strip of it, that shows numbers. Made and used by main().
 class CounterStage
 {
 public:
-    CounterStage()
+    explicit CounterStage(bool isStrip)
         : m_connection(xcb_connect(nullptr, nullptr))
     {
         if (!isUsable())
             return;
         m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
-        m_width = m_screen->width_in_pixels;
-        m_height = m_screen->height_in_pixels;
+        m_width = isStrip ? stripWidth : m_screen->width_in_pixels;
+        m_height = isStrip ? 4 * stripHeight : m_screen->height_in_pixels;
         m_context = xcb_generate_id(m_connection);
         const std::uint32_t noExposures = 0;
         xcb_create_gc(m_connection, m_context, m_screen->root, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
-        openWindow();
+        openWindow(isStrip ? stripHeight : m_height);
         m_picture = pixmap(m_height);
         m_noise = pixmap(2 * m_height);
         fillNoise();
@@ -79,7 +82,8 @@ public:
     }
 
 private:
-    void openWindow()
+    /// What of the picture lies below \a height is not seen.
+    void openWindow(int height)
     {
         m_window = xcb_generate_id(m_connection);
         const std::uint32_t overrideRedirect = 1;
@@ -90,7 +94,7 @@ private:
                           0,
                           0,
                           length(m_width),
-                          length(m_height),
+                          length(height),
                           0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT,
                           XCB_COPY_FROM_PARENT,
@@ -178,11 +182,12 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addOption({ "fps", "Numbers a second.", "number", "30" });
+    parser.addOption({ "strip", "The counter alone, in the upper left corner." });
     parser.addHelpOption();
     parser.process(application);
     const double fps = parser.value("fps").toDouble();
 
-    CounterStage stage;
+    CounterStage stage(parser.isSet("strip"));
     if (!stage.isUsable() || fps <= 0) {
         std::fputs("vornic_show_counter: needs an X server, and an fps above 0\n", stderr);
         return 1;
