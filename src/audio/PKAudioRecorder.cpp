@@ -144,7 +144,6 @@ bool PKAudioRecorder::connectStream()
         return false;
     m_source = source;
     m_isLost = false;
-    m_awaitsTiming = false;
     m_askedForTiming = 0;
     m_held.clear();
     m_sound->timeline().reopened();
@@ -171,6 +170,7 @@ void PKAudioRecorder::closeStream()
 {
     if (!m_stream)
         return;
+    dropTimingRequest();
     pa_stream_set_state_callback(m_stream, nullptr, nullptr);
     pa_stream_set_read_callback(m_stream, nullptr, nullptr);
     pa_stream_disconnect(m_stream);
@@ -233,21 +233,27 @@ void PKAudioRecorder::read()
 void PKAudioRecorder::askForTiming(double now)
 {
     const double interval = m_sound->timeline().isSettled() ? timingInterval : 0;
-    if (m_awaitsTiming || now - m_askedForTiming < interval)
+    if (m_timingRequest || now - m_askedForTiming < interval)
         return;
-    pa_operation *operation = pa_stream_update_timing_info(
+    m_timingRequest = pa_stream_update_timing_info(
         m_stream,
         [](pa_stream *, int success, void *self) {
             auto &recorder = *static_cast<PKAudioRecorder *>(self);
-            recorder.m_awaitsTiming = false;
+            pa_operation_unref(std::exchange(recorder.m_timingRequest, nullptr));
             if (success)
                 recorder.takeTiming();
         },
         this);
-    m_awaitsTiming = operation != nullptr;
     m_askedForTiming = now;
-    if (operation)
-        pa_operation_unref(operation);
+}
+
+/// Its answer is not waited for any more, and calls nobody.
+void PKAudioRecorder::dropTimingRequest()
+{
+    if (!m_timingRequest)
+        return;
+    pa_operation_cancel(m_timingRequest);
+    pa_operation_unref(std::exchange(m_timingRequest, nullptr));
 }
 
 /// Uses the server's numbers as they are: they are exact, while the library's interpolation of them needs

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+struct pa_operation;
 struct pa_stream;
 
 namespace vornic {
@@ -48,6 +49,7 @@ private:
     void tell(void (PKAudioRecorderDelegate::*what)(AudioRecorder &));
     void read();
     void askForTiming(double now);
+    void dropTimingRequest();
     void takeTiming();
     void placeHeld();
     void begin();
@@ -62,16 +64,16 @@ private:
     std::uint32_t m_deviceID;
     PKAudioRecorderDelegate *m_delegate = nullptr;
     AudioStreamBasicDescription m_format;
-    pa_stream *m_stream = nullptr;         ///< null: not recording
-    QByteArray m_source;                   ///< the server's name of what the stream records
-    bool m_isLost = false;                 ///< the stream ended by itself
-    bool m_lossIsTold = false;             ///< the delegate was told of it, and not of the sound's return
-    std::unique_ptr<ClockedSound> m_sound; ///< null before the first start
-    double m_askedForTiming = 0;           ///< absolute clock; 0: not since the stream was opened
-    bool m_awaitsTiming = false;
-    bool m_beginsSoon = false; ///< begin() is queued
-    QByteArray m_held;         ///< as the device gave them, until it is known when they were captured
-    QByteArray m_pending;      ///< of the recording, less than a chunk
+    pa_stream *m_stream = nullptr;           ///< null: not recording
+    QByteArray m_source;                     ///< the server's name of what the stream records
+    bool m_isLost = false;                   ///< the stream ended by itself
+    bool m_lossIsTold = false;               ///< the delegate was told of it, and not of the sound's return
+    std::unique_ptr<ClockedSound> m_sound;   ///< null before the first start
+    double m_askedForTiming = 0;             ///< absolute clock; 0: not since the stream was opened
+    pa_operation *m_timingRequest = nullptr; ///< null: the server has answered, or was not asked
+    bool m_beginsSoon = false;               ///< begin() is queued
+    QByteArray m_held;    ///< as the device gave them, until it is known when they were captured
+    QByteArray m_pending; ///< of the recording, less than a chunk
 
     SerialQueue m_deliveries { "vornic chunks" }; ///< last: its thread ends before what it uses
 };

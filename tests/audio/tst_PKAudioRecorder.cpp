@@ -1,18 +1,24 @@
 #include "audio/PKAudioControl.h"
 #include "audio/PKAudioRecorder.h"
 #include "audio/PKAudioRecorderDelegate.h"
+#include "audio/pulse_connection.h"
 #include "base/clock.h"
 #include "base/log.h"
 #include "sound_server_test.h"
 
 #include <QThread>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
+#include <cstddef>
 #include <cstring>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <set>
 #include <vector>
 
@@ -284,6 +290,32 @@ TEST_P(AudioRecorderTest, StartsAndStopsAnyNumberOfTimes)
         recorder->stopRecord();
     }
     EXPECT_TRUE(anotherIsServed());
+}
+
+TEST_P(AudioRecorderTest, AnAnswerOfTheServerThatComesAfterItsEndIsLeftAlone)
+{
+    const auto end = [](PKAudioRecorder *ended) { std::destroy_at(ended); };
+    // Of the test's own, so that it can see whether it is used afterwards.
+    alignas(PKAudioRecorder) std::array<std::byte, sizeof(PKAudioRecorder)> memory {};
+    std::unique_ptr<PKAudioRecorder, decltype(end)> recorder(
+        new (memory.data()) PKAudioRecorder(control->deviceIDFromName("Monitor of Speakers"), *control));
+    recorder->setDelegate(&collector);
+    ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
+    ASSERT_TRUE(delivers(0.5));
+    {
+        // With the chunks of this time the recorder asks the server for its own, and that has stopped by then.
+        const PulseConnection::Lock lock(control->connection());
+        const double asksAgain = absoluteTimeSeconds() + 0.15;
+        waitUntil([asksAgain] { return absoluteTimeSeconds() >= asksAgain; });
+        server->suspend();
+        // The thread takes them while this one waits.
+        control->connection().waitUntil(absoluteTimeSeconds() + 0.05, [] { return false; });
+    }
+    recorder.reset();
+    memory.fill(std::byte { 0xA5 });
+    server->resume();
+    EXPECT_TRUE(anotherIsServed());
+    EXPECT_TRUE(std::ranges::all_of(memory, [](std::byte byte) { return byte == std::byte { 0xA5 }; }));
 }
 
 TEST_P(AudioRecorderTest, SwitchesTheDeviceWhileRecording)
