@@ -48,6 +48,7 @@ std::optional<CastSource> firstStream(const QVariantMap &results)
         streams.endStructure();
         stream = CastSource { {}, number, positionIn(properties) };
     }
+    streams.endArray(); // without it the toolkit keeps a copy for ever
     return stream;
 }
 
