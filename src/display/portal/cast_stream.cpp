@@ -52,13 +52,17 @@ struct CastStream::Handles {
     Handles() = default;
     ~Handles()
     {
+        if (stream) {
+            // What ends by itself would be told otherwise. And before the thread is stopped: what is to be called there is
+            // then called on the thread that the pictures come on.
+            pw_thread_loop_lock(loop);
+            spa_hook_remove(&hook);
+            pw_thread_loop_unlock(loop);
+        }
         if (loop)
             pw_thread_loop_stop(loop);
-        // What ends by itself would be told otherwise.
-        if (stream) {
-            spa_hook_remove(&hook);
+        if (stream)
             pw_stream_destroy(stream);
-        }
         if (core)
             pw_core_disconnect(core);
         if (context)
