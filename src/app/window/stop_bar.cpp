@@ -128,6 +128,8 @@ void StopBar::showLevel(double peak)
     if (!m_meter) {
         m_meter = new LevelMeter(this);
         m_meter->setFixedWidth(meterWidth);
+        // Elsewhere it takes what is left; here the bar is as wide as what is in it asks for.
+        m_meter->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         m_meter->setAccessibleName(tr("Level of the sound that is recorded"));
         m_meter->setToolTip(m_meter->accessibleName());
         m_meter->setListening(true);

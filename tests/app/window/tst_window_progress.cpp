@@ -143,7 +143,9 @@ TEST_F(WindowProgressTest, TheBarShowsHowLoudTheSoundIsWhereThereIsSome)
     progress().showLevel(0.5);
     auto *meter = bar.findChild<LevelMeter *>();
     ASSERT_TRUE(meter);
-    EXPECT_GT(bar.width(), withoutMeter);
+    EXPECT_GE(bar.width(), withoutMeter + meter->width());
+    for (const auto *button : bar.findChildren<QAbstractButton *>())
+        EXPECT_FALSE(meter->geometry().intersects(button->geometry())) << qPrintable(button->text());
     EXPECT_FALSE(meter->accessibleName().isEmpty());
     meter->advance(0.01);
     EXPECT_EQ(meter->level(), -6);
