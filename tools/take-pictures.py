@@ -1,8 +1,9 @@
 #!/usr/bin/python3
-"""tools/take-pictures.py BUILD: photographs the program on a private desktop, for the help and to look at.
+"""tools/take-pictures.py BUILD [meter]: photographs the program on a private desktop, for the help and to look at.
 
-Makes docs/pictures/help-window.png, help-overlay.png, and tray.png (a panel with the icon that stops a recording,
-and its menu). BUILD is a build folder with the program.
+Makes docs/pictures/help-window.png, help-overlay.png, help-meter.png (the level meter: silent, speaking, loud and
+clipping), and tray.png (a panel with the icon that stops a recording, and its menu); with "meter" only that of the
+meter. BUILD is a build folder with the program and vornic_play_sound.
 """
 import os
 import pathlib
@@ -30,6 +31,40 @@ def geometry(window):
     return [int(words[name]) for name in ("X", "Y", "WIDTH", "HEIGHT")]
 
 
+def add_microphone():
+    """What is played into the output "feed" is what it hears."""
+    for module in [("module-null-sink", "sink_name=feed", "rate=48000"),
+                   ("module-remap-source", "source_name=microphone", "master=feed.monitor",
+                    "source_properties=device.description=Microphone")]:
+        subprocess.run(["pactl", "load-module", *module], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["pactl", "set-default-source", "microphone"], check=True)
+
+
+def shoot_meter(program, build):
+    """Four states, one beneath the other; Sound is switched off again behind it."""
+    program.click("Sound", "check box")
+    meter = program.wait_for("Level of the audio input", "progress bar")
+    box = meter.get_extents(program.atspi.CoordType.SCREEN)
+    states = []
+    for amplitude in [None, 0.12, 0.5, 1.0]:
+        player = None
+        if amplitude:
+            player = subprocess.Popen([build / "tests/support/vornic_play_sound", "tone", "60", "440", str(amplitude)],
+                                      env=dict(os.environ, PULSE_SINK="feed"), stdout=subprocess.PIPE)
+            player.stdout.readline()
+            time.sleep(2)  # the number is of the last second and a half
+        states.append(f"help-meter-{len(states)}.png")
+        shoot(states[-1], box.x - 96, box.y - 40, 320, 60)
+        if player:
+            end(player)
+    inputs = [word for name in states for word in ("-i", str(PICTURES / name))]
+    subprocess.run(["ffmpeg", "-v", "error", *inputs, "-filter_complex", f"vstack={len(states)}", "-y",
+                    str(PICTURES / "help-meter.png")], check=True)
+    for name in states:
+        (PICTURES / name).unlink()
+    program.click("Sound", "check box")
+
+
 def main():
     run_inside(size="1440x900", services=("openbox", "tint2", "sound"))
     started = []
@@ -43,14 +78,20 @@ def main():
                                      "sh", "-c", f"fold -s -w 82 '{ROOT}/README.md' | head -20; sleep 1000"])
         started.append(terminal)
         time.sleep(1.5)
-        program = Program(str(pathlib.Path(sys.argv[1]) / "src/app/vornic"))
+        add_microphone()
+        build = pathlib.Path(sys.argv[1]).resolve()
+        program = Program(str(build / "src/app/vornic"))
         started.append(program.process)
         window = xdotool("search", "--onlyvisible", "--name", "^Vornic$").split()[-1]
         xdotool("windowmove", "--sync", window, 300, 150)
         time.sleep(0.5)
+        if sys.argv[2:] == ["meter"]:
+            shoot_meter(program, build)
+            return
         x, y, width, height = geometry(window)
         # What is told of a window under a window manager counts its decoration twice.
         shoot("help-window.png", x - 2, y - 41, width + 2, height + 22)
+        shoot_meter(program, build)
         key("alt+s", "alt+l")
         xdotool("windowmove", "--sync", window, 700, 850)
         shoot("help-overlay.png", 280, 110, 900, 690)
