@@ -323,9 +323,7 @@ def look(folder):
     movie, shown = LongMovie(path), Shown(run["numbers"])
     parts = parts_of(movie, shown, pauses)  # fails where a frame is of a paused moment
     cuts = [0.0] + [movie.times[part[0]] for part in parts[1:]]
-    said = pathlib.Path(f"{folder}/recorder.log").read_text(encoding="utf-8", errors="replace")
-    grabbed = int(re.search(r"^(\d+) frames grabbed", said, re.MULTILINE)[1])
-    found = {"frames": len(movie.times), "grabbed": grabbed, "parts": [len(part) for part in parts], "lengths": streams_of(path),
+    found = {"frames": len(movie.times), "parts": [len(part) for part in parts], "lengths": streams_of(path),
              "clock": clock_offsets(movie, shown.times(), pauses, parts), "offsets": {}, "alone": {}}
     for what, hertz in PITCHES.items():
         flashes, beeps = movie.flashes(what), beeps_in(path, hertz)
@@ -384,7 +382,7 @@ def told_room(sample):
     return sample["told"].rsplit("room for ", 1)[-1] or "nothing"
 
 
-def rows(run, movie):
+def rows(run, movie, said):
     samples, seconds = run["samples"], run["seconds"]
     settled = [sample for sample in samples if sample["recorded"] >= min(120, seconds / 4)]
     length = movie["lengths"]["video"]
@@ -414,7 +412,7 @@ def rows(run, movie):
     yield "length of picture, of sound, of what was recorded, s", \
         f"{length:.3f}, {movie['lengths']['audio']:.3f}, {recorded:.3f}"
     yield "frames grabbed a second; in the movie, where equal ones are one", \
-        f"{movie['grabbed'] / length:.1f}; {movie['frames'] / length:.1f}"
+        f"{int(re.search(r'^([0-9]+) frames grabbed', said, re.MULTILINE)[1]) / length:.1f}; {movie['frames'] / length:.1f}"
     yield "spool, movie", f"{last['spool'] / 1e9:.2f} GB, {run['movie bytes'] / 1e9:.2f} GB"
     yield "told last of the spool; spool then", f"{last['told'] or 'nothing'}; {last['spool'] / 1e9:.2f} GB"
     yield "room told at minute 2, half, end; by the rates of all of it", \
@@ -427,8 +425,9 @@ def rows(run, movie):
 
 def table(folder):
     run, movie = (json.loads(pathlib.Path(f"{folder}/{name}.json").read_text()) for name in ["run", "movie"])
+    said = pathlib.Path(f"{folder}/recorder.log").read_text(encoding="utf-8", errors="replace")
     print(f"| {run['seconds'] / 60:g} minutes on {run['date']}, {run['cores']} cores | |\n|---|---|")
-    for name, value in rows(run, movie):
+    for name, value in rows(run, movie, said):
         print(f"| {name} | {value} |", flush=True)
 
 
