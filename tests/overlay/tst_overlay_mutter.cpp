@@ -277,9 +277,10 @@ TEST_F(OverlayMutter, AtTwiceTheScaleTheFrameStandsAtItsPixels)
     recorded.translate(1, 1);
     place(recorded);
     stage->say("recording 1");
-    EXPECT_TRUE(waitUntil([&] { return isOfOneColour(recorded); }));
-    EXPECT_FALSE(isOfOneColour(recorded.adjusted(-margin, 0, 0, 0)));
-    EXPECT_FALSE(isOfOneColour(recorded.adjusted(0, 0, 0, margin)));
+    EXPECT_TRUE(waitUntil([&] {
+        return isOfOneColour(recorded) && !isOfOneColour(recorded.adjusted(-margin, 0, 0, 0))
+            && !isOfOneColour(recorded.adjusted(0, 0, 0, margin));
+    }));
 }
 
 } // namespace
