@@ -1,4 +1,4 @@
-#include "app/cli/recording_deadline.h"
+#include "app/session/recording_deadline.h"
 
 #include "app/session/recording_session.h"
 #include "base/PKTimebase.h"

@@ -1,4 +1,4 @@
-#include "app/cli/recording_deadline.h"
+#include "app/session/recording_deadline.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "capture/spool/VNBufferMgr.h"
