@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int fullLevel = 100;
+constexpr int usualStopAfter = 10 * 60;
 
 /// The upper bound is applied last, and so wins where the bounds cross.
 double clamped(double value, double lower, double upper)
@@ -31,6 +32,13 @@ int levelFrom(const KeyedUnarchiver &coder, QLatin1StringView key)
     return static_cast<int>(std::clamp<std::int64_t>(percent, 0, VNOption::maxLevel));
 }
 
+/// Stored in the same way.
+int stopAfterFrom(const KeyedUnarchiver &coder)
+{
+    const std::int64_t seconds = std::int64_t { usualStopAfter } + coder.decodeInt32("stopAfterChange"_L1);
+    return static_cast<int>(std::clamp<std::int64_t>(seconds, 1, VNOption::maxStopAfter));
+}
+
 } // namespace
 
 VNOption::VNOption()
@@ -47,6 +55,8 @@ VNOption::VNOption(const KeyedUnarchiver &coder)
     , m_recordsSystemSound(coder.decodeBool("recordsSystemSound"_L1))
     , m_inputLevel(levelFrom(coder, "inputLevelChange"_L1))
     , m_systemLevel(levelFrom(coder, "systemLevelChange"_L1))
+    , m_stopsAfterTime(coder.decodeBool("stopsAfterTime"_L1))
+    , m_stopAfter(stopAfterFrom(coder))
     , _showInFinder(coder.decodeBool("_showInFinder"_L1))
     , _openRecorded(coder.decodeBool("_openRecorded"_L1))
     , _recordQuality(coder.decodeInt32("_recordQuality"_L1))
@@ -77,6 +87,8 @@ void VNOption::encodeWithCoder(KeyedArchiver &coder) const
     coder.encodeBool("recordsSystemSound"_L1, m_recordsSystemSound);
     coder.encodeInt32("inputLevelChange"_L1, m_inputLevel - fullLevel);
     coder.encodeInt32("systemLevelChange"_L1, m_systemLevel - fullLevel);
+    coder.encodeBool("stopsAfterTime"_L1, m_stopsAfterTime);
+    coder.encodeInt32("stopAfterChange"_L1, m_stopAfter - usualStopAfter);
 }
 
 void VNOption::declareDependencies()
@@ -173,6 +185,18 @@ void VNOption::setSystemLevel(int percent)
 {
     m_systemLevel = std::clamp(percent, 0, maxLevel);
     notifyChanged({ "systemLevel" });
+}
+
+void VNOption::setStopsAfterTime(bool stops)
+{
+    m_stopsAfterTime = stops;
+    notifyChanged({ "stopsAfterTime" });
+}
+
+void VNOption::setStopAfter(double seconds)
+{
+    m_stopAfter = static_cast<int>(std::clamp(seconds, 1.0, double { maxStopAfter }));
+    notifyChanged({ "stopAfter" });
 }
 
 void VNOption::setShowInFinderWhenFinished(bool show)

@@ -29,6 +29,8 @@ class VNOption : public ObservableObject
                    recordsSystemSoundChanged)
     Q_PROPERTY(int inputLevel READ inputLevel WRITE setInputLevel NOTIFY inputLevelChanged)
     Q_PROPERTY(int systemLevel READ systemLevel WRITE setSystemLevel NOTIFY systemLevelChanged)
+    Q_PROPERTY(bool stopsAfterTime READ stopsAfterTime WRITE setStopsAfterTime NOTIFY stopsAfterTimeChanged)
+    Q_PROPERTY(double stopAfter READ stopAfter WRITE setStopAfter NOTIFY stopAfterChanged)
     Q_PROPERTY(bool showInFinderWhenFinished READ showInFinderWhenFinished WRITE setShowInFinderWhenFinished
                    NOTIFY showInFinderWhenFinishedChanged)
     Q_PROPERTY(bool openRecordedWhenFinished READ openRecordedWhenFinished WRITE setOpenRecordedWhenFinished
@@ -81,6 +83,13 @@ public:
     void setInputLevel(int percent);
     [[nodiscard]] int systemLevel() const { return m_systemLevel; }
     void setSystemLevel(int percent);
+    /// A recording ends by itself when it is stopAfter() long.
+    [[nodiscard]] bool stopsAfterTime() const { return m_stopsAfterTime; }
+    void setStopsAfterTime(bool stops);
+    /// In whole seconds, from 1 to maxStopAfter.
+    static constexpr int maxStopAfter = 100 * 60 * 60 - 1;
+    [[nodiscard]] double stopAfter() const { return m_stopAfter; }
+    void setStopAfter(double seconds);
     [[nodiscard]] bool showInFinderWhenFinished() const { return _showInFinder; }
     void setShowInFinderWhenFinished(bool show);
     [[nodiscard]] bool openRecordedWhenFinished() const { return _openRecorded; }
@@ -138,6 +147,8 @@ signals:
     void recordsSystemSoundChanged();
     void inputLevelChanged();
     void systemLevelChanged();
+    void stopsAfterTimeChanged();
+    void stopAfterChanged();
     void showInFinderWhenFinishedChanged();
     void openRecordedWhenFinishedChanged();
     void isRecordFullScreenChanged();
@@ -164,6 +175,8 @@ private:
     bool m_recordsSystemSound = false;
     int m_inputLevel = 100;
     int m_systemLevel = 100;
+    bool m_stopsAfterTime = false;
+    int m_stopAfter = 10 * 60; ///< seconds
     bool _showInFinder = false;
     bool _openRecorded = false;
     int _recordQuality = 0;

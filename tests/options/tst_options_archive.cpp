@@ -72,6 +72,8 @@ std::unique_ptr<VNOption> changedOptions()
     options->setRecordsSystemSound(true);
     options->setInputLevel(130);
     options->setSystemLevel(0);
+    options->setStopsAfterTime(true);
+    options->setStopAfter(90);
     VNLogoContext *logo = options->logoContext();
     logo->setLogoValidate(true);
     logo->setLogoType(2);
@@ -119,6 +121,8 @@ TEST_F(OptionsArchiveTest, OptionsComeBackAsTheyWere)
     EXPECT_TRUE(options->recordsSystemSound());
     EXPECT_EQ(options->inputLevel(), 130);
     EXPECT_EQ(options->systemLevel(), 0);
+    EXPECT_TRUE(options->stopsAfterTime());
+    EXPECT_EQ(options->stopAfter(), 90);
     const VNLogoContext *logo = options->logoContext();
     EXPECT_TRUE(logo->LogoValidate());
     EXPECT_EQ(logo->LogoType(), 2);
@@ -142,7 +146,7 @@ TEST_F(OptionsArchiveTest, AnArchivedObjectArchivesToTheSameBytes)
 TEST_F(OptionsArchiveTest, EveryKeyHasItsValueType)
 {
     const QCborMap map = archiveOf(*changedOptions());
-    EXPECT_EQ(map.size(), 10);
+    EXPECT_EQ(map.size(), 12);
     EXPECT_TRUE(map["_logoContext"_L1].isMap());
     EXPECT_EQ(map["_recordBounds"_L1].toArray().size(), 4);
     EXPECT_TRUE(map["_recordQuality"_L1].isInteger());
@@ -153,6 +157,8 @@ TEST_F(OptionsArchiveTest, EveryKeyHasItsValueType)
     EXPECT_TRUE(map["recordsSystemSound"_L1].isBool());
     EXPECT_TRUE(map["inputLevelChange"_L1].isInteger());
     EXPECT_TRUE(map["systemLevelChange"_L1].isInteger());
+    EXPECT_TRUE(map["stopsAfterTime"_L1].isBool());
+    EXPECT_TRUE(map["stopAfterChange"_L1].isInteger());
     const QCborMap logo = map["_logoContext"_L1].toMap();
     EXPECT_EQ(logo.size(), 11);
     EXPECT_TRUE(logo["mLogoValidate"_L1].isBool());
@@ -195,7 +201,9 @@ TEST_F(OptionsArchiveTest, KeysAreWrittenInTheirOrder)
                             "_openRecorded",
                             "recordsSystemSound",
                             "inputLevelChange",
-                            "systemLevelChange" }));
+                            "systemLevelChange",
+                            "stopsAfterTime",
+                            "stopAfterChange" }));
     EXPECT_EQ(keysInOrder(archivedData(*options->logoContext())),
               QStringList({ "mLogoValidate",
                             "mLogoType",
@@ -326,6 +334,8 @@ const KeyRow<VNOption> optionRows[] = {
     { "recordsSystemSound", [](VNOption &o) { return !o.recordsSystemSound(); } },
     { "inputLevelChange", [](VNOption &o) { return o.inputLevel() == 100; } },
     { "systemLevelChange", [](VNOption &o) { return o.systemLevel() == 100; } },
+    { "stopsAfterTime", [](VNOption &o) { return !o.stopsAfterTime(); } },
+    { "stopAfterChange", [](VNOption &o) { return o.stopAfter() == 600; } },
 };
 
 const KeyRow<VNLogoContext> logoRows[] = {
