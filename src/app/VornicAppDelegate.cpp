@@ -28,6 +28,7 @@ VornicAppDelegate::VornicAppDelegate(const FrontEnd &frontEnd, std::unique_ptr<V
     declareDependency("allowedEditLogo", { "state", "options.logoContext.LogoValidate" });
     declareDependency("allowedEditSound", { "state", "options.enableAudio", "allowedAudioRecord" });
     declareDependency("allowedEditSystemLevel", { "allowedEditSound", "options.recordsSystemSound" });
+    declareDependency("allowedEditStopAfter", { "state", "options.stopsAfterTime" });
     declareDependency("allowedEditFont",
                       { "state", "options.logoContext.LogoValidate", "options.logoContext.LogoType" });
 }
@@ -176,6 +177,11 @@ bool VornicAppDelegate::allowedEditSound()
 bool VornicAppDelegate::allowedEditSystemLevel()
 {
     return allowedEditSound() && options()->recordsSystemSound();
+}
+
+bool VornicAppDelegate::allowedEditStopAfter()
+{
+    return allowedEditOptions() && options() && options()->stopsAfterTime();
 }
 
 void VornicAppDelegate::alertError(const QString &text)

@@ -30,6 +30,7 @@ class VornicAppDelegate : public ObservableObject, public VNRecorderWndCtrlDeleg
     Q_PROPERTY(bool allowedEditFont READ allowedEditFont NOTIFY allowedEditFontChanged)
     Q_PROPERTY(bool allowedEditSound READ allowedEditSound NOTIFY allowedEditSoundChanged)
     Q_PROPERTY(bool allowedEditSystemLevel READ allowedEditSystemLevel NOTIFY allowedEditSystemLevelChanged)
+    Q_PROPERTY(bool allowedEditStopAfter READ allowedEditStopAfter NOTIFY allowedEditStopAfterChanged)
     Q_PROPERTY(bool allowedAudioRecord READ allowedAudioRecord NOTIFY allowedAudioRecordChanged)
 
 public:
@@ -63,6 +64,7 @@ public:
     /// Sound is switched on, and there is some to be recorded.
     [[nodiscard]] bool allowedEditSound();
     [[nodiscard]] bool allowedEditSystemLevel();
+    [[nodiscard]] bool allowedEditStopAfter();
     void alertError(const QString &text);
     [[nodiscard]] bool windowShouldClose() { return m_session->mayQuit(); }
     [[nodiscard]] bool VNRecorderWndCtrlIsPaused(VNRecorderWndCtrl & /*controller*/) override
@@ -115,6 +117,11 @@ public:
     [[nodiscard]] bool awaitsDisplay() const { return m_session && m_session->awaitsDisplay(); }
     [[nodiscard]] bool isPaused() const { return m_session && m_session->isPaused(); }
     [[nodiscard]] bool mayPause() const { return m_session && m_session->mayPause(); }
+    /// Of the recording that runs, behind \a timestamp.
+    [[nodiscard]] std::optional<std::int64_t> secondsLeft(qint64 timestamp) const
+    {
+        return m_session->secondsLeft(timestamp);
+    }
     void pauseOrResume() { m_session->pauseOrResume(); }
     void recorded() { m_session->recorded(); }
     void recordNow(const QString &file = {}) { m_session->recordNow(file); }
@@ -176,6 +183,7 @@ signals:
     void allowedAudioRecordChanged();
     void allowedEditSoundChanged();
     void allowedEditSystemLevelChanged();
+    void allowedEditStopAfterChanged();
     /// As the session's signals of these names.
     void pausedChanged();
     void clockTicked(qint64 timestamp);

@@ -8,7 +8,6 @@
 #include "app/session/audio_input.h"
 #include "app/session/left_behind.h"
 #include "app/session/output_check.h"
-#include "app/session/recording_deadline.h"
 #include "app/session/recording_session.h"
 #include "app/session/time_text.h"
 #include "audio/audio_backend.h"
@@ -25,7 +24,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 namespace vornic {
 
@@ -191,14 +189,12 @@ int runRecordCommand(const CommandLine &line)
     session.setUsesInput(line.audio);
     session.setSeparateTracks(line.separateTracks);
     chooseAudioDevice(session.audioInput(), line);
-    std::optional<RecordingDeadline> deadline;
     if (line.durationSeconds)
-        deadline.emplace(session, *line.durationSeconds);
+        session.setLength(*line.durationSeconds);
     const int status = runSession(session, frontEnd, [&session] { session.recorded(); });
     if (status == exit_status::failed)
         return status;
-    const QStringList missing
-        = whatIsMissing(line, session, deadline && deadline->isReached(), frontEnd.isAskedToEnd());
+    const QStringList missing = whatIsMissing(line, session, session.isTimeOver(), frontEnd.isAskedToEnd());
     for (const QString &sentence : missing)
         frontEnd.alertError(sentence);
     return missing.isEmpty() ? status : exit_status::incomplete;

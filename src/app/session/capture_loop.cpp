@@ -91,8 +91,8 @@ void CaptureLoop::schedule(std::chrono::nanoseconds delay)
     m_tools.queue.after(delay, [self = shared_from_this()] { self->passOrEnd(); });
 }
 
-/// False when there is no time origin yet, or when the recording was paused since \a begin, where the pass began: the
-/// frame is dropped. It is taken all the same, so that a display that goes is noticed.
+/// False when there is no time origin yet, when the recording was paused since \a begin, where the pass began, or when all
+/// that was asked for is recorded: the frame is dropped. It is taken all the same, so that a display that goes is noticed.
 bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image, double begin)
 {
     if (m_recording->clock.wasPausedSince(begin))
@@ -101,6 +101,11 @@ bool CaptureLoop::keepFrame(std::shared_ptr<const BitmapImage> image, double beg
     const std::optional<std::int64_t> timestamp = m_recording->clock.timestamp();
     if (!timestamp) {
         tellOfAudioWait();
+        return false;
+    }
+    if (m_recording->clock.isOver() && m_recording->framesGrabbed > 0) { // no movie is without a picture
+        m_recording->isFullLength = true;
+        m_tools.spool.setExit(true);
         return false;
     }
     record->setBufferTimestamp(static_cast<std::uint64_t>(*timestamp));

@@ -72,7 +72,7 @@ std::shared_ptr<const PKVideoFrame2> MovieJob::PKMuxerTaskGetVideoFrame()
             break;
         const auto next = static_cast<std::uint64_t>(m_spool.nextBufferTimestamp());
         const bool hasSuccessor = next > record->timestamp();
-        record->setDuration(hasSuccessor ? next - record->timestamp() : std::uint64_t { PKTimebase / 30 });
+        record->setDuration(hasSuccessor ? next - record->timestamp() : lastDuration(record->timestamp()));
         m_picturesEnd = static_cast<double>(record->timestamp()) / PKTimebase;
         if (auto frame = record->getVideoFrameWithLogoContext(m_logo, m_spool.recordRect(), m_composer.get()))
             return frame;
@@ -81,6 +81,13 @@ std::shared_ptr<const PKVideoFrame2> MovieJob::PKMuxerTaskGetVideoFrame()
         ++m_unusableFrames;
     }
     return nullptr;
+}
+
+/// Of the last picture, in ticks. A recording of a certain length lasts to its end, also where passes were late.
+std::uint64_t MovieJob::lastDuration(std::uint64_t timestamp) const
+{
+    const auto end = static_cast<std::uint64_t>(m_recording->end.value_or(0));
+    return end > timestamp ? end - timestamp : std::uint64_t { PKTimebase / 30 };
 }
 
 std::shared_ptr<const PKAudioFrame2> MovieJob::PKMuxerTaskGetAudioFrame()

@@ -51,6 +51,8 @@ public:
     [[nodiscard]] std::optional<double> shareOfWork(std::int64_t ticks) override;
 
 private:
+    [[nodiscard]] std::uint64_t lastDuration(std::uint64_t timestamp) const;
+
     std::shared_ptr<const Recording> m_recording;
     VNBufferMgr &m_spool;
     VNLogoContext *m_logo;

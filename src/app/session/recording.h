@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
 namespace vornic {
 
@@ -58,8 +59,10 @@ struct Recording {
     bool endsWithFirstFrame = false; ///< stopped before there was one
     bool isPutOff = false;           ///< its movie is made another time
     bool stopItemIsShown = false;
-    bool soundWasLost = false; ///< for a time, or to the end
-    QString soundLostOfTwo;    ///< the one that was, while the other was heard; empty for none
+    bool soundWasLost = false;              ///< for a time, or to the end
+    QString soundLostOfTwo;                 ///< the one that was, while the other was heard; empty for none
+    std::optional<std::int64_t> end;        ///< PKTimebase ticks; where it is as long as it was to be
+    std::atomic<bool> isFullLength = false; ///< the capture ended there
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete
     QString failure;                              ///< why there is no movie; empty where there is one

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 namespace vornic {
@@ -56,10 +55,37 @@ bool RecordingClock::wasPausedSince(double seconds) const
     return !m_pauses.empty() && m_pauses.back().end > seconds;
 }
 
+/// Not a number before it is known.
+double RecordingClock::origin() const
+{
+    return awaitsSound() ? m_firstSound : m_firstPass;
+}
+
+/// When all is recorded, by the absolute clock, as far as is known now. With the mutex held.
+double RecordingClock::end() const
+{
+    const double begin = origin();
+    if (m_length == never || std::isnan(begin))
+        return never;
+    double end = begin + m_length;
+    for (const Span &pause : m_pauses) {
+        if (pause.begin < end && pause.end > begin)
+            end += pause.end - std::max(pause.begin, begin);
+    }
+    return end;
+}
+
+bool RecordingClock::isOver() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_now() >= end();
+}
+
 std::vector<RecordingClock::Span> RecordingClock::recordedPartsOf(double begin, double end) const
 {
     std::vector<Span> parts;
     const std::lock_guard lock(m_mutex);
+    end = std::min(end, this->end());
     for (const Span &pause : m_pauses) {
         if (begin < std::min(pause.begin, end))
             parts.push_back({ begin, std::min(pause.begin, end) });
@@ -82,10 +108,10 @@ double RecordingClock::recordedSeconds(double begin, double end) const
 
 std::optional<std::int64_t> RecordingClock::timestamp() const
 {
-    const double origin = awaitsSound() ? m_firstSound : m_firstPass;
-    if (std::isnan(origin))
+    const double begin = origin();
+    if (std::isnan(begin))
         return std::nullopt;
-    return static_cast<std::int64_t>(recordedSeconds(origin, now()) * static_cast<double>(PKTimebase));
+    return static_cast<std::int64_t>(recordedSeconds(begin, now()) * static_cast<double>(PKTimebase));
 }
 
 void RecordingClock::setOnce(std::atomic<double> &time, double seconds)

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -34,6 +35,11 @@ public:
 
     explicit RecordingClock(Origin origin, Now now = absoluteTimeSeconds);
 
+    /// From the origin on no more than this is recorded: from then on the clock stands for good. Before it is shared.
+    void setLength(double seconds) { m_length = seconds; }
+    /// All that is to be recorded has been.
+    [[nodiscard]] bool isOver() const;
+
     [[nodiscard]] double now() const { return m_now(); }
     /// Only the first of each counts.
     void passBegins(double seconds) { setOnce(m_firstPass, seconds); }
@@ -61,14 +67,17 @@ public:
     [[nodiscard]] std::optional<std::int64_t> timestamp() const;
 
 private:
+    [[nodiscard]] double origin() const;
+    [[nodiscard]] double end() const;
     static void setOnce(std::atomic<double> &time, double seconds);
 
     Now m_now;
     std::atomic<Origin> m_origin;
-    std::atomic<double> m_firstPass;  ///< not a number: it has not been
-    std::atomic<double> m_firstSound; ///< not a number: it has not been
-    mutable std::mutex m_mutex;       ///< guards the one below
-    std::vector<Span> m_pauses;       ///< in order; the last one has no end while it lasts
+    std::atomic<double> m_firstPass;                           ///< not a number: it has not been
+    std::atomic<double> m_firstSound;                          ///< not a number: it has not been
+    double m_length = std::numeric_limits<double>::infinity(); ///< seconds
+    mutable std::mutex m_mutex;                                ///< guards the one below
+    std::vector<Span> m_pauses; ///< in order; the last one has no end while it lasts
 };
 
 } // namespace vornic

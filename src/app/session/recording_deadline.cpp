@@ -1,7 +1,6 @@
 #include "app/session/recording_deadline.h"
 
 #include "app/session/recording_session.h"
-#include "base/PKTimebase.h"
 
 #include <algorithm>
 
@@ -24,6 +23,7 @@ std::chrono::steady_clock::duration durationOf(double seconds)
 
 RecordingDeadline::RecordingDeadline(RecordingSession &session, double seconds)
     : m_session(session)
+    , m_seconds(seconds)
     , m_length(durationOf(seconds))
 {
     m_timer.setSingleShot(true);
@@ -50,13 +50,14 @@ void RecordingDeadline::begin()
     endAt(m_start + std::max<Clock::duration>(m_length, timeForFirstPicture));
 }
 
-void RecordingDeadline::firstPictureIsKept(qint64 timestamp)
+void RecordingDeadline::firstPictureIsKept()
 {
-    if (m_beganWithSound && !m_session.countsOnSound())
+    if (m_beganWithSound && !m_session.countsOnSound()) {
         endAt(m_start + m_length);
-    else
-        endAt(Clock::now() + m_length
-              - durationOf(static_cast<double>(timestamp) / static_cast<double>(PKTimebase)));
+        return;
+    }
+    m_endsByTimer = false; // from here on the recording's clock ends it
+    m_timer.stop();
 }
 
 /// Through the event loop even when it is past: the session may be in the middle of its start.
@@ -70,6 +71,8 @@ void RecordingDeadline::endAt(Clock::time_point time)
 
 void RecordingDeadline::followPause()
 {
+    if (!m_endsByTimer)
+        return;
     if (m_session.isPaused()) {
         m_left = m_end - Clock::now();
         m_timer.stop();

@@ -20,6 +20,8 @@ public:
     /// recorded, in screen coordinates (y up).
     virtual void showStopItem(const QString & /*title*/, const QRectF & /*recorded*/) { }
     virtual void setStopItemTitle(const QString & /*title*/) { }
+    /// Told before each title of a recording that ends by itself: so many seconds are still to be recorded.
+    virtual void showTimeLeft(std::int64_t /*seconds*/) { }
     /// The recording is paused, and the clock stands; or it goes on.
     virtual void showPaused(bool /*isPaused*/) { }
     virtual void hideStopItem() { }

@@ -11,6 +11,7 @@
 #include "app/session/new_movie_file.h"
 #include "app/session/output_check.h"
 #include "app/session/recording.h"
+#include "app/session/recording_deadline.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
 #include "app/session/recording_settings.h"
@@ -31,6 +32,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+#include <cmath>
 #include <new>
 #include <utility>
 
@@ -278,6 +281,7 @@ void RecordingSession::startRecorderAnyway()
     }
     adopt(
         std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
+    limitLength();
     m_spool->readyToRecord();
     if (const QString &reason = m_spool->whyNothingIsStored(); !reason.isEmpty()) {
         m_frontEnd.questions.alertError(nothingCanBeSpooledText(reason));
@@ -297,6 +301,37 @@ void RecordingSession::startRecorderAnyway()
         if (session && session->m_recording == recording)
             session->beginCapture();
     });
+}
+
+std::optional<double> RecordingSession::askedLength() const
+{
+    if (m_askedLength || !m_options.stopsAfterTime())
+        return m_askedLength;
+    return m_options.stopAfter();
+}
+
+/// The deadline ends the recording, and the clock keeps out what comes before that is done.
+void RecordingSession::limitLength()
+{
+    m_deadline.reset();
+    const std::optional<double> seconds = askedLength();
+    if (!seconds)
+        return;
+    m_recording->clock.setLength(*seconds);
+    m_deadline = std::make_unique<RecordingDeadline>(*this, *seconds);
+}
+
+bool RecordingSession::isTimeOver() const
+{
+    return m_deadline && (m_deadline->isReached() || m_recording->end);
+}
+
+std::optional<std::int64_t> RecordingSession::secondsLeft(std::int64_t timestamp) const
+{
+    if (!m_deadline)
+        return std::nullopt;
+    const double left = m_deadline->seconds() - static_cast<double>(timestamp) / PKTimebase;
+    return std::max<std::int64_t>(0, std::llround(std::ceil(left)));
 }
 
 void RecordingSession::beginCapture()
@@ -348,10 +383,17 @@ void RecordingSession::frameKept(std::int64_t timestamp)
 {
     m_diskWatch->frameKept(static_cast<double>(timestamp) / PKTimebase, timestamp);
     if (m_recording->stopItemIsShown)
-        m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
+        showClock(timestamp);
     emit clockTicked(timestamp);
     if (m_recording->endsWithFirstFrame)
         m_spool->setExit(true);
+}
+
+void RecordingSession::showClock(std::int64_t timestamp)
+{
+    if (const std::optional<std::int64_t> left = secondsLeft(timestamp))
+        m_frontEnd.progress.showTimeLeft(*left);
+    m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
 }
 
 void RecordingSession::soundAwaited()
@@ -491,6 +533,8 @@ void RecordingSession::executeStopRecord()
     if (m_phase != Phase::Capturing)
         return;
     beginCapture(); // when it ends before the screen was clear
+    if (m_deadline && m_recording->isFullLength)
+        m_recording->end = std::llround(m_deadline->seconds() * PKTimebase);
     setPhase(Phase::Writing);
     hideStopRecordingBtn();
     m_frontEnd.progress.setBusy(true);

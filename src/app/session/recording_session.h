@@ -25,6 +25,7 @@ class DiskWatch;
 class DisplayBackend;
 class MovieJob;
 class PKMuxerContext;
+class RecordingDeadline;
 class SerialQueue;
 class VNBufferMgr;
 class VNCGDisplay;
@@ -67,6 +68,8 @@ public:
     void setUsesInput(bool uses) { m_usesInput = uses; }
     /// The input and what the system plays become a track each, where both are recorded.
     void setSeparateTracks(bool separate) { m_separateTracks = separate; }
+    /// The recordings that begin from now on end by themselves when they are so long. Without it, what the options say.
+    void setLength(double seconds) { m_askedLength = seconds; }
     /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
     void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
 
@@ -95,6 +98,10 @@ public:
     [[nodiscard]] bool isPaused() const;
     /// The desktop is asked for its screen, and perhaps asks its user.
     [[nodiscard]] bool awaitsDisplay() const { return m_awaitsDisplay; }
+    /// The recording that ran last ended because it was as long as it was to be.
+    [[nodiscard]] bool isTimeOver() const;
+    /// What is still to be recorded behind \a timestamp, in whole seconds, rounded up; nothing where there is no limit.
+    [[nodiscard]] std::optional<std::int64_t> secondsLeft(std::int64_t timestamp) const;
     /// There is sound, or it is still waited for.
     [[nodiscard]] bool countsOnSound() const;
     /// Writes the movie of the recording that is captured; no more than once.
@@ -160,7 +167,10 @@ private:
     [[nodiscard]] QRectF regionToRecord() const;
     void describePicture(PKMuxerContext &context, RecordQuality quality) const;
     void adopt(std::shared_ptr<Recording> recording);
+    [[nodiscard]] std::optional<double> askedLength() const;
+    void limitLength();
     void beginCapture();
+    void showClock(std::int64_t timestamp);
     [[nodiscard]] bool awaitsOrigin() const;
     bool endWithFirstFrame();
     void goOnWithoutSound();
@@ -181,6 +191,7 @@ private:
     bool m_terminating = false;
     bool m_usesInput = true;
     bool m_separateTracks = false;
+    std::optional<double> m_askedLength;
     QString m_chosenFile;                             ///< the save panel's answer
     std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
     std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()
@@ -190,6 +201,7 @@ private:
     std::unique_ptr<VNCGDisplay> m_display; ///< on the capture queue; null before the first pass
     std::unique_ptr<AudioInput> m_audio;
     std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, as the two below
+    std::unique_ptr<RecordingDeadline> m_deadline; ///< null where the recording has no length
     std::shared_ptr<CaptureLoop> m_loop;
     std::unique_ptr<MovieJob> m_job;
     std::unique_ptr<SerialQueue> m_captureQueue; ///< last: its thread ends before what it uses

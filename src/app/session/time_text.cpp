@@ -2,6 +2,7 @@
 
 #include "base/PKTimebase.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 namespace vornic {
@@ -15,6 +16,23 @@ QString stringFromeTimestamp(std::int64_t timestamp)
                              static_cast<long long>(hours),
                              static_cast<long long>(minutes),
                              static_cast<long long>(seconds - hours * 3600 - minutes * 60));
+}
+
+QString timeLeftText(std::int64_t seconds)
+{
+    return QCoreApplication::translate("vornic", "%1 left").arg(stringFromeTimestamp(seconds * PKTimebase));
+}
+
+QString timeLeftInWords(std::int64_t seconds)
+{
+    const std::int64_t minutes = seconds / 60;
+    if (minutes == 0)
+        return QCoreApplication::translate("vornic", "%1 seconds left").arg(seconds);
+    if (minutes < 60)
+        return QCoreApplication::translate("vornic", "%1 minutes left").arg(minutes);
+    return QCoreApplication::translate("vornic", "%1 hours, %2 minutes left")
+        .arg(minutes / 60)
+        .arg(minutes % 60);
 }
 
 QString secondsText(double seconds)

@@ -48,10 +48,11 @@ public:
     QStringList told; ///< every call, in order
     double announcedSeconds = 0;
     QString announcedFlaws;
-    QStringList titles; ///< of the stop item
-    QList<bool> pauses; ///< paused, and going on
-    QStringList kept;   ///< the ids of recordings
-    QStringList alerts; ///< message and informative text
+    QStringList titles;              ///< of the stop item
+    QList<std::int64_t> secondsLeft; ///< told before each title
+    QList<bool> pauses;              ///< paused, and going on
+    QStringList kept;                ///< the ids of recordings
+    QStringList alerts;              ///< message and informative text
     QList<double> percents;
     QList<double> levels;  ///< of the sound that is recorded
     QRectF recordedRegion; ///< that the stop item was told of
@@ -113,6 +114,7 @@ public:
         titles += title;
     }
     void setStopItemTitle(const QString &title) override { titles += title; }
+    void showTimeLeft(std::int64_t seconds) override { secondsLeft += seconds; }
     void showPaused(bool isPaused) override { pauses += isPaused; }
     void hideStopItem() override { told += "hideStopItem"; }
     void showRoom(const RecordingRoom &room) override { rooms += room; }

@@ -175,6 +175,45 @@ TEST_F(RecordingClockTest, CutsATimeAtItsPauses)
     EXPECT_EQ(parts(1004, 1005), (Parts { { 1004, 1005 } }));
 }
 
+TEST_F(RecordingClockTest, StandsForGoodAtItsLength)
+{
+    RecordingClock clock(Origin::FirstPass, setTime());
+    clock.setLength(3);
+    EXPECT_FALSE(clock.isOver()) << "it has not begun";
+    clock.passBegins(1000);
+    time = 1002;
+    clock.pause();
+    time = 1100;
+    EXPECT_FALSE(clock.isOver());
+    clock.resume();
+    time = 1100.5;
+    EXPECT_FALSE(clock.isOver());
+    EXPECT_EQ(clock.timestamp(), 5 * PKTimebase / 2);
+    EXPECT_EQ(clock.recordedSeconds(1000, 2000), 3);
+    time = 1101;
+    EXPECT_TRUE(clock.isOver());
+    time = 1102;
+    clock.pause();
+    time = 1103;
+    EXPECT_EQ(clock.timestamp(), 3 * PKTimebase);
+    EXPECT_TRUE(clock.isOver());
+}
+
+TEST_F(RecordingClockTest, APauseBeforeTheFirstSoundTakesNothingFromTheLength)
+{
+    RecordingClock clock(Origin::FirstSound, setTime());
+    clock.setLength(2);
+    clock.pause();
+    time = 1002;
+    clock.soundBegins(1001);
+    clock.resume();
+    time = 1003.5;
+    EXPECT_FALSE(clock.isOver());
+    time = 1004;
+    EXPECT_TRUE(clock.isOver());
+    EXPECT_EQ(clock.timestamp(), 2 * PKTimebase);
+}
+
 /// A clock that starts at zero has an origin there, too.
 TEST_F(RecordingClockTest, ZeroIsATimeLikeAnyOther)
 {

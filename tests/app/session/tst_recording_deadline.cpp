@@ -1,8 +1,8 @@
-#include "app/session/recording_deadline.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "display/fake_display.h"
+#include "movie_test_support.h"
 #include "support/wait_until.h"
 
 #include <QCoreApplication>
@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <functional>
 #include <memory>
 
 namespace vornic {
@@ -30,7 +33,6 @@ protected:
     }
     ~RecordingDeadlineTest() override
     {
-        deadline.reset();
         session.reset();
         setMainDisplay(nullptr);
     }
@@ -40,7 +42,7 @@ protected:
         session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
         session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
         options.setEnableAudio(!audioControl.names.isEmpty());
-        deadline = std::make_unique<RecordingDeadline>(*session, seconds);
+        session->setLength(seconds);
         session->recorded();
         ASSERT_TRUE(waitUntil([this] { return session->isRecording(); }));
         sinceStart.start();
@@ -48,6 +50,12 @@ protected:
     bool hasEnded()
     {
         return waitUntil([this] { return !session->isRecording(); });
+    }
+
+    double movieSeconds() const
+    {
+        const QJsonObject probed = testing::probe(*frontEnd.path);
+        return testing::streamOf(probed, "video")["duration"].toString().toDouble();
     }
 
     int argc = 1;
@@ -61,14 +69,13 @@ protected:
     FakeAudioControl audioControl;
     QElapsedTimer sinceStart;
     std::unique_ptr<RecordingSession> session;
-    std::unique_ptr<RecordingDeadline> deadline;
 };
 
 TEST_F(RecordingDeadlineTest, ItEndsTheRecording)
 {
     record(0.3);
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(deadline->isReached());
+    EXPECT_TRUE(session->isTimeOver());
     EXPECT_GT(session->counts().framesWritten, 2U);
 }
 
@@ -77,7 +84,7 @@ TEST_F(RecordingDeadlineTest, ItEndsARecordingThatWaitsForSoundToo)
     audioControl.names += "Microphone";
     record(0.3);
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(deadline->isReached());
+    EXPECT_TRUE(session->isTimeOver());
     EXPECT_EQ(session->counts().framesWritten, 1U);
     EXPECT_GE(sinceStart.elapsed(), 2900) << "sound has some time to come";
 }
@@ -90,7 +97,7 @@ TEST_F(RecordingDeadlineTest, SoundThatIsGivenUpProlongsNothing)
     const double waited = static_cast<double>(sinceStart.elapsed()) / 1000;
     frontEnd.goOnWithoutSound();
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(deadline->isReached());
+    EXPECT_TRUE(session->isTimeOver());
     EXPECT_LT(static_cast<double>(session->counts().framesWritten), 30 * (6 - waited) + 10)
         << "what was left of the six seconds, at 30 pictures a second";
 }
@@ -119,8 +126,93 @@ TEST_F(RecordingDeadlineTest, NoTimePassesWhileTheRecordingIsPaused)
     const std::uint64_t before = session->counts().framesGrabbed;
     session->pauseOrResume();
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(deadline->isReached());
+    EXPECT_TRUE(session->isTimeOver());
     EXPECT_GT(session->counts().framesGrabbed, before) << "what was left of it is recorded";
+}
+
+TEST_F(RecordingDeadlineTest, TheMovieIsAsLongAsItWasToBeWithoutItsPause)
+{
+    record(0.6);
+    ASSERT_TRUE(waitUntil([this] { return session->mayPause(); }));
+    session->pauseOrResume();
+    QElapsedTimer sincePause;
+    sincePause.start();
+    ASSERT_TRUE(waitUntil([&] { return sincePause.elapsed() >= 300; }));
+    session->pauseOrResume();
+    ASSERT_TRUE(hasEnded());
+    EXPECT_NEAR(movieSeconds(), 0.6, 0.0001);
+}
+
+/// Passes wait for the main thread, and the timer runs on it: neither makes the movie shorter or longer.
+TEST_F(RecordingDeadlineTest, ABusyMainThreadChangesNothingInTheMoviesLength)
+{
+    record(0.6);
+    ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 2; }));
+    const auto now = [] { return std::chrono::steady_clock::now(); };
+    const auto until = now() + std::chrono::milliseconds(900);
+    while (now() < until) { }
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_NEAR(movieSeconds(), 0.6, 0.0001);
+}
+
+TEST_F(RecordingDeadlineTest, ItsSoundEndsWithIt)
+{
+    audioControl.names += "Microphone";
+    record(0.5);
+    ASSERT_TRUE(
+        waitUntil([this] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    const QByteArray tenth(19'200, 'a');
+    for (int i = 0; i < 20; ++i)
+        audioControl.recorder->deliver(tenth.constData(), 19'200);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_NEAR(session->counts().audioSeconds, 0.5, 0.001);
+    EXPECT_NEAR(frontEnd.announcedSeconds, 0.5, 0.0001) << "the pictures begin behind the sound";
+}
+
+TEST_F(RecordingDeadlineTest, SoundThatBeganEarlierThanItsLengthLeavesAPicture)
+{
+    audioControl.names += "Microphone";
+    record(0.05);
+    ASSERT_TRUE(
+        waitUntil([this] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
+    const QByteArray tenth(19'200, 'a');
+    audioControl.recorder->deliver(tenth.constData(), 19'200);
+    ASSERT_TRUE(hasEnded());
+    EXPECT_EQ(session->counts().framesWritten, 1U);
+}
+
+TEST_F(RecordingDeadlineTest, WhatIsLeftIsTold)
+{
+    record(1.5);
+    ASSERT_TRUE(hasEnded());
+    ASSERT_FALSE(frontEnd.secondsLeft.isEmpty());
+    EXPECT_EQ(frontEnd.secondsLeft.first(), 2);
+    EXPECT_EQ(frontEnd.secondsLeft.last(), 1);
+    EXPECT_TRUE(std::ranges::is_sorted(frontEnd.secondsLeft, std::greater()));
+}
+
+TEST_F(RecordingDeadlineTest, TheOptionsGiveALengthToo)
+{
+    options.setStopsAfterTime(true);
+    options.setStopAfter(1);
+    session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
+    session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
+    session->recorded();
+    ASSERT_TRUE(waitUntil([this] { return session->isRecording(); }));
+    ASSERT_TRUE(hasEnded());
+    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_NEAR(movieSeconds(), 1, 0.0001);
+}
+
+TEST_F(RecordingDeadlineTest, WhoStopsItEarlierGetsAShorterMovie)
+{
+    record(600);
+    ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 3; }));
+    session->stopRecord();
+    ASSERT_TRUE(hasEnded());
+    EXPECT_FALSE(session->isTimeOver());
+    EXPECT_LT(movieSeconds(), 60);
 }
 
 TEST_F(RecordingDeadlineTest, WhoIsStoppedWhilePausedIsNotOutOfTime)
@@ -130,7 +222,7 @@ TEST_F(RecordingDeadlineTest, WhoIsStoppedWhilePausedIsNotOutOfTime)
     session->pauseOrResume();
     session->stopRecord();
     ASSERT_TRUE(hasEnded());
-    EXPECT_FALSE(deadline->isReached());
+    EXPECT_FALSE(session->isTimeOver());
 }
 
 TEST_F(RecordingDeadlineTest, ATimeThatIsOverWhileTheMovieIsWrittenWasNotReached)
@@ -145,7 +237,7 @@ TEST_F(RecordingDeadlineTest, ATimeThatIsOverWhileTheMovieIsWrittenWasNotReached
     EXPECT_TRUE(waitUntil([&] { return sincePicture.elapsed() >= 1200; }));
     session->stopRecord();
     ASSERT_TRUE(hasEnded());
-    EXPECT_FALSE(deadline->isReached());
+    EXPECT_FALSE(session->isTimeOver());
 }
 
 } // namespace
