@@ -474,7 +474,8 @@ void MainWindow::showClock(qint64 timestamp)
     if (!m_delegate.isCapturing())
         return;
     m_clock = timestamp;
-    const QString clock = stringFromeTimestamp(timestamp);
+    const std::optional<std::int64_t> left = m_delegate.secondsLeft(timestamp);
+    const QString clock = left ? timeLeftText(*left) : stringFromeTimestamp(timestamp);
     const QString text
         = m_delegate.isPaused() ? tr("Sto&p   %1, paused").arg(clock) : tr("Sto&p   %1").arg(clock);
     if (text == m_ui->recordButton->text())

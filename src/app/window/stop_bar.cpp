@@ -108,6 +108,11 @@ void StopBar::setTitle(const QString &title)
     fit();
 }
 
+void StopBar::setTimeLeft(const QString &words)
+{
+    m_button->setAccessibleName(tr("Stop the recording, %1").arg(words));
+}
+
 void StopBar::setPaused(bool isPaused)
 {
     m_isPaused = isPaused;

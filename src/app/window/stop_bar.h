@@ -36,6 +36,8 @@ public:
     ~StopBar() override;
 
     void setTitle(const QString &title);
+    /// Who cannot see the title is told so of what is left, in words.
+    void setTimeLeft(const QString &words);
     /// The second button goes on with the recording, or pauses it. A bar that waits to go on does not hide itself, as no
     /// picture is kept.
     void setPaused(bool isPaused);

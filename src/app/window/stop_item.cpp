@@ -1,5 +1,6 @@
 #include "app/window/stop_item.h"
 
+#include "app/session/time_text.h"
 #include "app/window/application_icon.h"
 #include "app/window/stop_bar.h"
 #include "desktop/full_screen_watch.h"
@@ -191,9 +192,19 @@ void StopItem::setRoom(const QString &room)
     showTexts();
 }
 
+void StopItem::setTimeLeft(std::int64_t seconds)
+{
+    if (m_secondsLeft == seconds)
+        return;
+    m_secondsLeft = seconds;
+    m_bar->setTimeLeft(timeLeftInWords(seconds));
+    showTexts();
+}
+
 void StopItem::showTexts()
 {
-    QString title = m_isPaused ? tr("%1, paused").arg(m_title) : m_title;
+    const QString clock = m_secondsLeft ? timeLeftText(*m_secondsLeft) : m_title;
+    QString title = m_isPaused ? tr("%1, paused").arg(clock) : clock;
     if (m_soundIsLost)
         title = tr("%1, no sound").arg(title);
     m_bar->setTitle(title);

@@ -6,8 +6,10 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QAction;
 class QMenu;
@@ -37,6 +39,8 @@ public:
     void setRoom(const QString &room);
     /// Told beside the clock, for as long as it is so.
     void setSoundIsLost(bool isLost);
+    /// Shown in place of the clock from now on, which the tool tips tell too: the recording ends by itself.
+    void setTimeLeft(std::int64_t seconds);
     /// Told beside the clock and by the tray icon.
     void setPaused(bool isPaused);
     /// How loud the sound is: the loudest sample, as a share of the loudest that there is.
@@ -65,6 +69,7 @@ private:
 
     QString m_title;
     QString m_room;
+    std::optional<std::int64_t> m_secondsLeft; ///< nothing where there is no end
     bool m_soundIsLost = false;
     bool m_isPaused = false;
     bool m_isBarAllowed = false;

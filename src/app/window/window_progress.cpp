@@ -54,6 +54,12 @@ void WindowProgress::setStopItemTitle(const QString &title)
     m_stopItem->setTitle(title);
 }
 
+void WindowProgress::showTimeLeft(std::int64_t seconds)
+{
+    if (m_stopItem)
+        m_stopItem->setTimeLeft(seconds);
+}
+
 void WindowProgress::showPaused(bool isPaused)
 {
     if (m_stopItem)

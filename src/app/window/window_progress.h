@@ -41,6 +41,7 @@ public:
 
     void showStopItem(const QString &title, const QRectF &recorded) override;
     void setStopItemTitle(const QString &title) override;
+    void showTimeLeft(std::int64_t seconds) override;
     void showPaused(bool isPaused) override;
     void hideStopItem() override;
     void showRoom(const RecordingRoom &room) override;

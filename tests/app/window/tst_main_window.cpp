@@ -7,6 +7,7 @@
 #include "controls/VNRadioCell.h"
 #include "controls/VNSliderCell.h"
 #include "controls/VNTextFieldCell.h"
+#include "controls/duration_field.h"
 #include "controls/number_field.h"
 #include "main_window_test.h"
 
@@ -251,6 +252,53 @@ TEST_F(MainWindowTest, WhatTheSystemPlaysHasABoxAndEachSoundALevel)
     EXPECT_FALSE(box.isEnabled() || input.isEnabled() || system.isEnabled());
 }
 
+TEST_F(MainWindowTest, ARecordingCanBeGivenALength)
+{
+    auto &box = control<VNCheckCell>("chkStopAfter");
+    auto &field = control<DurationField>("stopAfterField");
+    EXPECT_FALSE(box.isChecked() || field.isEnabled());
+    EXPECT_EQ(field.text(), "0:10:00");
+    box.click();
+    EXPECT_TRUE(options().stopsAfterTime() && field.isEnabled());
+    const auto type = [&field](const char *text) {
+        field.setFocus();
+        field.selectAll();
+        QTest::keyClicks(&field, text);
+        QTest::keyClick(&field, Qt::Key_Return);
+        return field.text();
+    };
+    EXPECT_EQ(type("90"), "0:01:30");
+    EXPECT_EQ(options().stopAfter(), 90);
+    EXPECT_EQ(type("2:00"), "0:02:00");
+    EXPECT_EQ(type("36:00:05"), "36:00:05") << "more than a day";
+    EXPECT_EQ(options().stopAfter(), 36 * 3600 + 5);
+    EXPECT_EQ(type("0:00:00"), "36:00:05") << "that is no length";
+    EXPECT_EQ(type("100:00:00"), "36:00:05");
+    EXPECT_EQ(type("1x"), "0:00:01") << "a letter is not taken";
+    options().setStopAfter(3600);
+    EXPECT_EQ(field.text(), "1:00:00");
+    box.click();
+    EXPECT_FALSE(options().stopsAfterTime() || field.isEnabled());
+}
+
+TEST_F(MainWindowTest, TheArrowsChangeThePartOfTheLengthThatTheInsertionPointIsIn)
+{
+    control<VNCheckCell>("chkStopAfter").click();
+    auto &field = control<DurationField>("stopAfterField");
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    field.setFocus();
+    field.selectAll();
+    QTest::keyClick(&field, Qt::Key_Up);
+    EXPECT_EQ(field.text(), "0:11:00") << "minutes, where all is selected";
+    QTest::keyClick(&field, Qt::Key_Home);
+    QTest::keyClick(&field, Qt::Key_Up);
+    EXPECT_EQ(field.text(), "1:11:00");
+    QTest::keyClick(&field, Qt::Key_End);
+    QTest::keyClick(&field, Qt::Key_Up);
+    EXPECT_EQ(field.text(), "1:11:01");
+}
+
 TEST_F(MainWindowTest, WhatCannotBeUsedLooksSo)
 {
     const QList<const char *> controls { "offsetXField",
@@ -492,7 +540,12 @@ TEST_F(MainWindowTest, EdgesOfTheColumnsAreAligned)
             EXPECT_EQ(left(name), left(names.first())) << name << " and " << names.first();
     }
     const QList<QList<const char *>> sameRight {
-        { "widthField", "sizeView", "selectButton", "logoTextField", "mLogoFontFillColorWell" },
+        { "widthField",
+          "sizeView",
+          "selectButton",
+          "stopAfterField",
+          "logoTextField",
+          "mLogoFontFillColorWell" },
         { "mVideoQualityView",
           "inputLevelSlider",
           "systemLevelSlider",

@@ -116,6 +116,28 @@ TEST_F(WindowProgressTest, TheBarPausesAndGoesOn)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+TEST_F(WindowProgressTest, TheBarShowsWhatIsLeftOfARecordingThatEndsByItself)
+{
+    startRecording();
+    ASSERT_TRUE(test::waitUntil([] { return stopButton() != nullptr; }));
+    progress().showTimeLeft(593);
+    progress().setStopItemTitle("00:00:07");
+    EXPECT_EQ(stopButton()->text(), "00:09:53 left");
+    EXPECT_EQ(stopButton()->accessibleName(), "Stop the recording, 9 minutes left");
+    progress().showTimeLeft(53);
+    EXPECT_EQ(stopButton()->text(), "00:00:53 left");
+    EXPECT_EQ(stopButton()->accessibleName(), "Stop the recording, 53 seconds left");
+    progress().showPaused(true);
+    EXPECT_EQ(stopButton()->text(), "00:00:53 left, paused");
+    progress().hideStopItem();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    startRecording();
+    ASSERT_TRUE(test::waitUntil([] { return stopButton() != nullptr; }));
+    EXPECT_EQ(stopButton()->accessibleName(), "Stop the recording") << "the next one has no end";
+    progress().hideStopItem();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 TEST_F(WindowProgressTest, ABarInTheMovieStaysWhileNoPictureIsKept)
 {
     QCursor::setPos(700, 500);
