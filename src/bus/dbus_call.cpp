@@ -3,8 +3,11 @@
 #include "base/thread.h"
 
 #include <QDBusError>
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 #include <QFileInfo>
+#include <QList>
 #include <QMetaObject>
 
 #include <fcntl.h>
@@ -35,14 +38,23 @@ bool areDescriptorsAvailable(std::size_t count)
     return opened.size() == count;
 }
 
+/// The toolkit's thread for the bus still reads what has come while the program's statics end. What is made first ends
+/// last: the list of types must be older than that thread, or the thread complains of types that are gone.
+void makeListOfTypes()
+{
+    qDBusRegisterMetaType<QList<QDBusVariant>>();
+}
+
 /// The toolkit makes a thread at its first connection: where there is none to be had, it waits for it for good, and where
 /// that thread finds no descriptors for its loop, it ends the process.
 bool isBusThreadPossible()
 {
     constexpr std::size_t neededDescriptors = 8;
     static std::atomic<bool> wasPossible = false;
-    if (!wasPossible)
+    if (!wasPossible) {
+        makeListOfTypes();
         wasPossible = areThreadsAvailable(1) && areDescriptorsAvailable(neededDescriptors);
+    }
     return wasPossible;
 }
 
