@@ -30,6 +30,27 @@ TEST(OutputGrid, WhatIsInsideTakesNoPixelOfOthers)
     EXPECT_TRUE(OutputGrid(2).logicalInside({}).isEmpty());
 }
 
+TEST(OutputGrid, StripsAtAFractionalScaleLeaveTheRectangleFree)
+{
+    constexpr int width = 8;
+    for (const double factor : { 1.25, 1.5, 1.75 }) {
+        const OutputGrid grid(factor);
+        for (int odd = 0; odd < 7; ++odd) {
+            const QRect recorded(101 + odd, 83 + odd, 301, 203);
+            const QRect around = recorded.adjusted(-width, -width, width, width);
+            const QRegion strips = QRegion(around) - recorded;
+            const QRegion inside = grid.logicalInside(strips);
+            QRegion shown;
+            for (const QRect &part : inside)
+                shown += grid.pixelsAround(part);
+            EXPECT_TRUE((shown & recorded).isEmpty()) << factor << ", " << odd;
+            const QRect seen = shown.boundingRect();
+            EXPECT_LE(seen.left() - around.left(), 1) << factor << ", " << odd;
+            EXPECT_LE(around.bottom() - seen.bottom(), 1) << factor << ", " << odd;
+        }
+    }
+}
+
 TEST(OutputGrid, PartsThatTouchAreOneInside)
 {
     QRegion rows;
