@@ -26,8 +26,12 @@ QString timeLeftText(std::int64_t seconds)
 QString timeLeftInWords(std::int64_t seconds)
 {
     const std::int64_t minutes = seconds / 60;
+    if (seconds == 1)
+        return QCoreApplication::translate("vornic", "1 second left");
     if (minutes == 0)
         return QCoreApplication::translate("vornic", "%1 seconds left").arg(seconds);
+    if (minutes == 1)
+        return QCoreApplication::translate("vornic", "1 minute left");
     if (minutes < 60)
         return QCoreApplication::translate("vornic", "%1 minutes left").arg(minutes);
     return QCoreApplication::translate("vornic", "%1 hours, %2 minutes left")
