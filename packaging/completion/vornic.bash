@@ -46,7 +46,7 @@ _vornic()
     --delete | --delete=)
         _vornic_recordings "$word"
         return ;;
-    --region | --region= | --duration | --duration=)
+    --region | --region= | --duration | --duration= | --max-size | --max-size=)
         return ;;
     esac
 
@@ -62,7 +62,7 @@ _vornic()
     local words=
     case $command in
     '') words='record recover devices --record= --stop --toggle --pause --help --version' ;;
-    record) words='--region --quality --audio --audio= --system-audio --separate-tracks --duration --overwrite --ignore-low-space --help' ;;
+    record) words='--region --quality --audio --audio= --system-audio --separate-tracks --duration --max-size --overwrite --ignore-low-space --help' ;;
     recover) words='--quality --overwrite --delete --help' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -30,6 +30,7 @@ complete -c vornic -n $record -a '(string match -q -- "--audio=*" (commandline -
 complete -c vornic -n $record -l system-audio -d 'What the system plays, too'
 complete -c vornic -n $record -l separate-tracks -d 'A track for each of the two sounds'
 complete -c vornic -n $record -l duration -x -d 'End the recording by itself: seconds'
+complete -c vornic -n $record -l max-size -x -d 'End it before the movie is larger: 700M, 1.5G'
 complete -c vornic -n $record -l overwrite -d 'Replace the file'
 complete -c vornic -n $record -l ignore-low-space -d 'Go on below the free-space limit'
 complete -c vornic -n $record -a '(string match -q -- "-*" (commandline -ct); or __fish_complete_suffix .mp4)'

@@ -13,6 +13,7 @@ namespace vornic {
 namespace {
 
 constexpr double maxSeconds = 60.0 * 60 * 24 * 365;
+constexpr std::uint64_t minSize = 1'000'000;
 
 CommandLine wrongUsage(const QString &problem)
 {
@@ -35,7 +36,7 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
       --stop             end the recording of the window that runs
       --toggle           begin a recording at once, or end the one that runs: for a key of the desktop
       --pause            pause it; again goes on with it
-  vornic record [options] FILE.mp4  record without the window; Ctrl-C, SIGTERM or --duration ends it,
+  vornic record [options] FILE.mp4  record without the window; Ctrl-C or SIGTERM ends it,
                          SIGUSR1 pauses it and goes on with it
       --region X,Y,W,H   pixels from the top left of the main display, as Linux tools print them
                          ("X,Y WxH" and WxH+X+Y are taken too); without it the full display
@@ -44,7 +45,8 @@ const QString helpText = QStringLiteral(R"(Vornic records the screen into an mp4
       --audio[=NAME]     sound too: of the first audio input device, or of the one named
       --system-audio     what the system plays, too; mixed with --audio, or alone
       --separate-tracks  not mixed: a track for --audio, and one for --system-audio
-      --duration SECONDS
+      --duration SECONDS end the recording when it is so long
+      --max-size SIZE    end it before the movie grows larger: 700M, 1.5G, or bytes; M is 1,000,000
       --overwrite        replace FILE.mp4; without it an existing file is refused
       --ignore-low-space go on below the free-space limit
   vornic recover                    the unfinished recordings, one a line: id, start, length, size, frames
@@ -77,6 +79,7 @@ void addOptions(QCommandLineParser &parser)
                         flag("system-audio"),
                         flag("separate-tracks"),
                         value("duration"),
+                        value("max-size"),
                         flag("overwrite"),
                         flag("ignore-low-space"),
                         value("delete") });
@@ -117,6 +120,33 @@ QString readQuality(const QCommandLineParser &parser, std::optional<RecordQualit
     return {};
 }
 
+/// Reads where a recording ends by itself into \a line; the problem, or an empty text.
+QString readEnd(const QCommandLineParser &parser, CommandLine &line)
+{
+    if (parser.isSet(QStringLiteral("duration"))) {
+        const QString value = parser.value(QStringLiteral("duration"));
+        bool isNumber = false;
+        const double seconds = value.toDouble(&isNumber);
+        if (!isNumber || !(seconds > 0) || seconds > maxSeconds)
+            return wrongValue(QStringLiteral("duration"),
+                              value,
+                              CommandLine::tr("a number of seconds above 0, %1 at most")
+                                  .arg(secondsText(maxSeconds)))
+                .problem;
+        line.durationSeconds = seconds;
+    }
+    if (parser.isSet(QStringLiteral("max-size"))) {
+        const QString value = parser.value(QStringLiteral("max-size"));
+        line.maxSize = parseSize(value);
+        if (!line.maxSize || *line.maxSize < minSize)
+            return wrongValue(QStringLiteral("max-size"),
+                              value,
+                              CommandLine::tr("a size such as 700M or 1.5G, 1M at least"))
+                .problem;
+    }
+    return {};
+}
+
 /// Reads the options of a recording into \a line; the problem, or an empty text.
 QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
 {
@@ -133,18 +163,8 @@ QString readRecordOptions(const QCommandLineParser &parser, CommandLine &line)
     if (QString problem = readQuality(parser, quality); !problem.isEmpty())
         return problem;
     line.quality = quality.value_or(RecordQuality::High);
-    if (parser.isSet(QStringLiteral("duration"))) {
-        const QString value = parser.value(QStringLiteral("duration"));
-        bool isNumber = false;
-        const double seconds = value.toDouble(&isNumber);
-        if (!isNumber || !(seconds > 0) || seconds > maxSeconds)
-            return wrongValue(QStringLiteral("duration"),
-                              value,
-                              CommandLine::tr("a number of seconds above 0, %1 at most")
-                                  .arg(secondsText(maxSeconds)))
-                .problem;
-        line.durationSeconds = seconds;
-    }
+    if (QString problem = readEnd(parser, line); !problem.isEmpty())
+        return problem;
     line.audio = parser.isSet(QStringLiteral("audio"));
     line.systemAudio = parser.isSet(QStringLiteral("system-audio"));
     line.separateTracks = parser.isSet(QStringLiteral("separate-tracks"));
@@ -273,6 +293,20 @@ std::optional<QRect> parseRegion(const QString &text)
         return QRect(numbers[0], numbers[1], numbers[2], numbers[3]);
     }
     return std::nullopt;
+}
+
+std::optional<std::uint64_t> parseSize(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral(R"(^(\d+(?:\.\d+)?) ?([KMG]?)B?$)"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = form.match(text.trimmed());
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QString unit = match.captured(2).toUpper();
+    const double factor = unit == u"K" ? 1e3 : unit == u"M" ? 1e6 : unit == u"G" ? 1e9 : 1;
+    constexpr double maxSize = 1e15;
+    const double bytes = match.captured(1).toDouble() * factor;
+    return bytes <= maxSize ? std::optional(static_cast<std::uint64_t>(bytes)) : std::nullopt;
 }
 
 CommandLine parseCommandLine(const QStringList &arguments)

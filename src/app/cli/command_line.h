@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <optional>
 
 namespace vornic {
@@ -36,7 +37,8 @@ public:
     bool systemAudio = false;    ///< what the system plays, too
     bool separateTracks = false; ///< of both
     std::optional<double> durationSeconds;
-    bool overwrite = false; ///< also of a movie that is recovered
+    std::optional<std::uint64_t> maxSize; ///< of the movie, bytes
+    bool overwrite = false;               ///< also of a movie that is recovered
     bool ignoreLowSpace = false;
 
     // Recover
@@ -50,6 +52,9 @@ public:
 /// Reads the arguments; the first one is the program's name. Problems are told in the language of the
 /// translators that are installed.
 [[nodiscard]] CommandLine parseCommandLine(const QStringList &arguments);
+
+/// A number of bytes: "2G", "700 MB", "1.5M", "1500000"; K, M and G are powers of 1000. Nothing for anything else.
+[[nodiscard]] std::optional<std::uint64_t> parseSize(const QString &text);
 
 /// "X,Y,W,H", "X,Y WxH" or "WxH+X+Y" in whole pixels with a size above 0; nothing for anything else.
 [[nodiscard]] std::optional<QRect> parseRegion(const QString &text);

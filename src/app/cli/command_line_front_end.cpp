@@ -118,6 +118,20 @@ void CommandLineFrontEnd::nothingIsHeard(const QString &name)
     alertError(QCoreApplication::translate("vornic", "Nothing is heard from %1.").arg(name));
 }
 
+void CommandLineFrontEnd::sizeIsReached()
+{
+    standardError().endRedrawnLine();
+    tell(
+        QCoreApplication::translate("vornic", "The movie is as large as it may become; the recording ends."));
+}
+
+void CommandLineFrontEnd::movieIsWrittenAgain()
+{
+    endProgress();
+    tell(QCoreApplication::translate("vornic",
+                                     "The movie is too large; it is written again with a lower bit rate."));
+}
+
 void CommandLineFrontEnd::hideStopItem()
 {
     standardError().endRedrawnLine();

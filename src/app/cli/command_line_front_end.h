@@ -53,6 +53,8 @@ public:
     void soundIsMissing(const std::function<void()> &goOn) override;
     void oneSoundIsLost(const QString &name, bool isLost) override;
     void nothingIsHeard(const QString &name) override;
+    void sizeIsReached() override;
+    void movieIsWrittenAgain() override;
     void showRoom(const RecordingRoom &room) override;
     void warnOfLittleRoom(const RecordingRoom &room) override;
     void beginProgress(std::uint64_t frames) override;

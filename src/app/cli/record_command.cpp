@@ -150,16 +150,18 @@ void chooseAudioDevice(AudioInput &input, const CommandLine &line)
 }
 
 /// What was asked for and is not in the movie, one sentence each.
-QStringList
-whatIsMissing(const CommandLine &line, const RecordingSession &session, bool ranOutOfTime, bool wasAskedToEnd)
+QStringList whatIsMissing(const CommandLine &line, const RecordingSession &session, bool wasAskedToEnd)
 {
+    const bool endedAsAsked = session.isTimeOver() || session.isSizeReached() || wasAskedToEnd;
     QStringList sentences;
     if (line.hasSound() && session.counts().audioSeconds == 0)
         sentences += QCoreApplication::translate("vornic", "No sound came: the movie has none.");
-    if (line.durationSeconds && !ranOutOfTime && !wasAskedToEnd)
+    if (line.durationSeconds && !endedAsAsked)
         sentences += QCoreApplication::translate(
                          "vornic", "The movie is shorter than %1 s: the recording ended earlier.")
                          .arg(secondsText(*line.durationSeconds));
+    if (session.isTooLarge())
+        sentences += QCoreApplication::translate("vornic", "The movie is larger than it was to be.");
     return sentences;
 }
 
@@ -191,10 +193,12 @@ int runRecordCommand(const CommandLine &line)
     chooseAudioDevice(session.audioInput(), line);
     if (line.durationSeconds)
         session.setLength(*line.durationSeconds);
+    if (line.maxSize)
+        session.setMaxSize(*line.maxSize);
     const int status = runSession(session, frontEnd, [&session] { session.recorded(); });
     if (status == exit_status::failed)
         return status;
-    const QStringList missing = whatIsMissing(line, session, session.isTimeOver(), frontEnd.isAskedToEnd());
+    const QStringList missing = whatIsMissing(line, session, frontEnd.isAskedToEnd());
     for (const QString &sentence : missing)
         frontEnd.alertError(sentence);
     return missing.isEmpty() ? status : exit_status::incomplete;

@@ -1,5 +1,6 @@
 #include "app/session/disk_watch.h"
 
+#include "app/session/movie_size_limit.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_room.h"
 #include "base/PKTimebase.h"
@@ -7,10 +8,8 @@
 #include "base/thread.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "codec/PKMuxerContext.h"
-#include "codec/encoder_settings.h"
 #include "codec/movie_place.h"
 
-#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <system_error>
@@ -30,14 +29,6 @@ DiskSpace askFileSystems(const QString &spoolFolder, const QString &movieFolder)
     return { .spoolFree = freeSpace(spoolFolder),
              .movieFree = freeSpace(movieFolder),
              .isOneVolume = areOnOneVolume(spoolFolder, movieFolder) };
-}
-
-double movieBytesPerSecond(const PKMuxerContext &movie)
-{
-    const std::int64_t video
-        = std::max<std::int64_t>(movie.videoBitrate(), encoder_settings::minVideoBitrate);
-    const bool hasSound = movie.audioCodecID() != PKMuxerContext::audioCodecNone;
-    return static_cast<double>(video + (hasSound ? encoder_settings::audioBitrate : 0)) / 8;
 }
 
 QString movieFolder(const PKMuxerContext &movie)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/session/movie_size_limit.h"
 #include "app/session/recorded_sound.h"
 #include "app/session/recording_clock.h"
 #include "capture/spool/recording_description.h"
@@ -63,6 +64,9 @@ struct Recording {
     QString soundLostOfTwo;                 ///< the one that was, while the other was heard; empty for none
     std::optional<std::int64_t> end;        ///< PKTimebase ticks; where it is as long as it was to be
     std::atomic<bool> isFullLength = false; ///< the capture ended there
+    std::optional<MovieSizeLimit> sizeLimit;
+    bool sizeIsReached = false;                   ///< by what was forecast
+    bool isTooLarge = false;                      ///< the movie, for its limit
     std::atomic<std::uint64_t> framesGrabbed = 0; ///< kept in the spool
     MovieStatistics movie;                        ///< zeros until the movie is complete
     QString failure;                              ///< why there is no movie; empty where there is one

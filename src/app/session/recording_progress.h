@@ -42,6 +42,10 @@ public:
     virtual void showLevel(double /*peak*/) { }
     /// For ten seconds the microphone \a name has given nothing but digital silence: it may be muted. Once a recording.
     virtual void nothingIsHeard(const QString & /*name*/) { }
+    /// The movie of what is recorded is forecast to be as large as was asked for: the recording ends.
+    virtual void sizeIsReached() { }
+    /// It has become larger: it is written again, with a lower bit rate.
+    virtual void movieIsWrittenAgain() { }
     /// Calls \a done once the screen shows nothing more of the windows that have just been hidden, at once or later.
     virtual void whenScreenIsClear(std::function<void()> done) { done(); }
     /// Puts the main window and the overlay behind what has just been opened.

@@ -30,6 +30,7 @@
 #include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
 
+#include <QFileInfo>
 #include <QPointer>
 
 #include <algorithm>
@@ -282,6 +283,8 @@ void RecordingSession::startRecorderAnyway()
     adopt(
         std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
     limitLength();
+    if (m_maxSize)
+        m_recording->sizeLimit.emplace(*m_maxSize);
     m_spool->readyToRecord();
     if (const QString &reason = m_spool->whyNothingIsStored(); !reason.isEmpty()) {
         m_frontEnd.questions.alertError(nothingCanBeSpooledText(reason));
@@ -324,6 +327,16 @@ void RecordingSession::limitLength()
 bool RecordingSession::isTimeOver() const
 {
     return m_deadline && (m_deadline->isReached() || m_recording->end);
+}
+
+bool RecordingSession::isSizeReached() const
+{
+    return m_recording->sizeIsReached;
+}
+
+bool RecordingSession::isTooLarge() const
+{
+    return m_recording->isTooLarge;
 }
 
 std::optional<std::int64_t> RecordingSession::secondsLeft(std::int64_t timestamp) const
@@ -385,8 +398,21 @@ void RecordingSession::frameKept(std::int64_t timestamp)
     if (m_recording->stopItemIsShown)
         showClock(timestamp);
     emit clockTicked(timestamp);
+    watchSize(timestamp);
     if (m_recording->endsWithFirstFrame)
         m_spool->setExit(true);
+}
+
+void RecordingSession::watchSize(std::int64_t timestamp)
+{
+    const std::shared_ptr<const PKMuxerContext> movie = m_spool->muxerContext();
+    const double seconds = static_cast<double>(timestamp) / PKTimebase;
+    if (!m_recording->sizeLimit || m_recording->sizeIsReached || !movie
+        || !m_recording->sizeLimit->isReached(*movie, seconds, m_spool->spooledPictureBytes()))
+        return;
+    m_recording->sizeIsReached = true;
+    m_frontEnd.progress.sizeIsReached();
+    m_spool->setExit(true);
 }
 
 void RecordingSession::showClock(std::int64_t timestamp)
@@ -599,6 +625,8 @@ void RecordingSession::muxerReported(const QString &action, const QVariant &valu
         progress.setProgress(value.toDouble());
     } else if (action == PKMuxerTaskActionComplete) {
         m_recording->movie = value.value<MovieStatistics>();
+        if (writeSmaller())
+            return;
         recordcomplete();
         progress.setProgress(100.0);
         progress.endProgress();
@@ -635,12 +663,37 @@ void RecordingSession::writeTo(const QString &path)
 {
     m_recording->path = path;
     m_recording->failure.clear();
-    const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
-    context->setFilename(path);
-    context->setReplacedFile(identityOfFile(path));
+    writeWith(std::make_shared<PKMuxerContext>(*m_spool->muxerContext()));
+}
+
+/// To the recording's path.
+void RecordingSession::writeWith(const std::shared_ptr<PKMuxerContext> &context)
+{
+    context->setFilename(m_recording->path);
+    context->setReplacedFile(identityOfFile(m_recording->path));
     m_spool->setMuxerContext(context);
     m_spool->rewind();
     startWriting();
+}
+
+/// False where the movie may be as large as it is, or cannot be made smaller.
+bool RecordingSession::writeSmaller()
+{
+    if (!m_recording->sizeLimit)
+        return false;
+    const MovieStatistics &movie = m_recording->movie;
+    const QString &path = movie.file.isEmpty() ? m_recording->path : movie.file;
+    const auto size = static_cast<std::uint64_t>(QFileInfo(path).size());
+    const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
+    const auto bitRate = m_recording->sizeLimit->lowerBitRate(*context, size, movie.audioSeconds);
+    m_recording->isTooLarge = !bitRate && !m_recording->sizeLimit->holds(size);
+    if (!bitRate)
+        return false;
+    m_recording->path = path;
+    context->setVideoBitrate(*bitRate);
+    m_frontEnd.progress.movieIsWrittenAgain();
+    writeWith(context);
+    return true;
 }
 
 void RecordingSession::recordcomplete()

@@ -70,6 +70,8 @@ public:
     void setSeparateTracks(bool separate) { m_separateTracks = separate; }
     /// The recordings that begin from now on end by themselves when they are so long. Without it, what the options say.
     void setLength(double seconds) { m_askedLength = seconds; }
+    /// The recordings that begin from now on end by themselves where their movies will be so large, in bytes.
+    void setMaxSize(std::uint64_t bytes) { m_maxSize = bytes; }
     /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
     void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
 
@@ -100,6 +102,10 @@ public:
     [[nodiscard]] bool awaitsDisplay() const { return m_awaitsDisplay; }
     /// The recording that ran last ended because it was as long as it was to be.
     [[nodiscard]] bool isTimeOver() const;
+    /// It ended because its movie was to become no larger.
+    [[nodiscard]] bool isSizeReached() const;
+    /// Its movie became larger all the same.
+    [[nodiscard]] bool isTooLarge() const;
     /// What is still to be recorded behind \a timestamp, in whole seconds, rounded up; nothing where there is no limit.
     [[nodiscard]] std::optional<std::int64_t> secondsLeft(std::int64_t timestamp) const;
     /// There is sound, or it is still waited for.
@@ -171,6 +177,9 @@ private:
     void limitLength();
     void beginCapture();
     void showClock(std::int64_t timestamp);
+    void watchSize(std::int64_t timestamp);
+    bool writeSmaller();
+    void writeWith(const std::shared_ptr<PKMuxerContext> &context);
     [[nodiscard]] bool awaitsOrigin() const;
     bool endWithFirstFrame();
     void goOnWithoutSound();
@@ -192,6 +201,7 @@ private:
     bool m_usesInput = true;
     bool m_separateTracks = false;
     std::optional<double> m_askedLength;
+    std::optional<std::uint64_t> m_maxSize;
     QString m_chosenFile;                             ///< the save panel's answer
     std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
     std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()

@@ -55,6 +55,7 @@ void VNBufferMgr::readyToRecord()
     setMuxerContext(nullptr);
     mExit = false;
     m_spooledBytes = 0;
+    m_spooledPictureBytes = 0;
     m_movieBytes = 0;
     m_skippedBlocks = 0;
     prepareFileHandle();
@@ -310,6 +311,7 @@ void VNBufferMgr::pushRecordBuffer(const VNBufferDiscr &record)
         const QByteArray stored = archiver.bytes();
         m_video.append(stored, static_cast<std::int64_t>(record.timestamp()), false);
         m_spooledBytes += static_cast<std::uint64_t>(stored.size());
+        m_spooledPictureBytes += static_cast<std::uint64_t>(stored.size());
     });
 }
 

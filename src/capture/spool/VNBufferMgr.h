@@ -89,6 +89,8 @@ public:
     [[nodiscard]] std::vector<std::pair<std::int64_t, std::uint64_t>> recordSizes();
     /// Bytes of all that was pushed since readyToRecord(), as stored. Waits for nobody.
     [[nodiscard]] std::uint64_t spooledBytes() const { return m_spooledBytes; }
+    /// The same of the pictures alone.
+    [[nodiscard]] std::uint64_t spooledPictureBytes() const { return m_spooledPictureBytes; }
     /// Blocks that could not be read back since readyToRecord() or rewind().
     [[nodiscard]] std::uint64_t skippedBlockCount() const { return m_skippedBlocks; }
 
@@ -192,7 +194,8 @@ private:
     std::function<std::uint64_t()> m_freeSpaceProbe;
     QString m_whyNothingIsStored; ///< on the thread that calls readyToRecord()
     std::atomic<std::uint64_t> m_spooledBytes = 0;
-    std::atomic<std::uint64_t> m_movieBytes = 0; ///< still to come, on the spool's file system
+    std::atomic<std::uint64_t> m_spooledPictureBytes = 0; ///< among them
+    std::atomic<std::uint64_t> m_movieBytes = 0;          ///< still to come, on the spool's file system
     std::atomic<std::uint64_t> m_skippedBlocks = 0;
     std::atomic<bool> mExit = false;
     std::atomic<bool> _isRecordPart = false;

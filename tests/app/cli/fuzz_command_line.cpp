@@ -35,6 +35,8 @@ const char *const words[] = { "record",
                               "--quality=low",
                               "--duration",
                               "--duration=",
+                              "--max-size",
+                              "--max-size=1.5G",
                               "--audio",
                               "--audio=",
                               "--overwrite",
@@ -108,6 +110,9 @@ QStringList randomCommandLine(FuzzRandom &random)
             line += { QStringLiteral("--region"), randomRegion(random) };
             break;
         case 2:
+            line += { QStringLiteral("--max-size"), oneOf(numbers, random) };
+            break;
+        case 3:
             line += { QStringLiteral("--duration"), oneOf(numbers, random) };
             break;
         default:
@@ -143,6 +148,8 @@ bool isTaken(const QStringList &arguments)
         require(line.file.endsWith(".mp4", Qt::CaseInsensitive), "A recording to no movie", input);
     if (line.durationSeconds)
         require(std::isfinite(*line.durationSeconds) && *line.durationSeconds > 0, "No duration", input);
+    if (line.maxSize)
+        require(*line.maxSize >= 1'000'000, "No size", input);
     if (line.region)
         require(!line.region->isEmpty(), "No region", input);
     return true;

@@ -71,6 +71,7 @@ TEST(CommandLineTest, Commands)
                                 "--system-audio",
                                 "--separate-tracks",
                                 "--duration",
+                                "--max-size",
                                 "--overwrite",
                                 "--ignore-low-space",
                                 "--delete" })
@@ -86,8 +87,20 @@ TEST(CommandLineTest, ARecordingWithoutOptionsHasTheDefaults)
     EXPECT_EQ(line.quality, RecordQuality::High);
     EXPECT_FALSE(line.audio);
     EXPECT_FALSE(line.durationSeconds);
+    EXPECT_FALSE(line.maxSize);
     EXPECT_FALSE(line.overwrite);
     EXPECT_FALSE(line.ignoreLowSpace);
+}
+
+TEST(CommandLineTest, SizesAreWrittenAsPeopleDo)
+{
+    EXPECT_EQ(parseSize("1500000"), 1'500'000);
+    EXPECT_EQ(parseSize("1500 k"), 1'500'000);
+    EXPECT_EQ(parseSize("1.5M"), 1'500'000);
+    EXPECT_EQ(parseSize("700 MB"), 700'000'000);
+    EXPECT_EQ(parseSize("2g"), 2'000'000'000);
+    for (const char *wrong : { "", "M", "1,5M", ".5M", "1.5.5M", "1MM", "1MiB", "two", "-5", "1e6" })
+        EXPECT_FALSE(parseSize(wrong)) << wrong;
 }
 
 TEST(CommandLineTest, ARecordingWithAllOptions)
@@ -99,6 +112,8 @@ TEST(CommandLineTest, ARecordingWithAllOptions)
                                      "--audio=Built-in microphone",
                                      "--duration",
                                      "2.5",
+                                     "--max-size",
+                                     "700M",
                                      "--overwrite",
                                      "--ignore-low-space",
                                      "/tmp/o.MP4" });
@@ -108,6 +123,7 @@ TEST(CommandLineTest, ARecordingWithAllOptions)
     EXPECT_TRUE(line.audio);
     EXPECT_EQ(line.audioDevice, "Built-in microphone");
     EXPECT_EQ(line.durationSeconds, 2.5);
+    EXPECT_EQ(line.maxSize, 700'000'000);
     EXPECT_TRUE(line.overwrite);
     EXPECT_TRUE(line.ignoreLowSpace);
 }
@@ -220,6 +236,8 @@ TEST(CommandLineTest, WrongUsageNamesTheValueAndTheForm)
     EXPECT_TRUE(problem({ "record", "--quality", "best", "o.mp4" }).contains("high or medium"));
     for (const char *wrong : { "0", "-1", "abc", "nan", "inf", "1e300", "" })
         EXPECT_TRUE(problem({ "record", "--duration", wrong, "o.mp4" }).contains("seconds")) << wrong;
+    for (const char *wrong : { "0", "-1M", "abc", "1e9", "5X", "999999", "900K", "", "M", "99999999999G" })
+        EXPECT_TRUE(problem({ "record", "--max-size", wrong, "o.mp4" }).contains("700M")) << wrong;
     problem({ "record" });
     problem({ "record", "a.mp4", "b.mp4" });
     problem({ "record", "o.avi" });

@@ -90,6 +90,8 @@ public:
         goOnWithoutSound = goOn;
     }
     void soundIsLost(bool isLost) override { told += isLost ? "soundIsLost" : "soundIsBack"; }
+    void sizeIsReached() override { told += "sizeIsReached"; }
+    void movieIsWrittenAgain() override { told += "movieIsWrittenAgain"; }
     void oneSoundIsLost(const QString &name, bool isLost) override
     {
         told += name + (isLost ? " is lost" : " is back");

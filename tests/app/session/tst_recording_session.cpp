@@ -656,6 +656,28 @@ TEST_F(RecordingSessionTest, OneOfTwoSoundsThatIsLostIsToldByItsName)
     }
 }
 
+TEST_F(RecordingSessionTest, AMovieThatIsTooLargeIsWrittenAgainAndThenLeft)
+{
+    makeSession();
+    session->setMaxSize(1000); // its index alone takes as much
+    session->recorded();
+    ASSERT_TRUE(waitUntil([&] { return !timestamps.isEmpty() && session->phase() == Phase::Idle; }));
+    EXPECT_TRUE(session->isSizeReached());
+    EXPECT_TRUE(session->isTooLarge());
+    EXPECT_EQ(frontEnd.told.count("sizeIsReached"), 1);
+    EXPECT_EQ(frontEnd.told.count("movieIsWrittenAgain"), 2);
+    EXPECT_EQ(session->failure(), QString());
+    EXPECT_EQ(testing::numbersOf(testing::probe(*frontEnd.path), "packets", "video", "pts"), timestamps);
+
+    timestamps.clear();
+    frontEnd.told.clear();
+    session->setMaxSize(10'000'000);
+    ASSERT_TRUE(record(3));
+    EXPECT_FALSE(session->isSizeReached());
+    EXPECT_FALSE(session->isTooLarge());
+    EXPECT_FALSE(frontEnd.told.contains("movieIsWrittenAgain"));
+}
+
 TEST_F(RecordingSessionTest, TheRoomOfEachRecordingIsToldAndWarnedOf)
 {
     makeSession();
