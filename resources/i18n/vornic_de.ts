@@ -489,6 +489,54 @@
         <source>The desktop sends no picture of its screen.</source>
         <translation>Der Desktop sendet kein Bild seines Bildschirms.</translation>
     </message>
+    <message>
+        <source>“%1” is gone; the other sound is recorded.</source>
+        <translation>„%1“ ist weg; der andere Ton wird aufgenommen.</translation>
+    </message>
+    <message>
+        <source>“%1” is back.</source>
+        <translation>„%1“ ist wieder da.</translation>
+    </message>
+    <message>
+        <source>The movie is as large as it may become; the recording ends.</source>
+        <translation>Der Film ist so groß, wie er werden darf; die Aufnahme endet.</translation>
+    </message>
+    <message>
+        <source>The movie is too large; it is written again with a lower bit rate.</source>
+        <translation>Der Film ist zu groß; er wird mit niedrigerer Bitrate noch einmal geschrieben.</translation>
+    </message>
+    <message>
+        <source>The movie is larger than it was to be.</source>
+        <translation>Der Film ist größer, als er werden sollte.</translation>
+    </message>
+    <message>
+        <source>“%1” was gone for a time: the movie has no sound of it.</source>
+        <translation>„%1“ war eine Zeit lang weg: Der Film hat keinen Ton davon.</translation>
+    </message>
+    <message>
+        <source>%1 left</source>
+        <translation>noch %1</translation>
+    </message>
+    <message>
+        <source>1 second left</source>
+        <translation>noch 1 Sekunde</translation>
+    </message>
+    <message>
+        <source>%1 seconds left</source>
+        <translation>noch %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>1 minute left</source>
+        <translation>noch 1 Minute</translation>
+    </message>
+    <message>
+        <source>%1 minutes left</source>
+        <translation>noch %1 Minuten</translation>
+    </message>
+    <message>
+        <source>%1 hours, %2 minutes left</source>
+        <translation>noch %1 Stunden, %2 Minuten</translation>
+    </message>
 </context>
 <context>
     <name>vornic::AudioInput</name>
@@ -585,6 +633,10 @@
     <message>
         <source>--separate-tracks needs --audio and --system-audio.</source>
         <translation>--separate-tracks braucht --audio und --system-audio.</translation>
+    </message>
+    <message>
+        <source>a size such as 700M or 1.5G, 1M at least</source>
+        <translation>eine Größe wie 700M oder 1.5G, mindestens 1M</translation>
     </message>
 </context>
 <context>
@@ -1133,6 +1185,22 @@
         <source>Sto&amp;p   %1, paused</source>
         <translation>Sto&amp;pp   %1, angehalten</translation>
     </message>
+    <message>
+        <source>End the recording by itself, when the movie is so long; pauses do not count</source>
+        <translation>Die Aufnahme von selbst beenden, wenn der Film so lang ist; Pausen zählen nicht</translation>
+    </message>
+    <message>
+        <source>Stop after</source>
+        <translation>Aufhören nach</translation>
+    </message>
+    <message>
+        <source>How long the movie is to be: hours, minutes and seconds</source>
+        <translation>Wie lang der Film werden soll: Stunden, Minuten und Sekunden</translation>
+    </message>
+    <message>
+        <source>Length of the movie in hours, minutes and seconds</source>
+        <translation>Länge des Films in Stunden, Minuten und Sekunden</translation>
+    </message>
 </context>
 <context>
     <name>vornic::OptionsViewModel</name>
@@ -1293,6 +1361,10 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Level of the sound that is recorded</source>
         <translation>Pegel des aufgenommenen Tons</translation>
+    </message>
+    <message>
+        <source>Stop the recording, %1</source>
+        <translation>Die Aufnahme beenden, %1</translation>
     </message>
 </context>
 <context>
@@ -1704,6 +1776,18 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>It may be muted, or switched off. The recording goes on.</source>
         <translation>Vielleicht ist das Gerät stumm oder ausgeschaltet. Die Aufnahme läuft weiter.</translation>
+    </message>
+    <message>
+        <source>“%1” is gone</source>
+        <translation>„%1“ ist weg</translation>
+    </message>
+    <message>
+        <source>“%1” is back</source>
+        <translation>„%1“ ist wieder da</translation>
+    </message>
+    <message>
+        <source>The recording goes on with the other sound, and with both once it is back.</source>
+        <translation>Die Aufnahme geht mit dem anderen Ton weiter, und mit beiden, sobald er wieder da ist.</translation>
     </message>
 </context>
 <context>
