@@ -237,8 +237,13 @@ TEST_F(OverlayMutter, OnTheFullDisplayOnlyTheLogoTakesTheMouse)
     const QRect logo(beneath.left() + 100, beneath.bottom() + 1 - 140, 60, 40);
     ASSERT_TRUE(waitUntil([&] { return areaOf(Qt::red) == logo; }));
     const QPoint beside = beneath.topLeft() + QPoint(30, 30);
-    monitor->click(beside);
-    EXPECT_TRUE(windowHears(beside));
+    bool isHeard = false;
+    // The compositor may show the logo before it knows where the overlay takes no press.
+    for (int attempt = 0; attempt < 2 && !isHeard; ++attempt) {
+        monitor->click(beside);
+        isHeard = windowHears(beside);
+    }
+    EXPECT_TRUE(isHeard);
     monitor->drag(logo.center(), logo.center() + QPoint(50, -30));
     EXPECT_TRUE(waitUntil([&] { return areaOf(Qt::red) == logo.translated(50, -30); }));
     EXPECT_FALSE(window->tells("pressed", 0));
