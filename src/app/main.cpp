@@ -118,7 +118,9 @@ QString refusalOf(CommandLine::Task task)
     if (task == CommandLine::Task::Toggle)
         return QCoreApplication::translate(
             "vornic", "Vornic cannot record now: it writes a movie, or waits for an answer.");
-    return QCoreApplication::translate("vornic", "Vornic is recording already.");
+    return QCoreApplication::translate(
+        "vornic",
+        "Vornic cannot record now: it is recording already, writes a movie, or waits for an answer.");
 }
 
 /// Leaves what \a line asks for to the window that runs already; the exit status, or nothing where none takes it.

@@ -69,5 +69,20 @@ def another_file_is_asked_for(stage):
     return check_kept(stage)
 
 
+def the_name_is_asked_for(stage):
+    """Whoever asks for another recording meanwhile is told that there is none."""
+    stage.run("--record=full")
+    stage.main_window = stage.wait_for_window("^Vornic$")
+    stage.wait_for_question()
+    for action in (["--record=rectangle", stage.movie], ["--toggle"]):
+        done = stage.second_start(*action)
+        expect(done.returncode == 1, f"{action} ended with {done.returncode}")
+        expect("Vornic cannot record now" in done.stdout.decode(), f"{action} said: {done.stdout.decode()}")
+    expect(not stage.spool(), "something is recorded")
+    check_end(stage, signal.SIGTERM)
+    return Told("Vornic cannot record now", "nothing was recorded")
+
+
 if __name__ == "__main__":
-    sys.exit(run_all([the_disk_is_full, the_movie_cannot_be_written, another_file_is_asked_for], __doc__))
+    sys.exit(run_all([the_disk_is_full, the_movie_cannot_be_written, another_file_is_asked_for,
+                      the_name_is_asked_for], __doc__))

@@ -5,7 +5,6 @@
 #include "app/session/stored_options.h"
 #include "app/session/unix_signals.h"
 #include "app/window/VNHintWndCtroller.h"
-#include "app/window/alert_box.h"
 #include "app/window/dialog_placement.h"
 #include "app/window/help_document.h"
 #include "app/window/recovery.h"
@@ -24,6 +23,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QKeySequence>
+#include <QPointer>
 #include <QTimer>
 #include <QWindow>
 
@@ -85,7 +85,13 @@ WindowProgram::WindowProgram(QApplication &application,
             &SingleInstance::actionAsked,
             this,
             [this](const QString &action, const QString &file) { perform(action, pathFromFileUri(file)); });
-    instance.setActionCheck([this](const QString &action) { return canPerform(action); });
+    instance.setActionCheck([this](const QString &action) {
+        const bool can = canPerform(action);
+        // Whoever asked in a menu of the desktop reads no refusal, but what is in the way.
+        if (!can && !m_delegate.isCapturing() && !m_frontEnd.questions().onlyTells())
+            m_frontEnd.progress().bringMainWindowToFront();
+        return can;
+    });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
     connect(m_key.get(), &GlobalKey::answered, this, &WindowProgram::keyAnswered);
     connect(m_pauseKey.get(), &GlobalKey::pressed, &m_delegate, &VornicAppDelegate::pauseOrResume);
@@ -228,17 +234,29 @@ bool WindowProgram::canPerform(const QString &action) const
         return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || isCountingDown;
     if (action == QLatin1StringView(pauseAction))
         return m_delegate.mayPause();
-    return !m_delegate.isRecording() && !m_delegate.awaitsDisplay() && !isCountingDown && !m_selection;
+    return canStart();
 }
 
-/// What only tells something is not in the way: it is put aside.
 bool WindowProgram::canToggle() const
 {
-    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay() || m_frontEnd.questions().isCountingDown())
-        return true;
-    const QWidget *const dialog = QApplication::activeModalWidget();
-    const auto *const box = qobject_cast<const AlertBox *>(dialog);
-    return m_delegate.isIdle() && !m_selection && (!dialog || (box && box->onlyTells()));
+    return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || m_frontEnd.questions().isCountingDown()
+        || canStart();
+}
+
+bool WindowProgram::canStart() const
+{
+    return m_delegate.isIdle() && !m_selection && m_frontEnd.questions().onlyTells();
+}
+
+/// What only tells something is not in the way: it is put aside, as it must not be in the movie.
+void WindowProgram::start(const std::function<void()> &record)
+{
+    if (!canStart())
+        return;
+    m_frontEnd.questions().dismissTold([program = QPointer(this), record] {
+        if (program && program->canStart())
+            record();
+    });
 }
 
 void WindowProgram::perform(const QString &action, const QString &file)
@@ -264,7 +282,7 @@ void WindowProgram::perform(const QString &action, const QString &file)
     m_frontEnd.progress().bringMainWindowToFront();
     for (const char *recordAction : { recordFullAction, recordRectangleAction }) {
         if (action == QLatin1StringView(recordAction))
-            m_window->record(recordAction == recordFullAction, file);
+            start([this, recordAction, file] { m_window->record(recordAction == recordFullAction, file); });
     }
 }
 
@@ -272,15 +290,12 @@ void WindowProgram::toggle()
 {
     if (!canToggle())
         return;
-    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay()) {
+    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay())
         m_delegate.stopRecord();
-    } else if (m_frontEnd.questions().isCountingDown()) {
+    else if (m_frontEnd.questions().isCountingDown())
         m_frontEnd.questions().cancelCountdown();
-    } else {
-        m_frontEnd.questions().dismissTold(); // it must not be in the movie
-        if (!QApplication::activeModalWidget())
-            m_delegate.recordNow();
-    }
+    else
+        start([this] { m_delegate.recordNow(); });
 }
 
 /// The first trouble is told. A key that is to do both does what the first one does.

@@ -7,6 +7,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 class QApplication;
 
 namespace vornic {
@@ -50,6 +52,8 @@ private:
     void performOnceShown(const QString &action, const QString &file);
     void perform(const QString &action, const QString &file);
     [[nodiscard]] bool canPerform(const QString &action) const;
+    [[nodiscard]] bool canStart() const;
+    void start(const std::function<void()> &record);
     void connectWindow();
     void listenForKeys();
     void keyAnswered(GlobalKey::Answer answer);

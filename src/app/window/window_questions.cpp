@@ -14,9 +14,10 @@
 #include "base/log.h"
 #include "controls/dialog_skin.h"
 
+#include <QApplication>
 #include <QFileInfo>
-#include <QGuiApplication>
 
+#include <algorithm>
 #include <utility>
 
 namespace vornic {
@@ -71,7 +72,9 @@ void WindowQuestions::openSavePanel(const QString &folder,
         const QString reason = path ? whyNoMovieCanBeWritten(*path) : QString();
         if (!reason.isEmpty()) {
             // Told now, and not after the hint; what was typed is there again.
+            m_isPanelToCome = true;
             alertError(reason);
+            m_isPanelToCome = false;
             runSavePanel(QFileInfo(*path).completeBaseName(), type, answer);
             return;
         }
@@ -179,7 +182,15 @@ int WindowQuestions::answerTo(AlertBox &box, const QString &sentence)
     m_boxes += &box;
     const int answer = box.exec();
     m_boxes.removeOne(&box);
+    goOnBehindTold();
     return answer;
+}
+
+/// Not at once: whoever told it may have more to do when the box is left.
+void WindowQuestions::goOnBehindTold()
+{
+    if (m_behindTold && m_boxes.isEmpty())
+        QMetaObject::invokeMethod(qApp, std::exchange(m_behindTold, {}), Qt::QueuedConnection);
 }
 
 void WindowQuestions::dismiss()
@@ -193,8 +204,23 @@ void WindowQuestions::dismiss()
         m_savePanel->reject();
 }
 
-void WindowQuestions::dismissTold()
+bool WindowQuestions::onlyTells() const
 {
+    const auto isInTheWay = [this](const QWidget *window) {
+        const auto *box = qobject_cast<const AlertBox *>(window);
+        const bool tells = box && box->onlyTells() && m_boxes.contains(box);
+        return window->isVisible() && window->isModal() && !tells;
+    };
+    return !m_isPanelToCome && std::ranges::none_of(QApplication::topLevelWidgets(), isInTheWay);
+}
+
+void WindowQuestions::dismissTold(std::function<void()> next)
+{
+    if (m_boxes.isEmpty()) {
+        next();
+        return;
+    }
+    m_behindTold = std::move(next);
     for (const QPointer<AlertBox> &box : QList(m_boxes)) {
         if (box && box->onlyTells())
             box->reject();

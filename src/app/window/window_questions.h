@@ -49,14 +49,17 @@ public:
 
     /// Answers what a recording asks or tells now as if it had been left: the boxes, and the save panel.
     void dismiss();
-    /// Takes as read what only tells something.
-    void dismissTold();
+    /// Nothing is asked: what stands, if anything does, only tells something.
+    [[nodiscard]] bool onlyTells() const;
+    /// Takes as read what only tells something, and calls \a next once whoever told it has gone on.
+    void dismissTold(std::function<void()> next);
     /// From here on nobody answers: the same, and all that comes then is answered so at once, and logged.
     void end();
 
 private:
     /// The answer to \a box; that of leaving it where nobody answers. \a sentence is logged then.
     [[nodiscard]] int answerTo(AlertBox &box, const QString &sentence);
+    void goOnBehindTold();
     void openSavePanel(const QString &folder,
                        const QString &name,
                        const QString &type,
@@ -65,8 +68,10 @@ private:
     const MainWindowLink &m_main;
     std::unique_ptr<Countdown> m_countdown; ///< null but while it is counted down
     QList<QPointer<AlertBox>> m_boxes;      ///< that stand, one above the other
+    std::function<void()> m_behindTold;     ///< empty but while boxes that were dismissed are left
     QPointer<QFileDialog> m_savePanel;
-    bool m_hasEnded = false; ///< nobody answers any more
+    bool m_isPanelToCome = false; ///< it is told what was wrong with a file, and another is asked for then
+    bool m_hasEnded = false;      ///< nobody answers any more
 };
 
 } // namespace vornic

@@ -202,16 +202,48 @@ TEST_F(QuestionsTest, AnAlertHasOneButtonWhichEveryKeyPresses)
     }
 }
 
+TEST_F(QuestionsTest, WhatWasToldIsLeftBeforeAnythingFollowsIt)
+{
+    QStringList order;
+    const auto tell = [&] {
+        questions.alertError("The folder could not be shown.");
+        order += "left";
+    };
+    withBox(tell, [&](const AlertBox & /*box*/) {
+        EXPECT_TRUE(questions.onlyTells());
+        questions.dismissTold([&] { order += "next"; });
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(order.isEmpty()) << "who told it has not gone on";
+    });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(order, QStringList({ "left", "next" }));
+    questions.dismissTold([&] { order += "at once"; });
+    EXPECT_EQ(order.last(), "at once");
+}
+
+TEST_F(QuestionsTest, WhatIsWrongWithAFileIsPartOfTheQuestionForIt)
+{
+    EXPECT_TRUE(questions.onlyTells());
+    questions.runSavePanel("Untitled", "mp4", [](const auto &) {});
+    EXPECT_FALSE(questions.onlyTells());
+    panel()->selectFile(folder.filePath(QString(300, 'x')));
+    withBox(
+        [] { static_cast<QDialog *>(panel())->done(QDialog::Accepted); },
+        [&](const AlertBox & /*box*/) { EXPECT_FALSE(questions.onlyTells()) << "the panel comes again"; });
+    panel()->reject();
+    EXPECT_TRUE(questions.onlyTells());
+}
+
 TEST_F(QuestionsTest, WhatOnlyTellsCanBeTakenAsReadAndAQuestionStands)
 {
     withBox([&] { questions.alertError("The folder could not be shown."); },
             [&](const AlertBox &box) {
-                questions.dismissTold();
+                questions.dismissTold([] {});
                 EXPECT_FALSE(box.isVisible());
             });
     withBox([&] { EXPECT_FALSE(questions.confirmQuit("Are you sure to quit it?", "It records.")); },
             [&](const AlertBox &box) {
-                questions.dismissTold();
+                questions.dismissTold([] {});
                 EXPECT_TRUE(box.isVisible());
             });
 }

@@ -4,6 +4,7 @@
 #include "app/window/window_program.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/stored_recordings.h"
+#include "controls/VNDragDropImageView.h"
 #include "desktop/single_instance.h"
 #include "support/scoped_environment.h"
 #include "window_main.h"
@@ -19,6 +20,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <stdexcept>
 
 namespace vornic {
 namespace {
@@ -52,6 +54,14 @@ protected:
         return files.hasNext() && QFileInfo(files.next()).size() > 0;
     }
     static AlertBox *question() { return qobject_cast<AlertBox *>(QApplication::activeModalWidget()); }
+    static VNDragDropImageView &logoView()
+    {
+        for (const QWidget *window : QApplication::topLevelWidgets()) {
+            if (auto *view = window->findChild<VNDragDropImageView *>("logoImageView"))
+                return *view;
+        }
+        throw std::logic_error("there is no main window");
+    }
     /// As the session manager does when the session ends.
     static void endSession()
     {
@@ -119,18 +129,41 @@ TEST_F(WindowProgramTest, ToggledItRecordsUntilItIsToggledAgain)
     EXPECT_EQ(movies().size(), 1);
 }
 
-TEST_F(WindowProgramTest, ToggledWhileAQuestionStandsItDoesNothing)
+TEST_F(WindowProgramTest, WhileAQuestionStandsNoRecordingIsBegun)
 {
-    const QString toggle = WindowProgram::toggleAction;
     once([] { return QApplication::activeModalWidget() != nullptr; },
          [&] {
-             EXPECT_FALSE(instance.mayAct(toggle));
-             emit instance.actionAsked(toggle, {}, {});
+             for (const char *action : { WindowProgram::toggleAction,
+                                         WindowProgram::recordFullAction,
+                                         WindowProgram::recordRectangleAction }) {
+                 EXPECT_FALSE(instance.mayAct(action)) << action;
+                 emit instance.actionAsked(action, movie, {});
+             }
              EXPECT_FALSE(instance.mayAct(WindowProgram::stopAction)) << "nothing records";
              EXPECT_TRUE(QApplication::activeModalWidget());
              QCoreApplication::exit(7);
          });
     EXPECT_EQ(program.run(WindowProgram::recordFullAction, {}), 7); // asks for the movie's name
+}
+
+TEST_F(WindowProgramTest, WhatOnlyTellsSomethingIsPutAsideForARecording)
+{
+    bool isTold = false;
+    once([] { return QGuiApplication::focusWindow() != nullptr; },
+         [] { emit logoView().fileUnreadable({}, {}); });
+    once([] { return question() != nullptr; },
+         [&] {
+             isTold = true;
+             EXPECT_TRUE(instance.mayAct(WindowProgram::recordRectangleAction));
+             emit instance.actionAsked(WindowProgram::recordFullAction, movie, {});
+         });
+    once(isSpooled, [] {
+        EXPECT_FALSE(question()) << "it is in the movie";
+        endSession();
+    });
+    EXPECT_EQ(program.run({}, {}), 0);
+    EXPECT_TRUE(isTold);
+    EXPECT_TRUE(QFile::exists(movie));
 }
 
 TEST_F(WindowProgramTest, WhereProgramsHaveNoKeysTheWindowTellsOfTheDesktopsOwn)
