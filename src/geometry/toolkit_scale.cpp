@@ -12,19 +12,25 @@ ToolkitScale::ToolkitScale(const QScreen &screen)
 }
 
 ToolkitScale::ToolkitScale(QPoint origin, double factor)
+    : ToolkitScale(origin, factor, origin)
+{
+}
+
+ToolkitScale::ToolkitScale(QPoint origin, double factor, QPoint originInPixels)
     : m_origin(origin)
+    , m_originInPixels(originInPixels)
     , m_factor(factor)
 {
 }
 
 QRect ToolkitScale::pixelsOf(const QRect &logical) const
 {
-    return { (logical.topLeft() - m_origin) * m_factor + m_origin, logical.size() * m_factor };
+    return { (logical.topLeft() - m_origin) * m_factor + m_originInPixels, logical.size() * m_factor };
 }
 
 QRect ToolkitScale::logicalAround(const QRect &onDesktop) const
 {
-    const QPointF topLeft = QPointF(onDesktop.topLeft() - m_origin) / m_factor + m_origin;
+    const QPointF topLeft = QPointF(onDesktop.topLeft() - m_originInPixels) / m_factor + m_origin;
     QRect logical(static_cast<int>(std::floor(topLeft.x())), static_cast<int>(std::floor(topLeft.y())), 1, 1);
     const QSizeF size = QSizeF(onDesktop.size()) / m_factor;
     logical.setSize({ static_cast<int>(size.width()), static_cast<int>(size.height()) });

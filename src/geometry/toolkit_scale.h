@@ -15,6 +15,8 @@ class ToolkitScale
 public:
     explicit ToolkitScale(const QScreen &screen);
     ToolkitScale(QPoint origin, double factor);
+    /// Where the pixels' own coordinates of the screen's upper left are \a originInPixels.
+    ToolkitScale(QPoint origin, double factor, QPoint originInPixels);
 
     /// The smallest whole logical rectangle whose pixels hold \a onDesktop.
     [[nodiscard]] QRect logicalAround(const QRect &onDesktop) const;
@@ -22,7 +24,8 @@ public:
     [[nodiscard]] QRect pixelsOf(const QRect &logical) const;
 
 private:
-    QPoint m_origin; ///< the same in both kinds of coordinates
+    QPoint m_origin;
+    QPoint m_originInPixels;
     double m_factor;
 };
 

@@ -139,7 +139,7 @@ void VNRecoderWindow::setFrame(const QRectF &frame)
 
 void VNRecoderWindow::place()
 {
-    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QScreen *screen = displayScreen();
     m_onDesktop = pixelsOfFrame(m_frame);
     if (m_server->hasSurface()) {
         const DisplayPlacement main = mainDisplayPlacement();
@@ -467,7 +467,7 @@ void VNRecoderWindow::inputPressed(QPoint onDesktop)
 
 void VNRecoderWindow::showSize()
 {
-    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QScreen *screen = displayScreen();
     if (!screen || !isVisible())
         return;
     if (!m_size)

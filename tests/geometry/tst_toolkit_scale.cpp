@@ -29,5 +29,13 @@ TEST_P(Scales, WindowsHoldTheirPixelsAndHardlyMore)
 
 INSTANTIATE_TEST_SUITE_P(Factors, Scales, testing::Values(1.0, 1.25, 1.5, 2.0));
 
+/// As the X server inside a Wayland session has them, a second monitor at twice the scale.
+TEST(ToolkitScale, TheOriginMayBeAnotherInPixels)
+{
+    const ToolkitScale scale({ 1920, 0 }, 2, { 3840, 0 });
+    EXPECT_EQ(scale.pixelsOf({ 2020, 50, 300, 200 }), QRect(4040, 100, 600, 400));
+    EXPECT_EQ(scale.logicalAround({ 4040, 100, 600, 400 }), QRect(2020, 50, 300, 200));
+}
+
 } // namespace
 } // namespace vornic

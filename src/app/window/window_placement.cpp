@@ -6,8 +6,6 @@
 #include "options/VNOption.h"
 #include "overlay/overlay_geometry.h"
 
-#include <QGuiApplication>
-
 #include <algorithm>
 #include <array>
 
@@ -94,7 +92,7 @@ std::optional<QPoint> placeOff(const QRect &window, const QRect &available, cons
 
 QList<QRect> recordedAreas(VNOption &options)
 {
-    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QScreen *screen = displayScreen();
     const DisplayPlacement display = mainDisplayPlacement();
     if (!screen || display.size.isEmpty())
         return {};

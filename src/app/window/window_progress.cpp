@@ -18,7 +18,6 @@
 #include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/overlay_geometry.h"
 
-#include <QGuiApplication>
 #include <QSystemTrayIcon>
 
 #include <utility>
@@ -36,8 +35,7 @@ WindowProgress::~WindowProgress() = default;
 void WindowProgress::showStopItem(const QString &title, const QRectF &recorded)
 {
     const QRect frame = desktopPixels(recorded, static_cast<int>(overlayMargin), mainDisplayPlacement());
-    m_stopItem = std::make_unique<StopItem>(
-        title, displayScale(*QGuiApplication::primaryScreen()).logicalAround(frame));
+    m_stopItem = std::make_unique<StopItem>(title, displayScale(*displayScreen()).logicalAround(frame));
     QObject::connect(m_stopItem.get(), &StopItem::stopAsked, m_stopItem.get(), m_stop);
     QObject::connect(m_stopItem.get(), &StopItem::pauseAsked, m_stopItem.get(), [this] {
         if (m_pause)
