@@ -110,10 +110,16 @@ QString movieFile(const CommandLine &line)
     return line.file.isEmpty() ? QString() : QFileInfo(line.file).absoluteFilePath();
 }
 
+/// Whether \a task is one of a recording that runs, so that without a window there is nothing to do.
+bool needsRecording(CommandLine::Task task)
+{
+    return task == CommandLine::Task::Stop || task == CommandLine::Task::Pause;
+}
+
 /// Why the window that runs does not do \a task now, or that there is none that could.
 QString refusalOf(CommandLine::Task task)
 {
-    if (task == CommandLine::Task::Stop || task == CommandLine::Task::Pause)
+    if (needsRecording(task))
         return QCoreApplication::translate("vornic", "Vornic is not recording.");
     if (task == CommandLine::Task::Toggle)
         return QCoreApplication::translate(
@@ -133,10 +139,12 @@ std::optional<int> handOver(SingleInstance &instance, const CommandLine &line)
         = instance.isOnly() ? SingleInstance::Answer::None : instance.handOver(actionFor(line.task), file);
     if (answer == SingleInstance::Answer::Taken)
         return 0;
-    const bool needsRecording = line.task == CommandLine::Task::Stop || line.task == CommandLine::Task::Pause;
-    if (answer == SingleInstance::Answer::None && !needsRecording)
+    const bool hasNoAnswer = answer == SingleInstance::Answer::None;
+    if (hasNoAnswer && !needsRecording(line.task))
         return std::nullopt;
-    logMessage(refusalOf(line.task));
+    logMessage(hasNoAnswer && !instance.isOnly()
+                   ? QCoreApplication::translate("vornic", "The Vornic that runs does not answer.")
+                   : refusalOf(line.task));
     return 1;
 }
 
@@ -175,6 +183,17 @@ int runWindow(int &argc, char **argv, const CommandLine &line)
         guard.setLastWork([status] { return status; });
         leaveSilentDisplay();
         return status;
+    });
+}
+
+/// What needs no display of its own, and waits for none: only the bus is asked.
+int runRequest(int &argc, char **argv, const CommandLine &line)
+{
+    const GuardedApplication<QCoreApplication> application(argc, argv);
+    const Translations translations;
+    return statusOf([&] {
+        SingleInstance instance;
+        return handOver(instance, line).value_or(1);
     });
 }
 
@@ -222,8 +241,9 @@ int run(int &argc, char **argv)
     const CommandLine line = parseCommandLine(arguments);
     if (line.action == CommandLine::Action::Window || line.action == CommandLine::Action::Record)
         disregardSilentBuses();
-    return line.action == CommandLine::Action::Window ? runWindow(argc, argv, line)
-                                                      : runWithoutWindow(argc, argv, arguments);
+    if (line.action != CommandLine::Action::Window)
+        return runWithoutWindow(argc, argv, arguments);
+    return needsRecording(line.task) ? runRequest(argc, argv, line) : runWindow(argc, argv, line);
 }
 
 } // namespace

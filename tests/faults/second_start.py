@@ -5,6 +5,7 @@ the recording is shown instead.
 Needs what lost_display.py needs, and xdotool. Exit status: 0 all was as it must be, 1 something was not.
 """
 import os
+import signal
 import sys
 
 from fault_stage import Told, expect, run_all, wait_until
@@ -28,5 +29,30 @@ def a_second_start_while_recording(stage):
     return Told("where it is stopped", "movie")
 
 
+def a_stop_from_where_no_display_is(stage):
+    """As by way of a terminal of another machine. What waits for no display cannot hang with one."""
+    stage.record("--record=full", kilobytes=1)
+    stage.environment.pop("DISPLAY")
+    stage.hand_over("--pause")
+    stage.hand_over("--pause")
+    stage.hand_over("--stop")
+    wait_until(lambda: os.path.exists(stage.movie) and not stage.unfinished(), "the movie was made")
+    return Told("nothing", "movie")
+
+
+def a_stop_while_the_program_hangs(stage):
+    stage.record("--record=full", kilobytes=1)
+    stage.program.send_signal(signal.SIGSTOP)
+    for action in ("--stop", "--pause"):
+        done = stage.second_start(action)
+        expect(done.returncode == 1, f"{action} ended with {done.returncode}")
+        expect("does not answer" in done.stdout.decode(), f"{action} said: {done.stdout.decode()}")
+    stage.program.send_signal(signal.SIGCONT)
+    # What was asked for before comes late, and is done.
+    wait_until(lambda: os.path.exists(stage.movie) and not stage.unfinished(), "the movie was made")
+    return Told("The Vornic that runs does not answer", "movie")
+
+
 if __name__ == "__main__":
-    sys.exit(run_all([a_second_start_while_recording], __doc__))
+    sys.exit(run_all([a_second_start_while_recording, a_stop_from_where_no_display_is, a_stop_while_the_program_hangs],
+                     __doc__))
