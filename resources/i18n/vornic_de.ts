@@ -160,10 +160,6 @@
         <translation>vornic --help zeigt alle Befehle und Optionen.</translation>
     </message>
     <message>
-        <source>Vornic is recording already.</source>
-        <translation>Vornic nimmt schon auf.</translation>
-    </message>
-    <message>
         <source>Recording %1</source>
         <translation>Aufnahme %1</translation>
     </message>
@@ -536,6 +532,14 @@
     <message>
         <source>%1 hours, %2 minutes left</source>
         <translation>noch %1 Stunden, %2 Minuten</translation>
+    </message>
+    <message>
+        <source>Vornic cannot record now: it is recording already, writes a movie, or waits for an answer.</source>
+        <translation>Vornic kann jetzt nicht aufnehmen: Es nimmt schon auf, schreibt einen Film oder wartet auf eine Antwort.</translation>
+    </message>
+    <message>
+        <source>The Vornic that runs does not answer.</source>
+        <translation>Das laufende Vornic antwortet nicht.</translation>
     </message>
 </context>
 <context>
