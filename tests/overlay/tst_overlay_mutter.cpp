@@ -146,6 +146,16 @@ protected:
             && std::abs(words.value(2).toDouble() - inWindow.y()) <= 1;
     }
 
+    /// Of a click there, or of another: the compositor may show the overlay before it knows where that takes no press.
+    [[nodiscard]] bool windowHearsClick(QPoint pixel)
+    {
+        const auto isHeard = [&] {
+            monitor->click(pixel);
+            return windowHears(pixel);
+        };
+        return isHeard() || isHeard();
+    }
+
     test::ScopedEnvironment environment;
     QTemporaryDir folder;
     QSize display;
@@ -209,8 +219,7 @@ TEST_F(OverlayMutter, RecordingTheWindowBeneathGetsTheClicks)
         stage->say("recording 1");
         ASSERT_TRUE(waitUntil([&] { return monitor->screen().pixelColor(beside) == windowColour; }));
         for (const QPoint point : { beside, onLogo }) {
-            monitor->click(point);
-            EXPECT_TRUE(windowHears(point)) << i;
+            EXPECT_TRUE(windowHearsClick(point)) << i;
         }
         // Idle the overlay has the mouse again.
         stage->say("recording 0");
@@ -237,20 +246,13 @@ TEST_F(OverlayMutter, OnTheFullDisplayOnlyTheLogoTakesTheMouse)
     const QRect logo(beneath.left() + 100, beneath.bottom() + 1 - 140, 60, 40);
     ASSERT_TRUE(waitUntil([&] { return areaOf(Qt::red) == logo; }));
     const QPoint beside = beneath.topLeft() + QPoint(30, 30);
-    bool isHeard = false;
-    // The compositor may show the logo before it knows where the overlay takes no press.
-    for (int attempt = 0; attempt < 2 && !isHeard; ++attempt) {
-        monitor->click(beside);
-        isHeard = windowHears(beside);
-    }
-    EXPECT_TRUE(isHeard);
+    EXPECT_TRUE(windowHearsClick(beside));
     monitor->drag(logo.center(), logo.center() + QPoint(50, -30));
     EXPECT_TRUE(waitUntil([&] { return areaOf(Qt::red) == logo.translated(50, -30); }));
     EXPECT_FALSE(window->tells("pressed", 0));
     stage->say("recording 1");
     const QPoint onLogo = logo.center() + QPoint(50, -30);
-    monitor->click(onLogo);
-    EXPECT_TRUE(windowHears(onLogo));
+    EXPECT_TRUE(windowHearsClick(onLogo));
 }
 
 TEST_F(OverlayMutter, AtTwiceTheScaleTheFrameStandsAtItsPixels)
