@@ -36,7 +36,8 @@ private:
 class FuzzRun
 {
 public:
-    /// Takes both numbers from the arguments, with 1 as the default seed, and keeps the log quiet.
+    /// Takes both numbers from the arguments, with 1 as the default seed, keeps the log quiet, and keeps
+    /// the caller on one processor.
     FuzzRun(int argc, char **argv, int defaultCount);
 
     [[nodiscard]] int count() const { return m_count; }
