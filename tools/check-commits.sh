@@ -4,6 +4,7 @@
 # range: all commits since this check is there. A tree without that history passes, and it is said.
 set -euo pipefail
 tools=$(cd "$(dirname "$0")" && pwd)
+source "$tools/check-commit-msg.sh"
 since=3a34e759f4230589f7b62d00bd865d6cba68a006
 most=800
 
@@ -26,14 +27,24 @@ added_lines()
 message=$(mktemp)
 trap 'rm -f "$message"' EXIT
 status=0
-commits=$(git rev-list --reverse --no-merges "$range")
-for commit in $commits; do
+declare -A added
+while read -r lines _ path; do
+  if [[ $path ]]; then
+    added[$commit]=$(( ${added[$commit]-0} + ${lines/-/0} ))
+  elif [[ $lines ]]; then
+    commit=$lines
+  fi
+done < <(git log --no-merges --numstat --format=%H "$range")
+while IFS= read -r -d '' entry; do
+  commit=${entry%%$'\n'*}
   complain() { printf '%s: %s\n' "${commit:0:12}" "$1" >&2; status=1; }
-  git log -1 --format=%B "$commit" >"$message"
-  said=$("$tools/check-commit-msg.sh" "$message" 2>&1) || complain "$said"
-  title=$(head -n 1 "$message")
+  printf '%s\n' "${entry#*$'\n'}" >"$message"
+  said=$(check_message "$message" 2>&1) || complain "$said"
+  read -r title <"$message"
   [[ $title != fixup!* && $title != squash!* ]] || complain "is to be melted into another commit: $title"
+  # What only moved is looked for where it matters: that takes git longer than all the rest.
+  (( ${added[$commit]-0} > most )) || continue
   count=$(added_lines "$commit")
   (( count <= most )) || complain "adds $count lines, more than $most: $title"
-done
+done < <(git log -z --no-merges --reverse --format=%H%n%B "$range")
 exit "$status"
