@@ -80,7 +80,8 @@ ZSH = """
 unsetopt beep
 fpath=({folder} $fpath)
 autoload -U compinit
-compinit -D -u
+# What it has found is read again by the next shell, which is quicker than to look for it.
+compinit -C -d {dump}
 compadd() {{
   local -a found
   if [[ " ${{(j: :)@[1,(i)(-|--)]}}" != *' -'[OAD]* ]]; then
@@ -100,10 +101,13 @@ zle -N zle-line-init offer
 """
 
 
+ZSH_DUMP = tempfile.TemporaryDirectory()
+
+
 def offered_by_zsh(place, line):
     place.result.write_text("")
     setup = place.folder.parent / "home/.zshrc"
-    setup.write_text(ZSH.format(folder=FOLDER, result=place.result, line=f"'{line}'"))
+    setup.write_text(ZSH.format(folder=FOLDER, result=place.result, line=f"'{line}'", dump=f"'{ZSH_DUMP.name}/dump'"))
     child, descriptor = pty.fork()
     if child == 0:
         os.chdir(place.folder)
