@@ -1,7 +1,5 @@
 #include "record_sound_fixture.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -32,35 +30,13 @@ struct RecordedTone {
 class RecordSyncTest : public RecordSoundTest
 {
 protected:
-    static constexpr int attempts = 3;
-    static constexpr int maxTurns = 7;
-
     void recordTenSeconds() const
     {
         const Result result = record(small + QStringList { "--audio", "--duration", "10", "--overwrite" });
         ASSERT_EQ(result.status, 0) << result.error.toStdString();
     }
 
-    /// What the server's own recorder makes of the sound, in the same seconds.
-    std::unique_ptr<QProcess> startReference() const
-    {
-        return start(
-            "parec",
-            { "--device=speakers.monitor", "--rate=48000", "--channels=2", "--format=s16le", reference() });
-    }
     std::mt19937 random { std::random_device()() };
-
-    QString reference() const { return folder.filePath("reference.raw"); }
-
-    std::vector<std::int16_t> referenceSound() const
-    {
-        QFile file(reference());
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        std::vector<std::int16_t> samples(static_cast<std::size_t>(file.size()) / sizeof(std::int16_t));
-        file.read(reinterpret_cast<char *>(samples.data()),
-                  static_cast<qint64>(samples.size() * sizeof(std::int16_t)));
-        return samples;
-    }
 
     static RecordedTone toneOf(const char *recorder, const std::vector<std::int16_t> &samples)
     {
@@ -138,12 +114,13 @@ TEST_P(RecordSyncTest, AToneIsInTheMovieAsItWasPlayed)
     RecordedTone tone;
     int failures = 0;
     for (int turn = 0; turn < maxTurns && failures < attempts && !tone.isUnbroken(); ++turn) {
-        const auto other = startReference();
+        const auto other = startReference("speakers");
         ASSERT_NO_FATAL_FAILURE(recordTenSeconds());
         other->terminate();
         ASSERT_TRUE(other->waitForFinished());
         tone = toneOf("movie", decodedSound(movie()));
-        if (!tone.isUnbroken() && toneOf("the server's own recorder", referenceSound()).isUnbroken())
+        if (!tone.isUnbroken()
+            && toneOf("the server's own recorder", referenceSound("speakers")).isUnbroken())
             ++failures;
     }
     if (!tone.isUnbroken() && failures == 0)

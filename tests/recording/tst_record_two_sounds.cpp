@@ -23,6 +23,13 @@ double decibels(double ratio)
     return 20 * std::log10(ratio);
 }
 
+/// A sine that an output plays.
+struct PlayedTone {
+    QString output;
+    double hertz;
+    double amplitude;
+};
+
 } // namespace
 
 /// Two outputs: what "Feed" plays stands for what a microphone hears, and "Speakers" is the default one.
@@ -32,7 +39,7 @@ protected:
     void startBoth()
     {
         // None of the server's own threads may be late for the tone to be whole.
-        startSound(4096);
+        startSound(8192);
         feed = sound->addOutput("feed", "Feed");
         ASSERT_FALSE(feed.isEmpty());
         ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
@@ -89,14 +96,33 @@ protected:
         }
         return breaks;
     }
-    /// On a machine that is busy with other things a server comes late and drops sound, which no recorder can undo: what
-    /// counts is the best of three recordings. \a breaks makes one and tells its breaks.
-    static void expectUnbroken(const std::function<std::ptrdiff_t()> &breaks)
+    bool isUnbrokenForTheServer(const PlayedTone &tone) const
     {
-        constexpr int attempts = 3;
+        return breaksIn(tonesIn(referenceSound(tone.output), tone.hertz), tone.amplitude) == 0;
+    }
+    /// What counts is the best of three recordings, and one in which the server's own recorder misses some of \a played
+    /// too does not count. \a breaks makes one and tells its breaks.
+    void expectUnbroken(const std::vector<PlayedTone> &played,
+                        const std::function<std::ptrdiff_t()> &breaks) const
+    {
         std::ptrdiff_t found = 1;
-        for (int attempt = 0; attempt < attempts && found > 0; ++attempt)
+        int failures = 0;
+        for (int turn = 0; turn < maxTurns && failures < attempts && found > 0; ++turn) {
+            std::vector<std::unique_ptr<QProcess>> others;
+            for (const PlayedTone &tone : played)
+                others.push_back(startReference(tone.output));
             found = breaks();
+            for (const auto &other : others) {
+                other->terminate();
+                ASSERT_TRUE(other->waitForFinished());
+            }
+            if (found > 0 && std::ranges::all_of(played, [this](const auto &tone) {
+                    return isUnbrokenForTheServer(tone);
+                }))
+                ++failures;
+        }
+        if (found > 0 && failures == 0)
+            GTEST_SKIP() << "this server drops sound all the time on this machine, for its own recorder too";
         EXPECT_EQ(found, 0);
     }
 
@@ -129,10 +155,10 @@ TEST_P(TwoSoundsTest, BothAreInTheMixAtTheirLevelsForAsLongAsItLasts)
     startBoth();
     const auto first = playInto("feed", inputHertz, 0.25);
     const auto second = playInto("speakers", systemHertz, 0.125);
-    expectUnbroken([this] {
+    expectUnbroken({ { "feed", inputHertz, 0.25 }, { "speakers", systemHertz, 0.125 } }, [this] {
         const Result result = record(
             small
-            + QStringList { "--overwrite", "--audio=Monitor of Feed", "--system-audio", "--duration", "30" });
+            + QStringList { "--overwrite", "--audio=Monitor of Feed", "--system-audio", "--duration", "12" });
         EXPECT_EQ(result.status, 0) << result.error.toStdString();
         const std::vector<std::int16_t> heard = testing::decodedSound(movie());
         return breaksIn(tonesIn(heard, inputHertz), 0.25) + breaksIn(tonesIn(heard, systemHertz), 0.125);
@@ -145,7 +171,7 @@ TEST_P(TwoSoundsTest, EachIsATrackWhereThatIsAskedFor)
     startBoth();
     const auto first = playInto("feed", inputHertz, 0.25);
     const auto second = playInto("speakers", systemHertz, 0.125);
-    expectUnbroken([this] {
+    expectUnbroken({ { "feed", inputHertz, 0.25 }, { "speakers", systemHertz, 0.125 } }, [this] {
         const QStringList options { "--overwrite",    "--audio=Monitor of Feed",
                                     "--system-audio", "--separate-tracks",
                                     "--duration",     "4" };
@@ -184,7 +210,7 @@ TEST_P(TwoSoundsTest, OneThatVanishesDoesNotDisturbTheOther)
 {
     startBoth();
     const auto second = playInto("speakers", systemHertz, 0.125);
-    expectUnbroken([this] {
+    expectUnbroken({ { "speakers", systemHertz, 0.125 } }, [this] {
         if (feed.isEmpty())
             feed = sound->addOutput("feed", "Feed");
         const auto first = playInto("feed", inputHertz, 0.25);
@@ -208,7 +234,7 @@ TEST_P(TwoSoundsTest, WhatIsPlayedIsNotRecordedTwice)
 {
     startBoth();
     const auto player = playInto("speakers", systemHertz, 0.25);
-    expectUnbroken([this] {
+    expectUnbroken({ { "speakers", systemHertz, 0.25 } }, [this] {
         const Result result
             = record(small
                      + QStringList {
