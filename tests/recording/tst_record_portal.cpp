@@ -5,6 +5,8 @@
 #include "support/private_bus.h"
 #include "support/test_pictures.h"
 
+#include <QElapsedTimer>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -73,12 +75,15 @@ protected:
                 picture.setPixel(x, y, (x + m_sent) % 32 < 16 ? 0xffffffff : 0xff000000);
         return picture;
     }
+    /// Sends that many and for so long that more than a few are recorded on a busy machine too: the first are not as sharp.
     [[nodiscard]] bool recordFor(qsizetype pictures)
     {
         if (!showUntil([&] { return m_error.contains("Recording"); }))
             return false;
         const int before = m_sent;
-        return showUntil([&] { return m_sent >= before + pictures; });
+        QElapsedTimer timer;
+        timer.start();
+        return showUntil([&] { return m_sent >= before + pictures && timer.hasExpired(800); });
     }
     /// Lets the program come to its end, and the portal answer meanwhile.
     Result end()
@@ -89,7 +94,6 @@ protected:
         return result;
     }
 
-    /// The first ones are not as sharp.
     [[nodiscard]] QImage lastPicture(QSize pictureSize) const
     {
         const auto packets = testing::numbersOf(testing::probe(movie()), "packets", "video", "pts");
@@ -102,8 +106,11 @@ protected:
         return std::ranges::all_of(test::knownPatches(size), [&](const test::KnownPatch &patch) {
             const QColor middle = shown.pixelColor(patch.rectangle.center());
             const QColor sent(patch.colour);
-            return std::abs(middle.red() - sent.red()) <= 6 && std::abs(middle.green() - sent.green()) <= 6
-                && std::abs(middle.blue() - sent.blue()) <= 6;
+            const bool isSame = std::abs(middle.red() - sent.red()) <= 12
+                && std::abs(middle.green() - sent.green()) <= 12
+                && std::abs(middle.blue() - sent.blue()) <= 12;
+            EXPECT_TRUE(isSame) << middle.name().toStdString() << " instead of " << sent.name().toStdString();
+            return isSame;
         });
     }
 

@@ -62,11 +62,25 @@ class LostSoundTest : public RecordSoundTest
 {
 protected:
     /// Records for a second with sound, does \a loses, and records for a second more. The movie is complete: its
-    /// picture goes on and its sound does not.
-    void recordWhile(const std::function<void()> &loses)
+    /// picture goes on and its sound does not. Where the machine was so busy that nothing was recorded in that second,
+    /// it is done again, from \a prepares on.
+    void recordWhile(const std::function<void()> &prepares, const std::function<void()> &loses)
     {
-        const auto recorder = startVornic(QStringList { "record", "--ignore-low-space" } + small
-                                          + QStringList { "--audio=Monitor of Speakers", "o.mp4" });
+        double goesOnFor = 0;
+        for (int attempt = 0; attempt < attempts && goesOnFor <= 0.8 && !HasFatalFailure(); ++attempt) {
+            prepares();
+            recordOnceWhile(loses);
+            goesOnFor = lengthOf(probe(movie()), "video") - lengthOf(probe(movie()), "audio");
+        }
+        EXPECT_GT(goesOnFor, 0.8);
+        EXPECT_GT(lengthOf(probe(movie()), "audio"), 0.8);
+    }
+
+private:
+    void recordOnceWhile(const std::function<void()> &loses)
+    {
+        const auto recorder = startVornic(QStringList { "record", "--ignore-low-space", "--overwrite" }
+                                          + small + QStringList { "--audio=Monitor of Speakers", "o.mp4" });
         QString said;
         ASSERT_TRUE(waitForText(*recorder, "00:00:00", said)) << said.toStdString();
         letPass(std::chrono::seconds(1));
@@ -76,8 +90,6 @@ protected:
         signal(*recorder, SIGINT);
         const Result result = finish(*recorder);
         EXPECT_EQ(result.status, 0) << result.error.toStdString();
-        EXPECT_GT(lengthOf(probe(movie()), "audio"), 0.8);
-        EXPECT_GT(lengthOf(probe(movie()), "video"), lengthOf(probe(movie()), "audio") + 0.8);
     }
 };
 
@@ -87,17 +99,22 @@ TEST_P(LostSoundTest, ADeviceThatVanishesEndsTheSoundAndNotThePicture)
 {
     startSound();
     EXPECT_FALSE(sound->addMicrophone("mic", "Desk microphone").isEmpty());
-    const QString speakers = sound->addOutput("speakers", "Speakers");
-    const auto player = play({ "tone", "120", "1000", "0.25" });
-    recordWhile([&] { sound->remove(speakers); });
+    QString speakers;
+    std::unique_ptr<QProcess> player;
+    recordWhile(
+        [&] {
+            speakers = sound->addOutput("speakers", "Speakers");
+            player = play({ "tone", "120", "1000", "0.25" });
+        },
+        [&] { sound->remove(speakers); });
     EXPECT_GT(secondsOfTone(), 0.7);
 }
 
 TEST_P(LostSoundTest, AServerThatDiesLeavesAPlayableMovie)
 {
     startSound();
-    EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
-    recordWhile([&] { ASSERT_TRUE(sound->restart()); });
+    recordWhile([&] { EXPECT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty()); },
+                [&] { ASSERT_TRUE(sound->restart()); });
 }
 
 TEST_P(RecordSoundTest, WhoWaitsForSoundIsToldSo)
