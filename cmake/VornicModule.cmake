@@ -1,19 +1,32 @@
 # vornic_module(<room> SOURCES a.cpp... HEADERS a.h... [PUBLIC deps] [PRIVATE deps])
 #
 # One static library per room, which is a folder under src/: the room capture/jpeg is the target
-# vornic_capture_jpeg and the alias vornic::capture::jpeg. Headers go in a file set, so that
-# all_verify_interface_header_sets compiles each of them on its own.
+# vornic_capture_jpeg and the alias vornic::capture::jpeg. Each header must compile on its own. One with a source of its
+# name does where that source does, which includes it first (clang-format sorts it there); the others are in a file set
+# that all_verify_interface_header_sets compiles.
 function(vornic_module name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
   string(REPLACE "/" "_" target "vornic_${name}")
   string(REPLACE "/" "::" alias "vornic::${name}")
   add_library(${target} STATIC ${arg_SOURCES})
   add_library(${alias} ALIAS ${target})
+  set(alone)
+  foreach(header IN LISTS arg_HEADERS)
+    string(REGEX REPLACE "h$" "cpp" source "${header}")
+    if(NOT source IN_LIST arg_SOURCES)
+      list(APPEND alone "${header}")
+    endif()
+  endforeach()
+  if(alone)
+    list(REMOVE_ITEM arg_HEADERS ${alone})
+  endif()
   target_sources(${target} PUBLIC
-    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS})
+    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${arg_HEADERS}
+    FILE_SET alone TYPE HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${alone})
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} vornic::warnings)
-  set_target_properties(${target} PROPERTIES AUTOMOC ON VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${target} PROPERTIES AUTOMOC ON VERIFY_INTERFACE_HEADER_SETS ON
+    INTERFACE_HEADER_SETS_TO_VERIFY alone)
 endfunction()
 
 # vornic_test(<tst_name.cpp> LIBS ... [LABELS ...] [TIMEOUT seconds])
@@ -33,6 +46,9 @@ function(vornic_test source)
   # What is measured is in the libraries; a test's own source takes a quarter less time to compile so.
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock GTest::gtest GTest::gtest_main vornic::warnings)
+  target_precompile_headers(${name} REUSE_FROM vornic_test_headers)
+  # A library may ask for a macro that the precompiled headers were not made with; they are read as they are then.
+  set_target_properties(${name} PROPERTIES PCH_WARN_INVALID OFF)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" SKIP_RETURN_CODE 77)
