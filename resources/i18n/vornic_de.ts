@@ -1220,10 +1220,6 @@
 <context>
     <name>vornic::RecordingSession</name>
     <message>
-        <source>Untitled</source>
-        <translation>Unbenannt</translation>
-    </message>
-    <message>
         <source>Disk free space is too low</source>
         <translation>Es ist zu wenig Speicherplatz frei</translation>
     </message>
@@ -1242,6 +1238,13 @@
     <message>
         <source>The application is recording video, video recording will stop if it quit.</source>
         <translation>Das Programm nimmt gerade auf; die Aufnahme endet, wenn es beendet wird.</translation>
+    </message>
+</context>
+<context>
+    <name>vornic::RecordingStart</name>
+    <message>
+        <source>Untitled</source>
+        <translation>Unbenannt</translation>
     </message>
     <message>
         <source>The file %1 exists already.</source>

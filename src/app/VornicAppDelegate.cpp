@@ -86,10 +86,10 @@ void VornicAppDelegate::followSession()
     });
     restoreAudioDevice();
     // A compositing manager shows a moment later that the overlay's tint and handles are gone.
-    session.setSettlingTime([this] {
+    session.wishes().settlingTime = [this] {
         const VNRecoderWindow *overlay = m_recorderWndCtrl ? m_recorderWndCtrl->window() : nullptr;
         return std::chrono::milliseconds(overlay && overlay->isVisible() ? 100 : 0);
-    });
+    };
 }
 
 /// Otherwise the list shows its first one, at each start and each time that devices come or go.

@@ -3,6 +3,7 @@
 #include "app/logo_actions.h"
 #include "app/session/audio_input.h"
 #include "app/session/movie_job.h"
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "observing/observable_object.h"
 #include "overlay/VNRecorderWndCtrlDelegate.h"
@@ -120,7 +121,7 @@ public:
     /// Of the recording that runs, behind \a timestamp.
     [[nodiscard]] std::optional<std::int64_t> secondsLeft(qint64 timestamp) const
     {
-        return m_session->secondsLeft(timestamp);
+        return m_session->recording().secondsLeft(timestamp);
     }
     void pauseOrResume() { m_session->pauseOrResume(); }
     void recorded() { m_session->recorded(); }
@@ -143,9 +144,9 @@ public:
     }
     [[nodiscard]] SerialQueue &imgCaptureQueue() { return m_session->imgCaptureQueue(); }
     [[nodiscard]] VNBufferMgr &bufferMgr() { return m_session->bufferMgr(); }
-    [[nodiscard]] const QString &outfileName() const { return m_session->outfileName(); }
+    [[nodiscard]] const QString &outfileName() const { return m_session->recording().path; }
     [[nodiscard]] RecordingCounts counts() const { return m_session->counts(); }
-    [[nodiscard]] const QString &failure() const { return m_session->failure(); }
+    [[nodiscard]] const QString &failure() const { return m_session->recording().failure; }
     [[nodiscard]] std::int64_t PKMuxerTaskLength() { return m_session->movieJob().PKMuxerTaskLength(); }
     [[nodiscard]] std::shared_ptr<const PKVideoFrame2> PKMuxerTaskGetVideoFrame()
     {

@@ -8,6 +8,7 @@
 #include "app/session/audio_input.h"
 #include "app/session/left_behind.h"
 #include "app/session/output_check.h"
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "app/session/time_text.h"
 #include "audio/audio_backend.h"
@@ -152,7 +153,8 @@ void chooseAudioDevice(AudioInput &input, const CommandLine &line)
 /// What was asked for and is not in the movie, one sentence each.
 QStringList whatIsMissing(const CommandLine &line, const RecordingSession &session, bool wasAskedToEnd)
 {
-    const bool endedAsAsked = session.isTimeOver() || session.isSizeReached() || wasAskedToEnd;
+    const bool endedAsAsked
+        = session.recording().isTimeOver || session.recording().sizeIsReached || wasAskedToEnd;
     QStringList sentences;
     if (line.hasSound() && session.counts().audioSeconds == 0)
         sentences += QCoreApplication::translate("vornic", "No sound came: the movie has none.");
@@ -160,7 +162,7 @@ QStringList whatIsMissing(const CommandLine &line, const RecordingSession &sessi
         sentences += QCoreApplication::translate(
                          "vornic", "The movie is shorter than %1 s: the recording ended earlier.")
                          .arg(secondsText(*line.durationSeconds));
-    if (session.isTooLarge())
+    if (session.recording().isTooLarge)
         sentences += QCoreApplication::translate("vornic", "The movie is larger than it was to be.");
     return sentences;
 }
@@ -188,13 +190,11 @@ int runRecordCommand(const CommandLine &line)
     cleanUpLeftBehind();
     const std::unique_ptr<VNOption> options = optionsFrom(line);
     RecordingSession session(frontEnd.frontEnd(), *options, line.hasSound() ? &mainAudioControl() : nullptr);
-    session.setUsesInput(line.audio);
-    session.setSeparateTracks(line.separateTracks);
+    session.wishes().usesInput = line.audio;
+    session.wishes().separateTracks = line.separateTracks;
     chooseAudioDevice(session.audioInput(), line);
-    if (line.durationSeconds)
-        session.setLength(*line.durationSeconds);
-    if (line.maxSize)
-        session.setMaxSize(*line.maxSize);
+    session.wishes().length = line.durationSeconds;
+    session.wishes().maxSize = line.maxSize;
     const int status = runSession(session, frontEnd, [&session] { session.recorded(); });
     if (status == exit_status::failed)
         return status;

@@ -3,6 +3,7 @@
 #include "app/cli/answer.h"
 #include "app/cli/command_line_front_end.h"
 #include "app/cli/exit_status.h"
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "app/session/unix_signals.h"
 
@@ -59,10 +60,10 @@ int runSession(RecordingSession &session, CommandLineFrontEnd &frontEnd, const s
 {
     runLoop(session, frontEnd, begin);
     const RecordingCounts counts = session.counts();
-    if (!session.failure().isEmpty() || counts.framesWritten == 0)
+    if (!session.recording().failure.isEmpty() || counts.framesWritten == 0)
         return exit_status::failed;
     // Signals end the program again, should nobody read this.
-    return answer(describeCounts(counts).toUtf8() + '\n' + pathForAnswer(session.outfileName()) + '\n',
+    return answer(describeCounts(counts).toUtf8() + '\n' + pathForAnswer(session.recording().path) + '\n',
                   exit_status::done,
                   exit_status::incomplete);
 }

@@ -24,7 +24,7 @@ struct Recording;
 /// One attempt to write a recording's movie: pops frames and sound out of the spool, composes them, and hands
 /// them to the encoder.
 ///
-/// Made by RecordingSession on the main thread, for each attempt anew, and kept until the job has reported its
+/// Made by MovieMaker on the main thread, for each attempt anew, and kept until the job has reported its
 /// end; the PKMuxerTask… functions run on the encoder's threads.
 class MovieJob final : public PKMuxerTaskDataSource
 {

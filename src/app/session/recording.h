@@ -48,6 +48,9 @@ struct Recording {
     {
     }
 
+    /// What is still to be recorded behind \a timestamp, in whole seconds, rounded up; nothing where there is no limit.
+    [[nodiscard]] std::optional<std::int64_t> secondsLeft(std::int64_t timestamp) const;
+
     QString path;        ///< of the movie; another one where it could not be put there
     QRectF rectangle;    ///< screen coordinates (y up), device pixels
     bool isPart = false; ///< a rectangle, not the full display
@@ -62,6 +65,8 @@ struct Recording {
     bool stopItemIsShown = false;
     bool soundWasLost = false;              ///< for a time, or to the end
     QString soundLostOfTwo;                 ///< the one that was, while the other was heard; empty for none
+    std::optional<double> length;           ///< seconds; it ends by itself when it is so long
+    bool isTimeOver = false;                ///< it ended because it was
     std::optional<std::int64_t> end;        ///< PKTimebase ticks; where it is as long as it was to be
     std::atomic<bool> isFullLength = false; ///< the capture ended there
     std::optional<MovieSizeLimit> sizeLimit;

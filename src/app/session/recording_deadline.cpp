@@ -1,5 +1,6 @@
 #include "app/session/recording_deadline.h"
 
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 
 #include <algorithm>
@@ -46,13 +47,13 @@ RecordingDeadline::RecordingDeadline(RecordingSession &session, double seconds)
 void RecordingDeadline::begin()
 {
     m_start = Clock::now();
-    m_beganWithSound = m_session.countsOnSound();
+    m_beganWithSound = m_session.recording().clock.awaitsSound();
     endAt(m_start + std::max<Clock::duration>(m_length, timeForFirstPicture));
 }
 
 void RecordingDeadline::firstPictureIsKept()
 {
-    if (m_beganWithSound && !m_session.countsOnSound()) {
+    if (m_beganWithSound && !m_session.recording().clock.awaitsSound()) {
         endAt(m_start + m_length);
         return;
     }

@@ -5,37 +5,30 @@
 #include "app/session/desktop_services.h"
 #include "app/session/disk_watch.h"
 #include "app/session/end_text.h"
-#include "app/session/error_text.h"
-#include "app/session/movie_flaws.h"
 #include "app/session/movie_job.h"
-#include "app/session/new_movie_file.h"
+#include "app/session/movie_maker.h"
 #include "app/session/output_check.h"
 #include "app/session/recording.h"
 #include "app/session/recording_deadline.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
 #include "app/session/recording_settings.h"
+#include "app/session/recording_start.h"
 #include "app/session/time_text.h"
 #include "base/PKTimebase.h"
-#include "base/error.h"
 #include "base/main_queue.h"
-#include "base/native_path.h"
 #include "base/serial_queue.h"
 #include "capture/VNCGDisplay.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/recording_description.h"
 #include "codec/PKMuxerContext.h"
-#include "codec/PKMuxerTask.h"
-#include "display/display_backend.h"
+#include "codec/file_identity.h"
 #include "geometry/screen_geometry.h"
 #include "options/VNOption.h"
 
-#include <QFileInfo>
 #include <QPointer>
 
-#include <algorithm>
 #include <cmath>
-#include <new>
 #include <utility>
 
 namespace vornic {
@@ -43,11 +36,15 @@ namespace vornic {
 RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, AudioControl *audio)
     : m_frontEnd(frontEnd)
     , m_options(options)
-    , m_now(absoluteTimeSeconds)
     , m_spool(std::make_unique<VNBufferMgr>(4))
     , m_diskWatch(std::make_unique<DiskWatch>(*m_spool, frontEnd.progress))
     , m_audio(std::make_unique<AudioInput>(*m_spool, audio))
+    , m_start(std::make_unique<RecordingStart>(frontEnd.questions, options, *m_spool, *m_audio))
+    , m_maker(std::make_unique<MovieMaker>(frontEnd, options, *m_spool))
 {
+    connect(m_start.get(), &RecordingStart::accepted, this, &RecordingSession::startRecorderAnyway);
+    connect(m_start.get(), &RecordingStart::refused, this, &RecordingSession::refuse);
+    connect(m_maker.get(), &MovieMaker::ended, this, &RecordingSession::becomeIdle);
     adopt(std::make_shared<Recording>());
     if (!m_audio->fillDevices())
         m_options.setEnableAudio(false);
@@ -64,7 +61,7 @@ RecordingSession::~RecordingSession()
 {
     // The capture queue is waited for, and its pass may itself be waiting for this thread.
     m_loop->abandon();
-    releaseDisplay();
+    m_start->releaseDisplay();
 }
 
 void RecordingSession::adopt(std::shared_ptr<Recording> recording)
@@ -78,7 +75,7 @@ void RecordingSession::adopt(std::shared_ptr<Recording> recording)
         imgCaptureQueue(), [this]() -> const VNCGDisplay & { return display(); }, *m_spool, *m_audio
     };
     m_loop = std::make_shared<CaptureLoop>(m_recording, tools, listener);
-    m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
+    m_maker->adopt(m_recording);
 }
 
 /// Made when a screen is to be looked at: whoever makes the movie of an earlier recording needs none.
@@ -119,141 +116,44 @@ void RecordingSession::enableAudioDevices()
 
 void RecordingSession::recorded()
 {
-    beginAsking([this] { startRecordSelectOutFile(); });
+    if (beginAsking())
+        m_start->begin([this] { startRecordSelectOutFile(); });
 }
 
 void RecordingSession::recordNow(const QString &file)
 {
-    beginAsking([this, file] {
-        choose(file.isEmpty() ? newMovieFile() : file);
-        if (!isThere(m_chosenFile)) {
-            prepareDisplay();
-            return;
-        }
-        m_frontEnd.questions.alertError(tr("The file %1 exists already.").arg(m_chosenFile));
-        refuse();
-    });
+    if (beginAsking())
+        m_start->begin([this, file] { m_start->useFile(file); });
 }
 
-/// With the choice its user agrees that the file is replaced that stands there now, and no other.
-void RecordingSession::choose(const QString &file)
-{
-    m_chosenFile = file;
-    m_replacedFile = identityOfFile(file);
-}
-
-/// Asks what every recording needs to know first, and goes on with \a next.
-void RecordingSession::beginAsking(std::function<void()> next)
+bool RecordingSession::beginAsking()
 {
     if (m_phase != Phase::Idle)
-        return;
+        return false;
     setPhase(Phase::Asking);
-    const auto answered = [this, next = std::move(next)](bool goOn) {
-        if (goOn)
-            askAboutSound(next);
-        else
-            refuse();
-    };
-    if (m_spool->freespaceIsEough())
-        answered(true);
-    else
-        m_frontEnd.questions.askAboutFreeSpace(answered);
-}
-
-void RecordingSession::askAboutSound(const std::function<void()> &next)
-{
-    if (!m_options.enableAudio() || m_audio->hasDevices()) {
-        next();
-        return;
-    }
-    m_frontEnd.questions.askToRecordWithoutSound([this, next](bool goOn) {
-        if (goOn)
-            next();
-        else
-            refuse();
-    });
+    return true;
 }
 
 void RecordingSession::startRecordSelectOutFile()
 {
-    m_frontEnd.questions.runSavePanel(
-        tr("Untitled"), QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
-            if (!path) {
-                refuse();
-                return;
-            }
-            choose(*path);
-            main_queue::async([this] { startRecorderWithHintWindow(); });
-        });
+    m_start->startRecordSelectOutFile();
 }
 
 void RecordingSession::startRecorderWithHintWindow()
 {
-    m_frontEnd.questions.showHint([this](int response) {
-        if (response == RecordingQuestions::responseContinue)
-            main_queue::async([this] { prepareDisplay(); });
-        else
-            refuse();
-    });
+    m_start->startRecorderWithHintWindow();
 }
 
-void RecordingSession::prepareDisplay()
+bool RecordingSession::awaitsDisplay() const
 {
-    m_awaitsDisplay = true;
-    m_claimedDisplay = mainDisplay();
-    m_claimedDisplay->prepare(m_frontEnd.questions.parentWindow(),
-                              [session = QPointer(this)](const DisplayAccess &access) {
-                                  if (session)
-                                      session->displayAnswered(access);
-                              });
-}
-
-void RecordingSession::displayAnswered(const DisplayAccess &access)
-{
-    m_awaitsDisplay = false;
-    if (access.state == DisplayAccess::State::Granted) {
-        countDown();
-        return;
-    }
-    if (access.state == DisplayAccess::State::Declined)
-        m_frontEnd.questions.displayDeclined();
-    else
-        m_frontEnd.questions.alertError(access.whyNot);
-    refuse();
-}
-
-void RecordingSession::releaseDisplay()
-{
-    m_awaitsDisplay = false;
-    if (const auto display = std::exchange(m_claimedDisplay, nullptr))
-        display->release();
-}
-
-void RecordingSession::countDown()
-{
-    m_frontEnd.questions.countDown([this](bool goOn) {
-        if (goOn)
-            startRecorderAnyway();
-        else
-            refuse();
-    });
+    return m_start->awaitsDisplay();
 }
 
 void RecordingSession::refuse()
 {
-    releaseDisplay();
+    m_start->releaseDisplay();
     setPhase(Phase::Idle);
     emit recordingRefused();
-}
-
-bool RecordingSession::outputAndSpoolAreReady()
-{
-    QString reason = whyNoMovieCanBeWritten(m_chosenFile);
-    if (reason.isEmpty())
-        reason = whyNothingCanBeSpooled();
-    if (!reason.isEmpty())
-        m_frontEnd.questions.alertError(reason);
-    return reason.isEmpty();
 }
 
 // ---- the capture
@@ -276,15 +176,15 @@ void RecordingSession::startRecorderAnyway()
 {
     if (isRecording())
         return;
-    if (m_terminating || !outputAndSpoolAreReady()) {
+    if (m_terminating || !m_start->isOutputReady()) {
         refuse();
         return;
     }
-    adopt(
-        std::make_shared<Recording>(m_chosenFile, m_options, regionToRecord(), m_audio->hasDevices(), m_now));
+    adopt(std::make_shared<Recording>(
+        m_start->file(), m_options, regionToRecord(), m_audio->hasDevices(), m_wishes.clock));
     limitLength();
-    if (m_maxSize)
-        m_recording->sizeLimit.emplace(*m_maxSize);
+    if (m_wishes.maxSize)
+        m_recording->sizeLimit.emplace(*m_wishes.maxSize);
     m_spool->readyToRecord();
     if (const QString &reason = m_spool->whyNothingIsStored(); !reason.isEmpty()) {
         m_frontEnd.questions.alertError(nothingCanBeSpooledText(reason));
@@ -308,8 +208,8 @@ void RecordingSession::startRecorderAnyway()
 
 std::optional<double> RecordingSession::askedLength() const
 {
-    if (m_askedLength || !m_options.stopsAfterTime())
-        return m_askedLength;
+    if (m_wishes.length || !m_options.stopsAfterTime())
+        return m_wishes.length;
     return m_options.stopAfter();
 }
 
@@ -320,38 +220,16 @@ void RecordingSession::limitLength()
     const std::optional<double> seconds = askedLength();
     if (!seconds)
         return;
+    m_recording->length = seconds;
     m_recording->clock.setLength(*seconds);
     m_deadline = std::make_unique<RecordingDeadline>(*this, *seconds);
-}
-
-bool RecordingSession::isTimeOver() const
-{
-    return m_deadline && (m_deadline->isReached() || m_recording->end);
-}
-
-bool RecordingSession::isSizeReached() const
-{
-    return m_recording->sizeIsReached;
-}
-
-bool RecordingSession::isTooLarge() const
-{
-    return m_recording->isTooLarge;
-}
-
-std::optional<std::int64_t> RecordingSession::secondsLeft(std::int64_t timestamp) const
-{
-    if (!m_deadline)
-        return std::nullopt;
-    const double left = m_deadline->seconds() - static_cast<double>(timestamp) / PKTimebase;
-    return std::max<std::int64_t>(0, std::llround(std::ceil(left)));
 }
 
 void RecordingSession::beginCapture()
 {
     if (std::exchange(m_recording->isCaptured, true))
         return;
-    m_loop->start(m_settlingTime ? m_settlingTime() : std::chrono::nanoseconds(0),
+    m_loop->start(m_wishes.settlingTime(),
                   m_recording->isPart ? m_recording->rectangle : QRectF(),
                   captureFrameRate(m_recording->quality));
     startRecorder(
@@ -365,14 +243,14 @@ void RecordingSession::startRecorder(const QVariantList &arguments)
     const bool audio = arguments.value(2).toInt() == 1;
 
     const auto context = std::make_shared<PKMuxerContext>(path, PKMuxerContext::formatMp4);
-    context->setReplacedFile(m_replacedFile);
+    context->setReplacedFile(m_start->replacedFile());
     describePicture(*context, quality);
     if (audio) {
-        m_audio->setChoice({ m_usesInput,
+        m_audio->setChoice({ m_wishes.usesInput,
                              m_options.inputLevel(),
                              m_options.recordsSystemSound(),
                              m_options.systemLevel(),
-                             m_separateTracks });
+                             m_wishes.separateTracks });
         m_audio->start(*context);
     } else {
         context->setAudioCodecID(PKMuxerContext::audioCodecNone);
@@ -417,7 +295,7 @@ void RecordingSession::watchSize(std::int64_t timestamp)
 
 void RecordingSession::showClock(std::int64_t timestamp)
 {
-    if (const std::optional<std::int64_t> left = secondsLeft(timestamp))
+    if (const std::optional<std::int64_t> left = m_recording->secondsLeft(timestamp))
         m_frontEnd.progress.showTimeLeft(*left);
     m_frontEnd.progress.setStopItemTitle(stringFromeTimestamp(timestamp));
 }
@@ -499,7 +377,7 @@ void RecordingSession::captureEnded(const CaptureLoop &loop)
 {
     if (&loop != m_loop.get())
         return;
-    releaseDisplay();
+    m_start->releaseDisplay();
     executeStopRecord();
 }
 
@@ -528,7 +406,7 @@ void RecordingSession::pauseOrResume()
 
 void RecordingSession::stopRecord()
 {
-    if (m_awaitsDisplay)
+    if (awaitsDisplay())
         refuse();
     else if (!endWithFirstFrame())
         m_spool->setExit(true);
@@ -545,11 +423,6 @@ bool RecordingSession::endWithFirstFrame()
     return true;
 }
 
-bool RecordingSession::countsOnSound() const
-{
-    return m_recording->clock.awaitsSound();
-}
-
 // ---- the movie
 
 void RecordingSession::executeStopRecord()
@@ -561,15 +434,16 @@ void RecordingSession::executeStopRecord()
     beginCapture(); // when it ends before the screen was clear
     if (m_deadline && m_recording->isFullLength)
         m_recording->end = std::llround(m_deadline->seconds() * PKTimebase);
+    m_recording->isTimeOver = m_deadline && (m_deadline->isReached() || m_recording->end);
     setPhase(Phase::Writing);
     hideStopRecordingBtn();
     m_frontEnd.progress.setBusy(true);
     if (m_recording->hasSound)
         m_audio->stop();
     if (m_recording->isPutOff)
-        muxerFailed({ .kind = ErrorKind::Cancelled, .name = m_recording->path, .reason = {} });
+        m_maker->putOff();
     else
-        startWriting();
+        m_maker->start();
 }
 
 void RecordingSession::recover(const QString &id, const QString &file, std::optional<RecordQuality> quality)
@@ -596,119 +470,18 @@ void RecordingSession::recover(const QString &id, const QString &file, std::opti
     setPhase(Phase::Writing);
     m_frontEnd.desktop.inhibitIdle(true);
     m_frontEnd.progress.setBusy(true);
-    startWriting();
+    m_maker->start();
 }
 
 void RecordingSession::later()
 {
     if (m_phase == Phase::Writing)
-        m_job->cancel();
-}
-
-void RecordingSession::startWriting()
-{
-    try {
-        m_job = std::make_unique<MovieJob>(m_recording, *m_spool, m_options.logoContext());
-        m_job->start([this](const QString &action, const QVariant &value) { muxerReported(action, value); });
-    } catch (const std::bad_alloc &) {
-        muxerFailed({ ErrorKind::OutOfMemory, ErrorSubject::File, m_recording->path, {} });
-    }
-}
-
-void RecordingSession::muxerReported(const QString &action, const QVariant &value)
-{
-    RecordingProgress &progress = m_frontEnd.progress;
-    if (action == PKMuxerTaskActionStart) {
-        progress.beginProgress(m_recording->framesGrabbed);
-        progress.setProgress(0.0);
-    } else if (action == PKMuxerTaskActionProgress) {
-        progress.setProgress(value.toDouble());
-    } else if (action == PKMuxerTaskActionComplete) {
-        m_recording->movie = value.value<MovieStatistics>();
-        if (writeSmaller())
-            return;
-        recordcomplete();
-        progress.setProgress(100.0);
-        progress.endProgress();
-        if (m_options.showInFinderWhenFinished() || m_options.openRecordedWhenFinished())
-            progress.stepAside();
-    } else if (action == PKMuxerTaskActionFailed) {
-        progress.endProgress();
-        muxerFailed(value.value<Error>());
-    }
-}
-
-/// A full disk must not cost an hour of work: the spool is still there and can be written elsewhere, or later.
-void RecordingSession::muxerFailed(const Error &error)
-{
-    m_recording->failure = errorText(error);
-    if (error.kind == ErrorKind::Cancelled) {
-        becomeIdle();
-        return;
-    }
-    m_frontEnd.questions.alertError(m_recording->failure);
-    if (m_recording->framesGrabbed == 0) {
-        becomeIdle();
-        return;
-    }
-    m_frontEnd.questions.askForOtherFile(QStringLiteral("mp4"), [this](const std::optional<QString> &path) {
-        if (path)
-            writeTo(*path);
-        else
-            becomeIdle();
-    });
-}
-
-void RecordingSession::writeTo(const QString &path)
-{
-    m_recording->path = path;
-    m_recording->failure.clear();
-    writeWith(std::make_shared<PKMuxerContext>(*m_spool->muxerContext()));
-}
-
-/// To the recording's path.
-void RecordingSession::writeWith(const std::shared_ptr<PKMuxerContext> &context)
-{
-    context->setFilename(m_recording->path);
-    context->setReplacedFile(identityOfFile(m_recording->path));
-    m_spool->setMuxerContext(context);
-    m_spool->rewind();
-    startWriting();
-}
-
-/// False where the movie may be as large as it is, or cannot be made smaller.
-bool RecordingSession::writeSmaller()
-{
-    if (!m_recording->sizeLimit)
-        return false;
-    const MovieStatistics &movie = m_recording->movie;
-    const QString &path = movie.file.isEmpty() ? m_recording->path : movie.file;
-    const auto size = static_cast<std::uint64_t>(QFileInfo(path).size());
-    const auto context = std::make_shared<PKMuxerContext>(*m_spool->muxerContext());
-    const auto bitRate = m_recording->sizeLimit->lowerBitRate(*context, size, movie.audioSeconds);
-    m_recording->isTooLarge = !bitRate && !m_recording->sizeLimit->holds(size);
-    if (!bitRate)
-        return false;
-    m_recording->path = path;
-    context->setVideoBitrate(*bitRate);
-    m_frontEnd.progress.movieIsWrittenAgain();
-    writeWith(context);
-    return true;
+        m_maker->cancel();
 }
 
 void RecordingSession::recordcomplete()
 {
-    DesktopServices &desktop = m_frontEnd.desktop;
-    if (const QString &file = m_recording->movie.file; !file.isEmpty() && file != m_recording->path) {
-        m_frontEnd.progress.movieRenamed(m_recording->path, file);
-        m_recording->path = file;
-    }
-    if (m_options.showInFinderWhenFinished())
-        desktop.reveal(m_recording->path);
-    if (m_options.openRecordedWhenFinished())
-        desktop.open(m_recording->path);
-    desktop.announceMovie(m_recording->path, m_recording->movie.seconds, movieFlaws(*m_recording, counts()));
-    becomeIdle();
+    m_maker->recordcomplete();
 }
 
 /// The spool goes once its movie is complete, or when it holds nothing.
@@ -750,7 +523,7 @@ void RecordingSession::terminate()
 {
     const bool isInsisted = std::exchange(m_terminating, true);
     if (!isRecording()) {
-        releaseDisplay();
+        m_start->releaseDisplay();
         emit readyToTerminate();
     } else if (isInsisted && m_phase == Phase::Writing) {
         later();
@@ -772,8 +545,8 @@ QString RecordingSession::leaveRecording()
         return {};
     QString id = m_recording->framesGrabbed > 0 ? m_spool->recordingId() : QString();
     m_loop->abandon();
-    m_job->cancel(); // before the spool seems to be at its end
-    if (m_job->hasMovie()) {
+    m_maker->cancel(); // before the spool seems to be at its end
+    if (m_maker->job().hasMovie()) {
         m_spool->clear();
         return {};
     }
@@ -796,23 +569,14 @@ bool RecordingSession::mayQuit()
 
 // ---- what has become of it
 
-const QString &RecordingSession::outfileName() const
-{
-    return m_recording->path;
-}
-
-const QString &RecordingSession::failure() const
-{
-    return m_recording->failure;
-}
-
 RecordingCounts RecordingSession::counts() const
 {
-    return { m_recording->framesGrabbed,
-             static_cast<std::uint64_t>(m_recording->movie.framesWritten),
-             m_job->unusableFrameCount() + static_cast<std::uint64_t>(m_recording->movie.framesSkipped)
-                 + m_spool->skippedBlockCount(),
-             m_recording->movie.audioSeconds };
+    return m_maker->counts();
+}
+
+MovieJob &RecordingSession::movieJob()
+{
+    return m_maker->job();
 }
 
 } // namespace vornic

@@ -2,9 +2,8 @@
 
 #include "app/session/capture_loop.h"
 #include "app/session/front_end.h"
-#include "app/session/recording_clock.h"
 #include "app/session/recording_counts.h"
-#include "codec/file_identity.h"
+#include "app/session/recording_wishes.h"
 #include "options/record_quality.h"
 
 #include <QObject>
@@ -22,23 +21,23 @@ namespace vornic {
 class AudioControl;
 class AudioInput;
 class DiskWatch;
-class DisplayBackend;
 class MovieJob;
+class MovieMaker;
 class PKMuxerContext;
 class RecordingDeadline;
+class RecordingStart;
 class SerialQueue;
 class VNBufferMgr;
 class VNCGDisplay;
 class VNOption;
-struct DisplayAccess;
-struct Error;
 struct Recording;
 
 /// One recording at a time, from the record button to the finished movie.
 ///
-/// Owned by the application delegate, or by the command line; lives on the main thread. What one recording is
-/// and works with (Recording, CaptureLoop, MovieJob) is made anew for each and never reset; the spool, the
-/// grabber, the sound and the capture queue are there for all.
+/// Owned by the application delegate, or by the command line; lives on the main thread. RecordingStart asks what is to be
+/// asked, this class runs the capture, and MovieMaker makes the movie. What one recording is and works with (Recording,
+/// CaptureLoop, MovieJob) is made anew for each and never reset; the spool, the grabber, the sound and the capture queue
+/// are there for all.
 class RecordingSession : public QObject, private CaptureLoop::Listener
 {
     Q_OBJECT
@@ -60,20 +59,10 @@ public:
     {
         return m_phase == Phase::Capturing || m_phase == Phase::Writing;
     }
-    /// 1 while isRecording(), else 0.
-    [[nodiscard]] int state() const { return isRecording() ? 1 : 0; }
-    /// The clock of the recordings that begin from now on, for tests.
-    void setClock(RecordingClock::Now now) { m_now = std::move(now); }
-    /// Whether the device that the list shows is recorded, where sound is; or only what the system plays.
-    void setUsesInput(bool uses) { m_usesInput = uses; }
-    /// The input and what the system plays become a track each, where both are recorded.
-    void setSeparateTracks(bool separate) { m_separateTracks = separate; }
-    /// The recordings that begin from now on end by themselves when they are so long. Without it, what the options say.
-    void setLength(double seconds) { m_askedLength = seconds; }
-    /// The recordings that begin from now on end by themselves where their movies will be so large, in bytes.
-    void setMaxSize(std::uint64_t bytes) { m_maxSize = bytes; }
-    /// Asked when a capture begins: how long until the screen shows nothing that does not belong in the movie.
-    void setSettlingTime(std::function<std::chrono::nanoseconds()> time) { m_settlingTime = std::move(time); }
+    /// Of the recordings that begin from now on.
+    [[nodiscard]] RecordingWishes &wishes() { return m_wishes; }
+    /// The one that runs or ran last.
+    [[nodiscard]] const Recording &recording() const { return *m_recording; }
 
     /// The record button: begins the questions when idle.
     void recorded();
@@ -99,17 +88,7 @@ public:
     [[nodiscard]] bool mayPause() const;
     [[nodiscard]] bool isPaused() const;
     /// The desktop is asked for its screen, and perhaps asks its user.
-    [[nodiscard]] bool awaitsDisplay() const { return m_awaitsDisplay; }
-    /// The recording that ran last ended because it was as long as it was to be.
-    [[nodiscard]] bool isTimeOver() const;
-    /// It ended because its movie was to become no larger.
-    [[nodiscard]] bool isSizeReached() const;
-    /// Its movie became larger all the same.
-    [[nodiscard]] bool isTooLarge() const;
-    /// What is still to be recorded behind \a timestamp, in whole seconds, rounded up; nothing where there is no limit.
-    [[nodiscard]] std::optional<std::int64_t> secondsLeft(std::int64_t timestamp) const;
-    /// There is sound, or it is still waited for.
-    [[nodiscard]] bool countsOnSound() const;
+    [[nodiscard]] bool awaitsDisplay() const;
     /// Writes the movie of the recording that is captured; no more than once.
     void executeStopRecord();
     void recordcomplete();
@@ -132,12 +111,9 @@ public:
     [[nodiscard]] DiskWatch &diskWatch() { return *m_diskWatch; }
     [[nodiscard]] SerialQueue &imgCaptureQueue();
     [[nodiscard]] CaptureLoop &captureLoop() { return *m_loop; }
-    [[nodiscard]] MovieJob &movieJob() { return *m_job; }
-    /// Of the recording that runs or ran last; complete once the phase is Idle again.
-    [[nodiscard]] const QString &outfileName() const;
+    [[nodiscard]] MovieJob &movieJob();
+    /// Complete once the phase is Idle again.
     [[nodiscard]] RecordingCounts counts() const;
-    /// Empty when the last recording became a movie, else why it did not.
-    [[nodiscard]] const QString &failure() const;
     /// The device list may be used only while idle, with sound switched on. After a recording it may be used until the
     /// next call, whatever is switched on.
     void enableAudioDevices();
@@ -160,15 +136,8 @@ private:
     void captureEnded(const CaptureLoop &loop) override;
 
     void setPhase(Phase phase);
-    void choose(const QString &file);
-    void beginAsking(std::function<void()> next);
-    void askAboutSound(const std::function<void()> &next);
-    void prepareDisplay();
-    void displayAnswered(const DisplayAccess &access);
-    void releaseDisplay();
-    void countDown();
+    [[nodiscard]] bool beginAsking();
     void refuse();
-    [[nodiscard]] bool outputAndSpoolAreReady();
     [[nodiscard]] const VNCGDisplay &display();
     [[nodiscard]] QRectF regionToRecord() const;
     void describePicture(PKMuxerContext &context, RecordQuality quality) const;
@@ -178,42 +147,28 @@ private:
     void beginCapture();
     void showClock(std::int64_t timestamp);
     void watchSize(std::int64_t timestamp);
-    bool writeSmaller();
-    void writeWith(const std::shared_ptr<PKMuxerContext> &context);
     [[nodiscard]] bool awaitsOrigin() const;
     bool endWithFirstFrame();
     void goOnWithoutSound();
     void soundIsLost(bool isLost);
     void oneSoundIsLost(const QString &name, bool isLost);
     void followSound();
-    void startWriting();
-    void muxerReported(const QString &action, const QVariant &value);
-    void muxerFailed(const Error &error);
-    void writeTo(const QString &path);
     void becomeIdle();
 
     FrontEnd m_frontEnd;
     VNOption &m_options;
-    RecordingClock::Now m_now;
-    std::function<std::chrono::nanoseconds()> m_settlingTime;
     Phase m_phase = Phase::Idle;
     bool m_terminating = false;
-    bool m_usesInput = true;
-    bool m_separateTracks = false;
-    std::optional<double> m_askedLength;
-    std::optional<std::uint64_t> m_maxSize;
-    QString m_chosenFile;                             ///< the save panel's answer
-    std::optional<FileIdentity> m_replacedFile;       ///< what stood there then, and may be replaced
-    std::shared_ptr<DisplayBackend> m_claimedDisplay; ///< from prepare() to release()
-    bool m_awaitsDisplay = false;                     ///< there is no answer to prepare() yet
+    RecordingWishes m_wishes;
     std::unique_ptr<VNBufferMgr> m_spool;
     std::unique_ptr<DiskWatch> m_diskWatch;
     std::unique_ptr<VNCGDisplay> m_display; ///< on the capture queue; null before the first pass
     std::unique_ptr<AudioInput> m_audio;
-    std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, as the two below
+    std::unique_ptr<RecordingStart> m_start;
+    std::unique_ptr<MovieMaker> m_maker;
+    std::shared_ptr<Recording> m_recording;        ///< the one that runs or ran last; never null, as the loop
     std::unique_ptr<RecordingDeadline> m_deadline; ///< null where the recording has no length
     std::shared_ptr<CaptureLoop> m_loop;
-    std::unique_ptr<MovieJob> m_job;
     std::unique_ptr<SerialQueue> m_captureQueue; ///< last: its thread ends before what it uses
 };
 

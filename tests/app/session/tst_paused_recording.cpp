@@ -1,3 +1,4 @@
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "base/PKTimebase.h"
@@ -29,7 +30,7 @@ protected:
         setMainDisplay(display);
         frontEnd.path = folder.filePath("movie.mp4");
         session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
-        session->setClock([this] { return time.load(); });
+        session->wishes().clock = [this] { return time.load(); };
         session->bufferMgr().setFreeSpaceProbe([this] { return freeBytes.load(); });
         QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this](qint64 ticks) {
             timestamps += ticks;
@@ -93,7 +94,7 @@ TEST_F(PausedRecordingTest, NoPictureIsKeptAndTheMovieGoesOnWhereItWasPaused)
 {
     ASSERT_NO_FATAL_FAILURE(recordUntilPaused());
     const qsizetype before = timestamps.size();
-    EXPECT_EQ(session->state(), 1);
+    EXPECT_EQ(static_cast<int>(session->isRecording()), 1);
     time = time + 1000;
     ASSERT_TRUE(waitForPasses(3));
     EXPECT_EQ(timestamps.size(), before);
@@ -136,7 +137,7 @@ TEST_F(PausedRecordingTest, AStopEndsItAndTheNextRecordingRuns)
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(changes, 1);
     EXPECT_FALSE(session->isPaused());
-    EXPECT_TRUE(session->failure().isEmpty());
+    EXPECT_TRUE(session->recording().failure.isEmpty());
     EXPECT_EQ(session->counts().framesGrabbed, static_cast<std::uint64_t>(timestamps.size()));
 
     timestamps.clear();
@@ -153,7 +154,7 @@ TEST_F(PausedRecordingTest, WhoQuitsGetsTheMovie)
     QObject::connect(session.get(), &RecordingSession::readyToTerminate, [&] { isReady = true; });
     session->terminate();
     ASSERT_TRUE(waitUntil([&] { return isReady; }));
-    EXPECT_TRUE(session->failure().isEmpty());
+    EXPECT_TRUE(session->recording().failure.isEmpty());
     EXPECT_TRUE(QFile::exists(*frontEnd.path));
 }
 
@@ -163,7 +164,7 @@ TEST_F(PausedRecordingTest, AFullDiskEndsIt)
     freeBytes = 1;
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(frontEnd.alerts.size(), 1);
-    EXPECT_TRUE(session->failure().isEmpty());
+    EXPECT_TRUE(session->recording().failure.isEmpty());
 }
 
 TEST_F(PausedRecordingTest, ADisplayThatGoesEndsIt)
@@ -171,7 +172,7 @@ TEST_F(PausedRecordingTest, ADisplayThatGoesEndsIt)
     ASSERT_NO_FATAL_FAILURE(recordUntilPaused());
     display->setRefusesGrabs(true);
     ASSERT_TRUE(waitUntilIdle());
-    EXPECT_TRUE(session->failure().isEmpty());
+    EXPECT_TRUE(session->recording().failure.isEmpty());
 }
 
 TEST_F(PausedRecordingTest, SoundThatIsLostIsTold)

@@ -1,3 +1,4 @@
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -42,7 +43,7 @@ protected:
         session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
         session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
         options.setEnableAudio(!audioControl.names.isEmpty());
-        session->setLength(seconds);
+        session->wishes().length = seconds;
         session->recorded();
         ASSERT_TRUE(waitUntil([this] { return session->isRecording(); }));
         sinceStart.start();
@@ -76,7 +77,7 @@ TEST_F(RecordingDeadlineTest, ItEndsTheRecording)
 {
     record(0.3);
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_GT(session->counts().framesWritten, 2U);
 }
 
@@ -85,7 +86,7 @@ TEST_F(RecordingDeadlineTest, ItEndsARecordingThatWaitsForSoundToo)
     audioControl.names += "Microphone";
     record(0.3);
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_EQ(session->counts().framesWritten, 1U);
     EXPECT_GE(sinceStart.elapsed(), 2900) << "sound has some time to come";
 }
@@ -98,7 +99,7 @@ TEST_F(RecordingDeadlineTest, SoundThatIsGivenUpProlongsNothing)
     const double waited = static_cast<double>(sinceStart.elapsed()) / 1000;
     frontEnd.goOnWithoutSound();
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_LT(static_cast<double>(session->counts().framesWritten), 30 * (6 - waited) + 10)
         << "what was left of the six seconds, at 30 pictures a second";
 }
@@ -127,7 +128,7 @@ TEST_F(RecordingDeadlineTest, NoTimePassesWhileTheRecordingIsPaused)
     const std::uint64_t before = session->counts().framesGrabbed;
     session->pauseOrResume();
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_GT(session->counts().framesGrabbed, before) << "what was left of it is recorded";
 }
 
@@ -153,7 +154,7 @@ TEST_F(RecordingDeadlineTest, ABusyMainThreadChangesNothingInTheMoviesLength)
     const auto until = now() + std::chrono::milliseconds(900);
     while (now() < until) { }
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_NEAR(movieSeconds(), 0.6, 0.001);
 }
 
@@ -202,7 +203,7 @@ TEST_F(RecordingDeadlineTest, TheOptionsGiveALengthToo)
     session->recorded();
     ASSERT_TRUE(waitUntil([this] { return session->isRecording(); }));
     ASSERT_TRUE(hasEnded());
-    EXPECT_TRUE(session->isTimeOver());
+    EXPECT_TRUE(session->recording().isTimeOver);
     EXPECT_NEAR(movieSeconds(), 1, 0.001);
 }
 
@@ -212,7 +213,7 @@ TEST_F(RecordingDeadlineTest, WhoStopsItEarlierGetsAShorterMovie)
     ASSERT_TRUE(waitUntil([this] { return session->counts().framesGrabbed >= 3; }));
     session->stopRecord();
     ASSERT_TRUE(hasEnded());
-    EXPECT_FALSE(session->isTimeOver());
+    EXPECT_FALSE(session->recording().isTimeOver);
     EXPECT_LT(movieSeconds(), 60);
 }
 
@@ -223,7 +224,7 @@ TEST_F(RecordingDeadlineTest, WhoIsStoppedWhilePausedIsNotOutOfTime)
     session->pauseOrResume();
     session->stopRecord();
     ASSERT_TRUE(hasEnded());
-    EXPECT_FALSE(session->isTimeOver());
+    EXPECT_FALSE(session->recording().isTimeOver);
 }
 
 TEST_F(RecordingDeadlineTest, ATimeThatIsOverWhileTheMovieIsWrittenWasNotReached)
@@ -238,7 +239,7 @@ TEST_F(RecordingDeadlineTest, ATimeThatIsOverWhileTheMovieIsWrittenWasNotReached
     EXPECT_TRUE(waitUntil([&] { return sincePicture.elapsed() >= 1200; }));
     session->stopRecord();
     ASSERT_TRUE(hasEnded());
-    EXPECT_FALSE(session->isTimeOver());
+    EXPECT_FALSE(session->recording().isTimeOver);
 }
 
 } // namespace

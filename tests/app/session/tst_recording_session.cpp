@@ -2,6 +2,7 @@
 #include "app/session/audio_input.h"
 #include "app/session/disk_watch.h"
 #include "app/session/new_movie_file.h"
+#include "app/session/recording.h"
 #include "app/session/recording_session.h"
 #include "app/session/session_fakes.h"
 #include "base/PKTimebase.h"
@@ -52,7 +53,7 @@ protected:
     void makeSession()
     {
         session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
-        session->setClock([this] { return time.load(); });
+        session->wishes().clock = [this] { return time.load(); };
         session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
         QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this](qint64 ticks) {
             timestamps += ticks;
@@ -201,7 +202,7 @@ TEST_F(RecordingSessionTest, OnlyWhatTheSystemPlaysIsRecordedWhereThatIsAskedFor
     makeSession();
     options.setEnableAudio(true);
     options.setRecordsSystemSound(true);
-    session->setUsesInput(false);
+    session->wishes().usesInput = false;
     session->recorded();
     const QList<FakeAudioRecorder *> &recorders = audioControl.recorders;
     ASSERT_TRUE(waitUntil([&] { return recorders.size() == 2 && recorders.last()->startCount == 1; }));
@@ -219,10 +220,10 @@ TEST_F(RecordingSessionTest, PhasesFollowEachOther)
     EXPECT_EQ(session->phase(), Phase::Idle);
     session->recorded();
     EXPECT_EQ(session->phase(), Phase::Asking);
-    EXPECT_EQ(session->state(), 0);
+    EXPECT_EQ(static_cast<int>(session->isRecording()), 0);
     ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
     EXPECT_EQ(session->phase(), Phase::Capturing);
-    EXPECT_EQ(session->state(), 1);
+    EXPECT_EQ(static_cast<int>(session->isRecording()), 1);
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     EXPECT_EQ(phases.first(), Phase::Capturing);
@@ -381,7 +382,7 @@ TEST_F(RecordingSessionTest, RecordingNowAsksNothing)
     session->recordNow(folder.filePath("other.mp4"));
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_EQ(session->outfileName(), folder.filePath("now.mp4"));
+    EXPECT_EQ(session->recording().path, folder.filePath("now.mp4"));
     EXPECT_TRUE(QFile::exists(folder.filePath("now.mp4")));
     EXPECT_FALSE(QFile::exists(folder.filePath("other.mp4"))) << "it is ignored while recording";
 }
@@ -412,7 +413,7 @@ TEST_F(RecordingSessionTest, AFileThatComesWhileItRecordsIsKept)
     putFile(folder.filePath("now.mp4"));
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_EQ(session->outfileName(), folder.filePath("now 2.mp4"));
+    EXPECT_EQ(session->recording().path, folder.filePath("now 2.mp4"));
     EXPECT_GT(QFileInfo(folder.filePath("now 2.mp4")).size(), 500);
     EXPECT_EQ(QFileInfo(folder.filePath("now.mp4")).size(), 4);
     EXPECT_TRUE(
@@ -432,7 +433,7 @@ TEST_F(RecordingSessionTest, AFileThatComesAfterTheQuestionsIsKept)
     ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 2; }));
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_EQ(session->outfileName(), folder.filePath("movie 2.mp4"));
+    EXPECT_EQ(session->recording().path, folder.filePath("movie 2.mp4"));
     EXPECT_EQ(QFileInfo(folder.filePath("movie.mp4")).size(), 4);
 }
 
@@ -496,11 +497,11 @@ TEST_F(RecordingSessionTest, WhoseTimeIsOverBeforeSoundComesHoldsAPictureWithout
     options.setEnableAudio(true);
     session->recorded();
     ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
-    EXPECT_TRUE(session->countsOnSound());
+    EXPECT_TRUE(session->recording().clock.awaitsSound());
     session->stopRecord();
-    EXPECT_FALSE(session->countsOnSound());
+    EXPECT_FALSE(session->recording().clock.awaitsSound());
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_EQ(session->failure(), "");
+    EXPECT_EQ(session->recording().failure, "");
     EXPECT_EQ(session->counts().framesWritten, 1U);
     EXPECT_TRUE(testing::streamOf(testing::probe(*frontEnd.path), "audio").isEmpty());
 }
@@ -544,7 +545,7 @@ TEST_F(RecordingSessionTest, AStopWhileSoundIsAwaitedKeepsAPictureAllTheSame)
     ASSERT_TRUE(waitUntil([&] { return audioControl.recorder && audioControl.recorder->startCount == 1; }));
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_TRUE(session->failure().isEmpty()) << session->failure().toStdString();
+    EXPECT_TRUE(session->recording().failure.isEmpty()) << session->recording().failure.toStdString();
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
     const QJsonObject movie = testing::probe(*frontEnd.path);
     EXPECT_EQ(testing::numbersOf(movie, "packets", "video", "pts"), QList<qint64> { 0 });
@@ -563,7 +564,7 @@ TEST_F(RecordingSessionTest, AStopRightBehindGoingOnWithoutSoundKeepsAPicture)
     frontEnd.goOnWithoutSound();
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
-    EXPECT_EQ(session->failure(), "");
+    EXPECT_EQ(session->recording().failure, "");
     EXPECT_EQ(session->counts().framesWritten, 1U);
 }
 
@@ -579,7 +580,7 @@ TEST_F(RecordingSessionTest, WhoQuitsWhileSoundIsAwaitedFindsAPicture)
     EXPECT_TRUE(session->mayQuit());
     session->terminate(); // the window has closed
     ASSERT_TRUE(waitUntil([&] { return ready == 1; }));
-    EXPECT_EQ(session->failure(), "");
+    EXPECT_EQ(session->recording().failure, "");
     EXPECT_TRUE(frontEnd.alerts.isEmpty());
     EXPECT_EQ(session->counts().framesWritten, 1U);
 }
@@ -659,22 +660,22 @@ TEST_F(RecordingSessionTest, OneOfTwoSoundsThatIsLostIsToldByItsName)
 TEST_F(RecordingSessionTest, AMovieThatIsTooLargeIsWrittenAgainAndThenLeft)
 {
     makeSession();
-    session->setMaxSize(1000); // its index alone takes as much
+    session->wishes().maxSize = 1000; // its index alone takes as much
     session->recorded();
     ASSERT_TRUE(waitUntil([&] { return !timestamps.isEmpty() && session->phase() == Phase::Idle; }));
-    EXPECT_TRUE(session->isSizeReached());
-    EXPECT_TRUE(session->isTooLarge());
+    EXPECT_TRUE(session->recording().sizeIsReached);
+    EXPECT_TRUE(session->recording().isTooLarge);
     EXPECT_EQ(frontEnd.told.count("sizeIsReached"), 1);
     EXPECT_EQ(frontEnd.told.count("movieIsWrittenAgain"), 2);
-    EXPECT_EQ(session->failure(), QString());
+    EXPECT_EQ(session->recording().failure, QString());
     EXPECT_EQ(testing::numbersOf(testing::probe(*frontEnd.path), "packets", "video", "pts"), timestamps);
 
     timestamps.clear();
     frontEnd.told.clear();
-    session->setMaxSize(10'000'000);
+    session->wishes().maxSize = 10'000'000;
     ASSERT_TRUE(record(3));
-    EXPECT_FALSE(session->isSizeReached());
-    EXPECT_FALSE(session->isTooLarge());
+    EXPECT_FALSE(session->recording().sizeIsReached);
+    EXPECT_FALSE(session->recording().isTooLarge);
     EXPECT_FALSE(frontEnd.told.contains("movieIsWrittenAgain"));
 }
 
