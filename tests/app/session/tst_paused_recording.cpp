@@ -1,14 +1,8 @@
-#include "app/session/recording.h"
-#include "app/session/recording_session.h"
-#include "app/session/session_fakes.h"
+#include "app/session/bare_session_fixture.h"
 #include "base/PKTimebase.h"
 #include "capture/spool/VNBufferMgr.h"
-#include "display/fake_display.h"
 #include "movie_test_support.h"
 #include "support/wait_until.h"
-
-#include <QCoreApplication>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -21,27 +15,10 @@ using Phase = RecordingSession::Phase;
 using test::waitUntil;
 
 /// A recording of a fake display by a clock that moves on by a quarter of a second with each picture that is kept.
-class PausedRecordingTest : public ::testing::Test
+class PausedRecordingTest : public BareSessionTest
 {
 protected:
-    PausedRecordingTest()
-    {
-        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
-        setMainDisplay(display);
-        frontEnd.path = folder.filePath("movie.mp4");
-        session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
-        session->wishes().clock = [this] { return time.load(); };
-        session->bufferMgr().setFreeSpaceProbe([this] { return freeBytes.load(); });
-        QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this](qint64 ticks) {
-            timestamps += ticks;
-            time = time + 0.25;
-        });
-    }
-    ~PausedRecordingTest() override
-    {
-        session.reset();
-        setMainDisplay(nullptr);
-    }
+    PausedRecordingTest() { makeSession(); }
 
     void recordUntilPaused()
     {
@@ -74,20 +51,6 @@ protected:
         times.removeIf([&](qint64) { return isKey[i++] != 1; });
         return times;
     }
-
-    int argc = 1;
-    char name[5] = "test";
-    char *argv[2] = { name, nullptr };
-    QCoreApplication application { argc, argv };
-    QTemporaryDir folder;
-    std::shared_ptr<FakeDisplay> display = std::make_shared<FakeDisplay>(QSize(320, 200));
-    FakeFrontEnd frontEnd;
-    VNOption options;
-    FakeAudioControl audioControl;
-    std::atomic<double> time = 1000; ///< seconds
-    std::atomic<std::uint64_t> freeBytes = 100'000'000'000;
-    QList<qint64> timestamps; ///< of the frames that were kept
-    std::unique_ptr<RecordingSession> session;
 };
 
 TEST_F(PausedRecordingTest, NoPictureIsKeptAndTheMovieGoesOnWhereItWasPaused)

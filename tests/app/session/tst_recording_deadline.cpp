@@ -1,14 +1,9 @@
-#include "app/session/recording.h"
-#include "app/session/recording_session.h"
-#include "app/session/session_fakes.h"
+#include "app/session/bare_session_fixture.h"
 #include "capture/spool/VNBufferMgr.h"
-#include "display/fake_display.h"
 #include "movie_test_support.h"
 #include "support/wait_until.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -23,25 +18,18 @@ namespace {
 using test::waitUntil;
 
 /// A recording of a small fake display that is to end by itself.
-class RecordingDeadlineTest : public ::testing::Test
+class RecordingDeadlineTest : public BareSessionTest
 {
 protected:
     RecordingDeadlineTest()
+        : BareSessionTest({ 64, 48 })
     {
-        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
-        setMainDisplay(display);
-        frontEnd.path = folder.filePath("movie.mp4");
-    }
-    ~RecordingDeadlineTest() override
-    {
-        session.reset();
-        setMainDisplay(nullptr);
     }
 
     void record(double seconds)
     {
-        session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
-        session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
+        makeSession();
+        session->wishes().clock = absoluteTimeSeconds;
         options.setEnableAudio(!audioControl.names.isEmpty());
         session->wishes().length = seconds;
         session->recorded();
@@ -60,17 +48,7 @@ protected:
         return video["start_time"].toString().toDouble() + video["duration"].toString().toDouble();
     }
 
-    int argc = 1;
-    char name[5] = "test";
-    char *argv[2] = { name, nullptr };
-    QCoreApplication application { argc, argv };
-    QTemporaryDir folder;
-    std::shared_ptr<FakeDisplay> display = std::make_shared<FakeDisplay>(QSize(64, 48));
-    FakeFrontEnd frontEnd;
-    VNOption options;
-    FakeAudioControl audioControl;
     QElapsedTimer sinceStart;
-    std::unique_ptr<RecordingSession> session;
 };
 
 TEST_F(RecordingDeadlineTest, ItEndsTheRecording)

@@ -1,24 +1,19 @@
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
+#include "app/session/bare_session_fixture.h"
 #include "app/session/disk_watch.h"
 #include "app/session/new_movie_file.h"
-#include "app/session/recording.h"
-#include "app/session/recording_session.h"
-#include "app/session/session_fakes.h"
 #include "base/PKTimebase.h"
 #include "base/log.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "capture/spool/recording_folder.h"
-#include "display/fake_display.h"
 #include "movie_test_support.h"
 #include "support/thread_limit.h"
 #include "support/wait_until.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -35,29 +30,13 @@ using Phase = RecordingSession::Phase;
 using test::waitUntil;
 
 /// A session on a fake display of 320 x 200 and a clock that the test sets.
-class RecordingSessionTest : public ::testing::Test
+class RecordingSessionTest : public BareSessionTest
 {
 protected:
-    RecordingSessionTest()
-    {
-        qputenv("XDG_CACHE_HOME", folder.filePath("cache").toUtf8());
-        setMainDisplay(display);
-        frontEnd.path = folder.filePath("movie.mp4");
-    }
-    ~RecordingSessionTest() override
-    {
-        session.reset();
-        setMainDisplay(nullptr);
-    }
-
     void makeSession()
     {
-        session = std::make_unique<RecordingSession>(frontEnd.frontEnd(), options, &audioControl);
-        session->wishes().clock = [this] { return time.load(); };
-        session->bufferMgr().setFreeSpaceProbe([] { return std::uint64_t { 100'000'000'000 }; });
-        QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this](qint64 ticks) {
-            timestamps += ticks;
-            time = time + step;
+        BareSessionTest::makeSession();
+        QObject::connect(session.get(), &RecordingSession::clockTicked, session.get(), [this] {
             // A picture that stays would be one frame of the movie.
             QImage picture(display->mainDisplaySize(), QImage::Format_RGB32);
             picture.fill(QColor::fromHsv(static_cast<int>(timestamps.size() * 37 % 360), 255, 200));
@@ -73,20 +52,6 @@ protected:
         session->stopRecord();
         return waitUntil([&] { return session->phase() == Phase::Idle; });
     }
-
-    int argc = 1;
-    char name[5] = "test";
-    char *argv[2] = { name, nullptr };
-    QCoreApplication application { argc, argv };
-    QTemporaryDir folder;
-    std::shared_ptr<FakeDisplay> display = std::make_shared<FakeDisplay>(QSize(320, 200));
-    FakeFrontEnd frontEnd;
-    VNOption options;
-    FakeAudioControl audioControl;
-    std::atomic<double> time = 1000; ///< seconds
-    double step = 0.25;              ///< by which each kept frame moves the clock on
-    QList<qint64> timestamps;        ///< of the frames that were kept
-    std::unique_ptr<RecordingSession> session;
 };
 
 TEST_F(RecordingSessionTest, FramesAreStampedByTheClockThatIsPassedIn)
