@@ -1,9 +1,9 @@
 # vornic_module(<room> SOURCES a.cpp... HEADERS a.h... [PUBLIC deps] [PRIVATE deps])
 #
 # One static library per room, which is a folder under src/: the room capture/jpeg is the target
-# vornic_capture_jpeg and the alias vornic::capture::jpeg. Each header must compile on its own. One with a source of its
-# name does where that source does, which includes it first (clang-format sorts it there); the others are in a file set
-# that all_verify_interface_header_sets compiles.
+# vornic_capture_jpeg and the alias vornic::capture::jpeg. Each header must compile on its own. Where a source has the
+# same name, compiling that source shows it, because it includes the header first (clang-format puts it there); the other
+# headers are in a file set that all_verify_interface_header_sets compiles.
 function(vornic_module name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
   string(REPLACE "/" "_" target "vornic_${name}")
@@ -47,7 +47,7 @@ function(vornic_test source)
   target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock GTest::gtest GTest::gtest_main vornic::warnings)
   target_precompile_headers(${name} REUSE_FROM vornic_test_headers)
-  # A library may ask for a macro that the precompiled headers were not made with; they are read as they are then.
+  # Where a library defines a macro that the precompiled headers were compiled without, the plain headers are used.
   set_target_properties(${name} PROPERTIES PCH_WARN_INVALID OFF)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES

@@ -24,7 +24,7 @@ Number argument(int argc, char **argv, int index, Number defaultValue)
     return number;
 }
 
-/// Of this thread and those that it starts: threads that only hand work to one another do it there in a third of the time.
+/// Pins this thread and those that it starts later: threads that only hand work to one another take a third of the time so.
 void stayOnOneProcessor()
 {
     cpu_set_t one;

@@ -1,1 +1,1 @@
-// Nothing but the headers that tests share is compiled here, once for all of them.
+// Exists so that the headers that tests share are compiled once for all of them.

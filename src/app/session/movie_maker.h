@@ -34,7 +34,7 @@ public:
     void adopt(std::shared_ptr<Recording> recording);
     /// Makes it, with the spool's muxer context. The end is told.
     void start();
-    /// As if it had been given up before it began.
+    /// Ends as if it had been cancelled, without starting.
     void putOff();
     /// Gives it up soon; the recording is kept.
     void cancel();

@@ -166,7 +166,7 @@ private:
     std::unique_ptr<AudioInput> m_audio;
     std::unique_ptr<RecordingStart> m_start;
     std::unique_ptr<MovieMaker> m_maker;
-    std::shared_ptr<Recording> m_recording;        ///< the one that runs or ran last; never null, as the loop
+    std::shared_ptr<Recording> m_recording; ///< the one that runs or ran last; never null, nor is the loop
     std::unique_ptr<RecordingDeadline> m_deadline; ///< null where the recording has no length
     std::shared_ptr<CaptureLoop> m_loop;
     std::unique_ptr<SerialQueue> m_captureQueue; ///< last: its thread ends before what it uses

@@ -1,7 +1,6 @@
 #include "app/session/recording_start.h"
 
 #include "app/session/audio_input.h"
-#include "app/session/end_text.h"
 #include "app/session/new_movie_file.h"
 #include "app/session/output_check.h"
 #include "app/session/recording_questions.h"
