@@ -7,7 +7,7 @@ import sys
 import threading
 import time
 
-from desktop_session import Program, active_window_but, key, run_inside, wait, xdotool
+from desktop_session import Program, accept_panel, active_window_but, key, run_inside, wait, xdotool
 
 MOVIE = os.environ.get("VORNIC_TEST_SESSION", "") + "/Untitled.mp4"
 SERVICES = """<node>
@@ -76,7 +76,7 @@ def record(program, services):
     assert start_again("--record=full").returncode == 0
     program.wait_for("Save the recording as", "dialog", "file chooser")
     panel = active_window_but(window)
-    key("Return")
+    accept_panel(panel)
     program.wait_for("Start recording", "push button")
     assert services.count("Inhibit") == 0
     active_window_but(window, panel)

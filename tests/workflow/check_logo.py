@@ -1,13 +1,12 @@
 #!/usr/bin/python3
 """check_logo.py PROGRAM: a picture at Left 0 and Bottom 0 stands in the corner of the movie, and nothing of it is lost."""
-import contextlib
 import glob
 import os
 import subprocess
 import sys
 import time
 
-from desktop_session import Program, active_window_but, key, run_inside, type_text, wait, xdotool
+from desktop_session import Program, accept_panel, active_window_but, key, run_inside, type_text, wait, xdotool
 
 FOLDER = os.environ.get("VORNIC_TEST_SESSION", "")
 LOGO = FOLDER + "/logo.png"
@@ -29,19 +28,9 @@ def choose_picture(program):
     program.click("Picture", "radio button")
     program.click("Choose a picture…", "push button")
     program.wait_for("Choose the logo's picture", "dialog", "file chooser")
-    active_window_but(window)
+    panel = active_window_but(window)
     type_text(LOGO)
-    wait_until_taken(window)
-
-
-def wait_until_taken(window):
-    """Until the panel has closed; the proposals that it makes when they are found take a key for themselves."""
-    for _ in range(4):
-        key("Return")
-        with contextlib.suppress(AssertionError):
-            wait(lambda: xdotool("getactivewindow") == window, 5)
-            return
-    raise AssertionError("the panel did not take the picture")
+    accept_panel(panel)
 
 
 def enter(program, field, number):

@@ -6,7 +6,7 @@ import os
 import subprocess
 import sys
 
-from desktop_session import Program, active_window_but, key, run_inside, wait, xdotool
+from desktop_session import Program, accept_panel, active_window_but, key, run_inside, wait, xdotool
 
 FOLDER = os.environ.get("VORNIC_TEST_SESSION", "")
 RECORDINGS = FOLDER + "/cache/com.kavlor.vornic/recordings/"
@@ -49,9 +49,12 @@ def make_movie(program, movie):
     window = active_window_but()
     key("Return")
     program.wait_for("Save the recording as", "dialog", "file chooser")
-    active_window_but(window)
-    key("Return")
-    wait(lambda: os.path.exists(movie))
+    accept_panel(active_window_but(window))
+
+    def is_made():
+        return os.path.exists(movie)
+    is_made.what = "the movie"
+    wait(is_made)
     wait(lambda: not os.listdir(RECORDINGS))
     seconds = subprocess.run(["ffprobe", "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", movie],
                              capture_output=True, text=True, check=True).stdout

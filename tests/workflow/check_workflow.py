@@ -7,7 +7,7 @@ import subprocess
 import sys
 import time
 
-from desktop_session import Program, active_window_but, end, key, run_inside, type_text, wait, xdotool
+from desktop_session import Program, accept_panel, active_window_but, end, key, run_inside, type_text, wait, xdotool
 
 FOLDER = os.environ.get("VORNIC_TEST_SESSION", "")
 REGION = (340, 160, 700, 540)  # pixels from the upper left; the screen has 1280 x 800
@@ -48,7 +48,7 @@ def choose_with_keyboard(program):
     key("alt+l", "alt+q", "Down", "alt+u", "alt+r")
     program.wait_for("Save the recording as", "dialog", "file chooser")
     panel = active_window_but(window)
-    key("Return")
+    accept_panel(panel)
     program.wait_for("Start recording", "push button")
     active_window_but(window, panel)
     key("Return")

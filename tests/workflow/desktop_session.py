@@ -184,6 +184,19 @@ def active_window_but(*others):
     return wait(active)
 
 
+def accept_panel(panel):
+    """Return, until the file panel has closed: the proposals that it makes when they are found, and a panel that is not
+    ready for keys yet, take one."""
+    def has_closed():
+        return xdotool("getactivewindow") not in ("", panel)
+    for _ in range(4):
+        key("Return")
+        with contextlib.suppress(AssertionError):
+            wait(has_closed, 5)
+            return
+    raise AssertionError("the file panel did not close")
+
+
 def walk(node):
     """The node and all beneath it; a spin button is one control, whatever it is made of."""
     yield node
