@@ -1,25 +1,47 @@
 #pragma once
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <thread>
 
 namespace vornic::test {
 
+/// Blocks for \a time, and handles the events of the calling thread as they come.
+inline void handleEventsFor(std::chrono::milliseconds time)
+{
+    if (!QAbstractEventDispatcher::instance()) {
+        std::this_thread::sleep_for(time);
+        return;
+    }
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.start(time);
+    while (timer.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 /// Blocks until \a condition holds, \a timeout at most, and says whether it did; \a condition is asked on the
-/// calling thread. Events of that thread are handled meanwhile, so that it may be the main thread.
+/// calling thread, every millisecond at first and ever more seldom: many a condition starts a program. Events of
+/// that thread are handled meanwhile, so that it may be the main thread.
 inline bool waitUntil(const std::function<bool()> &condition,
                       std::chrono::milliseconds timeout = std::chrono::seconds(20))
 {
+    using namespace std::chrono;
+    constexpr milliseconds minPause(1);
+    constexpr milliseconds maxPause(20);
+    const auto begin = steady_clock::now();
     const QDeadlineTimer deadline(timeout);
     while (!condition()) {
         if (deadline.hasExpired())
             return condition();
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const auto waited = duration_cast<milliseconds>(steady_clock::now() - begin);
+        handleEventsFor(std::clamp(waited / 8, minPause, maxPause));
     }
     return true;
 }
