@@ -60,9 +60,9 @@ endfunction()
 # vornic_fuzzer(<fuzz_name.cpp> TURN first|second LIBS ...)
 #
 # A program that is fed random inputs: by hand "fuzz_name [inputs [seed]]", and by CTest 100,000, or fewer where a
-# sanitizer makes them slow. There it takes the processor only while no other test wants it, and keeps its files in
-# memory: what is fed to it is bytes, and a disk would make it and the tests beside it wait. Those of one turn follow each
-# other, beside tests that mostly wait; both turns last about as long.
+# sanitizer makes them slow. There it gives way to the other tests, most of which wait for something, but not so far
+# that a run ends with fuzzers alone. It keeps its files in memory: what is fed to it is bytes, and a disk would make it
+# and the tests beside it wait. Those of one turn follow each other; both turns last about as long.
 function(vornic_fuzzer source)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "TURN" "LIBS")
   set(inputs 100000)
@@ -72,7 +72,7 @@ function(vornic_fuzzer source)
   get_filename_component(name "${source}" NAME_WE)
   add_executable(${name} ${source})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} vornic::test_support vornic::warnings)
-  add_test(NAME ${name} COMMAND nice -n 19 $<TARGET_FILE:${name}> ${inputs})
+  add_test(NAME ${name} COMMAND nice -n 10 $<TARGET_FILE:${name}> ${inputs})
   set_tests_properties(${name} PROPERTIES
     TIMEOUT 1500 LABELS unit COST 500 RESOURCE_LOCK ${arg_TURN}_fuzzer ENVIRONMENT TMPDIR=/dev/shm)
 endfunction()
