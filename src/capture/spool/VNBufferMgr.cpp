@@ -202,6 +202,7 @@ void VNBufferMgr::closeFolder()
 
 void VNBufferMgr::keep()
 {
+    const Open open = opened();
     closeFolder();
     m_video.queue().sync([this] {
         m_video.close();
@@ -209,6 +210,8 @@ void VNBufferMgr::keep()
         m_lastShape = {};
     });
     m_audio.queue().sync([this] { m_audio.close(); });
+    if (open.folder)
+        open.folder->letGo(); // not only when the last sync has ended
 }
 
 void VNBufferMgr::clear()

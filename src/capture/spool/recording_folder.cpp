@@ -289,6 +289,11 @@ bool RecordingFolder::sync()
     return m_journal->sync() && video && audio;
 }
 
+void RecordingFolder::letGo()
+{
+    m_journal->unlock();
+}
+
 bool RecordingFolder::remove()
 {
     for (const char *name : { videoName, audioName, journalName })

@@ -112,4 +112,9 @@ bool SpoolFile::lock() const
     return ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0;
 }
 
+void SpoolFile::unlock() const
+{
+    ::flock(m_descriptor, LOCK_UN);
+}
+
 } // namespace vornic

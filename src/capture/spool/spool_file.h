@@ -41,6 +41,8 @@ public:
     [[nodiscard]] int firstError() const { return m_firstError; }
     /// Keeps others from locking the file for as long as this object lives; false when another object holds it.
     [[nodiscard]] bool lock() const;
+    /// Lets others lock it while this object still lives.
+    void unlock() const;
 
 private:
     explicit SpoolFile(int descriptor)

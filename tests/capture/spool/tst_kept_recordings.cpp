@@ -18,6 +18,8 @@ namespace {
 std::atomic<bool> writesAreHeld = false;
 std::atomic<bool> aWriteIsHeld = false;
 std::atomic<bool> aFinishedJournalIsSynced = false;
+std::atomic<bool> syncsAreHeld = false;
+std::atomic<bool> aSyncIsHeld = false;
 
 } // namespace
 
@@ -33,9 +35,13 @@ extern "C" ssize_t pwrite(int file, const void *bytes, std::size_t count, off_t 
     return systems(file, bytes, count, offset);
 }
 
-/// The same, so that a test knows what was synced.
+/// The same for its syncs, and so that a test knows what was synced.
 extern "C" int fdatasync(int file)
 {
+    if (syncsAreHeld) {
+        aSyncIsHeld = true;
+        syncsAreHeld.wait(true);
+    }
     QFile synced(QStringLiteral("/proc/self/fd/%1").arg(file));
     if (synced.open(QIODevice::ReadOnly) && vornic::readJournal(synced.readAll()).isFinished)
         aFinishedJournalIsSynced = true;
@@ -162,6 +168,24 @@ TEST_F(KeptRecordings, StayWhenTheyAreKeptAndGoWhenTheyAreCleared)
     EXPECT_FALSE(QFile::exists(pathOf(id)));
     EXPECT_FALSE(open(id));
     EXPECT_EQ(m_whyNot, QStringLiteral("There is no recording %1.").arg(id));
+}
+
+TEST_F(KeptRecordings, CanBeOpenedAtOnceHoweverLongTheDiskSyncs)
+{
+    VNBufferMgr running(0);
+    running.readyToRecord();
+    describe(running);
+    syncsAreHeld = true;
+    push(running, 1, 0);
+    const QString id = running.recordingId();
+    EXPECT_TRUE(waitUntil([] { return aSyncIsHeld.load(); }));
+    EXPECT_FALSE(open(id));
+    running.keep();
+    const bool isOpen = open(id);
+    syncsAreHeld = false;
+    syncsAreHeld.notify_all();
+    ASSERT_TRUE(isOpen) << qPrintable(m_whyNot);
+    EXPECT_EQ(popPictures(m_manager), Timestamps { 0 });
 }
 
 TEST_F(KeptRecordings, AreNotTouchedByANewOne)
