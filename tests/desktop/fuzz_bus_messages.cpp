@@ -18,8 +18,10 @@
 #include <QDBusVariant>
 
 #include <cstdio>
+#include <functional>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <vector>
 
 using namespace vornic;
@@ -29,6 +31,9 @@ namespace {
 using test::FuzzRandom;
 
 constexpr int batch = 100; // of calls under way; a bus takes only so many at once
+/// After so many inputs the instance is made anew: the toolkit keeps each signature that an object was called with, and
+/// copies all of them for the next.
+constexpr int inputsOfAnInstance = 5000;
 
 QString randomText(FuzzRandom &random)
 {
@@ -122,6 +127,18 @@ QDBusMessage randomCall(FuzzRandom &random)
     return call;
 }
 
+/// \a count is called for all that it is asked for.
+std::unique_ptr<SingleInstance> madeInstance(const std::function<void()> &count)
+{
+    auto instance = std::make_unique<SingleInstance>();
+    if (!instance->isOnly())
+        qFatal("The instance before has not let the name go.");
+    instance->setActionCheck([](const QString &action) { return action != "stop"; });
+    QObject::connect(instance.get(), &SingleInstance::activated, instance.get(), count);
+    QObject::connect(instance.get(), &SingleInstance::actionAsked, instance.get(), count);
+    return instance;
+}
+
 /// Signals of the service of notifications, half of them as they should be.
 void emitRandomSignal(test::FakeService &service, FuzzRandom &random)
 {
@@ -173,11 +190,8 @@ int fuzz(test::FuzzRun &run, const test::PrivateBus &bus)
 {
     FuzzRandom &random = run.random();
     int asked = 0;
-    SingleInstance instance;
-    instance.setActionCheck([](const QString &action) { return action != "stop"; });
     const auto count = [&asked] { ++asked; };
-    QObject::connect(&instance, &SingleInstance::activated, &instance, count);
-    QObject::connect(&instance, &SingleInstance::actionAsked, &instance, count);
+    std::unique_ptr<SingleInstance> instance = madeInstance(count);
     test::FakeService service(bus, "org.freedesktop.Notifications");
     service.setAnswer([&](const QDBusMessage &call) {
         if (random.below(2) == 0) // as it should be
@@ -190,6 +204,11 @@ int fuzz(test::FuzzRun &run, const test::PrivateBus &bus)
     Notifier notifier;
     Others others;
     run.feedAll("messages on the bus", [&](int number) {
+        if (number % inputsOfAnInstance == 0) {
+            others.wait();
+            instance.reset();
+            instance = madeInstance(count);
+        }
         if (number % 100 == 0)
             notifier.show({ "title", "body", "label", [count](const QString &) { count(); } });
         if (number % 4 == 0)
