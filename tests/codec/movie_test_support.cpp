@@ -174,18 +174,31 @@ void ensureApplication()
     static const QGuiApplication application(argumentCount, arguments);
 }
 
-QJsonObject probe(const QString &movie)
+namespace {
+
+QJsonObject probeShowing(const QStringList &sections, const QString &movie)
 {
     const QByteArray text = outputOf(QStringLiteral("ffprobe"),
-                                     { QStringLiteral("-v"),
-                                       QStringLiteral("error"),
-                                       QStringLiteral("-of"),
-                                       QStringLiteral("json"),
-                                       QStringLiteral("-show_streams"),
-                                       QStringLiteral("-show_packets"),
-                                       QStringLiteral("-show_frames"),
-                                       QStringLiteral("file:") + movie });
-    QJsonObject probed = QJsonDocument::fromJson(text).object();
+                                     QStringList { QStringLiteral("-v"),
+                                                   QStringLiteral("error"),
+                                                   QStringLiteral("-of"),
+                                                   QStringLiteral("json"),
+                                                   QStringLiteral("-show_streams") }
+                                         + sections + QStringList { QStringLiteral("file:") + movie });
+    return QJsonDocument::fromJson(text).object();
+}
+
+} // namespace
+
+QJsonObject probe(const QString &movie)
+{
+    return probeShowing({ QStringLiteral("-show_packets") }, movie);
+}
+
+QJsonObject probeDecoded(const QString &movie)
+{
+    QJsonObject probed
+        = probeShowing({ QStringLiteral("-show_packets"), QStringLiteral("-show_frames") }, movie);
     // With both asked for, they come as one list.
     QJsonArray packets;
     QJsonArray frames;

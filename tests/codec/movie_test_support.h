@@ -82,8 +82,10 @@ std::vector<TaskReport> runTasks(const std::vector<PKMuxerContext> &contexts,
 /// An application object without a display, for event loops and for drawing text, where there is none yet.
 void ensureApplication();
 
-/// What ffprobe says of a movie: "streams", "packets" and "frames".
+/// What ffprobe says of a movie: "streams" and "packets".
 QJsonObject probe(const QString &movie);
+/// The same with "frames", for which all is decoded.
+QJsonObject probeDecoded(const QString &movie);
 /// The first stream of \a type ("video" or "audio") in a probe's answer; empty when there is none.
 QJsonObject streamOf(const QJsonObject &probed, const QString &type);
 /// Integers called \a name of the packets or frames (\a section) of one type, in file order.

@@ -127,7 +127,7 @@ TEST_F(PKMuxerTaskTest, aFirstFrameAfterTimeZeroIsShownAtItsTime)
     const std::vector<std::int16_t> silence(48000, 0);
     m_source.audio.push_back(std::make_shared<PKAudioFrame2>(1, 1, 48000, 48000, silence.data()));
     ASSERT_TRUE(runTask(context, m_source).isComplete());
-    const auto probed = probe(m_movie);
+    const auto probed = probeDecoded(m_movie);
     EXPECT_EQ(videoNumbers(probed, "frames", "pts"), (QList<qint64> { 12347, 15347 }));
     EXPECT_EQ(text(streamOf(probed, QStringLiteral("audio")), "start_time").toDouble(), 0.0);
     EXPECT_EQ(streamOf(probed, QStringLiteral("audio")).value(u"duration_ts").toInteger(), 48000);
@@ -193,7 +193,7 @@ TEST_F(PKMuxerTaskTest, keyFramesAreNeverMoreThanTwoSecondsApart)
         add(300000);
     add(3000);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 160, 120 }), m_source).isComplete());
-    const auto probed = probe(m_movie);
+    const auto probed = probeDecoded(m_movie);
     const auto times = videoNumbers(probed, "frames", "pts");
     const auto keys = keyFrameTimes(probed);
     ASSERT_EQ(times.size(), number);
@@ -212,7 +212,7 @@ TEST_F(PKMuxerTaskTest, presentationTimesStrictlyIncrease)
     for (int i = 0; i < 90; ++i)
         m_source.add(flat({ 64, 48 }, QColor(i, 255 - i, (i * 37) % 256)), i * 2999, 2999);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
-    const auto times = videoNumbers(probe(m_movie), "frames", "pts");
+    const auto times = videoNumbers(probeDecoded(m_movie), "frames", "pts");
     ASSERT_EQ(times.size(), 90);
     EXPECT_TRUE(std::is_sorted(times.begin(), times.end(), std::less_equal<>()));
 }

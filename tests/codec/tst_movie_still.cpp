@@ -34,7 +34,7 @@ protected:
     /// When the movie's key frames are shown, ticks.
     [[nodiscard]] QList<qint64> keyFrames() const
     {
-        const QJsonObject probed = probe(m_movie);
+        const QJsonObject probed = probeDecoded(m_movie);
         const auto ofFrames = [&](const char *name) {
             return numbersOf(
                 probed, QStringLiteral("frames"), QStringLiteral("video"), QLatin1StringView(name));
@@ -191,7 +191,7 @@ TEST_F(MovieStillTest, whatStaysBesideABlinkingCursorIsTheSamePixels)
     for (int i = 0; i < 300; ++i)
         m_source.add(i / 15 % 2 == 0 ? with : without, i * PKTimebase / 30, PKTimebase / 30);
     ASSERT_TRUE(runTask(videoContext(m_movie, pageSize), m_source).isComplete());
-    const QJsonObject probed = probe(m_movie);
+    const QJsonObject probed = probeDecoded(m_movie);
     const QList<qint64> isKey
         = numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), QStringLiteral("key_frame"));
     constexpr int picturesABlink = 4;

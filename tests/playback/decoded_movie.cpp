@@ -16,7 +16,7 @@ namespace vornic::testing {
 
 std::vector<TimedPicture> decodedMovie(const QString &movie)
 {
-    const QJsonObject probed = probe(movie);
+    const QJsonObject probed = probeDecoded(movie);
     const auto numbers = [&probed](const QString &name) {
         return numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), name);
     };

@@ -12,6 +12,7 @@ namespace vornic {
 using test::SoundServer;
 using testing::decodedSound;
 using testing::probe;
+using testing::probeDecoded;
 using testing::streamOf;
 
 /// What a steady tone has become in a movie.
@@ -90,7 +91,7 @@ protected:
     /// Where the movie is cut: at its key frames, of which some follow no pause.
     QList<double> keyFrames() const
     {
-        const QJsonObject probed = probe(movie());
+        const QJsonObject probed = probeDecoded(movie());
         const QList<qint64> times = testing::numbersOf(probed, "frames", "video", "pts");
         const QList<qint64> isKey = testing::numbersOf(probed, "frames", "video", "key_frame");
         QList<double> keys;

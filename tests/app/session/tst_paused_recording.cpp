@@ -44,7 +44,7 @@ protected:
     }
     QList<qint64> keyFrames() const
     {
-        const QJsonObject probed = testing::probe(*frontEnd.path);
+        const QJsonObject probed = testing::probeDecoded(*frontEnd.path);
         QList<qint64> times = testing::numbersOf(probed, "frames", "video", "pts");
         const QList<qint64> isKey = testing::numbersOf(probed, "frames", "video", "key_frame");
         qsizetype i = 0;
