@@ -40,7 +40,8 @@ public:
     LineProgram(const LineProgram &) = delete;
     LineProgram &operator=(const LineProgram &) = delete;
 
-    /// Waits for a line that \a isIt; what was told before it is passed by. Null after some seconds.
+    /// Waits for a line that \a isIt; what was told before it is passed by. Null after some seconds, and at once where
+    /// the program has ended.
     QString waitFor(const std::function<bool(const QString &)> &isIt, int maxMs = 20'000)
     {
         QElapsedTimer timer;
@@ -52,7 +53,7 @@ public:
                 if (isIt(line))
                     return line;
             }
-            if (timer.elapsed() >= maxMs)
+            if (timer.elapsed() >= maxMs || m_process.state() == QProcess::NotRunning)
                 return {};
             m_process.waitForReadyRead(static_cast<int>(maxMs - timer.elapsed()));
         }
