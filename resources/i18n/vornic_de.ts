@@ -1719,6 +1719,21 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     </message>
 </context>
 <context>
+    <name>vornic::WindowMovieProgress</name>
+    <message>
+        <source>Vornic is writing the movie: %1 %</source>
+        <translation>Vornic schreibt den Film: %1 %</translation>
+    </message>
+    <message>
+        <source>The movie has another name</source>
+        <translation>Der Film hat einen anderen Namen</translation>
+    </message>
+    <message>
+        <source>Another file has come to stand in %1 and is kept; the movie is %2.</source>
+        <translation>Unter %1 steht inzwischen eine andere Datei, die erhalten bleibt; der Film ist %2.</translation>
+    </message>
+</context>
+<context>
     <name>vornic::WindowProgress</name>
     <message>
         <source>no sound</source>
@@ -1735,10 +1750,6 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Go on without sound</source>
         <translation>Ohne Ton weiter</translation>
-    </message>
-    <message>
-        <source>Vornic is writing the movie: %1 %</source>
-        <translation>Vornic schreibt den Film: %1 %</translation>
     </message>
     <message>
         <source>In memory: %1</source>
@@ -1767,14 +1778,6 @@ Pfeiltasten verschieben, Umschalt+Pfeiltasten ändern die Größe, mit Strg um z
     <message>
         <source>Its sound is recorded again.</source>
         <translation>Sein Ton wird wieder aufgenommen.</translation>
-    </message>
-    <message>
-        <source>The movie has another name</source>
-        <translation>Der Film hat einen anderen Namen</translation>
-    </message>
-    <message>
-        <source>Another file has come to stand in %1 and is kept; the movie is %2.</source>
-        <translation>Unter %1 steht inzwischen eine andere Datei, die erhalten bleibt; der Film ist %2.</translation>
     </message>
     <message>
         <source>Nothing is heard from %1.</source>

@@ -3,7 +3,7 @@
 #include "app/help_copy.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/desktop_services.h"
-#include "app/session/recording_progress.h"
+#include "app/session/program_windows.h"
 #include "app/session/recording_questions.h"
 #include "app/session/start_settings.h"
 #include "app/session/stored_options.h"
@@ -71,7 +71,7 @@ void VornicAppDelegate::followSession()
     connect(&session, &RecordingSession::stateChanged, this, [this] {
         notifyChanged({ "state" });
         reloadOverlay();
-        m_frontEnd.progress.reloadData();
+        m_frontEnd.windows.reloadData();
     });
     connect(&session, &RecordingSession::pausedChanged, this, [this] {
         reloadOverlay();

@@ -198,7 +198,7 @@ int runRecordCommand(const CommandLine &line)
     const int status = runSession(session, frontEnd, [&session] { session.recorded(); });
     if (status == exit_status::failed)
         return status;
-    const QStringList missing = whatIsMissing(line, session, frontEnd.isAskedToEnd());
+    const QStringList missing = whatIsMissing(line, session, frontEnd.movie().isAskedToEnd());
     for (const QString &sentence : missing)
         frontEnd.alertError(sentence);
     return missing.isEmpty() ? status : exit_status::incomplete;

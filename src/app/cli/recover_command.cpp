@@ -4,12 +4,12 @@
 #include "app/cli/command_line_front_end.h"
 #include "app/cli/exit_status.h"
 #include "app/cli/run_session.h"
+#include "app/cli/telling.h"
 #include "app/session/left_behind.h"
 #include "app/session/new_movie_file.h"
 #include "app/session/recording_session.h"
 #include "app/session/time_text.h"
 #include "base/PKTimebase.h"
-#include "base/error_stream.h"
 #include "base/native_path.h"
 #include "base/printable.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -64,9 +64,7 @@ int list(const QList<StoredRecording> &recordings)
         text += printable(listed(recording)) + u'\n';
     // Not where a script reads the list.
     if (recordings.isEmpty())
-        standardError().writeLine(
-            QStringLiteral("vornic: ")
-            + QCoreApplication::translate("vornic", "There is no unfinished recording."));
+        tellError(QCoreApplication::translate("vornic", "There is no unfinished recording."));
     return answer(text.toUtf8(), exit_status::done, exit_status::failed);
 }
 

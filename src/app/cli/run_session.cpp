@@ -27,15 +27,15 @@ void runLoop(RecordingSession &session, CommandLineFrontEnd &frontEnd, const std
 {
     const UnixSignals signalled;
     QObject::connect(&signalled, &UnixSignals::terminationAsked, &session, [&session, &frontEnd] {
-        const bool knowsOfLater = frontEnd.hasToldOfLater();
-        frontEnd.endAsked();
+        const bool knowsOfLater = frontEnd.movie().hasToldOfLater();
+        frontEnd.movie().endAsked();
         if (session.phase() != RecordingSession::Phase::Writing)
             session.terminate();
         else if (knowsOfLater)
             session.later();
     });
     QObject::connect(&signalled, &UnixSignals::leaveAsked, &session, [&session, &frontEnd] {
-        frontEnd.leaveAsked();
+        frontEnd.movie().leaveAsked();
         session.leave();
     });
     QObject::connect(&signalled, &UnixSignals::pauseAsked, &session, [&session] { session.pauseOrResume(); });

@@ -4,8 +4,11 @@ namespace vornic {
 
 class DesktopServices;
 class LogoPanels;
+class MovieProgress;
+class ProgramWindows;
 class RecordingProgress;
 class RecordingQuestions;
+class SoundNotices;
 
 /// All that the program needs of who shows it: the window, the command line, or a test.
 ///
@@ -13,6 +16,9 @@ class RecordingQuestions;
 struct FrontEnd {
     RecordingQuestions &questions;
     RecordingProgress &progress;
+    SoundNotices &sound;
+    MovieProgress &movie;
+    ProgramWindows &windows;
     DesktopServices &desktop;
     LogoPanels &logoPanels;
 };

@@ -4,8 +4,9 @@
 #include "app/session/error_text.h"
 #include "app/session/movie_flaws.h"
 #include "app/session/movie_job.h"
+#include "app/session/movie_progress.h"
+#include "app/session/program_windows.h"
 #include "app/session/recording.h"
-#include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
 #include "base/error.h"
 #include "capture/spool/VNBufferMgr.h"
@@ -58,7 +59,7 @@ void MovieMaker::start()
 
 void MovieMaker::muxerReported(const QString &action, const QVariant &value)
 {
-    RecordingProgress &progress = m_frontEnd.progress;
+    MovieProgress &progress = m_frontEnd.movie;
     if (action == PKMuxerTaskActionStart) {
         progress.beginProgress(m_recording->framesGrabbed);
         progress.setProgress(0.0);
@@ -72,7 +73,7 @@ void MovieMaker::muxerReported(const QString &action, const QVariant &value)
         progress.setProgress(100.0);
         progress.endProgress();
         if (m_options.showInFinderWhenFinished() || m_options.openRecordedWhenFinished())
-            progress.stepAside();
+            m_frontEnd.windows.stepAside();
     } else if (action == PKMuxerTaskActionFailed) {
         progress.endProgress();
         muxerFailed(value.value<Error>());
@@ -132,7 +133,7 @@ bool MovieMaker::writeSmaller()
         return false;
     m_recording->path = path;
     context->setVideoBitrate(*bitRate);
-    m_frontEnd.progress.movieIsWrittenAgain();
+    m_frontEnd.movie.movieIsWrittenAgain();
     writeWith(context);
     return true;
 }
@@ -141,7 +142,7 @@ void MovieMaker::recordcomplete()
 {
     DesktopServices &desktop = m_frontEnd.desktop;
     if (const QString &file = m_recording->movie.file; !file.isEmpty() && file != m_recording->path) {
-        m_frontEnd.progress.movieRenamed(m_recording->path, file);
+        m_frontEnd.movie.movieRenamed(m_recording->path, file);
         m_recording->path = file;
     }
     if (m_options.showInFinderWhenFinished())

@@ -7,13 +7,16 @@
 #include "app/session/end_text.h"
 #include "app/session/movie_job.h"
 #include "app/session/movie_maker.h"
+#include "app/session/movie_progress.h"
 #include "app/session/output_check.h"
+#include "app/session/program_windows.h"
 #include "app/session/recording.h"
 #include "app/session/recording_deadline.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
 #include "app/session/recording_settings.h"
 #include "app/session/recording_start.h"
+#include "app/session/sound_notices.h"
 #include "app/session/time_text.h"
 #include "base/PKTimebase.h"
 #include "base/main_queue.h"
@@ -199,8 +202,8 @@ void RecordingSession::startRecorderAnyway()
     m_spool->setIsRecordPart(m_recording->isPart);
     m_spool->setRecordQuality(static_cast<int>(m_recording->quality));
     if (m_recording->isPart)
-        m_frontEnd.progress.setBusy(true);
-    m_frontEnd.progress.whenScreenIsClear([session = QPointer(this), recording = m_recording] {
+        m_frontEnd.windows.setBusy(true);
+    m_frontEnd.windows.whenScreenIsClear([session = QPointer(this), recording = m_recording] {
         if (session && session->m_recording == recording)
             session->beginCapture();
     });
@@ -310,7 +313,7 @@ void RecordingSession::soundAwaited()
 
 void RecordingSession::soundMissing()
 {
-    m_frontEnd.progress.soundIsMissing([session = QPointer(this), recording = m_recording] {
+    m_frontEnd.sound.soundIsMissing([session = QPointer(this), recording = m_recording] {
         if (session && session->m_recording == recording && session->m_phase == Phase::Capturing)
             session->goOnWithoutSound();
     });
@@ -339,7 +342,7 @@ void RecordingSession::soundIsLost(bool isLost)
     if (m_phase != Phase::Capturing)
         return;
     m_recording->soundWasLost = true;
-    m_frontEnd.progress.soundIsLost(isLost);
+    m_frontEnd.sound.soundIsLost(isLost);
 }
 
 void RecordingSession::oneSoundIsLost(const QString &name, bool isLost)
@@ -347,7 +350,7 @@ void RecordingSession::oneSoundIsLost(const QString &name, bool isLost)
     if (m_phase != Phase::Capturing)
         return;
     m_recording->soundLostOfTwo = name;
-    m_frontEnd.progress.oneSoundIsLost(name, isLost);
+    m_frontEnd.sound.oneSoundIsLost(name, isLost);
 }
 
 void RecordingSession::followSound()
@@ -356,11 +359,11 @@ void RecordingSession::followSound()
     connect(m_audio.get(), &AudioInput::oneSoundIsLost, this, &RecordingSession::oneSoundIsLost);
     connect(m_audio.get(), &AudioInput::levelHeard, this, [this](double peak) {
         if (m_phase == Phase::Capturing)
-            m_frontEnd.progress.showLevel(peak);
+            m_frontEnd.sound.showLevel(peak);
     });
     connect(m_audio.get(), &AudioInput::nothingHeard, this, [this](const QString &name) {
         if (m_phase == Phase::Capturing)
-            m_frontEnd.progress.nothingIsHeard(name);
+            m_frontEnd.sound.nothingIsHeard(name);
     });
 }
 
@@ -437,7 +440,7 @@ void RecordingSession::executeStopRecord()
     m_recording->isTimeOver = m_deadline && (m_deadline->isReached() || m_recording->end);
     setPhase(Phase::Writing);
     hideStopRecordingBtn();
-    m_frontEnd.progress.setBusy(true);
+    m_frontEnd.windows.setBusy(true);
     if (m_recording->hasSound)
         m_audio->stop();
     if (m_recording->isPutOff)
@@ -469,7 +472,7 @@ void RecordingSession::recover(const QString &id, const QString &file, std::opti
     m_spool->setMuxerContext(context);
     setPhase(Phase::Writing);
     m_frontEnd.desktop.inhibitIdle(true);
-    m_frontEnd.progress.setBusy(true);
+    m_frontEnd.windows.setBusy(true);
     m_maker->start();
 }
 
@@ -494,9 +497,9 @@ void RecordingSession::becomeIdle()
     else
         m_spool->clear();
     if (isKept && !id.isEmpty())
-        m_frontEnd.progress.recordingKept(id);
+        m_frontEnd.movie.recordingKept(id);
     hideStopRecordingBtn();
-    m_frontEnd.progress.setBusy(false);
+    m_frontEnd.windows.setBusy(false);
     m_frontEnd.desktop.inhibitIdle(false);
     setPhase(Phase::Idle);
     if (m_terminating)
@@ -507,14 +510,14 @@ void RecordingSession::showStopRecordingBtn()
 {
     m_recording->stopItemIsShown = true;
     m_frontEnd.progress.showStopItem(stringFromeTimestamp(0), regionToRecord());
-    m_frontEnd.progress.minimiseMainWindow();
+    m_frontEnd.windows.minimiseMainWindow();
 }
 
 void RecordingSession::hideStopRecordingBtn()
 {
     if (std::exchange(m_recording->stopItemIsShown, false))
         m_frontEnd.progress.hideStopItem();
-    m_frontEnd.progress.bringMainWindowToFront();
+    m_frontEnd.windows.bringMainWindowToFront();
 }
 
 // ---- the end of the program

@@ -9,6 +9,8 @@ namespace vornic {
 WindowFrontEnd::WindowFrontEnd()
     : m_questions(m_main)
     , m_progress(m_main)
+    , m_movie(m_main)
+    , m_windows(m_main, m_progress)
     , m_logoPanels(m_main)
 {
 }

@@ -89,7 +89,7 @@ WindowProgram::WindowProgram(QApplication &application,
         const bool can = canPerform(action);
         // Whoever asked in a menu of the desktop reads no refusal, but what is in the way.
         if (!can && !m_delegate.isCapturing() && !m_frontEnd.questions().onlyTells())
-            m_frontEnd.progress().bringMainWindowToFront();
+            m_frontEnd.windows().bringMainWindowToFront();
         return can;
     });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
@@ -119,8 +119,8 @@ void WindowProgram::launch()
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_recovery = std::make_unique<Recovery>(m_delegate, m_frontEnd.questions(), *m_window);
     m_frontEnd.progress().setPause([this] { m_delegate.pauseOrResume(); });
-    m_frontEnd.progress().setLater([this] { m_delegate.later(); });
-    m_frontEnd.progress().setKept([this] { m_recovery->recordingKept(); });
+    m_frontEnd.movie().setLater([this] { m_delegate.later(); });
+    m_frontEnd.movie().setKept([this] { m_recovery->recordingKept(); });
     m_overlay.window()->setWindowAbove(m_window.get());
     m_window->setFrameIsExact([this] { return m_overlay.window()->isExact(); });
     new DialogPlacement([this] { return recordedAreas(*m_delegate.options()); }, this);
@@ -139,7 +139,7 @@ void WindowProgram::connectWindow()
         m_frontEnd.desktop().reveal(path);
     });
     for (const auto asked : { &MainWindow::openAsked, &MainWindow::revealAsked })
-        connect(window, asked, this, [this] { m_frontEnd.progress().stepAside(); });
+        connect(window, asked, this, [this] { m_frontEnd.windows().stepAside(); });
     connect(window, &MainWindow::shortcutChosen, this, [this](const QString &key) {
         start_settings::setShortcut(key);
         listenForKeys();
@@ -279,7 +279,7 @@ void WindowProgram::perform(const QString &action, const QString &file)
         m_frontEnd.progress().pointAtStopItem();
         return;
     }
-    m_frontEnd.progress().bringMainWindowToFront();
+    m_frontEnd.windows().bringMainWindowToFront();
     for (const char *recordAction : { recordFullAction, recordRectangleAction }) {
         if (action == QLatin1StringView(recordAction))
             start([this, recordAction, file] { m_window->record(recordAction == recordFullAction, file); });
@@ -377,7 +377,7 @@ void WindowProgram::endSelection()
     m_selection.release()->deleteLater();
     m_window->show();
     m_window->keepOffRecorded();
-    m_frontEnd.progress().bringMainWindowToFront();
+    m_frontEnd.windows().bringMainWindowToFront();
 }
 
 } // namespace vornic

@@ -1,24 +1,16 @@
 #include "app/window/window_progress.h"
 
-#include "app/session/end_text.h"
 #include "app/session/room_text.h"
-#include "app/window/VNEncoderProgress.h"
-#include "app/window/application_icon.h"
 #include "app/window/main_window.h"
 #include "app/window/main_window_link.h"
-#include "app/window/screen_settling.h"
 #include "app/window/stop_item.h"
-#include "base/error_stream.h"
 #include "base/free_space.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "desktop/notifier.h"
 #include "display/display_scale.h"
 #include "display/main_display.h"
 #include "geometry/screen_geometry.h"
-#include "overlay/VNRecorderWndCtrl.h"
 #include "overlay/overlay_geometry.h"
-
-#include <QSystemTrayIcon>
 
 #include <utility>
 
@@ -143,101 +135,16 @@ void WindowProgress::nothingIsHeard(const QString &name)
                        .action = {} });
 }
 
-void WindowProgress::minimiseMainWindow()
+void WindowProgress::allowBar()
 {
-    if (!m_main.window)
-        return;
-    m_minimisedFrame = m_main.window->isVisible() && !m_main.window->isMinimized()
-        ? m_main.window->frameGeometry()
-        : QRect();
-    m_main.window->showMinimized();
-}
-
-void WindowProgress::whenScreenIsClear(std::function<void()> done)
-{
-    const auto settled = [this, done = std::move(done)] {
-        if (m_settling)
-            m_settling.release()->deleteLater();
-        if (m_stopItem)
-            m_stopItem->allowBar();
-        done();
-    };
-    if (m_main.window && !m_minimisedFrame.isNull())
-        m_settling = std::make_unique<ScreenSettling>(*m_main.window, m_minimisedFrame, settled);
-    else
-        settled();
-}
-
-void WindowProgress::stepAside()
-{
-    VNRecorderWndCtrl::shareRecorderWndCtrl().stepAside();
-    if (m_main.visible())
-        m_main.window->lower();
-}
-
-void WindowProgress::bringMainWindowToFront()
-{
-    if (!m_main.visible())
-        return;
-    m_main.window->setWindowState(m_main.window->windowState() & ~Qt::WindowMinimized);
-    m_main.window->raise();
-    m_main.window->activateWindow();
+    if (m_stopItem)
+        m_stopItem->allowBar();
 }
 
 void WindowProgress::pointAtStopItem()
 {
     if (m_stopItem)
         m_stopItem->drawAttention();
-}
-
-void WindowProgress::setBusy(bool busy)
-{
-    if (m_main.window)
-        m_main.window->setBusy(busy);
-}
-
-void WindowProgress::reloadData()
-{
-    if (m_main.window)
-        m_main.window->reloadData();
-}
-
-void WindowProgress::beginProgress(std::uint64_t frames)
-{
-    VNEncoderProgress::shareEncoderProgress().beginSheet(m_main.visible(), frames, m_later);
-    if (!StopItem::hasTray())
-        return;
-    m_writingIcon = std::make_unique<QSystemTrayIcon>(applicationIcon());
-    m_writingIcon->show();
-}
-
-void WindowProgress::setProgress(double percent)
-{
-    VNEncoderProgress::shareEncoderProgress().setPercent(percent);
-    if (m_writingIcon)
-        m_writingIcon->setToolTip(tr("Vornic is writing the movie: %1 %").arg(static_cast<int>(percent)));
-}
-
-void WindowProgress::endProgress()
-{
-    VNEncoderProgress::shareEncoderProgress().endSheet();
-    m_writingIcon.reset();
-}
-
-void WindowProgress::recordingKept(const QString &id)
-{
-    standardError().writeLine(recordingKeptLine(id)); // the window may be about to go
-    if (m_kept)
-        m_kept();
-}
-
-void WindowProgress::movieRenamed(const QString &meant, const QString &path)
-{
-    m_notifier->show(
-        { .title = tr("The movie has another name"),
-          .body = tr("Another file has come to stand in %1 and is kept; the movie is %2.").arg(meant, path),
-          .actionLabel = {},
-          .action = {} });
 }
 
 } // namespace vornic

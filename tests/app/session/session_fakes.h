@@ -4,9 +4,12 @@
 #include "app/session/desktop_services.h"
 #include "app/session/front_end.h"
 #include "app/session/logo_panels.h"
+#include "app/session/movie_progress.h"
+#include "app/session/program_windows.h"
 #include "app/session/recording_progress.h"
 #include "app/session/recording_questions.h"
 #include "app/session/recording_room.h"
+#include "app/session/sound_notices.h"
 #include "audio/PKAudioControlDelegate.h"
 #include "audio/PKAudioRecorderDelegate.h"
 #include "audio/audio_control.h"
@@ -24,12 +27,15 @@ namespace vornic {
 /// Answers as a test wants and writes down what it was told.
 class FakeFrontEnd : public RecordingQuestions,
                      public RecordingProgress,
+                     public SoundNotices,
+                     public MovieProgress,
+                     public ProgramWindows,
                      public DesktopServices,
                      public LogoPanels
 {
 public:
     virtual ~FakeFrontEnd() = default;
-    [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this }; }
+    [[nodiscard]] FrontEnd frontEnd() { return { *this, *this, *this, *this, *this, *this, *this }; }
 
     bool goesOn = true;
     std::optional<QString> path;

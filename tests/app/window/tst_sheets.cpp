@@ -7,7 +7,7 @@
 #include "app/window/main_window_link.h"
 #include "app/window/stop_bar.h"
 #include "app/window/stop_item.h"
-#include "app/window/window_progress.h"
+#include "app/window/window_movie_progress.h"
 #include "base/user_defaults.h"
 #include "capture/spool/VNBufferMgr.h"
 #include "support/wait_until.h"
@@ -259,7 +259,7 @@ TEST_F(ProgressTest, TheMovieIsPutOffByItsButtonAlone)
 TEST_F(ProgressTest, TheWindowsFrontEndPutsOffAndTellsWhatIsKept)
 {
     const MainWindowLink noWindow;
-    WindowProgress progress(noWindow);
+    WindowMovieProgress progress(noWindow);
     QStringList told;
     progress.recordingKept("20261122-140512-3fa9"); // to nobody
     progress.setLater([&told] { told += "later"; });

@@ -42,7 +42,7 @@ protected:
     void showStopItem(const QRectF &recorded)
     {
         progress().showStopItem("00:00:00", recorded);
-        progress().whenScreenIsClear([] {});
+        faces.windows().whenScreenIsClear([] {});
     }
     static QAbstractButton *stopButton()
     {
@@ -210,13 +210,13 @@ TEST_F(WindowProgressTest, TheBarShowsItsToolTipThoughItNeverHasTheFocus)
 
 TEST_F(WindowProgressTest, TheMainWindowIsMinimisedAndComesBackInFrontOfOthers)
 {
-    progress().minimiseMainWindow();
+    faces.windows().minimiseMainWindow();
     EXPECT_TRUE(window->isMinimized());
     QWidget other;
     other.show();
     other.activateWindow();
     ASSERT_TRUE(test::waitUntil([&] { return other.isActiveWindow(); }));
-    progress().bringMainWindowToFront();
+    faces.windows().bringMainWindowToFront();
     EXPECT_FALSE(window->isMinimized());
     EXPECT_TRUE(test::waitUntil([&] { return window->isActiveWindow(); }));
 }
@@ -225,7 +225,7 @@ TEST_F(WindowProgressTest, TheMainWindowIsToldToReload)
 {
     auto &button = control<QAbstractButton>("recordButton");
     button.setText("Something else");
-    progress().reloadData();
+    faces.windows().reloadData();
     EXPECT_EQ(button.text(), "&Record");
 }
 
