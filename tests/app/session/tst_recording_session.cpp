@@ -119,7 +119,11 @@ TEST_F(RecordingSessionTest, InputAndSystemAreOneSoundAtTheirLevels)
     const std::vector<std::int16_t> samples(96'000, 5000);
     for (FakeAudioRecorder *recorder : recorders)
         recorder->deliver(samples.data(), 192'000);
-    ASSERT_TRUE(waitUntil([&] { return timestamps.size() >= 3; }));
+    // So much of both is in the movie: 20 chunks of 40 ms.
+    ASSERT_TRUE(waitUntil([&] {
+        return frontEnd.levels.size() >= 20 && !timestamps.isEmpty()
+            && timestamps.last() >= PKTimebase * 7 / 10;
+    }));
     session->stopRecord();
     ASSERT_TRUE(waitUntil([&] { return session->phase() == Phase::Idle; }));
     const std::vector<std::int16_t> heard = testing::decodedSound(*frontEnd.path);
