@@ -31,9 +31,9 @@ namespace {
 using test::FuzzRandom;
 
 constexpr int batch = 100; // of calls under way; a bus takes only so many at once
-/// After so many inputs the instance is made anew: the toolkit keeps each signature that an object was called with, and
-/// copies all of them for the next.
-constexpr int inputsOfAnInstance = 5000;
+/// After which the instance is made anew: the toolkit caches each signature that an object was called with, and copies the
+/// whole cache for every new one.
+constexpr int inputsPerInstance = 5000;
 
 QString randomText(FuzzRandom &random)
 {
@@ -127,8 +127,8 @@ QDBusMessage randomCall(FuzzRandom &random)
     return call;
 }
 
-/// \a count is called for all that it is asked for.
-std::unique_ptr<SingleInstance> madeInstance(const std::function<void()> &count)
+/// Calls \a count for everything that it is asked to do.
+std::unique_ptr<SingleInstance> makeInstance(const std::function<void()> &count)
 {
     auto instance = std::make_unique<SingleInstance>();
     if (!instance->isOnly())
@@ -191,7 +191,7 @@ int fuzz(test::FuzzRun &run, const test::PrivateBus &bus)
     FuzzRandom &random = run.random();
     int asked = 0;
     const auto count = [&asked] { ++asked; };
-    std::unique_ptr<SingleInstance> instance = madeInstance(count);
+    std::unique_ptr<SingleInstance> instance = makeInstance(count);
     test::FakeService service(bus, "org.freedesktop.Notifications");
     service.setAnswer([&](const QDBusMessage &call) {
         if (random.below(2) == 0) // as it should be
@@ -204,10 +204,10 @@ int fuzz(test::FuzzRun &run, const test::PrivateBus &bus)
     Notifier notifier;
     Others others;
     run.feedAll("messages on the bus", [&](int number) {
-        if (number % inputsOfAnInstance == 0) {
+        if (number % inputsPerInstance == 0) {
             others.wait();
             instance.reset();
-            instance = madeInstance(count);
+            instance = makeInstance(count);
         }
         if (number % 100 == 0)
             notifier.show({ "title", "body", "label", [count](const QString &) { count(); } });

@@ -24,7 +24,8 @@ Number argument(int argc, char **argv, int index, Number defaultValue)
     return number;
 }
 
-/// Pins this thread and those that it starts later: threads that only hand work to one another take a third of the time so.
+/// Pins this thread and those that it starts later to one processor: where threads only hand work to one another, that
+/// takes a third of the time.
 void stayOnOneProcessor()
 {
     cpu_set_t one;

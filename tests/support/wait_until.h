@@ -27,8 +27,8 @@ inline void handleEventsFor(std::chrono::milliseconds time)
 }
 
 /// Blocks until \a condition holds, \a timeout at most, and says whether it did; \a condition is asked on the
-/// calling thread, every millisecond at first and ever more seldom: many a condition starts a program. Events of
-/// that thread are handled meanwhile, so that it may be the main thread.
+/// calling thread, every millisecond at first, then less and less often, because many conditions start a program.
+/// Events of that thread are handled meanwhile, so that it may be the main thread.
 inline bool waitUntil(const std::function<bool()> &condition,
                       std::chrono::milliseconds timeout = std::chrono::seconds(20))
 {

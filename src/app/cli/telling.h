@@ -12,7 +12,7 @@ inline void tell(const QString &line)
     standardError().writeLine(line);
 }
 
-/// A sentence of something that went wrong, or may be about to.
+/// The same for a sentence on something that went wrong, or may be about to.
 inline void tellError(const QString &sentence)
 {
     tell(QStringLiteral("vornic: ") + sentence);

@@ -17,7 +17,7 @@ public:
     /// 0 to 100.
     virtual void setProgress(double /*percent*/) { }
     virtual void endProgress() { }
-    /// It has become larger than was asked for: it is written again, with a lower bit rate.
+    /// The movie has become larger than was asked for: it is written again, with a lower bit rate.
     virtual void movieIsWrittenAgain() { }
     /// There is no movie, but the recording \a id stays and can be made into one later.
     virtual void recordingKept(const QString & /*id*/) { }

@@ -211,7 +211,7 @@ void VNBufferMgr::keep()
     });
     m_audio.queue().sync([this] { m_audio.close(); });
     if (open.folder)
-        open.folder->letGo(); // not only when the last sync has ended
+        open.folder->letGo(); // now, and not when the last sync has ended
 }
 
 void VNBufferMgr::clear()

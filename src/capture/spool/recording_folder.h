@@ -64,7 +64,7 @@ public:
 
     /// Blocks until the disk has everything that was written; false where it does not take it. Any thread.
     [[nodiscard]] bool sync();
-    /// Lets others open it, though something of this process may still hold it, as a sync does that a slow disk keeps.
+    /// Releases the lock, so that others can open the recording while this process may still sync it to a slow disk.
     void letGo();
     /// Deletes the files and the folder; false where something of it stays. The journal goes last: it tells what the
     /// rest is.
