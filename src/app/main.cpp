@@ -4,11 +4,11 @@
 #include "app/cli/exit_status.h"
 #include "app/cli/record_command.h"
 #include "app/cli/recover_command.h"
+#include "app/cli/telling.h"
 #include "app/session/translations.h"
 #include "app/session/unix_signals.h"
 #include "app/window/application_icon.h"
 #include "app/window/window_program.h"
-#include "base/error_stream.h"
 #include "base/exception_text.h"
 #include "base/exit_guard.h"
 #include "base/log.h"
@@ -203,7 +203,7 @@ int runCommand(const CommandLine &line)
     case CommandLine::Action::Record:
     case CommandLine::Action::Recover:
         if (const QString reason = noThreadsReason(); !reason.isEmpty()) {
-            standardError().writeLine(QStringLiteral("vornic: %1").arg(reason));
+            tellError(reason);
             return exit_status::failed;
         }
         return line.action == CommandLine::Action::Record ? runRecordCommand(line) : runRecoverCommand(line);
@@ -217,9 +217,8 @@ int runCommand(const CommandLine &line)
     case CommandLine::Action::WrongUsage:
         break;
     }
-    standardError().writeLine(QStringLiteral("vornic: %1").arg(line.problem));
-    standardError().writeLine(
-        QCoreApplication::translate("vornic", "vornic --help lists all commands and options."));
+    tellError(line.problem);
+    tell(QCoreApplication::translate("vornic", "vornic --help lists all commands and options."));
     return exit_status::wrongUsage;
 }
 

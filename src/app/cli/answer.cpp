@@ -1,5 +1,6 @@
 #include "app/cli/answer.h"
 
+#include "app/cli/telling.h"
 #include "base/error_stream.h"
 #include "base/native_path.h"
 #include "base/printable.h"
@@ -21,9 +22,7 @@ int answer(const QByteArray &text, int status, int unwritten)
     if (writeToStandardOutput(text))
         return status;
     const QString reason = qt_error_string();
-    standardError().writeLine(
-        QStringLiteral("vornic: ")
-        + QCoreApplication::translate("vornic", "Standard output could not be written: %1.").arg(reason));
+    tellError(QCoreApplication::translate("vornic", "Standard output could not be written: %1.").arg(reason));
     return unwritten;
 }
 

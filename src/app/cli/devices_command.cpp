@@ -2,9 +2,9 @@
 
 #include "app/cli/answer.h"
 #include "app/cli/exit_status.h"
+#include "app/cli/telling.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
-#include "base/error_stream.h"
 #include "base/printable.h"
 
 #include <QCoreApplication>
@@ -19,7 +19,7 @@ int runDevicesCommand()
         reason = QCoreApplication::translate("vornic",
                                              "There is no audio input device; is the sound server running?");
     if (!reason.isEmpty()) {
-        standardError().writeLine(QStringLiteral("vornic: ") + reason);
+        tellError(reason);
         return exit_status::failed;
     }
     QString list;

@@ -4,6 +4,7 @@
 #include "app/cli/display_claim.h"
 #include "app/cli/exit_status.h"
 #include "app/cli/run_session.h"
+#include "app/cli/telling.h"
 #include "app/session/audio_device_list.h"
 #include "app/session/audio_input.h"
 #include "app/session/left_behind.h"
@@ -13,7 +14,6 @@
 #include "app/session/time_text.h"
 #include "audio/audio_backend.h"
 #include "audio/audio_control.h"
-#include "base/error_stream.h"
 #include "base/free_space.h"
 #include "base/native_path.h"
 #include "base/printable.h"
@@ -92,7 +92,7 @@ void tellOfDevices(const CommandLine &line, CommandLineFrontEnd &frontEnd)
         QCoreApplication::translate("vornic", "There is no audio input device \"%1\". Available devices:")
             .arg(line.audioDevice));
     for (const QString &name : mainAudioControl().inputDevicesName())
-        standardError().writeLine(QStringLiteral("  ") + name);
+        tell(QStringLiteral("  ") + name);
 }
 
 /// Everything that can be known to go wrong before the display's user is asked for it.
