@@ -231,6 +231,18 @@ numbersOf(const QJsonObject &probed, const QString &section, const QString &type
     return numbers;
 }
 
+QList<qint64> keyFrameTimes(const QJsonObject &probed)
+{
+    const auto ofFrames = [&probed](const QString &name) {
+        return numbersOf(probed, QStringLiteral("frames"), QStringLiteral("video"), name);
+    };
+    QList<qint64> times = ofFrames(QStringLiteral("pts"));
+    const QList<qint64> isKey = ofFrames(QStringLiteral("key_frame"));
+    qsizetype i = 0;
+    times.removeIf([&](qint64) { return isKey[i++] != 1; });
+    return times;
+}
+
 QByteArray decodedPlanes(const QString &movie)
 {
     return outputOf(QStringLiteral("ffmpeg"),

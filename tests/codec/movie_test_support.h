@@ -91,6 +91,8 @@ QJsonObject streamOf(const QJsonObject &probed, const QString &type);
 /// Integers called \a name of the packets or frames (\a section) of one type, in file order.
 QList<qint64>
 numbersOf(const QJsonObject &probed, const QString &section, const QString &type, const QString &name);
+/// When the key frames of what probeDecoded() told are shown, ticks.
+QList<qint64> keyFrameTimes(const QJsonObject &probed);
 
 /// The decoder's planes of all pictures, 4:2:0, one after the other.
 QByteArray decodedPlanes(const QString &movie);

@@ -38,18 +38,6 @@ QList<qint64> videoNumbers(const QJsonObject &probed, const char *section, const
     return numbersOf(probed, QLatin1StringView(section), QStringLiteral("video"), QLatin1StringView(name));
 }
 
-/// Times at which the key frames of a movie are shown, ticks.
-QList<qint64> keyFrameTimes(const QJsonObject &probed)
-{
-    const auto times = videoNumbers(probed, "frames", "pts");
-    const auto keys = videoNumbers(probed, "frames", "key_frame");
-    QList<qint64> result;
-    for (qsizetype i = 0; i < times.size(); ++i)
-        if (keys[i] == 1)
-            result.append(times[i]);
-    return result;
-}
-
 TEST_F(PKMuxerTaskTest, writesH264HighInBt709LimitedRangeAndSaysSo)
 {
     m_source.addGreys({ 320, 240 }, 10);

@@ -31,25 +31,10 @@ protected:
         }
     }
 
-    /// When the movie's key frames are shown, ticks.
-    [[nodiscard]] QList<qint64> keyFrames() const
-    {
-        const QJsonObject probed = probeDecoded(m_movie);
-        const auto ofFrames = [&](const char *name) {
-            return numbersOf(
-                probed, QStringLiteral("frames"), QStringLiteral("video"), QLatin1StringView(name));
-        };
-        QList<qint64> times = ofFrames("pts");
-        const QList<qint64> isKey = ofFrames("key_frame");
-        qsizetype i = 0;
-        times.removeIf([&](qint64) { return isKey[i++] != 1; });
-        return times;
-    }
-
     /// One at the beginning, and then one whenever a frame would end later than \a seconds behind the last one.
     void expectKeyFrames(qint64 seconds) const
     {
-        const QList<qint64> keys = keyFrames();
+        const QList<qint64> keys = keyFrameTimes(probeDecoded(m_movie));
         ASSERT_EQ(keys.value(0, -1), 0);
         EXPECT_EQ(keys.size(), 1 + m_now / (seconds * PKTimebase));
         for (qsizetype i = 1; i < keys.size(); ++i) {
@@ -122,7 +107,7 @@ TEST_F(MovieStillTest, aFrameThatIsToBeAKeyFrameIsOneThoughNothingHasChanged)
     key->setIsKey(true);
     m_source.video[20] = key;
     ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
-    EXPECT_EQ(keyFrames(), (QList<qint64> { 0, key->timeStamp() }));
+    EXPECT_EQ(keyFrameTimes(probeDecoded(m_movie)), (QList<qint64> { 0, key->timeStamp() }));
 }
 
 TEST_F(MovieStillTest, aChangeIsAKeyFrameOrHasOneWithinTwoSeconds)
@@ -130,7 +115,7 @@ TEST_F(MovieStillTest, aChangeIsAKeyFrameOrHasOneWithinTwoSeconds)
     for (const int count : { 1, 1, 200, 30, 100, 1, 1, 1, 90, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 300 })
         addStill(count);
     ASSERT_TRUE(runTask(videoContext(m_movie, { 64, 48 }), m_source).isComplete());
-    const QList<qint64> keys = keyFrames();
+    const QList<qint64> keys = keyFrameTimes(probeDecoded(m_movie));
     for (qsizetype i = 0; i < keys.size(); ++i) {
         const qint64 end = i + 1 < keys.size() ? keys[i + 1] : m_now;
         const auto isBetween = [&](qint64 change) { return keys[i] < change && change < end; };

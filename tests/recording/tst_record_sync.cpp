@@ -1,3 +1,4 @@
+#include "base/PKTimebase.h"
 #include "record_sound_fixture.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace vornic {
 using test::SoundServer;
 using testing::decodedSound;
 using testing::probe;
-using testing::probeDecoded;
 using testing::streamOf;
 
 /// What a steady tone has become in a movie.
@@ -91,14 +91,9 @@ protected:
     /// Where the movie is cut: at its key frames, of which some follow no pause.
     QList<double> keyFrames() const
     {
-        const QJsonObject probed = probeDecoded(movie());
-        const QList<qint64> times = testing::numbersOf(probed, "frames", "video", "pts");
-        const QList<qint64> isKey = testing::numbersOf(probed, "frames", "video", "key_frame");
         QList<double> keys;
-        for (qsizetype i = 0; i < std::min(times.size(), isKey.size()); ++i) {
-            if (isKey[i] == 1)
-                keys += static_cast<double>(times[i]) / 90'000;
-        }
+        for (const qint64 time : testing::keyFrameTimes(testing::probeDecoded(movie())))
+            keys += static_cast<double>(time) / PKTimebase;
         return keys;
     }
 };

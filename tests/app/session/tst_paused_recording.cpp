@@ -42,15 +42,7 @@ protected:
     {
         return waitUntil([this] { return session->phase() == Phase::Idle; });
     }
-    QList<qint64> keyFrames() const
-    {
-        const QJsonObject probed = testing::probeDecoded(*frontEnd.path);
-        QList<qint64> times = testing::numbersOf(probed, "frames", "video", "pts");
-        const QList<qint64> isKey = testing::numbersOf(probed, "frames", "video", "key_frame");
-        qsizetype i = 0;
-        times.removeIf([&](qint64) { return isKey[i++] != 1; });
-        return times;
-    }
+    QList<qint64> keyFrames() const { return testing::keyFrameTimes(testing::probeDecoded(*frontEnd.path)); }
 };
 
 TEST_F(PausedRecordingTest, NoPictureIsKeptAndTheMovieGoesOnWhereItWasPaused)
