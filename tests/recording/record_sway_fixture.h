@@ -56,7 +56,8 @@ protected:
                 m_drawnAt.push_back(std::chrono::steady_clock::now());
                 return isSo();
             },
-            std::chrono::seconds(60));
+            std::chrono::seconds(60),
+            test::everyMillisecond);
     }
     /// Records while numbered pictures are shown.
     Result recordMoving(const QImage &picture, const QStringList &options)

@@ -55,7 +55,8 @@ protected:
                 process->waitForFinished(10);
                 return process->state() == QProcess::NotRunning;
             },
-            std::chrono::seconds(90)));
+            std::chrono::seconds(90),
+            test::everyMillisecond));
         return finish(*process);
     }
     [[nodiscard]] int frameCount() const

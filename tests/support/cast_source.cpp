@@ -308,10 +308,13 @@ bool CastSource::send(const SourceFrame &frame)
 
 bool CastSource::sendUntil(const SourceFrame &frame, const std::function<bool()> &isSo)
 {
-    return waitUntil([&] {
-        static_cast<void>(send(frame));
-        return isSo();
-    });
+    return waitUntil(
+        [&] {
+            static_cast<void>(send(frame));
+            return isSo();
+        },
+        std::chrono::seconds(20),
+        everyMillisecond);
 }
 
 void CastSource::fill(pw_buffer &buffer, const SourceFrame &frame)

@@ -26,15 +26,18 @@ inline void handleEventsFor(std::chrono::milliseconds time)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
+/// For waitUntil(), where the condition itself has something to do again and again, as drawing the next picture.
+constexpr std::chrono::milliseconds everyMillisecond(1);
+
 /// Blocks until \a condition holds, \a timeout at most, and says whether it did; \a condition is asked on the
-/// calling thread, every millisecond at first, then less and less often, because many conditions start a program.
-/// Events of that thread are handled meanwhile, so that it may be the main thread.
+/// calling thread, every millisecond at first, then less and less often up to every \a maxPause, because many
+/// conditions start a program. Events of that thread are handled meanwhile, so that it may be the main thread.
 inline bool waitUntil(const std::function<bool()> &condition,
-                      std::chrono::milliseconds timeout = std::chrono::seconds(20))
+                      std::chrono::milliseconds timeout = std::chrono::seconds(20),
+                      std::chrono::milliseconds maxPause = std::chrono::milliseconds(20))
 {
     using namespace std::chrono;
     constexpr milliseconds minPause(1);
-    constexpr milliseconds maxPause(20);
     const auto begin = steady_clock::now();
     const QDeadlineTimer deadline(timeout);
     while (!condition()) {
