@@ -3,6 +3,7 @@
 #include "support/wait_until.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QList>
 
 #include <fcntl.h>
@@ -64,6 +65,18 @@ QList<QByteArray> environmentWith(const QStringList &additions)
 }
 
 } // namespace
+
+QStringList printingTo(const QString &log, const QStringList &command)
+{
+    const QString append = QStringLiteral("log=$1; shift; exec \"$@\" >> \"$log\" 2>&1");
+    return QStringList { "sh", "-c", append, "sh", log } + command;
+}
+
+QString contentsOf(const QString &file)
+{
+    QFile opened(file);
+    return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()).trimmed() : QString();
+}
 
 std::unique_ptr<ChildProcess>
 ChildProcess::start(const QStringList &command, const QStringList &environment, int inherited)

@@ -49,12 +49,13 @@ std::unique_ptr<PrivateBus> PrivateBus::start()
                                 "--nosyslog",
                                 "--config-file=" + bus->writeConfiguration(),
                                 "--print-address=" + QString::number(ends[1]) };
-    bus->m_process = ChildProcess::start(command, {}, ends[1]);
+    const QString log = bus->m_folder.filePath("log");
+    bus->m_process = ChildProcess::start(printingTo(log, command), {}, ends[1]);
     close(ends[1]);
     bus->m_address = readAddress(ends[0]);
     close(ends[0]);
     if (bus->m_address.isEmpty()) {
-        std::fprintf(stderr, "dbus-daemon does not come up\n");
+        std::fprintf(stderr, "dbus-daemon does not come up:\n%s\n", qPrintable(contentsOf(log)));
         return nullptr;
     }
     return bus;

@@ -53,11 +53,15 @@ bool wirePlumberIsThere()
 std::unique_ptr<ScreenCastPortal>
 ScreenCastPortal::start(const SwaySession &session, Consent consent, const QString &monitor)
 {
-    std::unique_ptr<ScreenCastPortal> portal(new ScreenCastPortal);
-    return portal->startBus() && portal->startPipeWire(session)
-            && portal->startPortal(session, consent, monitor)
+    std::unique_ptr<ScreenCastPortal> portal(new ScreenCastPortal(session));
+    return portal->startBus() && portal->startPipeWire() && portal->startPortal(consent, monitor)
         ? std::move(portal)
         : nullptr;
+}
+
+ScreenCastPortal::ScreenCastPortal(const SwaySession &session)
+    : m_session(session)
+{
 }
 
 ScreenCastPortal::~ScreenCastPortal()
@@ -83,24 +87,24 @@ bool ScreenCastPortal::startBus()
     return true;
 }
 
-bool ScreenCastPortal::startPipeWire(const SwaySession &session)
+bool ScreenCastPortal::startPipeWire()
 {
     m_environment.unset("PIPEWIRE_REMOTE");
-    const QString socket = session.filePath(QStringLiteral("run/pipewire-0"));
+    const QString socket = m_session.filePath(QStringLiteral("run/pipewire-0"));
     return startPart(Part::PipeWire, { "pipewire" }, [&] { return QFile::exists(socket); })
         && startPart(Part::WirePlumber, { "wireplumber" }, wirePlumberIsThere);
 }
 
-bool ScreenCastPortal::startPortal(const SwaySession &session, Consent consent, const QString &monitor)
+bool ScreenCastPortal::startPortal(Consent consent, const QString &monitor)
 {
-    const QString portals = session.filePath(QStringLiteral("portals"));
+    const QString portals = m_session.filePath(QStringLiteral("portals"));
     QDir().mkpath(portals);
     write(portals + "/wlr.portal",
           QStringLiteral(
               "[portal]\nDBusName=%1\nInterfaces=org.freedesktop.impl.portal.ScreenCast\nUseIn=sway\n")
               .arg(backendService));
     m_environment.set("XDG_DESKTOP_PORTAL_DIR", portals);
-    const QString settings = session.filePath(QStringLiteral("portal-wlr.conf"));
+    const QString settings = m_session.filePath(QStringLiteral("portal-wlr.conf"));
     // What a user chooses is what the chooser prints.
     write(settings,
           consent == Consent::Granted
@@ -119,10 +123,12 @@ bool ScreenCastPortal::startPart(Part part,
                                  const std::function<bool()> &isUp,
                                  const QStringList &environment)
 {
-    auto process = ChildProcess::start(command, environment);
+    const QString program = command.first().section(u'/', -1);
+    const QString log = m_session.filePath(program + ".log");
+    auto process = ChildProcess::start(printingTo(log, command), environment);
     const bool hasDecided = process && waitUntil([&] { return isUp() || !process->isRunning(); });
     if (!hasDecided || !process->isRunning()) {
-        std::fprintf(stderr, "%s does not come up\n", qPrintable(command.first()));
+        std::fprintf(stderr, "%s does not come up:\n%s\n", qPrintable(program), qPrintable(contentsOf(log)));
         return false;
     }
     m_parts[part] = std::move(process);

@@ -43,15 +43,16 @@ public:
     void kill(Part part);
 
 private:
-    ScreenCastPortal() = default;
+    explicit ScreenCastPortal(const SwaySession &session);
     [[nodiscard]] bool startBus();
-    [[nodiscard]] bool startPipeWire(const SwaySession &session);
-    [[nodiscard]] bool startPortal(const SwaySession &session, Consent consent, const QString &monitor);
+    [[nodiscard]] bool startPipeWire();
+    [[nodiscard]] bool startPortal(Consent consent, const QString &monitor);
     [[nodiscard]] bool startPart(Part part,
                                  const QStringList &command,
                                  const std::function<bool()> &isUp,
                                  const QStringList &environment = {});
 
+    const SwaySession &m_session;
     ScopedEnvironment m_environment;
     std::unique_ptr<PrivateBus> m_bus;
     std::map<Part, std::unique_ptr<ChildProcess>> m_parts;

@@ -118,9 +118,7 @@ bool SessionPrograms::start(const QString &name,
                             const std::function<bool()> &isUp,
                             const QStringList &environment)
 {
-    const QString logged = QStringLiteral("log=$1; shift; exec \"$@\" > \"$log\" 2>&1");
-    auto program = ChildProcess::start(
-        QStringList { "sh", "-c", logged, "sh", filePath(name + ".log") } + command, environment);
+    auto program = ChildProcess::start(printingTo(filePath(name + ".log"), command), environment);
     const bool hasDecided
         = program && waitUntil([&] { return isUp() || !program->isRunning(); }, std::chrono::seconds(60));
     if (!hasDecided || !program->isRunning()) {
@@ -147,8 +145,7 @@ bool SessionPrograms::isOnBus(const QString &service)
 
 QString SessionPrograms::printedBy(const QString &name) const
 {
-    QFile file(filePath(name + ".log"));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return contentsOf(filePath(name + ".log"));
 }
 
 bool SessionPrograms::grant(const QString &token, const QString &choice)

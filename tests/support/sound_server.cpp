@@ -108,8 +108,8 @@ bool SoundServer::launch()
 {
     m_processes.clear();
     for (const QString &program : programsOf(m_kind)) {
-        const QStringList silenced { "sh", "-c", "exec \"$@\" >>" + path("log") + " 2>&1", "sh", program };
-        m_processes.push_back(ChildProcess::start(silenced + optionsOf(program), environment()));
+        const QStringList command = QStringList { program } + optionsOf(program);
+        m_processes.push_back(ChildProcess::start(printingTo(path("log"), command), environment()));
         // Each finds the one before through its socket.
         const QString socket = path(program == "dbus-daemon" ? "bus" : "pipewire-0");
         if (m_kind == Kind::PipeWire && !waitUntil([&] { return QFile::exists(socket); }))

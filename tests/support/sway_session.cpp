@@ -21,12 +21,6 @@ QStringList asAnotherThanRoot(const QStringList &command)
     return geteuid() == 0 ? namespaceOfItsOwn + command : command;
 }
 
-QString contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString();
-}
-
 QString firstSettings(const SwaySession::Options &options, const QString &namesFile)
 {
     return QStringLiteral("output HEADLESS-1 mode %1x%2@60Hz position 0 0 scale %3\n"
@@ -98,14 +92,10 @@ bool SwaySession::startCompositor()
     const QStringList environment { "WLR_BACKENDS=headless",
                                     "WLR_RENDERER=pixman",
                                     "WLR_LIBINPUT_NO_DEVICES=1" };
-    const QString logged = QStringLiteral("exec sway --config \"$1\" > \"$2\" 2>&1");
-    m_compositor = ChildProcess::start(asAnotherThanRoot({ "sh",
-                                                           "-c",
-                                                           logged,
-                                                           "sh",
-                                                           filePath(QStringLiteral("sway.conf")),
-                                                           filePath(QStringLiteral("sway.log")) }),
-                                       environment);
+    const QStringList command
+        = asAnotherThanRoot({ "sway", "--config", filePath(QStringLiteral("sway.conf")) });
+    m_compositor
+        = ChildProcess::start(printingTo(filePath(QStringLiteral("sway.log")), command), environment);
     return m_compositor && waitUntil([this] { return readNames() || !m_compositor->isRunning(); })
         && m_compositor->isRunning();
 }
