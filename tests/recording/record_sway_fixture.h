@@ -10,10 +10,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <set>
 #include <vector>
 
 namespace vornic {
@@ -102,23 +100,6 @@ protected:
             numbers.push_back(test::numberIn(
                 QImage(luma, size.width(), size.height(), size.width(), QImage::Format_Grayscale8)));
         return numbers;
-    }
-    [[nodiscard]] double secondsBetween(int first, int last) const
-    {
-        const auto passed
-            = m_drawnAt.at(static_cast<std::size_t>(last)) - m_drawnAt.at(static_cast<std::size_t>(first));
-        return std::chrono::duration<double>(passed).count();
-    }
-    /// In how many thirtieths of a second the compositor has drawn something new, from the picture \a first to \a last.
-    [[nodiscard]] std::size_t newThirtieths(int first, int last) const
-    {
-        std::set<std::int64_t> thirtieths;
-        for (int number = first; number <= last; ++number) {
-            const auto time = m_drawnAt.at(static_cast<std::size_t>(number)).time_since_epoch();
-            thirtieths.insert(
-                std::chrono::floor<std::chrono::duration<std::int64_t, std::ratio<1, 30>>>(time).count());
-        }
-        return thirtieths.size();
     }
 
     bool m_knowsXServer = false; ///< where the desktop has one

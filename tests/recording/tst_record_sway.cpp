@@ -3,7 +3,6 @@
 
 #include <QDirIterator>
 
-#include <cstdio>
 #include <cstdlib>
 #include <set>
 #include <vector>
@@ -21,35 +20,6 @@ TEST_F(RecordSwayTest, WhatMovesOnTheMonitorIsInTheMovie)
     const std::vector<int> numbers = numbersInMovie();
     EXPECT_TRUE(std::ranges::is_sorted(numbers));
     EXPECT_GE(std::set(numbers.begin(), numbers.end()).size(), 3U);
-}
-
-/// Of a picture that changes sixty times a second at least 26 are kept. A machine that is late draws fewer: of those
-/// the same part is to be kept. Only what was recorded while the compositor kept up speaks against the recorder.
-TEST_F(RecordSwayTest, AtLeast26PicturesASecondAreKept)
-{
-    startDesktop();
-    constexpr int maxTurns = 6;
-    constexpr int attempts = 3;
-    int failures = 0;
-    bool isEnough = false;
-    for (int turn = 0; turn < maxTurns && failures < attempts && !isEnough; ++turn) {
-        m_drawnAt.clear();
-        const Result result = recordMoving(test::knownPicture(size), { "--duration", "2" });
-        ASSERT_EQ(result.status, 0) << result.error.toStdString();
-        const std::vector<int> numbers = numbersInMovie();
-        ASSERT_GE(numbers.size(), 2U);
-        const std::size_t kept = std::set(numbers.begin(), numbers.end()).size();
-        const std::size_t possible = newThirtieths(numbers.front(), numbers.back());
-        const int drawn = numbers.back() - numbers.front() + 1;
-        const double seconds = secondsBetween(numbers.front(), numbers.back());
-        std::printf("%zu of %zu possible pictures of %d drawn in %.2f s\n", kept, possible, drawn, seconds);
-        isEnough = kept * 30 >= possible * 26;
-        if (!isEnough && drawn >= 50 * seconds)
-            ++failures;
-    }
-    if (!isEnough && failures < attempts)
-        GTEST_SKIP() << "this machine is too busy to draw fifty pictures a second";
-    EXPECT_TRUE(isEnough);
 }
 
 class RecordSwayScaleTest : public RecordSwayTest, public ::testing::WithParamInterface<double>
@@ -138,9 +108,9 @@ TEST_F(RecordSwayTest, ThePointerIsInThePictureOnceWhereverItGoes)
     const auto process = startVornic({ "record", "--ignore-low-space", "o.mp4" });
     QString seen;
     ASSERT_TRUE(waitForText(*process, "00:00:00", seen));
-    letPass(std::chrono::milliseconds(500));
+    letPass(std::chrono::seconds(1));
     const QRect after = shownAt({ 901, 503 });
-    letPass(std::chrono::milliseconds(500));
+    letPass(std::chrono::seconds(1));
     process->terminate();
     const Result result = finish(*process);
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
