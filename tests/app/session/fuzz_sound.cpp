@@ -46,7 +46,8 @@ double oddSeconds(test::FuzzRandom &random, double now)
     case 2:
         return random.below(1'000'000);
     default:
-        return now + random.below(100) / (random.below(10) == 0 ? 50.0 : 1000.0);
+        // A gap is encoded as silence, and takes as long as sound.
+        return now + random.below(100) / (random.below(100) == 0 ? 50.0 : 5000.0);
     }
 }
 
