@@ -129,6 +129,23 @@ TEST_F(RecordSwayTest, AScreenThatStandsStillIsRecordedAgainAndAgain)
     }
 }
 
+TEST_F(RecordSwayTest, AStillScreenIsRecordedAlsoWhereTheStreamBeginsLate)
+{
+    startDesktop();
+    ASSERT_TRUE(m_painter->show(test::knownPicture(size)));
+    ASSERT_EQ(record({ "--duration", "0.5" }).status, 0);
+    // The session manager connects the program with the stream. The second one is told nothing of a still screen.
+    const auto process
+        = startVornic({ "record", "--ignore-low-space", "--overwrite", "--duration", "0.5", "o.mp4" });
+    m_portal->setFrozen(test::ScreenCastPortal::Part::WirePlumber, true);
+    letPass(std::chrono::seconds(2));
+    EXPECT_EQ(process->state(), QProcess::Running);
+    m_portal->setFrozen(test::ScreenCastPortal::Part::WirePlumber, false);
+    const Result result = finish(*process);
+    ASSERT_EQ(result.status, 0) << result.error.toStdString();
+    EXPECT_LE(differenceFromBars(lastFrame(size)), 3);
+}
+
 TEST_F(RecordSwayTest, TheMonitorThatIsGrantedIsRecordedAlsoWhereItStandsStill)
 {
     constexpr QSize second(1024, 768);

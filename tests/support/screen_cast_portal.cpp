@@ -75,6 +75,11 @@ void ScreenCastPortal::kill(Part part)
     m_parts.at(part)->stop(SIGKILL);
 }
 
+void ScreenCastPortal::setFrozen(Part part, bool isFrozen)
+{
+    ::kill(m_parts.at(part)->pid(), isFrozen ? SIGSTOP : SIGCONT);
+}
+
 bool ScreenCastPortal::startBus()
 {
     m_bus = PrivateBus::start();

@@ -41,6 +41,8 @@ public:
 
     /// Ends \a part at once, as a crash would.
     void kill(Part part);
+    /// Whether \a part stands still, as on a machine that has other things to do.
+    void setFrozen(Part part, bool isFrozen);
 
 private:
     explicit ScreenCastPortal(const SwaySession &session);

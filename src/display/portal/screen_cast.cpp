@@ -18,7 +18,8 @@ namespace vornic {
 
 namespace {
 
-/// A compositor may show a new watcher nothing of a screen that stands still, before something is drawn on it.
+/// A compositor may show a new watcher nothing of a screen that stands still, before something is drawn on it. Something
+/// is drawn again and again: on a busy machine the watcher is not yet one at the first time.
 constexpr std::chrono::milliseconds patienceWithStillScreen(300);
 constexpr std::chrono::milliseconds pixelLifetime(50);
 constexpr std::chrono::seconds longestWait(3);
@@ -41,11 +42,11 @@ ScreenCast::ScreenCast(const QString &parentWindow, DisplayBackend::AccessAnswer
         m_screen->picture.end();
         finish(noPictures());
     });
-    for (QTimer *timer : { &m_nudge, &m_limit })
-        timer->setSingleShot(true);
     connect(&m_nudge, &QTimer::timeout, this, [this] {
-        m_pixel = std::make_unique<TransparentPixel>(pixelLifetime);
+        if (!m_pixel || m_pixel->state() == TransparentPixel::State::Over)
+            m_pixel = std::make_unique<TransparentPixel>(pixelLifetime);
     });
+    m_limit.setSingleShot(true);
     connect(&m_limit, &QTimer::timeout, this, [this] { finish(noPictures()); });
 }
 
