@@ -43,7 +43,7 @@ protected:
 TEST_F(SmallVolumeTest, AnOutputVolumeThatFillsLeavesNoPartialFile)
 {
     const Result result = inVolume(
-        100'000,
+        30'000,
         program
             + " record --ignore-low-space --duration 1 volume/o.mp4; status=$?; ls -A volume; exit $status");
     EXPECT_EQ(result.status, 1);
