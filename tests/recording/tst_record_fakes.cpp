@@ -34,8 +34,9 @@ TEST_F(RecordFakesTest, TheMovieHoldsTheDisplayAndTheSoundToTheSample)
     const Result result = record({ "--audio", "--duration", "2" });
     ASSERT_EQ(result.status, 0) << result.error.toStdString();
     EXPECT_EQ(sizeOf(movie()), QSize(1920, 1080));
-    EXPECT_NEAR(secondsOf(movie()), 2, 0.3);
-    EXPECT_NEAR(secondsOf(movie(), "audio"), secondsOf(movie()), 0.1);
+    EXPECT_NEAR(secondsOf(movie(), "audio"), 2, 0.03);
+    EXPECT_NEAR(secondsOf(movie()), 2, 0.3)
+        << "a slow machine grabs its last picture some time before the end";
 
     const std::vector<std::int16_t> sound = decodedSound(movie());
     const std::vector<double> clicks = beepsIn(sound);
