@@ -76,10 +76,12 @@ protected:
                         std::chrono::seconds(30));
         return movies.isEmpty() ? QString() : movie(movies.first());
     }
-    /// The bar, called by the pointer at the upper edge of the screen where it has hidden itself.
+    /// The bar, called by the pointer at the upper edge of the screen where it has hidden itself. The pointer rests there
+    /// also where the bar is still seen: it may be about to hide itself, before it can be clicked.
     static QString callStopBar()
     {
         xdotool({ "mousemove", "640", "0" });
+        letPass(std::chrono::milliseconds(600));
         return waitForWindow("^Stop recording$");
     }
     /// A click on it, as with a mouse.
