@@ -18,8 +18,8 @@ namespace vornic {
 
 namespace {
 
-/// A compositor may show a new watcher nothing of a screen that stands still, before something is drawn on it. Something
-/// is drawn again and again: on a busy machine the watcher is not yet one at the first time.
+/// A compositor may show a new watcher nothing of a screen that stands still, before something is drawn on it. That
+/// is repeated, because a busy machine may connect the stream only after the first time.
 constexpr std::chrono::milliseconds patienceWithStillScreen(300);
 constexpr std::chrono::milliseconds pixelLifetime(50);
 constexpr std::chrono::seconds longestWait(3);
