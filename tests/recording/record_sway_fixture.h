@@ -6,6 +6,7 @@
 #include "support/test_pictures.h"
 #include "support/wayland_painter.h"
 
+#include <QCoreApplication>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -115,6 +116,14 @@ inline bool isSwayInstalled()
         std::initializer_list<const char *> { "sway", "pipewire", "wireplumber" }, [](const char *program) {
             return !QStandardPaths::findExecutable(QLatin1StringView(program)).isEmpty();
         });
+}
+
+/// The exit status of a test program, which skips itself where there is no sway.
+inline int runSwayTests(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return isSwayInstalled() ? RUN_ALL_TESTS() : 77;
 }
 
 } // namespace vornic

@@ -214,7 +214,5 @@ TEST_F(RecordSwayTest, AMonitorThatIsTurnedIsRecordedUpright)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return vornic::isSwayInstalled() ? RUN_ALL_TESTS() : 77;
+    return vornic::runSwayTests(argc, argv);
 }

@@ -144,7 +144,5 @@ TEST_F(RecordSwayEndsTest, TheCompositorsDeathLeavesAMovie)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return vornic::isSwayInstalled() ? RUN_ALL_TESTS() : 77;
+    return vornic::runSwayTests(argc, argv);
 }

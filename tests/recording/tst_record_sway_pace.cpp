@@ -66,7 +66,5 @@ TEST_F(RecordSwayPaceTest, AtLeast26PicturesASecondAreKept)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return vornic::isSwayInstalled() ? RUN_ALL_TESTS() : 77;
+    return vornic::runSwayTests(argc, argv);
 }

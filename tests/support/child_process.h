@@ -42,7 +42,7 @@ private:
 /// \a command in a shell that appends all that it prints to the file \a log, so that a failing test's own output
 /// is not buried under its servers'.
 [[nodiscard]] QStringList printingTo(const QString &log, const QStringList &command);
-/// Without spaces at its ends; empty where \a file cannot be read.
+/// The text of \a file without white space at its ends; empty where it cannot be read.
 [[nodiscard]] QString contentsOf(const QString &file);
 
 } // namespace vornic::test

@@ -41,7 +41,7 @@ public:
 
     /// Ends \a part at once, as a crash would.
     void kill(Part part);
-    /// Whether \a part stands still, as on a machine that has other things to do.
+    /// Suspends \a part, as a busy machine would, or lets it go on.
     void setFrozen(Part part, bool isFrozen);
 
 private:

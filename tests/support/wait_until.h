@@ -26,7 +26,7 @@ inline void handleEventsFor(std::chrono::milliseconds time)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-/// For waitUntil(), where the condition itself has something to do again and again, as drawing the next picture.
+/// For waitUntil(), where the condition itself does something each time, such as drawing the next picture.
 constexpr std::chrono::milliseconds everyMillisecond(1);
 
 /// Blocks until \a condition holds, \a timeout at most, and says whether it did; \a condition is asked on the
