@@ -2,8 +2,8 @@
 """tools/tidy-units.py BUILD OUT: writes units for clang-tidy into OUT, and their names to the standard output.
 
 Most of clang-tidy's time goes into the toolkit's headers, so a unit includes all sources of one target, as
-build/*/compile_commands.json lists them. Sources that define the same name for themselves come into units apart: the
-compiler is asked, and what it refuses goes into the next unit.
+build/*/compile_commands.json lists them. Sources that define the same name for themselves cannot share a unit: the
+compiler is asked, and what it refuses is put together with the sources of the small targets.
 """
 import concurrent.futures
 import json
@@ -17,6 +17,7 @@ import sys
 root = pathlib.Path(__file__).resolve().parent.parent
 build, out = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
 clang = os.environ.get("CLANG", "clang++")
+small_target = 8  # sources; such a unit would take longer for its headers than for them
 
 
 def arguments_of(entry):
@@ -29,6 +30,8 @@ def arguments_of(entry):
             skip = False
         elif word in {"-o", "-MF", "-MT", "-MQ"}:
             skip = True
+        elif kept and kept[-1] == "-isystem":
+            kept[-1] = f"-isystem{word}"
         elif not word.startswith(("-W", "-MD", "-O")):
             kept.append(word)
     return kept
@@ -47,21 +50,16 @@ def refused(unit, sources, arguments):
     return found
 
 
-def units_of(target, sources, arguments):
-    """Yields a compilation database entry for each unit that takes all its sources."""
-    number = 0
-    while sources:
-        unit = out / f"{target}_{number}.cpp"
-        unit.write_text("".join(f'#include "{source}" // NOLINT\n' for source in sources))
-        later = refused(unit, sources, arguments) if len(sources) > 1 else set()
-        if len(later) == len(sources):
-            later = set(sources[1:])
-        if later:
-            sources = [source for source in sources if source not in later]
-            unit.write_text("".join(f'#include "{source}" // NOLINT\n' for source in sources))
-        yield {"directory": str(out), "file": str(unit), "arguments": [clang, *arguments, "-c", str(unit)]}
-        sources = sorted(later)
-        number += 1
+def unit_of(name, sources, arguments):
+    """A compilation database entry for a unit of the sources, and those that it does not take."""
+    unit = out / f"{name}.cpp"
+    unit.write_text("".join(f'#include "{source}" // NOLINT\n' for source in sources))
+    later = refused(unit, sources, arguments) if len(sources) > 1 else set()
+    if len(later) == len(sources):
+        later = set(sources[1:])
+    if later:
+        unit.write_text("".join(f'#include "{source}" // NOLINT\n' for source in sources if source not in later))
+    return {"directory": str(out), "file": str(unit), "arguments": [clang, *arguments, "-c", str(unit)]}, later
 
 
 out.mkdir(parents=True, exist_ok=True)
@@ -73,10 +71,18 @@ for entry in json.loads((build / "compile_commands.json").read_text()):
     if source.is_relative_to(root / "src") and source.suffix == ".cpp":
         target = re.search(r"CMakeFiles/(\w+)\.dir/", entry["command"])[1]
         targets.setdefault(target, []).append(entry)
+arguments = {target: arguments_of(entries[0]) for target, entries in targets.items()}
+sources = {target: sorted(entry["file"] for entry in entries) for target, entries in targets.items()}
+large = [target for target in targets if len(sources[target]) > small_target]
 with concurrent.futures.ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
-    jobs = [pool.submit(lambda item: list(units_of(item[0], sorted(e["file"] for e in item[1]), arguments_of(item[1][0]))), item)
-            for item in targets.items()]
-    entries = [entry for job in jobs for entry in job.result()]
+    taken = list(pool.map(lambda target: unit_of(target, sources[target], arguments[target]), large))
+entries = [entry for entry, later in taken]
+rest = {source for target in targets if target not in large for source in sources[target]}
+rest = rest.union(*(later for entry, later in taken))
+of_all_targets = list(dict.fromkeys(word for words in arguments.values() for word in words))
+while rest:
+    entry, rest = unit_of(f"rest_{len(entries)}", sorted(rest), of_all_targets)
+    entries.append(entry)
 (out / "compile_commands.json").write_text(json.dumps(entries, indent=1))
 for entry in sorted(entries, key=lambda entry: -pathlib.Path(entry["file"]).stat().st_size):
     print(entry["file"])
