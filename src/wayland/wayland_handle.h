@@ -9,8 +9,8 @@
 
 namespace vornic {
 
-/// How each object of the Wayland library ends; those that the compositor keeps a part of are taken from it, too.
-struct WaylandDestroy {
+/// How each object of the core protocol ends; those that the compositor keeps a part of are taken from it, too.
+struct CoreProtocolDestroy {
     void operator()(wl_display *display) const { wl_display_disconnect(display); }
     void operator()(wl_registry *registry) const { wl_registry_destroy(registry); }
     void operator()(wl_callback *callback) const { wl_callback_destroy(callback); }
@@ -50,12 +50,22 @@ struct WaylandDestroy {
         else
             wl_data_device_destroy(device);
     }
+};
+
+/// How each object of the other protocols ends.
+struct OtherProtocolsDestroy {
     void operator()(zxdg_output_manager_v1 *manager) const { zxdg_output_manager_v1_destroy(manager); }
     void operator()(zxdg_output_v1 *output) const { zxdg_output_v1_destroy(output); }
     void operator()(wp_viewporter *viewporter) const { wp_viewporter_destroy(viewporter); }
     void operator()(wp_viewport *viewport) const { wp_viewport_destroy(viewport); }
     void operator()(zwlr_layer_shell_v1 *shell) const { zwlr_layer_shell_v1_destroy(shell); }
     void operator()(zwlr_layer_surface_v1 *surface) const { zwlr_layer_surface_v1_destroy(surface); }
+};
+
+/// How each object of the Wayland library ends.
+struct WaylandDestroy : CoreProtocolDestroy, OtherProtocolsDestroy {
+    using CoreProtocolDestroy::operator();
+    using OtherProtocolsDestroy::operator();
 };
 
 /// An object of the Wayland library, used on the thread of its WaylandConnection and gone before that.
