@@ -1,7 +1,5 @@
 #include "overlay/fake_overlay_server.h"
 
-#include <QPainter>
-
 #include <utility>
 
 namespace vornic {
@@ -24,19 +22,10 @@ void FakeOverlayServer::setDragging(bool isDragging)
         emit draggingChanged();
 }
 
-QImage FakeOverlayServer::surface() const
-{
-    QImage picture(m_appearance.pixels.size(), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    m_paint(painter);
-    return picture;
-}
-
-void FakeOverlayServer::setPixelsOfWindows(const QRegion &all, const QRegion &seen)
+void FakeOverlayServer::setPixelsOfWindows(const QRegion &all, const std::optional<QRegion> &seen)
 {
     m_pixelsOfWindows = all;
-    m_seenPixelsOfWindows = seen;
+    m_seenPixelsOfWindows = seen.value_or(all);
     emit windowsMoved();
 }
 
@@ -47,22 +36,22 @@ QRegion FakeOverlayServer::pixelsOf(const QList<QWindow *> & /*windows*/, Pixels
 
 void FakeOverlayServer::setAppearance(QWindow & /*window*/, const OverlayAppearance &appearance)
 {
-    m_appearance = appearance;
+    m_asked.appearance = appearance;
 }
 
 void FakeOverlayServer::orderFront(QWindow & /*window*/)
 {
-    m_isInFront = true;
+    m_asked.isInFront = true;
 }
 
 void FakeOverlayServer::orderOut()
 {
-    m_isInFront = false;
+    m_asked.isInFront = false;
 }
 
 void FakeOverlayServer::wait()
 {
-    ++m_waits;
+    ++m_asked.waits;
 }
 
 } // namespace vornic

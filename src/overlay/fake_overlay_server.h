@@ -2,9 +2,9 @@
 
 #include "overlay/overlay_server.h"
 
-#include <QImage>
+#include <QList>
 
-#include <utility>
+#include <optional>
 
 namespace vornic {
 
@@ -24,6 +24,16 @@ public:
         ByServer,
     };
 
+    /// What the server was asked for.
+    struct Asked {
+        OverlayAppearance appearance;
+        Qt::CursorShape cursor = Qt::ArrowCursor;
+        bool isInFront = false;
+        int waits = 0;
+        Paint paint;
+        QList<QRegion> repaints; ///< of a surface
+    };
+
     /// Borrows \a receiver for life. A compositing manager runs, and no window is shown.
     FakeOverlayServer(InputReceiver &receiver, Shown shown);
 
@@ -35,30 +45,21 @@ public:
     void setComposited(bool isComposited);
     /// Another program begins to drag something, or ends.
     void setDragging(bool isDragging);
-    /// What pixelsOf() answers from now on; tells that windows have moved.
-    void setPixelsOfWindows(const QRegion &all, const QRegion &seen);
-    void setPixelsOfWindows(const QRegion &pixels) { setPixelsOfWindows(pixels, pixels); }
+    /// What pixelsOf() answers from now on, \a seen where it is not \a all; tells that windows have moved.
+    void setPixelsOfWindows(const QRegion &all, const std::optional<QRegion> &seen = {});
 
-    /// What of a surface was to be painted anew since this was asked last.
-    [[nodiscard]] QRegion takeRepainted() { return std::exchange(m_repainted, {}); }
-    /// What a surface shows, as large as the window's pixels.
-    [[nodiscard]] QImage surface() const;
-
-    /// The last that was asked for.
-    [[nodiscard]] const OverlayAppearance &appearance() const { return m_appearance; }
-    [[nodiscard]] bool isInFront() const { return m_isInFront; }
-    [[nodiscard]] Qt::CursorShape cursor() const { return m_cursor; }
-    [[nodiscard]] int waitCount() const { return m_waits; }
+    /// What the server was asked for last.
+    [[nodiscard]] const Asked &asked() const { return m_asked; }
 
     [[nodiscard]] bool hasSurface() const override { return m_hasSurface; }
-    void setPaint(const Paint &paint) override { m_paint = paint; }
-    void repaint(const QRegion &pixels) override { m_repainted += pixels; }
+    void setPaint(const Paint &paint) override { m_asked.paint = paint; }
+    void repaint(const QRegion &pixels) override { m_asked.repaints += pixels; }
     [[nodiscard]] bool keepsMouse() const override { return m_keepsMouse; }
     [[nodiscard]] bool isComposited() const override { return m_isComposited; }
     [[nodiscard]] bool isDragging() const override { return m_isDragging; }
     [[nodiscard]] QRegion pixelsOf(const QList<QWindow *> &windows, Pixels which) override;
     void setAppearance(QWindow &window, const OverlayAppearance &appearance) override;
-    void setCursor(Qt::CursorShape shape) override { m_cursor = shape; }
+    void setCursor(Qt::CursorShape shape) override { m_asked.cursor = shape; }
     void takeFocus(QWindow & /*window*/) override { }
     void orderFront(QWindow &window) override;
     void orderOut() override;
@@ -68,16 +69,11 @@ private:
     InputReceiver &m_receiver;
     const bool m_hasSurface;
     bool m_keepsMouse = false;
-    Paint m_paint;
-    QRegion m_repainted;
-    OverlayAppearance m_appearance;
+    Asked m_asked;
     QRegion m_pixelsOfWindows;
     QRegion m_seenPixelsOfWindows;
-    Qt::CursorShape m_cursor = Qt::ArrowCursor;
     bool m_isComposited = true;
     bool m_isDragging = false;
-    bool m_isInFront = false;
-    int m_waits = 0;
 };
 
 } // namespace vornic

@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -62,7 +63,7 @@ protected:
         logo.setNSImage(picture);
         logo.setLogoPosition({ 100, 100 });
     }
-    [[nodiscard]] const OverlayAppearance &appearance() const { return server.appearance(); }
+    [[nodiscard]] const OverlayAppearance &appearance() const { return server.asked().appearance; }
 
     VNLogoContext logo;
     Delegate delegate;
@@ -80,12 +81,12 @@ protected:
 
 TEST_F(RecoderWindow, IsKeptInFrontWhileItIsShown)
 {
-    EXPECT_FALSE(server.isInFront());
+    EXPECT_FALSE(server.asked().isInFront);
     window.orderFront();
-    EXPECT_TRUE(server.isInFront());
+    EXPECT_TRUE(server.asked().isInFront);
     EXPECT_TRUE(window.isVisible());
     window.orderOut();
-    EXPECT_FALSE(server.isInFront());
+    EXPECT_FALSE(server.asked().isInFront);
     EXPECT_FALSE(window.isVisible());
 }
 
@@ -153,7 +154,7 @@ TEST_F(RecoderWindow, IsRecordedWithAHoleOnlyWhereOwnWindowsAreSeen)
     delegate.isRecording = true;
     view.redraw();
     EXPECT_EQ(appearance().shape, whole - QRect(0, 0, 408, 208));
-    server.setPixelsOfWindows(ownWindow, {});
+    server.setPixelsOfWindows(ownWindow, QRegion());
     EXPECT_EQ(appearance().shape, whole);
     delegate.isRecording = false;
     view.redraw();
@@ -185,7 +186,7 @@ TEST_F(RecoderWindow, PointerShowsWhatAPressWouldTake)
     server.setComposited(false);
     const auto shapeAt = [&](QPoint inWindow) {
         server.receiver().inputMoved(QPoint(312, 142) + inWindow);
-        return server.cursor();
+        return server.asked().cursor;
     };
     EXPECT_EQ(shapeAt({ 4, 4 }), Qt::SizeFDiagCursor);
     EXPECT_EQ(shapeAt({ 811, 611 }), Qt::SizeFDiagCursor);
@@ -318,11 +319,11 @@ TEST_F(RecoderWindow, IsHiddenWhileTheWindowAboveIs)
     main.showMinimized();
     QCoreApplication::processEvents();
     EXPECT_FALSE(window.isVisible());
-    EXPECT_FALSE(server.isInFront());
+    EXPECT_FALSE(server.asked().isInFront);
     main.showNormal();
     QCoreApplication::processEvents();
     EXPECT_TRUE(window.isVisible());
-    EXPECT_TRUE(server.isInFront());
+    EXPECT_TRUE(server.asked().isInFront);
     main.hide();
     QCoreApplication::processEvents();
     EXPECT_FALSE(window.isVisible());
@@ -470,10 +471,10 @@ TEST_F(RecoderWindow, IsAsideUntilTheWindowAboveIsTurnedTo)
 TEST_F(RecoderWindow, WaitsForTheServerOnlyWhileItIsShown)
 {
     window.waitUntilDrawn();
-    EXPECT_EQ(server.waitCount(), 0);
+    EXPECT_EQ(server.asked().waits, 0);
     window.orderFront();
     window.waitUntilDrawn();
-    EXPECT_EQ(server.waitCount(), 1);
+    EXPECT_EQ(server.asked().waits, 1);
 }
 
 /// The same where the server shows the overlay itself.
@@ -488,8 +489,23 @@ protected:
     /// What the surface shows at a pixel of the desktop.
     [[nodiscard]] QColor pixel(QPoint point) const
     {
-        return server.surface().pixelColor(point - appearance().pixels.topLeft());
+        QImage surface(appearance().pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        surface.fill(Qt::transparent);
+        QPainter painter(&surface);
+        server.asked().paint(painter);
+        return surface.pixelColor(point - appearance().pixels.topLeft());
     }
+    /// What of the surface was to be painted anew since this was asked last.
+    [[nodiscard]] QRegion takeRepainted()
+    {
+        QRegion repainted;
+        for (; m_taken < server.asked().repaints.size(); ++m_taken)
+            repainted += server.asked().repaints[m_taken];
+        return repainted;
+    }
+
+private:
+    qsizetype m_taken = 0;
 };
 
 TEST_F(RecoderSurface, TheToolkitShowsNothing)
@@ -497,9 +513,9 @@ TEST_F(RecoderSurface, TheToolkitShowsNothing)
     window.orderFront();
     EXPECT_TRUE(window.isVisible());
     EXPECT_FALSE(window.windowHandle()->isVisible());
-    EXPECT_TRUE(server.isInFront());
+    EXPECT_TRUE(server.asked().isInFront);
     window.orderOut();
-    EXPECT_FALSE(server.isInFront());
+    EXPECT_FALSE(server.asked().isInFront);
 }
 
 TEST_F(RecoderSurface, ShowsTheFrameAtItsPixels)
@@ -540,13 +556,13 @@ TEST_F(RecoderSurface, WhatLiesBeyondTheDisplayIsNotHeld)
 TEST_F(RecoderSurface, OnlyWhatLooksOtherwiseIsPaintedAnew)
 {
     window.orderFront();
-    (void)server.takeRepainted();
+    (void)takeRepainted();
     view.redraw();
-    EXPECT_TRUE(server.takeRepainted().isEmpty());
+    EXPECT_TRUE(takeRepainted().isEmpty());
     useLogo();
-    (void)server.takeRepainted();
+    (void)takeRepainted();
     logo.setLogoPosition({ 140, 100 });
-    const QRegion changed = server.takeRepainted();
+    const QRegion changed = takeRepainted();
     const QRect both(99, 616 - 141, 102, 42);
     EXPECT_FALSE(changed.isEmpty());
     EXPECT_TRUE((changed - both).isEmpty()) << "more than the logo where it was and is";
