@@ -24,6 +24,10 @@ AudioInput::AudioInput(VNBufferMgr &spool, AudioControl *control)
     , m_control(control)
     , m_devices(std::make_unique<AudioDeviceList>())
 {
+    if (!m_control)
+        return;
+    addDevices(m_control->inputDevicesName());
+    m_control->setDelegate(this);
 }
 
 AudioInput::~AudioInput()
@@ -32,17 +36,6 @@ AudioInput::~AudioInput()
     stop(); // before what the recorder's thread works with is gone
     if (m_control)
         m_control->setDelegate(nullptr);
-}
-
-bool AudioInput::fillDevices()
-{
-    QStringList names;
-    if (m_control) {
-        names = m_control->inputDevicesName();
-        m_control->setDelegate(this);
-    }
-    addDevices(names);
-    return !names.isEmpty();
 }
 
 void AudioInput::addDevices(const QStringList &names)

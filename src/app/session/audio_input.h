@@ -34,12 +34,11 @@ class AudioInput : public QObject, public PKAudioControlDelegate, public PKAudio
 {
     Q_OBJECT
 public:
-    /// Borrows both for life; without a \a control there are no devices.
+    /// Fills the list of devices and follows their coming and going. Borrows both for life; without a \a control there
+    /// are no devices.
     AudioInput(VNBufferMgr &spool, AudioControl *control);
     ~AudioInput() override;
 
-    /// Fills the list of devices and follows their coming and going; false when there is none.
-    bool fillDevices();
     [[nodiscard]] AudioDeviceList &devices() { return *m_devices; }
     [[nodiscard]] bool hasDevices() const;
     /// The number of the device that the list shows; 0 when it is not there.

@@ -49,7 +49,7 @@ RecordingSession::RecordingSession(const FrontEnd &frontEnd, VNOption &options, 
     connect(m_start.get(), &RecordingStart::refused, this, &RecordingSession::refuse);
     connect(m_maker.get(), &MovieMaker::ended, this, &RecordingSession::becomeIdle);
     adopt(std::make_shared<Recording>());
-    if (!m_audio->fillDevices())
+    if (!m_audio->hasDevices())
         m_options.setEnableAudio(false);
     enableAudioDevices();
     connect(&m_options, &VNOption::enableAudioChanged, this, &RecordingSession::enableAudioDevices);
