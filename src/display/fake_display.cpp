@@ -53,10 +53,7 @@ struct FakeDisplay::State {
     QPoint pointer;
     std::shared_ptr<const CursorShape> shape;
     bool refusesGrabs = false;
-    std::optional<QSize> reportedSize;
-    std::uint32_t id = 1;
-    QPoint origin;
-    QString name;
+    Report report;
     int grabs = 0;
     std::deque<RememberedGrab> remembered;
 
@@ -102,23 +99,10 @@ void FakeDisplay::setRefusesGrabs(bool refuses)
     m_state->refusesGrabs = refuses;
 }
 
-void FakeDisplay::setReportedSize(QSize size)
+void FakeDisplay::setReport(const Report &report)
 {
     const std::lock_guard lock(m_mutex);
-    m_state->reportedSize = size;
-}
-
-void FakeDisplay::setMainDisplayId(std::uint32_t id)
-{
-    const std::lock_guard lock(m_mutex);
-    m_state->id = id;
-}
-
-void FakeDisplay::setPlace(QPoint origin, const QString &name)
-{
-    const std::lock_guard lock(m_mutex);
-    m_state->origin = origin;
-    m_state->name = name;
+    m_state->report = report;
 }
 
 int FakeDisplay::grabCount() const
@@ -151,25 +135,25 @@ void FakeDisplay::answerAccess(const DisplayAccess &access)
 std::uint32_t FakeDisplay::mainDisplayId() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_state->id;
+    return m_state->report.id;
 }
 
 QSize FakeDisplay::mainDisplaySize() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_state->reportedSize.value_or(m_state->picture.size());
+    return m_state->report.size.value_or(m_state->picture.size());
 }
 
 QPoint FakeDisplay::mainDisplayOrigin() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_state->origin;
+    return m_state->report.origin;
 }
 
 QString FakeDisplay::mainDisplayName() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_state->name;
+    return m_state->report.name;
 }
 
 std::shared_ptr<const BitmapImage> FakeDisplay::grab(const QRect &rectangle)

@@ -2,7 +2,9 @@
 
 #include "display/display_backend.h"
 
+#include <cstdint>
 #include <mutex>
+#include <optional>
 
 namespace vornic {
 
@@ -12,6 +14,15 @@ namespace vornic {
 class FakeDisplay final : public DisplayBackend
 {
 public:
+    /// What a display tells of itself.
+    struct Report {
+        /// Nothing: that of its picture. Otherwise as a display that cannot say its size.
+        std::optional<QSize> size = {};
+        std::uint32_t id = 1; ///< 0: there is none
+        QPoint origin = {};   ///< where it lies on the desktop, as one of several monitors
+        QString name = {};    ///< its name among them
+    };
+
     /// A grey display of \a size.
     explicit FakeDisplay(QSize size);
 
@@ -22,11 +33,8 @@ public:
     void setCursorShape(CursorShape shape);
     /// True lets every grab fail from now on.
     void setRefusesGrabs(bool refuses);
-    /// What is told instead of the real size, which grabs keep (a display that cannot say its size).
-    void setReportedSize(QSize size);
-    void setMainDisplayId(std::uint32_t id);
-    /// As one of several monitors: where it lies on the desktop, and its name.
-    void setPlace(QPoint origin, const QString &name);
+    /// What is told of the display, whatever grabs give.
+    void setReport(const Report &report);
     [[nodiscard]] int grabCount() const;
     /// True leaves every prepare() from now on to answerAccess(). Main thread, as the three below.
     void setAsksForAccess(bool asks) { m_asksForAccess = asks; }

@@ -88,7 +88,7 @@ TEST_F(CGDisplayTest, ARefusedGrabIsPassedOn)
 
 TEST_F(CGDisplayTest, NoDisplayIsAnAssertionFailure)
 {
-    m_display->setMainDisplayId(0);
+    m_display->setReport({ .id = 0 });
     const VNCGDisplay display;
     ASSERT_EQ(m_failures.size(), 1U);
     EXPECT_EQ(m_failures[0].operation, "init");
@@ -99,7 +99,7 @@ TEST_F(CGDisplayTest, NoDisplayIsAnAssertionFailure)
 
 TEST_F(CGDisplayTest, AWidthOfZeroIsMeasuredFromAPicture)
 {
-    m_display->setReportedSize(QSize(0, 77));
+    m_display->setReport({ .size = QSize(0, 77) });
     const VNCGDisplay display;
     EXPECT_EQ(display.displayWidth(), 320);
     EXPECT_EQ(display.displayHeight(), 200);
@@ -108,7 +108,7 @@ TEST_F(CGDisplayTest, AWidthOfZeroIsMeasuredFromAPicture)
 
 TEST_F(CGDisplayTest, AWidthOfZeroWithoutAPictureIsZeroWithoutAnAssertion)
 {
-    m_display->setReportedSize(QSize(0, 0));
+    m_display->setReport({ .size = QSize(0, 0) });
     m_display->setRefusesGrabs(true);
     const VNCGDisplay display;
     EXPECT_EQ(display.displayWidth(), 0);
@@ -118,7 +118,7 @@ TEST_F(CGDisplayTest, AWidthOfZeroWithoutAPictureIsZeroWithoutAnAssertion)
 
 TEST_F(CGDisplayTest, AHeightOfZeroIsAnAssertionFailureAndKept)
 {
-    m_display->setReportedSize(QSize(320, 0));
+    m_display->setReport({ .size = QSize(320, 0) });
     const VNCGDisplay display;
     ASSERT_EQ(m_failures.size(), 1U);
     EXPECT_EQ(m_failures[0].line, 33);

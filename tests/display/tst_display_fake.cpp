@@ -106,8 +106,7 @@ TEST(FakeDisplayTest, TakesTheSizeOfItsPicture)
 TEST(FakeDisplayTest, ReportsWhatItIsToldTo)
 {
     FakeDisplay display(size);
-    display.setReportedSize(QSize(0, 0));
-    display.setMainDisplayId(0);
+    display.setReport({ .size = QSize(0, 0), .id = 0 });
     EXPECT_EQ(display.mainDisplaySize(), QSize(0, 0));
     EXPECT_EQ(display.mainDisplayId(), 0U);
     ASSERT_TRUE(display.grab(whole));

@@ -25,9 +25,9 @@ TEST_F(MainDisplayTest, TheMainDisplayStandsAtTheOrigin)
 
 TEST_F(MainDisplayTest, TheFrameIsReadAfresh)
 {
-    m_display->setReportedSize(QSize(800, 600));
+    m_display->setReport({ .size = QSize(800, 600) });
     EXPECT_EQ(mainDisplayFrame(), QRectF(0, 0, 800, 600));
-    m_display->setReportedSize(QSize(0, 0));
+    m_display->setReport({ .size = QSize(0, 0) });
     EXPECT_EQ(mainDisplayFrame(), QRectF(0, 0, 0, 0));
 }
 
@@ -35,7 +35,7 @@ TEST_F(MainDisplayTest, ThePlacementIsReadAfresh)
 {
     EXPECT_EQ(mainDisplayPlacement().size, QSize(1440, 900));
     EXPECT_EQ(mainDisplayPlacement().origin, QPoint(0, 0));
-    m_display->setReportedSize(QSize(800, 600));
+    m_display->setReport({ .size = QSize(800, 600) });
     EXPECT_EQ(mainDisplayPlacement().size, QSize(800, 600));
 }
 

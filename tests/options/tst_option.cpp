@@ -25,7 +25,7 @@ protected:
     static void removeDisplay()
     {
         const auto display = std::make_shared<FakeDisplay>(QSize(1440, 900));
-        display->setReportedSize({ 0, 0 });
+        display->setReport({ .size = QSize(0, 0) });
         setMainDisplay(display);
     }
 };

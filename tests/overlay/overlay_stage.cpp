@@ -153,7 +153,7 @@ private:
         const auto display = std::dynamic_pointer_cast<FakeDisplay>(mainDisplay());
         const QRect place = rectangle(words.mid(1)).toRect();
         display->setPicture(QImage(place.size(), QImage::Format_RGB32));
-        display->setPlace(place.topLeft(), words.value(1));
+        display->setReport({ .origin = place.topLeft(), .name = words.value(1) });
     }
 
     static QRectF rectangle(const QStringList &words)

@@ -135,7 +135,7 @@ TEST_F(Choice, DisplayThatCannotBeGrabbedIsToldOf)
 TEST_F(Choice, DisplayOfAnotherSizeIsNotTaken)
 {
     begin();
-    display->setReportedSize({ 640, 480 });
+    display->setReport({ .size = QSize(640, 480) });
     QTest::keyClick(shownWindow(), Qt::Key_Return);
     ASSERT_TRUE(isOver());
     EXPECT_EQ(cancelled.size(), 1);

@@ -21,7 +21,7 @@ protected:
 
 TEST_F(WhyNoPictureTest, ADisplayThatIsGoneIsToldSo)
 {
-    display->setReportedSize(QSize());
+    display->setReport({ .size = QSize() });
     for (const QRectF rectangle : { QRectF(), QRectF(10, 10, 50, 50) })
         EXPECT_EQ(whyNoPicture(rectangle), "The display is gone: the recording ends with what it holds.");
 }

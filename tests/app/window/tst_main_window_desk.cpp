@@ -300,15 +300,15 @@ TEST_F(MainWindowTest, WhereThereAreSeveralMonitorsItTellsWhichIsRecorded)
     const int height = window->height();
     const auto display = std::make_shared<FakeDisplay>(QSize(1440, 900));
     setMainDisplay(display);
-    display->setPlace({ 1440, 0 }, "DP-2");
+    display->setReport({ .origin = { 1440, 0 }, .name = "DP-2" });
     window->reloadData(); // as when a recording begins
     EXPECT_TRUE(line.isVisible());
     EXPECT_EQ(line.text(), "Recorded monitor: DP-2");
     EXPECT_GT(window->height(), height);
-    display->setPlace({ 0, 0 }, "DP-1");
+    display->setReport({ .name = "DP-1" });
     emit qGuiApp->screenAdded(QGuiApplication::primaryScreen());
     EXPECT_EQ(line.text(), "Recorded monitor: DP-1");
-    display->setPlace({}, {});
+    display->setReport({});
     window->reloadData();
     EXPECT_FALSE(line.isVisible());
     EXPECT_EQ(window->height(), height);
