@@ -9,6 +9,8 @@ namespace vornic {
 
 QString helpCopy(const QString &document)
 {
+    if (document.isEmpty())
+        return {};
     const QDir caches(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
     const QDir folder(caches.filePath(QStringLiteral("com.kavlor.vornic")));
     // It also holds recordings, which are nobody else's business.

@@ -144,7 +144,7 @@ TEST_F(DelegateTest, TheStartSequenceHasItsOrder)
 
 TEST_F(DelegateTest, AnswersThatEndTheStartChangeNothing)
 {
-    const QSignalSpy refused(delegate.get(), &VornicAppDelegate::recordingRefused);
+    const QSignalSpy refused(&delegate->session(), &RecordingSession::recordingRefused);
     freeBytes = 5'000'000'000;
     frontEnd.goesOn = false;
     delegate->recorded();
@@ -422,7 +422,7 @@ TEST_F(DelegateTest, AFullCacheEndsTheRecordingWithAnAlert)
 TEST_F(DelegateTest, AMissingOutputFolderIsToldBeforeTheRecording)
 {
     frontEnd.path = folder.filePath("none/movie.mp4");
-    const QSignalSpy refused(delegate.get(), &VornicAppDelegate::recordingRefused);
+    const QSignalSpy refused(&delegate->session(), &RecordingSession::recordingRefused);
     delegate->recorded();
     ASSERT_TRUE(runUntil([&] { return refused.size() == 1; }));
     EXPECT_EQ(delegate->state(), 0);
@@ -531,14 +531,14 @@ TEST_F(DelegateTest, QuittingIsAskedOnlyWhileRecording)
 
 TEST_F(DelegateTest, ConfirmedQuittingStartsTheJobAndEndsWithTheMovieComplete)
 {
-    const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);
+    const QSignalSpy ready(&delegate->session(), &RecordingSession::readyToTerminate);
     delegate->recorded();
     ASSERT_TRUE(runUntilGrabbed(4));
     EXPECT_TRUE(delegate->windowShouldClose());
     EXPECT_FALSE(delegate->bufferMgr().exit());
     ASSERT_TRUE(runUntil([this] { return frontEnd.told.contains("beginProgress"); }));
     EXPECT_TRUE(ready.isEmpty());
-    delegate->terminate();
+    delegate->session().terminate();
     ASSERT_TRUE(runUntil([&] { return !ready.isEmpty(); }));
     EXPECT_EQ(delegate->state(), 0);
     EXPECT_EQ(frontEnd.told.count("beginProgress"), 1);
@@ -583,7 +583,8 @@ protected:
 TEST_F(EndingDelegateTest, APassThatWaitsToShowTheClockIsLetGo)
 {
     int ticks = 0;
-    QObject::connect(delegate.get(), &VornicAppDelegate::clockTicked, &application, [&ticks] { ++ticks; });
+    QObject::connect(
+        &delegate->session(), &RecordingSession::clockTicked, &application, [&ticks] { ++ticks; });
     const int before = display->grabCount();
     endDuringAPass([&] { return display->grabCount() > before; });
     EXPECT_EQ(ticks, 0);
@@ -602,8 +603,8 @@ TEST_F(EndingDelegateTest, APassThatWaitsToTellOfAFullDiskIsLetGo)
 
 TEST_F(DelegateTest, TerminatingWhenIdleIsAtOnce)
 {
-    const QSignalSpy ready(delegate.get(), &VornicAppDelegate::readyToTerminate);
-    delegate->terminate();
+    const QSignalSpy ready(&delegate->session(), &RecordingSession::readyToTerminate);
+    delegate->session().terminate();
     EXPECT_EQ(ready.size(), 1);
 }
 

@@ -59,6 +59,7 @@ public:
     {
         return m_phase == Phase::Capturing || m_phase == Phase::Writing;
     }
+    [[nodiscard]] bool isCapturing() const { return m_phase == Phase::Capturing; }
     /// Of the recordings that begin from now on.
     [[nodiscard]] RecordingWishes &wishes() { return m_wishes; }
     /// The one that runs or ran last.

@@ -246,10 +246,10 @@ void MainWindow::connectLogo()
 void MainWindow::connectStart()
 {
     connect(m_ui->recordButton, &QAbstractButton::clicked, this, &MainWindow::pressRecordButton);
-    connect(&m_delegate, &VornicAppDelegate::clockTicked, this, &MainWindow::showClock);
+    connect(&m_delegate.session(), &RecordingSession::clockTicked, this, &MainWindow::showClock);
     for (const auto changed : { &QGuiApplication::screenAdded, &QGuiApplication::screenRemoved })
         connect(qGuiApp, changed, this, &MainWindow::showMonitor);
-    connect(&m_delegate, &VornicAppDelegate::pausedChanged, this, [this] { showClock(m_clock); });
+    connect(&m_delegate.session(), &RecordingSession::pausedChanged, this, [this] { showClock(m_clock); });
     connect(m_ui->unfinishedLine, &UnfinishedLine::roomChanged, this, [this] {
         fitContents();
         keepOffRecorded();
@@ -444,7 +444,7 @@ void MainWindow::reloadData()
     m_ui->mLogoFontStrokeColorWell->setEnabled(font);
     m_ui->logoImageView->setEnabled(m_delegate.allowedEditLogo() && !font);
     const bool recording = m_delegate.isRecording();
-    const bool captures = m_delegate.isCapturing();
+    const bool captures = m_delegate.session().isCapturing();
     m_ui->recordButton->setEnabled(captures || !recording);
     m_ui->recordButton->setStops(captures);
     if (captures && !m_shownRecording)
@@ -463,7 +463,7 @@ void MainWindow::reloadData()
 
 void MainWindow::pressRecordButton()
 {
-    if (m_delegate.isCapturing())
+    if (m_delegate.session().isCapturing())
         m_delegate.stopRecord();
     else
         m_delegate.recorded();
@@ -471,10 +471,10 @@ void MainWindow::pressRecordButton()
 
 void MainWindow::showClock(qint64 timestamp)
 {
-    if (!m_delegate.isCapturing())
+    if (!m_delegate.session().isCapturing())
         return;
     m_clock = timestamp;
-    const std::optional<std::int64_t> left = m_delegate.secondsLeft(timestamp);
+    const std::optional<std::int64_t> left = m_delegate.session().recording().secondsLeft(timestamp);
     const QString clock = left ? timeLeftText(*left) : stringFromeTimestamp(timestamp);
     const QString text
         = m_delegate.isPaused() ? tr("Sto&p   %1, paused").arg(clock) : tr("Sto&p   %1").arg(clock);
@@ -525,7 +525,7 @@ void MainWindow::record(bool fullDisplay, const QString &file)
     if (file.isEmpty())
         m_delegate.recorded();
     else
-        m_delegate.recordNow(file);
+        m_delegate.session().recordNow(file);
 }
 
 void MainWindow::showAbout()

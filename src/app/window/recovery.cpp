@@ -39,7 +39,7 @@ Recovery::Recovery(VornicAppDelegate &delegate, WindowQuestions &questions, Main
     connect(&m_sheet, &UnfinishedSheet::movieAsked, this, &Recovery::makeMovie);
     connect(&m_sheet, &UnfinishedSheet::deletionAsked, this, &Recovery::askToDelete);
     connect(&delegate, &VornicAppDelegate::stateChanged, this, &Recovery::followSession);
-    connect(&delegate, &VornicAppDelegate::recordingRefused, this, &Recovery::followSession);
+    connect(&delegate.session(), &RecordingSession::recordingRefused, this, &Recovery::followSession);
     showRecordings();
 }
 
@@ -98,7 +98,7 @@ void Recovery::writeMovie(const QString &id, const QString &file)
             return;
         m_isWriting = true;
         m_recordings.forget(id);
-        m_delegate.recover(id, file);
+        m_delegate.session().recover(id, file);
     });
 }
 

@@ -77,9 +77,9 @@ WindowProgram::WindowProgram(QApplication &application,
     connect(&signalled, &UnixSignals::terminationAsked, this, &WindowProgram::endUnattended);
     connect(&signalled, &UnixSignals::leaveAsked, this, [this] {
         m_frontEnd.questions().end();
-        m_delegate.leave();
+        session().leave();
     });
-    connect(&signalled, &UnixSignals::pauseAsked, &m_delegate, &VornicAppDelegate::pauseOrResume);
+    connect(&signalled, &UnixSignals::pauseAsked, &session(), &RecordingSession::pauseOrResume);
     connect(&instance, &SingleInstance::activated, this, [this] { perform({}, {}); });
     connect(&instance,
             &SingleInstance::actionAsked,
@@ -88,13 +88,13 @@ WindowProgram::WindowProgram(QApplication &application,
     instance.setActionCheck([this](const QString &action) {
         const bool can = canPerform(action);
         // Whoever asked in a menu of the desktop reads no refusal, but what is in the way.
-        if (!can && !m_delegate.isCapturing() && !m_frontEnd.questions().onlyTells())
+        if (!can && !session().isCapturing() && !m_frontEnd.questions().onlyTells())
             m_frontEnd.windows().bringMainWindowToFront();
         return can;
     });
     connect(m_key.get(), &GlobalKey::pressed, this, &WindowProgram::toggle);
     connect(m_key.get(), &GlobalKey::answered, this, &WindowProgram::keyAnswered);
-    connect(m_pauseKey.get(), &GlobalKey::pressed, &m_delegate, &VornicAppDelegate::pauseOrResume);
+    connect(m_pauseKey.get(), &GlobalKey::pressed, &session(), &RecordingSession::pauseOrResume);
     listenForKeys();
     followSession(application);
 }
@@ -118,8 +118,8 @@ void WindowProgram::launch()
     m_window->setLevelWatch(m_levelWatch.get());
     m_frontEnd.setWindow(m_window.get(), [this] { m_delegate.stopRecord(); });
     m_recovery = std::make_unique<Recovery>(m_delegate, m_frontEnd.questions(), *m_window);
-    m_frontEnd.progress().setPause([this] { m_delegate.pauseOrResume(); });
-    m_frontEnd.movie().setLater([this] { m_delegate.later(); });
+    m_frontEnd.progress().setPause([this] { session().pauseOrResume(); });
+    m_frontEnd.movie().setLater([this] { session().later(); });
     m_frontEnd.movie().setKept([this] { m_recovery->recordingKept(); });
     m_overlay.window()->setWindowAbove(m_window.get());
     m_window->setFrameIsExact([this] { return m_overlay.window()->isExact(); });
@@ -130,7 +130,7 @@ void WindowProgram::launch()
 void WindowProgram::connectWindow()
 {
     MainWindow *const window = m_window.get();
-    connect(window, &MainWindow::closed, &m_delegate, &VornicAppDelegate::terminate);
+    connect(window, &MainWindow::closed, &session(), &RecordingSession::terminate);
     connect(window, &MainWindow::selectOnScreenAsked, this, &WindowProgram::selectOnScreen);
     connect(window, &MainWindow::openAsked, this, [this](const QString &path) {
         m_frontEnd.desktop().open(path);
@@ -152,15 +152,15 @@ void WindowProgram::connectWindow()
 
 void WindowProgram::followSession(QApplication &application)
 {
-    connect(&m_delegate,
-            &VornicAppDelegate::readyToTerminate,
+    connect(&session(),
+            &RecordingSession::readyToTerminate,
             &application,
             &QCoreApplication::quit,
             Qt::QueuedConnection);
     // The session is about to end: the window goes on until it is told to end, as the user may think better of it, but
     // the options are kept now, and a recording that waits for an answer is not held up.
     connect(&application, &QGuiApplication::commitDataRequest, this, [this] {
-        m_delegate.saveOptions();
+        m_delegate.applicationWillTerminate();
         m_frontEnd.questions().dismiss();
     });
     application.installEventFilter(this);
@@ -170,7 +170,7 @@ void WindowProgram::followSession(QApplication &application)
 void WindowProgram::endUnattended()
 {
     m_frontEnd.questions().end();
-    m_delegate.terminate();
+    session().terminate();
 }
 
 /// The end of the session comes as the application's own end does, which would ask while a recording runs.
@@ -197,7 +197,7 @@ int WindowProgram::run(const QString &action, const QString &file)
 int WindowProgram::endWithoutDisplay()
 {
     m_delegate.applicationWillTerminate();
-    const QString id = m_delegate.leaveRecording();
+    const QString id = session().leaveRecording();
     if (id.isEmpty()) {
         logMessage(tr("The display is gone."));
         return 1;
@@ -231,21 +231,22 @@ bool WindowProgram::canPerform(const QString &action) const
     if (action == QLatin1StringView(toggleAction))
         return canToggle();
     if (action == QLatin1StringView(stopAction))
-        return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || isCountingDown;
+        return session().isCapturing() || session().awaitsDisplay() || isCountingDown;
     if (action == QLatin1StringView(pauseAction))
-        return m_delegate.mayPause();
+        return session().mayPause();
     return canStart();
 }
 
 bool WindowProgram::canToggle() const
 {
-    return m_delegate.isCapturing() || m_delegate.awaitsDisplay() || m_frontEnd.questions().isCountingDown()
+    return session().isCapturing() || session().awaitsDisplay() || m_frontEnd.questions().isCountingDown()
         || canStart();
 }
 
 bool WindowProgram::canStart() const
 {
-    return m_delegate.isIdle() && !m_selection && m_frontEnd.questions().onlyTells();
+    return session().phase() == RecordingSession::Phase::Idle && !m_selection
+        && m_frontEnd.questions().onlyTells();
 }
 
 /// What only tells something is not in the way: it is put aside, as it must not be in the movie.
@@ -271,10 +272,10 @@ void WindowProgram::perform(const QString &action, const QString &file)
         return;
     }
     if (action == QLatin1StringView(pauseAction)) {
-        m_delegate.pauseOrResume();
+        session().pauseOrResume();
         return;
     }
-    if (m_delegate.isCapturing()) {
+    if (session().isCapturing()) {
         // The window would be in the movie.
         m_frontEnd.progress().pointAtStopItem();
         return;
@@ -290,12 +291,12 @@ void WindowProgram::toggle()
 {
     if (!canToggle())
         return;
-    if (m_delegate.isCapturing() || m_delegate.awaitsDisplay())
+    if (session().isCapturing() || session().awaitsDisplay())
         m_delegate.stopRecord();
     else if (m_frontEnd.questions().isCountingDown())
         m_frontEnd.questions().cancelCountdown();
     else
-        start([this] { m_delegate.recordNow(); });
+        start([this] { session().recordNow(); });
 }
 
 /// The first trouble is told. A key that is to do both does what the first one does.

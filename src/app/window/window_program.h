@@ -46,6 +46,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    [[nodiscard]] RecordingSession &session() const { return m_delegate.session(); }
     void launch();
     void followSession(QApplication &application);
     void endUnattended();

@@ -336,7 +336,7 @@ TEST_F(MainWindowTest, ItemsBearTheProductsName)
 TEST_F(MainWindowTest, TheRecordButtonRecordsAndTheQuitItemCloses)
 {
     frontEnd.path.reset();
-    const QSignalSpy refused(&delegate, &VornicAppDelegate::recordingRefused);
+    const QSignalSpy refused(&delegate.session(), &RecordingSession::recordingRefused);
     QTest::keyClick(&widget("recordButton"), Qt::Key_Space);
     EXPECT_EQ(refused.size(), 1);
     window->record(true);

@@ -97,7 +97,7 @@ TEST_F(LevelTest, WhileSomethingIsRecordedTheInputIsOpenForThatAlone)
     control<VNCheckCell>("chkEnableAudio").click();
     EXPECT_EQ(watch.device(), "Microphone");
     delegate.recorded();
-    ASSERT_TRUE(test::waitUntil([this] { return delegate.isCapturing(); }));
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.session().isCapturing(); }));
     EXPECT_EQ(watch.device(), QString());
     delegate.stopRecord();
     ASSERT_TRUE(test::waitUntil([this] { return !delegate.isRecording(); }));
@@ -240,7 +240,7 @@ TEST_F(MainWindowTest, TheButtonForTheScreenAsks)
 TEST_F(MainWindowTest, EnterPressesTheButtonWithTheFocus)
 {
     frontEnd.path.reset();
-    const QSignalSpy refused(&delegate, &VornicAppDelegate::recordingRefused);
+    const QSignalSpy refused(&delegate.session(), &RecordingSession::recordingRefused);
     EXPECT_EQ(window->focusWidget(), &widget("recordButton"));
     QTest::keyClick(&widget("recordButton"), Qt::Key_Return);
     QTest::keyClick(&widget("recordButton"), Qt::Key_Enter, Qt::KeypadModifier);
@@ -351,16 +351,16 @@ protected:
 TEST_F(RecordingWindowTest, TheClockStandsWhileTheRecordingIsPaused)
 {
     recordButton().click();
-    ASSERT_TRUE(test::waitUntil([this] { return delegate.mayPause(); }));
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.session().mayPause(); }));
     const QSize size = window->size();
-    delegate.pauseOrResume();
+    delegate.session().pauseOrResume();
     EXPECT_TRUE(recordButton().text().endsWith(", paused")) << recordButton().text().toStdString();
     EXPECT_TRUE(isStop());
     EXPECT_EQ(delegate.state(), 1);
     EXPECT_EQ(window->size(), size);
-    delegate.pauseOrResume();
+    delegate.session().pauseOrResume();
     EXPECT_FALSE(recordButton().text().endsWith(", paused"));
-    delegate.pauseOrResume();
+    delegate.session().pauseOrResume();
     QTest::keyClick(&recordButton(), Qt::Key_Return);
     ASSERT_TRUE(test::waitUntil([this] { return !delegate.isRecording(); }));
     EXPECT_EQ(recordButton().text(), "&Record");
@@ -370,7 +370,7 @@ TEST_F(RecordingWindowTest, TheButtonStopsWhileTheScreenIsTaken)
 {
     window->showStatus("Of the recording before.");
     recordButton().click();
-    ASSERT_TRUE(test::waitUntil([this] { return delegate.isCapturing(); }));
+    ASSERT_TRUE(test::waitUntil([this] { return delegate.session().isCapturing(); }));
     EXPECT_TRUE(isStop());
     EXPECT_TRUE(recordButton().isEnabled());
     EXPECT_FALSE(recordButton().accessibleName().isEmpty());

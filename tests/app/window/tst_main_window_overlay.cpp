@@ -113,7 +113,7 @@ TEST_F(MainWindowOverlayTest, ItIsDrawnAgainWhenARecordingBeginsAndEnds)
     launch(1, false);
     const auto inside = [this] { return controller.recorderView()->grab().toImage().pixelColor(150, 100); };
     QSignalSpy redrawn(controller.recorderView(), &VNRecoderView::redrawn);
-    delegate->recordNow(folder.filePath("movie.mp4"));
+    delegate->session().recordNow(folder.filePath("movie.mp4"));
     EXPECT_GT(redrawn.size(), 0) << "before anything else happens";
     EXPECT_EQ(inside().alpha(), 0) << "the tint is gone";
     ASSERT_TRUE(test::waitUntil([&] { return delegate->counts().framesGrabbed > 0; }));

@@ -268,7 +268,7 @@ TEST_F(RecoveryTest, NothingIsDoneWithThemWhileAnotherRuns)
     start();
     frontEnd.path = folder.filePath("new.mp4");
     delegate.recorded();
-    ASSERT_TRUE(waitUntil([&] { return delegate.isCapturing(); }));
+    ASSERT_TRUE(waitUntil([&] { return delegate.session().isCapturing(); }));
     EXPECT_FALSE(button("makeMovieButton").isEnabled());
     EXPECT_FALSE(button("deleteUnfinishedButton").isEnabled());
     control<QAction>("mUnfinished").trigger();
@@ -289,7 +289,7 @@ TEST_F(RecoveryTest, AMovieThatIsPutOffIsToldOf)
     frontEnd.onKept = [this] { recovery->recordingKept(); };
     delegate.recorded();
     ASSERT_TRUE(waitUntil([&] { return delegate.counts().framesGrabbed > 3; }));
-    frontEnd.onProgress = [this] { delegate.later(); };
+    frontEnd.onProgress = [this] { delegate.session().later(); };
     delegate.stopRecord();
     ASSERT_TRUE(waitUntil([&] { return line().isVisible(); }));
     EXPECT_TRUE(frontEnd.alerts.isEmpty()) << frontEnd.alerts.join('\n').toStdString();
