@@ -109,6 +109,16 @@ def check_times(movie, stage, pauses, parts, late):
     return largest
 
 
+def check_key_frames(movie, stage, pauses, parts, keys):
+    """A number that stood on the screen through a whole pause may have been recorded before it, at the end of another part."""
+    times = stage.times()
+    for number, part in enumerate(parts):
+        earlier = [index for index in part if number and times[movie.numbers[index]] < pauses[number - 1].seen]
+        first = part[:len(earlier) + 1]
+        if first and min(abs(movie.times[index] - key) for index in first for key in keys) > 0.001:
+            raise Failure(f"part {number} does not begin with a key frame")
+
+
 def check_movie(path, recorder, stage, end):
     """What the movie says of itself, for the table."""
     movie = crash.Movie(path)
@@ -117,10 +127,7 @@ def check_movie(path, recorder, stage, end):
     if sum(bool(part) for part in parts) < len(recorder.pauses) * 0.7:
         raise Failure(f"of {len(recorder.pauses) + 1} parts most are missing")
     largest = check_times(movie, stage, recorder.pauses, parts, late)
-    keys = key_frames(path)
-    for number, part in enumerate(parts):
-        if part and min(abs(movie.times[part[0]] - key) for key in keys) > 0.001:
-            raise Failure(f"part {number} does not begin with a key frame")
+    check_key_frames(movie, stage, recorder.pauses, parts, key_frames(path))
     if movie.audio_seconds is not None and abs(movie.audio_seconds - movie.times[-1]) > 0.25 + late + crash.PERIOD:
         raise Failure(f"sound and picture end {abs(movie.audio_seconds - movie.times[-1]):.2f} s apart")
     last = stage.times()[movie.numbers[-1]]
