@@ -47,7 +47,7 @@ double oddSeconds(test::FuzzRandom &random, double now)
         return random.below(1'000'000);
     default:
         // A gap is encoded as silence, and takes as long as sound.
-        return now + random.below(100) / (random.below(100) == 0 ? 50.0 : 5000.0);
+        return now + random.below(100) / (random.below(200) == 0 ? 50.0 : 20'000.0);
     }
 }
 
@@ -88,7 +88,7 @@ QByteArray archive(test::FuzzRandom &random, double now)
     QCborMap map;
     // Most of the time goes into encoding what was taken, and noise takes the longest; a few chunks are as long as
     // real ones.
-    const QByteArray noise = random.bytes(random.below(16) == 0 ? 4000 : 200);
+    const QByteArray noise = random.bytes(random.below(64) == 0 ? 4000 : 200);
     map[chunkDataKey] = random.below(8) == 0 ? noise : QByteArray(noise.size(), 'v');
     if (random.below(3) == 0)
         map[sameFormatKey] = qint64 { checksumOf(defaultAudioStreamBasicDescription()) };
