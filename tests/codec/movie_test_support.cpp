@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QGuiApplication>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QThread>
@@ -13,6 +14,7 @@
 #include <QtEndian>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstring>
@@ -29,7 +31,7 @@ QByteArray quoted(const QString &word)
 
 /// Through the C library and not QProcess, whose children run on in the parent's memory for a moment, which
 /// the thread sanitizer does not survive.
-QByteArray outputOf(const QString &program, const QStringList &arguments)
+QByteArray freshOutputOf(const QString &program, const QStringList &arguments)
 {
     QByteArray command = program.toLocal8Bit();
     for (const QString &argument : arguments)
@@ -45,6 +47,32 @@ QByteArray outputOf(const QString &program, const QStringList &arguments)
     while (const std::size_t length = std::fread(block.data(), 1, block.size(), pipe))
         output.append(block.data(), static_cast<qsizetype>(length));
     EXPECT_EQ(::pclose(pipe), 0) << command.toStdString();
+    return output;
+}
+
+/// Another one once the file has been written again, or another has taken its name.
+QByteArray versionOf(const QString &file)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(file).constData(), &status) != 0)
+        return {};
+    return QByteArray::number(status.st_ino) + ' ' + QByteArray::number(status.st_size) + ' '
+        + QByteArray::number(status.st_mtim.tv_sec) + ' ' + QByteArray::number(status.st_mtim.tv_nsec);
+}
+
+/// What \a program says of \a movie. Asked the same again, while the movie is the same, it does not run once more: its
+/// libraries alone take a tenth of a second to load, and a test asks for one thing after the other.
+QByteArray outputOf(const QString &program, const QStringList &arguments, const QString &movie)
+{
+    static QHash<QByteArray, QByteArray> outputs;
+    constexpr qsizetype maxKept = 1 << 22;
+    const QByteArray version = versionOf(movie);
+    const QByteArray key = (QStringList(program) + arguments).join(u'\n').toUtf8() + '\n' + version;
+    if (const auto known = outputs.constFind(key); known != outputs.cend())
+        return *known;
+    const QByteArray output = freshOutputOf(program, arguments);
+    if (!version.isEmpty() && !output.isEmpty() && output.size() <= maxKept)
+        outputs.insert(key, output);
     return output;
 }
 
@@ -184,7 +212,8 @@ QJsonObject probeShowing(const QStringList &sections, const QString &movie)
                                                    QStringLiteral("-of"),
                                                    QStringLiteral("json"),
                                                    QStringLiteral("-show_streams") }
-                                         + sections + QStringList { QStringLiteral("file:") + movie });
+                                         + sections + QStringList { QStringLiteral("file:") + movie },
+                                     movie);
     return QJsonDocument::fromJson(text).object();
 }
 
@@ -258,7 +287,8 @@ QByteArray decodedPlanes(const QString &movie)
                       QStringLiteral("rawvideo"),
                       QStringLiteral("-pix_fmt"),
                       QStringLiteral("yuv420p"),
-                      QStringLiteral("-") });
+                      QStringLiteral("-") },
+                    movie);
 }
 
 QImage decodedPicture(const QString &movie, int number, QSize size)
@@ -280,7 +310,8 @@ QImage decodedPicture(const QString &movie, int number, QSize size)
                                          QStringLiteral("rawvideo"),
                                          QStringLiteral("-pix_fmt"),
                                          QStringLiteral("bgr0"),
-                                         QStringLiteral("-") });
+                                         QStringLiteral("-") },
+                                       movie);
     if (pixels.size() != qsizetype { 4 } * size.width() * size.height()) {
         ADD_FAILURE() << "the picture has " << pixels.size() << " bytes";
         return {};
@@ -307,7 +338,8 @@ std::vector<std::int16_t> decodedSound(const QString &movie)
                                         QStringLiteral("48000"),
                                         QStringLiteral("-ac"),
                                         QStringLiteral("2"),
-                                        QStringLiteral("-") });
+                                        QStringLiteral("-") },
+                                      movie);
     std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 2);
     std::memcpy(samples.data(), bytes.constData(), samples.size() * 2);
     return samples;
