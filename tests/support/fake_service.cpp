@@ -21,12 +21,15 @@ FakeService::FakeService(const PrivateBus &bus, const QString &name)
     , m_connection(QDBusConnection::connectToBus(QString::fromLatin1(bus.address()), m_connectionName))
     , m_name(name)
 {
-    m_watcher.setConnection(m_connection);
-    m_watcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString &left) {
-        m_left += left;
-    });
-    if (!m_connection.registerVirtualObject("/", this, QDBusConnection::SubPath)
+    // Every name from the beginning, and not a caller from its call on: the bus may learn of the end of a process that
+    // is killed just then before it is asked to tell of it.
+    const bool isWatching = m_connection.connect("org.freedesktop.DBus",
+                                                 "/org/freedesktop/DBus",
+                                                 "org.freedesktop.DBus",
+                                                 "NameOwnerChanged",
+                                                 this,
+                                                 SLOT(noteOwner(QString, QString, QString)));
+    if (!isWatching || !m_connection.registerVirtualObject("/", this, QDBusConnection::SubPath)
         || !m_connection.registerService(m_name))
         qFatal("%s cannot be played", qPrintable(m_name));
 }
@@ -81,12 +84,18 @@ bool FakeService::handleMessage(const QDBusMessage &message, const QDBusConnecti
 {
     if (message.member() == marker)
         return connection.send(message.createReply());
-    m_watcher.addWatchedService(message.service());
     m_calls.push_back(message);
     const QDBusMessage answer = m_answer ? m_answer(message) : QDBusMessage();
     if (message.isReplyRequired() && answer.type() != QDBusMessage::InvalidMessage)
         connection.send(answer);
     return true;
+}
+
+void FakeService::noteOwner(const QString &name, const QString &before, const QString &now)
+{
+    Q_UNUSED(before);
+    if (now.isEmpty())
+        m_left += name;
 }
 
 QString FakeService::introspect(const QString &path) const

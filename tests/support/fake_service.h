@@ -4,7 +4,6 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusServiceWatcher>
 #include <QDBusVirtualObject>
 #include <QStringList>
 
@@ -40,17 +39,19 @@ public:
     /// Runs the event loop until all that this process has sent on \a sender before has come here, and all
     /// that was sent back has come there.
     [[nodiscard]] bool settle(const QDBusConnection &sender);
-    /// Whether \a uniqueName, the sender of a call, has left the bus; looked at from its call on.
+    /// Whether \a uniqueName, the sender of a call, has left the bus since this service came.
     [[nodiscard]] bool hasLeft(const QString &uniqueName) const { return m_left.contains(uniqueName); }
 
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
     QString introspect(const QString &path) const override;
 
+private slots:
+    void noteOwner(const QString &name, const QString &before, const QString &now);
+
 private:
     QString m_connectionName;
     QDBusConnection m_connection;
     QString m_name;
-    QDBusServiceWatcher m_watcher;
     Answer m_answer;
     std::vector<QDBusMessage> m_calls;
     QStringList m_left;
