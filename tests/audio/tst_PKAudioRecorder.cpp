@@ -5,6 +5,7 @@
 #include "base/clock.h"
 #include "base/log.h"
 #include "sound_server_test.h"
+#include "support/built_program.h"
 
 #include <QThread>
 
@@ -166,7 +167,8 @@ protected:
     }
     std::unique_ptr<ChildProcess> playTone() const
     {
-        return ChildProcess::start({ QStringLiteral(VORNIC_PLAY_SOUND), "tone", "60", "1000", "0.5" });
+        return ChildProcess::start(
+            { test::builtProgram("tests/support/vornic_play_sound"), "tone", "60", "1000", "0.5" });
     }
     QStringList logged()
     {

@@ -3,6 +3,7 @@
 #include "audio/PKAudioRecorderDelegate.h"
 #include "base/clock.h"
 #include "sound_server_test.h"
+#include "support/built_program.h"
 
 #include <QTemporaryDir>
 
@@ -207,8 +208,8 @@ TEST_P(UntrueClockTest, AnOutputOfAnOddRateIsRecordedWithoutAJump)
                                "channels=2",
                                "sink_properties='device.description=\"Odd\"'" })
                      .isEmpty());
-    const auto player
-        = ChildProcess::start({ QStringLiteral(VORNIC_PLAY_SOUND), "tone", "60", "1000", "0.5" });
+    const auto player = ChildProcess::start(
+        { test::builtProgram("tests/support/vornic_play_sound"), "tone", "60", "1000", "0.5" });
     ASSERT_TRUE(player);
     // On a busy machine the player or the server may be late by itself: that is no fault of each recording.
     constexpr double smallStep = 32.768; // -60 dBFS

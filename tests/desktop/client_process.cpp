@@ -1,5 +1,6 @@
 #include "client_process.h"
 
+#include "support/built_program.h"
 #include "support/private_bus.h"
 
 #include <QProcessEnvironment>
@@ -31,7 +32,7 @@ ClientProcess::~ClientProcess()
 
 QString ClientProcess::program()
 {
-    return QStringLiteral(DESKTOP_CLIENT);
+    return builtProgram("tests/desktop/vornic_desktop_client");
 }
 
 QString ClientProcess::nextLine()

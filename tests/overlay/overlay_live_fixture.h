@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/built_program.h"
 #include "support/line_program.h"
 #include "support/screen_painter.h"
 #include "support/test_pictures.h"
@@ -40,8 +41,8 @@ protected:
     }
     void startStage(double scaleFactor = 1)
     {
-        stage
-            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_OVERLAY_STAGE), QStringList(), scaleFactor);
+        stage = std::make_unique<LineProgram>(
+            test::builtProgram("tests/overlay/overlay_stage"), QStringList(), scaleFactor);
         ASSERT_TRUE(stage->waitForLine("ready"));
     }
     /// Another program's window, there and visible when this returns.
@@ -52,7 +53,7 @@ protected:
                                             bool isToBeSeen = true)
     {
         const QColor before = pixel(place.center());
-        auto other = std::make_unique<LineProgram>(QStringLiteral(VORNIC_DRAG_SOURCE),
+        auto other = std::make_unique<LineProgram>(test::builtProgram("tests/overlay/drag_source"),
                                                    QStringList { title,
                                                                  QString::number(place.x()),
                                                                  QString::number(place.y()),

@@ -1,3 +1,4 @@
+#include "support/built_program.h"
 #include "support/line_program.h"
 #include "support/mutter_monitor.h"
 #include "support/mutter_session.h"
@@ -37,7 +38,7 @@ protected:
         monitor = MutterMonitor::attach();
         ASSERT_TRUE(monitor);
         ASSERT_EQ(monitor->screen().size(), size);
-        window = std::make_unique<LineProgram>(QStringLiteral(VORNIC_PLAIN_WINDOW),
+        window = std::make_unique<LineProgram>(test::builtProgram("tests/overlay/plain_window"),
                                                QStringList { "Beneath", "400", "300", windowColour.name() },
                                                1,
                                                QStringLiteral("wayland"));
@@ -47,7 +48,8 @@ protected:
             return beneath.size() == QSize(400, 300) * scale;
         }));
         environment.set("VORNIC_DISPLAY", QStringLiteral("portal"));
-        stage = std::make_unique<LineProgram>(QStringLiteral(VORNIC_OVERLAY_STAGE), QStringList());
+        stage
+            = std::make_unique<LineProgram>(test::builtProgram("tests/overlay/overlay_stage"), QStringList());
         ASSERT_TRUE(stage->waitForLine("ready"));
         stage->say("set recordRegion 1");
     }

@@ -1,4 +1,5 @@
 #include "overlay/overlay_geometry.h"
+#include "support/built_program.h"
 #include "support/line_program.h"
 #include "support/sway_session.h"
 #include "support/virtual_pointer.h"
@@ -39,8 +40,8 @@ protected:
         ASSERT_TRUE(mouse);
         mouse->moveTo(aside);
         environment.set("VORNIC_DISPLAY", "fake");
-        stage
-            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_OVERLAY_STAGE), QStringList(), 1, platform);
+        stage = std::make_unique<LineProgram>(
+            test::builtProgram("tests/overlay/overlay_stage"), QStringList(), 1, platform);
         ASSERT_TRUE(stage->waitForLine("ready"));
         stage->say("set recordRegion 1");
     }
@@ -67,8 +68,8 @@ protected:
         const auto logical
             = [scale](int pixels) { return QString::number(static_cast<int>(pixels / scale)); };
         const QStringList arguments { "Beneath", logical(1200), logical(800), beneathColour.name() };
-        auto window
-            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_PLAIN_WINDOW), arguments, 1, "wayland");
+        auto window = std::make_unique<LineProgram>(
+            test::builtProgram("tests/overlay/plain_window"), arguments, 1, "wayland");
         EXPECT_TRUE(window->waitForLine("ready"));
         // It has painted, but the desktop need not have heard of it yet.
         const QString move
@@ -82,8 +83,8 @@ protected:
     [[nodiscard]] std::unique_ptr<LineProgram> startSource(const QString &file) const
     {
         const QStringList arguments { "Source", "200", "200", beneathColour.name(), file };
-        auto window
-            = std::make_unique<LineProgram>(QStringLiteral(VORNIC_PLAIN_WINDOW), arguments, 1, "wayland");
+        auto window = std::make_unique<LineProgram>(
+            test::builtProgram("tests/overlay/plain_window"), arguments, 1, "wayland");
         EXPECT_TRUE(window->waitForLine("ready"));
         const QString move = QStringLiteral("[title=\"Source\"] move absolute position 40 40");
         EXPECT_TRUE(waitUntil([&] { return desktop->command(move); }));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "movie_test_support.h"
+#include "support/built_program.h"
 #include "support/wait_until.h"
 
 #include <QDeadlineTimer>
@@ -68,7 +69,7 @@ protected:
 
     std::unique_ptr<QProcess> startVornic(const QStringList &arguments) const
     {
-        return start(QStringLiteral(VORNIC_PROGRAM), arguments);
+        return start(test::vornicProgram(), arguments);
     }
 
     /// Runs the program to its end. Where the machine that tests has little disk, recordings go on.

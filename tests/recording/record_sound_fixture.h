@@ -2,6 +2,7 @@
 
 #include "recording_fixture.h"
 #include "sound_analysis.h"
+#include "support/built_program.h"
 #include "support/sound_server.h"
 
 #include <QFile>
@@ -29,7 +30,7 @@ protected:
 
     std::unique_ptr<QProcess> play(const QStringList &what) const
     {
-        auto player = start(QStringLiteral(VORNIC_PLAY_SOUND), what);
+        auto player = start(test::builtProgram("tests/support/vornic_play_sound"), what);
         player->waitForReadyRead(20'000);
         return player;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "recording_fixture.h"
+#include "support/built_program.h"
 
 #include <QDir>
 
@@ -38,7 +39,7 @@ protected:
                                       "LC_ALL=C.UTF-8",
                                       "HOME=" + folder.path(),
                                       "PATH=" + silentLauncher() + ":" + qEnvironmentVariable("PATH"),
-                                      QStringLiteral(VORNIC_PROGRAM) }
+                                      test::vornicProgram() }
                             + arguments);
         ASSERT_TRUE(!arguments.isEmpty() || !waitForWindow("^Vornic$").isEmpty());
     }
@@ -171,7 +172,7 @@ protected:
     /// Something that moves all over the screen.
     std::unique_ptr<QProcess> startScene() const
     {
-        return start(QStringLiteral(VORNIC_SHOW_SCENE),
+        return start(test::builtProgram("tests/support/vornic_show_scene"),
                      { "video", "--below", "--fps", "30", "--seconds", "1000" });
     }
     static bool waitForFile(const QString &path)

@@ -1,4 +1,5 @@
 #include "recording_fixture.h"
+#include "support/built_program.h"
 #include "support/pseudo_terminal.h"
 
 #include <algorithm>
@@ -69,10 +70,10 @@ protected:
     {
         startServerAt({ 1280, 720 }, first);
         test::PseudoTerminal terminal;
-        const auto process = start("sh",
-                                   { "-c",
-                                     "exec " + QStringLiteral(VORNIC_PROGRAM)
-                                         + " record --ignore-low-space o.mp4 2>" + terminal.device() });
+        const auto process = start(
+            "sh",
+            { "-c",
+              "exec " + test::vornicProgram() + " record --ignore-low-space o.mp4 2>" + terminal.device() });
         ASSERT_TRUE(test::waitUntil([&] { return terminal.written().contains("00:00:00"); }));
         resizeTo(second);
         const qsizetype resized = terminal.written().size();

@@ -1,5 +1,6 @@
 #include "base/native_path.h"
 #include "program_fixture.h"
+#include "support/built_program.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -158,8 +159,8 @@ TEST_F(RecordFilesTest, ANameThatIsNotUtf8KeepsItsBytes)
     const auto record = [this](const QString &rest) {
         return start("sh",
                      { "-c",
-                       QStringLiteral(VORNIC_PROGRAM) + " record --ignore-low-space --region 0,0,64,48 "
-                           + rest + " \"$PWD/$(printf 'Gr\\366\\337e.mp4')\"" });
+                       test::vornicProgram() + " record --ignore-low-space --region 0,0,64,48 " + rest
+                           + " \"$PWD/$(printf 'Gr\\366\\337e.mp4')\"" });
     };
     const auto process = record("--duration 0.3");
     ASSERT_TRUE(process->waitForFinished());
@@ -173,7 +174,7 @@ TEST_F(RecordFilesTest, ANameThatIsNotUtf8KeepsItsBytes)
     ASSERT_EQ(::unlink(name.constData()), 0);
     const auto killed = start("sh",
                               { "-c",
-                                "exec " + QStringLiteral(VORNIC_PROGRAM)
+                                "exec " + test::vornicProgram()
                                     + " record --ignore-low-space --region 0,0,64,48"
                                       " \"$PWD/$(printf 'Gr\\366\\337e.mp4')\"" });
     QString seen;
@@ -211,7 +212,7 @@ TEST_F(RecordFilesTest, WhatIsRecordedIsItsUsersAloneAndTheMovieIsAsTheUmaskSays
 {
     const auto process = start("sh",
                                { "-c",
-                                 "umask 013; exec " + QStringLiteral(VORNIC_PROGRAM)
+                                 "umask 013; exec " + test::vornicProgram()
                                      + " record --ignore-low-space --region 0,0,64,48 o.mp4" });
     QString seen;
     ASSERT_TRUE(waitForText(*process, "00:00:0", seen)) << seen.toStdString();
@@ -243,7 +244,7 @@ TEST_F(RecordFilesTest, WhereNothingCanBeStoredNothingIsRecorded)
                   "sh",
                   "-c",
                   "mount -t tmpfs -o size=2g,nr_inodes=6 tmpfs volume && XDG_CACHE_HOME=$PWD/volume "
-                      + QStringLiteral(VORNIC_PROGRAM)
+                      + test::vornicProgram()
                       + " record --ignore-low-space --region 0,0,64,48 --duration 0.3 o.mp4" });
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 1);

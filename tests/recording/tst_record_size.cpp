@@ -1,4 +1,5 @@
 #include "recording_fixture.h"
+#include "support/built_program.h"
 
 #include <QFileInfo>
 
@@ -21,7 +22,8 @@ protected:
 
 TEST_F(RecordSizeTest, ScrollingTextEndsBeforeItIsTooMuch)
 {
-    const auto scene = start(QStringLiteral(VORNIC_SHOW_SCENE), { "scroll", "--fps", "30" });
+    const auto scene
+        = start(test::builtProgram("tests/support/vornic_show_scene"), { "scroll", "--fps", "30" });
     scene->waitForReadyRead(20'000);
     const Result result = record({ "--max-size", "1M", "--duration", "120" });
     EXPECT_EQ(result.status, 0) << result.error.toStdString();

@@ -1,5 +1,6 @@
 #include "long_recording.h"
 #include "program_fixture.h"
+#include "support/built_program.h"
 #include "support/pseudo_terminal.h"
 
 #include <QFileInfo>
@@ -34,8 +35,7 @@ protected:
     std::unique_ptr<QProcess> startInShell(const QString &shell, const QStringList &arguments) const
     {
         return start("sh",
-                     QStringList { "-c", shell + "exec \"$0\" \"$@\"", QStringLiteral(VORNIC_PROGRAM) }
-                         + arguments);
+                     QStringList { "-c", shell + "exec \"$0\" \"$@\"", test::vornicProgram() } + arguments);
     }
     static QStringList recording(const QStringList &options, const QString &file = "o.mp4")
     {
@@ -99,7 +99,7 @@ TEST_F(RecordStreamsTest, AStoppedTerminalStopsNoRecording)
     process->setProcessEnvironment(environment());
     process->setWorkingDirectory(folder.path());
     process->setStandardErrorFile(terminal.device());
-    process->start(QStringLiteral(VORNIC_PROGRAM), recording({ "--duration", "2" }));
+    process->start(test::vornicProgram(), recording({ "--duration", "2" }));
     const Result result = finish(*process);
     EXPECT_EQ(result.status, 0);
     EXPECT_GT(secondsOf(movie()), 1);

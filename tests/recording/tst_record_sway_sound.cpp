@@ -1,5 +1,6 @@
 #include "record_sway_fixture.h"
 #include "sound_analysis.h"
+#include "support/built_program.h"
 #include "support/sound_server.h"
 
 namespace vornic {
@@ -15,7 +16,8 @@ TEST_F(RecordSwayTest, FlashesAndBeepsAreInStep)
     ASSERT_TRUE(sound);
     ASSERT_FALSE(sound->addOutput("speakers", "Speakers").isEmpty());
     // More than are recorded, however long the recordings take to begin.
-    const auto player = start(QStringLiteral(VORNIC_PLAY_SOUND), { "flashes", "200", "0.7" });
+    const auto player
+        = start(test::builtProgram("tests/support/vornic_play_sound"), { "flashes", "200", "0.7" });
     ASSERT_TRUE(player->waitForReadyRead(20'000)) << player->readAllStandardError().toStdString();
     constexpr int attempts = 3;
     Distances found;

@@ -1,4 +1,5 @@
 #include "record_sound_fixture.h"
+#include "support/built_program.h"
 
 #include <QJsonArray>
 
@@ -52,7 +53,7 @@ protected:
         QProcessEnvironment variables = environment();
         variables.insert("PULSE_SINK", output);
         process->setProcessEnvironment(variables);
-        process->start(QStringLiteral(VORNIC_PLAY_SOUND),
+        process->start(test::builtProgram("tests/support/vornic_play_sound"),
                        { "tone", "120", QString::number(hertz), QString::number(amplitude) });
         process->waitForReadyRead(20'000);
         return process;

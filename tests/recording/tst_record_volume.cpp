@@ -1,4 +1,5 @@
 #include "recording_fixture.h"
+#include "support/built_program.h"
 
 #include <QRegularExpression>
 #include <QStorageInfo>
@@ -32,10 +33,15 @@ protected:
         if (!namespacesWork())
             GTEST_SKIP() << "this machine allows no mount namespaces";
         startServer();
-        scene = server->startProgram({ VORNIC_SHOW_SCENE, "scroll", "--step", "300", "--seconds", "100" });
+        scene = server->startProgram({ test::builtProgram("tests/support/vornic_show_scene"),
+                                       "scroll",
+                                       "--step",
+                                       "300",
+                                       "--seconds",
+                                       "100" });
     }
 
-    const QString program = QStringLiteral(VORNIC_PROGRAM);
+    const QString program = test::vornicProgram();
     const qint64 gibibyte = 1LL << 30;
     std::unique_ptr<test::ChildProcess> scene;
 };

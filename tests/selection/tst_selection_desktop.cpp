@@ -1,3 +1,4 @@
+#include "support/built_program.h"
 #include "support/line_program.h"
 #include "support/screen_painter.h"
 #include "support/test_pictures.h"
@@ -36,7 +37,7 @@ protected:
     void startStage(double scaleFactor = 1)
     {
         stage = std::make_unique<LineProgram>(
-            QStringLiteral(VORNIC_SELECTION_STAGE), QStringList(), scaleFactor);
+            test::builtProgram("tests/selection/selection_stage"), QStringList(), scaleFactor);
         ASSERT_TRUE(stage->waitForLine("ready"));
     }
     void start(QSize size = { 800, 600 }, double scaleFactor = 1)

@@ -1,5 +1,6 @@
 #include "support/screen_cast_portal.h"
 
+#include "support/built_program.h"
 #include "support/sway_session.h"
 #include "support/wait_until.h"
 
@@ -118,7 +119,7 @@ bool ScreenCastPortal::startPortal(Consent consent, const QString &monitor)
     return startPart(Part::Backend,
                      { libraries + "xdg-desktop-portal-wlr", "--config", settings, "--loglevel", "ERROR" },
                      [] { return isOnBus(backendService); },
-                     { QStringLiteral("LD_PRELOAD=" VORNIC_NO_GPU_FORMAT) })
+                     { "LD_PRELOAD=" + builtProgram("tests/support/libvornic_no_gpu_format.so") })
         && startPart(
                Part::Portal, { libraries + "xdg-desktop-portal" }, [] { return isOnBus(portalService); });
 }
