@@ -13,9 +13,13 @@ RECORDINGS = FOLDER + "/cache/com.kavlor.vornic/recordings/"
 
 
 def record(path, movie):
-    """Until some pictures are in the spool's file."""
+    """Until the journal tells of a picture: it does so only once that is in the spool."""
+    def size(name):
+        return sum(map(os.path.getsize, glob.glob(RECORDINGS + "*/" + name)))
     subprocess.run([path, "--record=full", movie], check=True, timeout=30)
-    wait(lambda: any(os.path.getsize(spool) > 0 for spool in glob.glob(RECORDINGS + "*/vornicvideo.tmp")))
+    wait(lambda: size("vornicvideo.tmp"))
+    journal = size("journal")
+    wait(lambda: size("journal") > journal)
 
 
 def reach(program, name):
