@@ -126,13 +126,20 @@ void PKAudioRecorder::stopRecord()
     m_deliveries.sync([] {});
 }
 
+/// A server that ends meanwhile, or has ended just before, is waited for: the session starts it again, and the recording
+/// would have no sound to its end.
 bool PKAudioRecorder::openStream()
 {
+    const double deadline = absoluteTimeSeconds() + openWait;
     const auto isDecided = [this] { return m_isLost || pa_stream_get_state(m_stream) == PA_STREAM_READY; };
-    if (connectStream() && m_connection.waitUntil(absoluteTimeSeconds() + openWait, isDecided) && !m_isLost)
-        return true;
-    closeStream();
-    return false;
+    const auto isThere = [this] { return m_control.isThere(m_deviceID); };
+    while (!connectStream() || !m_connection.waitUntil(deadline, isDecided) || m_isLost) {
+        closeStream();
+        const bool isRefused = m_connection.readyContext() || m_control.sourceOf(m_deviceID).isEmpty();
+        if (isRefused || !m_connection.waitUntil(deadline, isThere))
+            return false;
+    }
+    return true;
 }
 
 /// Waits for nothing: streamChanged() hears whether the device starts.

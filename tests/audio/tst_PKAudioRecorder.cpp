@@ -17,6 +17,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstring>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -402,6 +403,25 @@ TEST_P(AudioRecorderTest, RecordsAgainWhenTheServerHasComeBack)
     ASSERT_TRUE(waitUntil([this] { return control->deviceIDFromName("Monitor of Speakers") != 0; }));
     ASSERT_TRUE(recorder->startRecordWithFormat(defaultAudioStreamBasicDescription()));
     EXPECT_TRUE(delivers(0.3));
+}
+
+TEST_P(AudioRecorderTest, AServerThatHasJustEndedIsWaitedFor)
+{
+    if (GetParam() == SoundServer::Kind::PipeWire)
+        GTEST_SKIP() << "its start takes about as long as is waited";
+    const auto recorder = recorderOf("Monitor of Speakers");
+    server->kill();
+    std::promise<void> isCalled;
+    auto starts = std::async(std::launch::async, [&] {
+        isCalled.set_value();
+        return recorder->startRecordWithFormat(defaultAudioStreamBasicDescription());
+    });
+    isCalled.get_future().wait();
+    ASSERT_TRUE(server->restart());
+    ASSERT_FALSE(server->addOutput("speakers", "Speakers").isEmpty());
+    EXPECT_TRUE(starts.get());
+    EXPECT_TRUE(delivers(0.3));
+    recorder->stopRecord();
 }
 
 TEST_P(AudioRecorderTest, ASleepingDeviceLeavesSilenceAndTimeGoesOn)
