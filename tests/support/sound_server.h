@@ -36,6 +36,7 @@ public:
     void kill();
     /// Starts it again on the same socket, without devices; false when it does not come up.
     [[nodiscard]] bool restart();
+    [[nodiscard]] bool isRunning() const { return m_processes.back()->isRunning(); }
     void suspend();
     void resume();
 
