@@ -33,17 +33,14 @@ protected:
         if (!namespacesWork())
             GTEST_SKIP() << "this machine allows no mount namespaces";
         startServer();
-        scene = server->startProgram({ test::builtProgram("tests/support/vornic_show_scene"),
-                                       "scroll",
-                                       "--step",
-                                       "300",
-                                       "--seconds",
-                                       "100" });
+        scene = start(test::builtProgram("tests/support/vornic_show_scene"),
+                      { "scroll", "--step", "300", "--seconds", "100" });
+        ASSERT_TRUE(scene->waitForReadyRead(20'000)) << "a black screen fills no volume";
     }
 
     const QString program = test::vornicProgram();
     const qint64 gibibyte = 1LL << 30;
-    std::unique_ptr<test::ChildProcess> scene;
+    std::unique_ptr<QProcess> scene;
 };
 
 TEST_F(SmallVolumeTest, AnOutputVolumeThatFillsLeavesNoPartialFile)
