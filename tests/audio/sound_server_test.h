@@ -16,14 +16,20 @@ namespace vornic {
 class SoundServerTest : public ::testing::TestWithParam<test::SoundServer::Kind>
 {
 protected:
+    /// \a framesAtATime is how many PipeWire moves at a time, where its own number does not do.
+    explicit SoundServerTest(int framesAtATime = 0)
+        : quantum(framesAtATime)
+    {
+    }
     void SetUp() override
     {
         if (!test::SoundServer::isInstalled(GetParam()))
             GTEST_SKIP() << "this sound server is not installed";
-        server = test::SoundServer::start(GetParam());
+        server = test::SoundServer::start(GetParam(), quantum);
         ASSERT_TRUE(server);
     }
 
+    const int quantum;
     int argc = 1;
     char name[5] = "test";
     char *argv[2] = { name, nullptr };

@@ -128,6 +128,11 @@ private:
 class UntrueClockTest : public SoundServerTest
 {
 protected:
+    /// As many frames at a time as PipeWire can: of a loaded machine that calls it late it loses none then.
+    UntrueClockTest()
+        : SoundServerTest(8192)
+    {
+    }
     /// Records \a device for so many seconds.
     void record(const QString &device, double seconds)
     {
@@ -217,7 +222,7 @@ TEST_P(UntrueClockTest, AnOutputOfAnOddRateIsRecordedWithoutAJump)
     for (int attempt = 0; attempt == 0 || (attempt < 3 && largestStep >= smallStep); ++attempt) {
         collector.clear();
         record("Monitor of Odd", 12);
-        EXPECT_NEAR(collector.seconds(), ended - collector.origin(), 0.15);
+        EXPECT_NEAR(collector.seconds(), ended - collector.origin(), 0.15 + quantum / framesPerSecond);
         // The player is heard from the start on, or after a second or two.
         largestStep = largestStepSince(4, 1000);
     }

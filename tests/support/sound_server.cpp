@@ -58,8 +58,11 @@ SoundServer::SoundServer(Kind kind, int quantum)
         QDir().mkpath(path("pipewire/pipewire.conf.d"));
         QFile settings(path("pipewire/pipewire.conf.d/test.conf"));
         static_cast<void>(settings.open(QIODevice::WriteOnly));
-        settings.write("context.properties = { default.clock.min-quantum = " + QByteArray::number(quantum)
-                       + " default.clock.quantum = " + QByteArray::number(quantum) + " }\n");
+        // The last one, too: 2048 are its maximum otherwise, whatever is asked for.
+        settings.write("context.properties = {");
+        for (const char *key : { "min-quantum", "quantum", "max-quantum" })
+            settings.write(" default.clock." + QByteArray(key) + " = " + QByteArray::number(quantum));
+        settings.write(" }\n");
     }
 }
 
